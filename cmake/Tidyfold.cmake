@@ -1,0 +1,39 @@
+# One way to make a library, a program and a test, so that every one gets the same warnings.
+
+find_package(PkgConfig REQUIRED)
+
+add_library(tidyfold_warnings INTERFACE)
+target_compile_options(tidyfold_warnings INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+if(TIDYFOLD_WERROR)
+  target_compile_options(tidyfold_warnings INTERFACE -Werror)
+endif()
+if(TIDYFOLD_SANITIZE)
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=address,undefined)
+endif()
+
+# tidyfold_library(NAME [DEPENDS target...] SOURCES file...): the static library of one folder under src/.
+function(tidyfold_library name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS" ${ARGN})
+  add_library(tidyfold_${name} STATIC ${ARG_SOURCES})
+  target_include_directories(tidyfold_${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
+  target_link_libraries(tidyfold_${name} PUBLIC ${ARG_DEPENDS} PRIVATE tidyfold_warnings)
+endfunction()
+
+function(tidyfold_program name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/src)
+  target_link_libraries(${name} PRIVATE ${ARG_DEPENDS} tidyfold_warnings)
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${TIDYFOLD_PROGRAM_DIR})
+endfunction()
+
+# tidyfold_test(NAME [DEPENDS target...] SOURCES file...): one GoogleTest program, each case a CTest test.
+function(tidyfold_test name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS" ${ARGN})
+  add_executable(test_${name} ${ARG_SOURCES})
+  target_include_directories(test_${name} PRIVATE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/tests)
+  target_link_libraries(test_${name} PRIVATE ${ARG_DEPENDS} GTest::gtest GTest::gmock GTest::gtest_main
+                                             tidyfold_warnings)
+  gtest_discover_tests(test_${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
+endfunction()

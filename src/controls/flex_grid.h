@@ -1,0 +1,131 @@
+// The model of the items grid.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "controls/control.h"
+
+namespace tidyfold {
+
+// A data row keeps only what ties it to its item and how it is painted; its texts are asked for when they are
+// needed, so that a million rows cost a few bytes each.
+struct GridRow {
+  std::int32_t row_data = 0;  // the number of the item's folder
+  std::int32_t item = 0;  // the item's number in its folder, from 1; negative: the row stands for the folder
+  bool marked = false;    // what column 1 shows: "1" or "0"
+  bool bold = false;
+  Colour back_colour = system_window_background;
+};
+
+// Supplies the texts of the columns from 2 on.
+class Cell_Source {
+ public:
+  virtual ~Cell_Source() = default;
+  virtual std::string Cell_Text(const GridRow& row, int column) const = 0;
+  // The same text for sorting many rows: a view of the text, which may lie in `room`.
+  virtual std::string_view Sort_Text(const GridRow& row, int column, std::string& room) const = 0;
+};
+
+enum class Sort_Mode { String_Ascending = 7, String_Descending = 8 };
+
+// Row 0 is the header; data rows count from 1. Columns count from 0: column 0 holds the row key, column 1 the
+// mark, the rest what the cell source says. Calls that name a row or column that is not there throw
+// std::out_of_range.
+class FlexGrid : public Control {
+ public:
+  using Control::Control;
+
+  static constexpr int key_column = 0;
+  static constexpr int mark_column = 1;
+  static constexpr int first_item_column = 2;
+
+  int Rows() const { return static_cast<int>(rows_.size()) + 1; }
+  // Only ever shortens; 1 leaves the header row.
+  void Set_Rows(int rows);
+  // The most rows that the grid takes, the header included.
+  int Capacity() const { return capacity_; }
+  void Set_Capacity(int rows) { capacity_ = rows; }
+
+  int Cols() const { return static_cast<int>(headers_.size()); }
+  void Set_Cols(int columns);
+  const std::string& Header(int column) const { return headers_.at(static_cast<std::size_t>(column)); }
+  void Set_Header(int column, std::string_view text);
+  // Twips.
+  Twips Column_Width(int column) const { return widths_.at(static_cast<std::size_t>(column)); }
+  void Set_Column_Width(int column, Twips width);
+  // Moves when columns, headers or widths have changed.
+  std::uint64_t Column_Version() const { return column_version_; }
+
+  const GridRow& Row_At(int row) const { return rows_.at(static_cast<std::size_t>(row - 1)); }
+  std::string TextMatrix(int row, int column) const;
+  std::int32_t RowData(int row) const { return Row_At(row).row_data; }
+
+  // Appends a row; false when the grid can take no more.
+  bool Add_Item(const GridRow& row);
+  void Set_Mark(int row, bool marked);
+  void Set_Paint(int row, bool bold, Colour back_colour);
+  // Removes every row for which the predicate says so; the others keep their order.
+  template <class Predicate>
+  void Remove_Rows_If(Predicate&& predicate) {
+    const auto removed = std::erase_if(rows_, predicate);
+    if (removed > 0) Rows_Changed();
+  }
+  // The platform's string sort on one column, case-sensitive; rows with equal texts keep their order.
+  void Sort(int column, Sort_Mode mode);
+  // Which column the header's mark stands on (0: none) and its direction.
+  int Sort_Column() const { return sort_column_; }
+  bool Sorted_Ascending() const { return sorted_ascending_; }
+
+  // Moves whenever a row came, went, moved or changed its look.
+  std::uint64_t Row_Version() const { return row_version_; }
+
+  bool Redraw() const { return redraw_; }
+  // While off, the front end is told nothing; switching it on tells it once if anything has changed.
+  void Set_Redraw(bool redraw);
+
+  // The current cell's row, set by the front end; 0 where there is none.
+  int Row() const { return row_; }
+  void Set_Row(int row) { row_ = row; }
+  // The row under the mouse, set by the front end before it raises a mouse event; below 1: no data row.
+  int MouseRow() const { return mouse_row_; }
+  void Set_MouseRow(int row) { mouse_row_ = row; }
+
+  // Set on a selected range, a colour applies to all of it (1) or to the current cell (0).
+  int Fill_Style = 0;
+  Colour Back_Colour = system_window_background, Fore_Colour = 0;
+  Colour Back_Colour_Selected = 0, Fore_Colour_Selected = 0;
+
+  std::function<void(int button)> MouseDown;
+  // Button 1 is the left one; shift state 1 is Shift, 2 is Ctrl; x and y are twips.
+  std::function<void(int button, int shift, Twips x, Twips y)> MouseUp;
+  std::function<void()> DblClick;
+  std::function<void(int key_code)> KeyPress;
+  std::function<void(int column)> Header_Click;
+
+  const Cell_Source* cells = nullptr;
+
+ private:
+  GridRow& At(int row) { return rows_.at(static_cast<std::size_t>(row - 1)); }
+  void Rows_Changed();
+  void Columns_Changed();
+  void Tell();
+
+  std::vector<GridRow> rows_;
+  std::vector<std::string> headers_;
+  std::vector<Twips> widths_;
+  int capacity_ = 16'000'000;
+  int row_ = 0, mouse_row_ = 0;
+  int sort_column_ = 0;
+  bool sorted_ascending_ = true;
+  bool redraw_ = true;
+  bool untold_ = false;
+  std::uint64_t row_version_ = 0, column_version_ = 0;
+};
+
+// The key of a row: the folder's number as at least three digits, "-", the item's as at least five; the
+// folder part alone when the item number is negative.
+std::string Row_Key(std::int32_t folder, std::int32_t item);
+
+}  // namespace tidyfold

@@ -1,0 +1,40 @@
+// How procedures talk to the person and to the window system: message boxes, yields, today's date.
+#pragma once
+
+#include <string>
+
+#include "controls/values.h"
+
+namespace tidyfold {
+
+enum class Buttons { OK_Only = 0, OK_Cancel = 1, Yes_No_Cancel = 3, Yes_No = 4 };
+enum class Icon { None = 0, Critical = 16 };
+enum class Answer { OK = 1, Cancel = 2, Yes = 6, No = 7 };
+
+// The application's title, which a message box without a title of its own shows.
+inline constexpr const char* application_title = "Tidyfold";
+
+class Message_Box {
+ public:
+  virtual ~Message_Box() = default;
+  // Modal: returns when the person has answered. Other handlers may run meanwhile.
+  virtual Answer Show(const std::string& text, Buttons buttons = Buttons::OK_Only, Icon icon = Icon::None,
+                      const std::string& title = application_title) = 0;
+};
+
+class Events {
+ public:
+  virtual ~Events() = default;
+  // Lets other handlers run. Whatever the caller knew of trees, grids and records may have changed
+  // afterwards.
+  virtual void Do_Events() = 0;
+};
+
+class Clock {
+ public:
+  virtual ~Clock() = default;
+  // Today's date in local time, a whole day count.
+  virtual Date Today() const = 0;
+};
+
+}  // namespace tidyfold

@@ -1,0 +1,87 @@
+// The controls of the main window and of the small windows beside it, by name. Designed positions and
+// captions stand here; everything else is set by the procedures.
+#pragma once
+
+#include <array>
+#include <vector>
+
+#include "controls/flex_grid.h"
+#include "controls/tree_view.h"
+#include "controls/widgets.h"
+
+namespace tidyfold {
+
+// One member of the control array chkType; the index is the item class that the box stands for.
+struct TypeBox {
+  int index;
+  CheckBox box;
+};
+
+struct MainWindow {
+  MainWindow();
+
+  Form frmRemoveItems{"frmRemoveItems", "Tidyfold"};
+
+  TreeView trvFolders{"trvFolders"};
+  PictureBox picSlider{"picSlider"};
+  FlexGrid grdItems{"grdItems"};
+  PictureBox picSlider2{"picSlider2"};
+  Label lblCurrentFolder{"lblCurrentFolder", "Current Folder:"};
+  StatusBar sbStatusBar{"sbStatusBar"};
+
+  Frame frmOptions{"frmOptions"};
+  Line linOptions1{"linOptions1"};
+  Line linOptions2{"linOptions2"};
+  Label lblScreenOptions{"lblScreenOptions", "Screen Options"};
+  CheckBox chkMarkSubFolders{"chkMarkSubFolders", "Mark Su&b Folders"};
+  CheckBox chkCollapseFolders{"chkCollapseFolders", "Co&llapse Folders"};
+  CheckBox chkShowAllFolders{"chkShowAllFolders", "Show &All Folders"};
+  CheckBox chkShowSelectedItems{"chkShowSelectedItems", "Show Selected &Items"};
+  CheckBox chkShowUnselectedItems{"chkShowUnselectedItems", "Show U&nselected Items"};
+  CheckBox chkSelectByRow{"chkSelectByRow", "Select By &Row"};
+  Label lblProcessingOptions{"lblProcessingOptions", "Processing Options"};
+  CheckBox chkTurbo{"chkTurbo", "Tur&bo"};
+  CheckBox chkPermanentDelete{"chkPermanentDelete", "&Permanent Delete"};
+  CheckBox chkConfirmFolders{"chkConfirmFolders", "Confirm &Each Folder"};
+  CheckBox chkConfirmItems{"chkConfirmItems", "Confirm Each Ite&m"};
+  CheckBox chkDeleteFolders{"chkDeleteFolders", "&Delete Folders"};
+  Label lblFilterOptions{"lblFilterOptions", "Filter Options"};
+  CheckBox chkSelectUnread{"chkSelectUnread", "Select &Unread Items"};
+  CheckBox chkSelectDate{"chkSelectDate", "Select By Da&te"};
+  DatePicker dtpCutoffDate{"dtpCutoffDate"};
+  CheckBox chkSelectSubject{"chkSelectSubject", "Select By Sub&ject"};
+  TextBox txtSelectSubject{"txtSelectSubject"};
+  CheckBox chkMatchCase{"chkMatchCase", "Match Case"};
+  CheckBox chkMatchWord{"chkMatchWord", "Match Word"};
+  CheckBox chkSelectType{"chkSelectType", "Select By T&ype"};
+  std::array<TypeBox, 6> chkType{{{43, CheckBox{"chkType", "Mail"}},
+                                  {26, CheckBox{"chkType", "Appointments"}},
+                                  {40, CheckBox{"chkType", "Contacts"}},
+                                  {42, CheckBox{"chkType", "Journals"}},
+                                  {48, CheckBox{"chkType", "Tasks"}},
+                                  {44, CheckBox{"chkType", "Notes"}}}};
+  CommandButton cmdRun{"cmdRun", "&Clean"};
+  CommandButton cmddebug{"cmddebug", "Debug"};
+
+  MenuItem mnuRefresh{"mnuRefresh", "&Refresh"};
+  MenuItem mnuRefreshCurrent{"mnuRefreshCurrent", "Refresh &Current"};
+  MenuItem mnuClean{"mnuClean", "C&lean"};
+  MenuItem mnuQuit{"mnuQuit", "&Quit"};
+  MenuItem mnuUnmark{"mnuUnmark", "&Unmark All Folders"};
+  MenuItem mnuResetOptions{"mnuResetOptions", "&Reset Options"};
+  MenuItem mnuHelp{"mnuHelp", "&Contents"};
+  MenuItem mnuWhatsThis{"mnuWhatsThis", "&What's This?"};
+  MenuItem mnuOnlineHelp{"mnuOnlineHelp", "&Online Help"};
+  MenuItem mnuAbout{"mnuAbout", "&About Tidyfold"};
+
+  // The window that shows what start-up is doing.
+  Form frmMessageBox{"frmMessageBox", "Tidyfold"};
+  Label lblMessage{"lblMessage"};
+
+  Form frmAbout{"frmAbout", "About Tidyfold"};
+
+  // Every control of the main window that can be enabled, in tab order.
+  std::vector<Control*> controls;
+};
+
+}  // namespace tidyfold

@@ -1,0 +1,27 @@
+// Text as users see it: UTF-8, where a character is a code point.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace tidyfold {
+
+// Upper case by Unicode's simple mapping: one character becomes exactly one. Bytes that are no UTF-8 stay.
+std::string Upper_Case(std::string_view text);
+
+// Blanks only (U+0020), as the platform's trimming does; tabs and line breaks stay.
+std::string_view Trim(std::string_view text);
+std::string_view Trim_Right(std::string_view text);
+
+// The first `count` characters; never cuts one in half.
+std::string_view First_Characters(std::string_view text, std::size_t count);
+
+// Below, equal to or above 0 as `left` stands before, with or after `right`; by upper case first, then by
+// code point, so that the order is total.
+int Compare_Ignoring_Case(std::string_view left, std::string_view right);
+
+// The same text with every byte that is no UTF-8 replaced by U+FFFD.
+std::string Valid_Utf8(std::string_view text);
+
+}  // namespace tidyfold

@@ -1,0 +1,147 @@
+// The object model of a message store: the only way in which the program reads or deletes anything. Members
+// bear the names of the Outlook object model
+// (https://learn.microsoft.com/office/vba/api/overview/outlook/object-model) and are exactly those that the
+// program uses. Indexes count from 1, collections are live: their counts and positions follow what this
+// program or any other does to the store.
+//
+// Whatever cannot be done throws Automation_Error (errors/automation_error.h).
+#pragma once
+
+#include <cstdint>
+#include <limits>
+#include <memory>
+#include <string>
+
+#include "controls/values.h"
+
+namespace tidyfold {
+
+class MAPIFolder;
+class Folders;
+class Items;
+class Item;
+using MAPIFolder_Ptr = std::shared_ptr<MAPIFolder>;
+using Folders_Ptr = std::shared_ptr<Folders>;
+using Items_Ptr = std::shared_ptr<Items>;
+using Item_Ptr = std::shared_ptr<Item>;
+
+// OlObjectClass
+namespace item_class {
+inline constexpr std::int32_t appointment = 26, contact = 40, journal = 42, mail = 43, note = 44, post = 45,
+                              report = 46, task = 48, task_request = 49, task_request_update = 50,
+                              task_request_accept = 51, task_request_decline = 52, meeting_request = 53,
+                              meeting_cancellation = 54, meeting_response_negative = 55,
+                              meeting_response_positive = 56, meeting_response_tentative = 57,
+                              distribution_list = 69;
+}
+
+// OlItemType, what a folder holds by default.
+namespace item_type {
+inline constexpr std::int32_t mail = 0, appointment = 1, contact = 2, task = 3, journal = 4, note = 5;
+}
+
+// OlDefaultFolders
+inline constexpr std::int32_t default_folder_inbox = 6;
+
+// PR_SENDER_NAME as an 8-bit string.
+inline constexpr std::uint32_t sender_name_tag = 0x0C1A001E;
+
+// What Outlook stores where there is no date: 4501-01-01.
+inline constexpr Date no_date = 949998;
+
+// The message object beneath an item; it answers to MAPI property tags.
+class Mapi_Object {
+ public:
+  virtual ~Mapi_Object() = default;
+  // Empty when the property is absent.
+  virtual std::string String_Property(std::uint32_t property_tag) = 0;
+};
+
+class Item {
+ public:
+  virtual ~Item() = default;
+  virtual std::int32_t Class() = 0;
+  virtual std::string Subject() = 0;
+  virtual std::string EntryID() = 0;
+  // The first `characters` characters of the text, all of it by default.
+  virtual std::string Body(std::size_t characters = std::numeric_limits<std::size_t>::max()) = 0;
+  virtual std::shared_ptr<Mapi_Object> MAPIOBJECT() = 0;
+  // Dates are local time; no_date where there is none.
+  virtual Date ReceivedTime() = 0;
+  virtual Date LastModificationTime() = 0;
+  virtual Date DateCompleted() = 0;
+  virtual Date DueDate() = 0;
+  virtual Date End() = 0;
+  virtual bool UnRead() = 0;
+  virtual MAPIFolder_Ptr Parent() = 0;
+  // Moves the item to its store's "Deleted Items", or removes it for good when it lies there already.
+  virtual void Delete() = 0;
+  // Opens the item in a window of its own and returns at once.
+  virtual void Display() = 0;
+};
+
+class Items {
+ public:
+  virtual ~Items() = default;
+  virtual std::int32_t Count() = 0;
+  virtual Item_Ptr Item(std::int32_t index) = 0;
+  // Removes for good, by position.
+  virtual void Remove(std::int32_t index) = 0;
+};
+
+class Folders {
+ public:
+  virtual ~Folders() = default;
+  virtual std::int32_t Count() = 0;
+  virtual MAPIFolder_Ptr Item(std::int32_t index) = 0;
+  // Removes a folder with all that is in it.
+  virtual void Remove(std::int32_t index) = 0;
+};
+
+class MAPIFolder {
+ public:
+  virtual ~MAPIFolder() = default;
+  // The folder above; empty for a store's top folder.
+  virtual MAPIFolder_Ptr Parent() = 0;
+  virtual std::int32_t DefaultItemType() = 0;
+  virtual std::string EntryID() = 0;
+  virtual std::string StoreID() = 0;
+  virtual std::string Name() = 0;
+  virtual Folders_Ptr Folders() = 0;
+  virtual Items_Ptr Items() = 0;
+};
+
+class NameSpace {
+ public:
+  virtual ~NameSpace() = default;
+  // The top folders of the information stores.
+  virtual Folders_Ptr Folders() = 0;
+  virtual MAPIFolder_Ptr GetDefaultFolder(std::int32_t folder_type) = 0;
+  virtual Item_Ptr GetItemFromID(const std::string& entry_id, const std::string& store_id) = 0;
+};
+
+class Application {
+ public:
+  virtual ~Application() = default;
+  virtual std::shared_ptr<NameSpace> GetNamespace(const std::string& type) = 0;
+};
+
+// The companion that reads single properties of a message object.
+class Mapi_Utils {
+ public:
+  virtual ~Mapi_Utils() = default;
+  virtual std::string HrGetOneProp(Mapi_Object& object, std::uint32_t property_tag) = 0;
+};
+
+// Where the objects come from.
+class Automation {
+ public:
+  virtual ~Automation() = default;
+  // Attaches to what is running.
+  virtual std::shared_ptr<Application> GetObject(const std::string& path, const std::string& program) = 0;
+  // Starts it.
+  virtual std::shared_ptr<Application> CreateObject(const std::string& program) = 0;
+  virtual std::shared_ptr<Mapi_Utils> Create_Mapi_Utils(const std::string& program) = 0;
+};
+
+}  // namespace tidyfold
