@@ -1,0 +1,15 @@
+// A day that stands still until the test moves it.
+#pragma once
+
+#include "controls/interaction.h"
+
+namespace tidyfold {
+
+class Fixed_Clock : public Clock {
+ public:
+  explicit Fixed_Clock(Date day = 45000) : today(day) {}  // 2023-03-15
+  Date Today() const override { return today; }
+  Date today;
+};
+
+}  // namespace tidyfold

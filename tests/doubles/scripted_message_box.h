@@ -1,0 +1,121 @@
+// A message box that a test answers from a script. A box that the script does not expect fails the test, and
+// so does one that is expected and never shown.
+//
+//   Scripted_Message_Box box;
+//   box.Expect("Are you sure", Buttons::Yes_No, Answer::Yes);
+//   box.Expect(Exact("Done."), Buttons::OK_Only, Answer::OK, [&] { window.cmdRun.Push(); });
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <deque>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "controls/interaction.h"
+
+namespace tidyfold {
+
+// What the text of an expected box must be: a part of it, or all of it.
+struct Expected_Text {
+  Expected_Text(const char* part) : text(part) {}             // NOLINT: meant to convert
+  Expected_Text(std::string part) : text(std::move(part)) {}  // NOLINT
+  bool Fits(const std::string& shown) const {
+    return whole ? shown == text : shown.find(text) != std::string::npos;
+  }
+  std::string text;
+  bool whole = false;
+};
+
+inline Expected_Text Exact(std::string text) {
+  Expected_Text expected(std::move(text));
+  expected.whole = true;
+  return expected;
+}
+
+class Scripted_Message_Box : public Message_Box {
+ public:
+  struct Shown {
+    std::string text;
+    Buttons buttons;
+    Icon icon;
+    std::string title;
+  };
+
+  Scripted_Message_Box() = default;
+  Scripted_Message_Box(const Scripted_Message_Box&) = delete;
+  Scripted_Message_Box& operator=(const Scripted_Message_Box&) = delete;
+  ~Scripted_Message_Box() override { Verify(); }
+
+  // Boxes come in the order in which they are expected. The action runs while the box is open, as a handler
+  // does that the box's own event loop lets through.
+  void Expect(Expected_Text text, Buttons buttons, Answer answer, std::function<void()> while_open = {}) {
+    script_.push_back({std::move(text), buttons, answer, std::move(while_open)});
+  }
+
+  // From now on a box that the script does not expect is answered Yes or OK instead of failing the test.
+  void Answer_Anything() { answer_anything_ = true; }
+
+  // Every box so far.
+  const std::vector<Shown>& Boxes() const { return shown_; }
+  int Count(std::string_view part) const {
+    int count = 0;
+    for (const Shown& box : shown_) count += box.text.find(part) != std::string::npos ? 1 : 0;
+    return count;
+  }
+
+  // Fails the test when expected boxes have not been shown, and forgets them.
+  void Verify() {
+    for (const Step& step : script_) ADD_FAILURE() << "Expected message box not shown: " << step.text.text;
+    script_.clear();
+  }
+
+  Answer Show(const std::string& text, Buttons buttons, Icon icon, const std::string& title) override {
+    shown_.push_back({text, buttons, icon, title});
+    if (script_.empty() || (answer_anything_ && !script_.front().text.Fits(text))) {
+      if (answer_anything_) return Consenting(buttons);
+      ADD_FAILURE() << "Unexpected message box: " << text;
+      return Refusing(buttons);
+    }
+    const Step step = std::move(script_.front());
+    script_.pop_front();
+    if (!step.text.Fits(text)) {
+      ADD_FAILURE() << "Message box: " << text << "\nExpected: " << step.text.text;
+      return Refusing(buttons);
+    }
+    EXPECT_EQ(buttons, step.buttons) << "Buttons of: " << text;
+    if (step.while_open) step.while_open();
+    return step.answer;
+  }
+
+ private:
+  struct Step {
+    Expected_Text text;
+    Buttons buttons;
+    Answer answer;
+    std::function<void()> while_open;
+  };
+
+  static Answer Consenting(Buttons buttons) {
+    return buttons == Buttons::Yes_No || buttons == Buttons::Yes_No_Cancel ? Answer::Yes : Answer::OK;
+  }
+  static Answer Refusing(Buttons buttons) {
+    switch (buttons) {
+      case Buttons::Yes_No:
+        return Answer::No;
+      case Buttons::OK_Only:
+        return Answer::OK;
+      default:
+        return Answer::Cancel;
+    }
+  }
+
+  std::deque<Step> script_;
+  std::vector<Shown> shown_;
+  bool answer_anything_ = false;
+};
+
+}  // namespace tidyfold
