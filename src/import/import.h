@@ -1,0 +1,67 @@
+// Brings mail and calendar data that other programs wrote into a store.
+#pragma once
+
+#include <cstdint>
+#include <exception>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "outlook/store_writer.h"
+
+namespace tidyfold {
+
+// A source that cannot be imported. The text names the file and says what to do about it.
+class Import_Error : public std::exception {
+ public:
+  explicit Import_Error(std::string text) : text_(std::move(text)) {}
+  const char* what() const noexcept override { return text_.c_str(); }
+
+ private:
+  std::string text_;
+};
+
+// An item that was found and could not be read.
+struct Import_Failure {
+  std::string where;  // its file, or its folder and position
+  std::string why;
+};
+
+struct Import_Report {
+  std::string source;
+  std::int64_t found = 0;  // always imported + failed
+  std::int64_t imported = 0;
+  std::int64_t failed = 0;
+  std::vector<Import_Failure> failures;
+  // The progress callback said no: the store is as it was, and the counts are 0.
+  bool cancelled = false;
+};
+
+enum class Source_Kind { Pst, Mbox, Maildir, Eml };  // Pst: PST, OST and PAB
+
+// Takes the number of items found so far, and of all items where that is known. Returns false to cancel.
+// Called on the importing thread, every 10 to 20 ms.
+using Import_Progress = std::function<bool(std::int64_t found, std::optional<std::int64_t> total)>;
+
+struct Import_Options {
+  // The folder that mbox, Maildir and EML go into, by names from below the top folder down; created when
+  // missing. Empty names stand for the top folder itself, none for a folder named after the source.
+  // A PST brings its own tree.
+  std::optional<std::vector<std::string>> folder_path;
+  Import_Progress progress;  // may be empty
+};
+
+// Tells by content, never by name. Throws Import_Error where the source is missing, empty or none of them.
+Source_Kind Detect_Source(const std::filesystem::path& source);
+
+// Imports one source, all of it between one Begin and one Commit: after an error or a cancel the store is as
+// it was. Single items that cannot be read are counted and named in the report, and the rest goes in. Throws
+// Import_Error where the source as a whole cannot be read, Automation_Error where the store cannot be
+// written.
+Import_Report Import_Source(const std::filesystem::path& source, Store_Writer& writer,
+                            const Import_Options& options = {});
+
+}  // namespace tidyfold
