@@ -1,0 +1,200 @@
+#include "stores/faulty/faulty_automation.h"
+
+#include <functional>
+#include <optional>
+#include <utility>
+
+namespace tidyfold {
+
+namespace {
+
+// The EntryID behind a decorated object, read when it is first wanted and then kept: an object that is gone
+// by the time of a later call can still be told by it.
+class Identity {
+ public:
+  Identity() = default;
+  explicit Identity(MAPIFolder_Ptr folder)
+      : state_(std::make_shared<State>(State{std::move(folder), nullptr, {}})) {}
+  explicit Identity(Item_Ptr item) : state_(std::make_shared<State>(State{nullptr, std::move(item), {}})) {}
+
+  std::string operator()() const {
+    if (state_ == nullptr) return {};
+    if (!state_->known) {
+      try {
+        state_->known = state_->folder != nullptr ? state_->folder->EntryID() : state_->item->EntryID();
+      } catch (const Automation_Error&) {
+        // The caller's own call meets the same failure and reports it.
+        return {};
+      }
+    }
+    return *state_->known;
+  }
+
+ private:
+  struct State {
+    MAPIFolder_Ptr folder;
+    Item_Ptr item;
+    std::optional<std::string> known;
+  };
+  std::shared_ptr<State> state_;
+};
+
+template <class Interface>
+class Decorated : public Interface {
+ public:
+  Decorated(std::shared_ptr<Interface> inner, Fault_Plan& plan, Identity identity)
+      : inner_(std::move(inner)), plan_(plan), identity_(std::move(identity)) {}
+
+  Interface& Inner() { return *inner_; }
+
+ protected:
+  Interface& Call(const char* member, std::int32_t index = 0) {
+    plan_.Before(member, index, std::cref(identity_));
+    return *inner_;
+  }
+  const Identity& Same_Identity() const { return identity_; }
+  Fault_Plan& Plan() const { return plan_; }
+
+ private:
+  std::shared_ptr<Interface> inner_;
+  Fault_Plan& plan_;
+  Identity identity_;
+};
+
+// What is not there stays so.
+template <class Wrapper, class Interface>
+std::shared_ptr<Interface> Decorate(std::shared_ptr<Interface> inner, Fault_Plan& plan, Identity identity) {
+  if (inner == nullptr) return nullptr;
+  return std::make_shared<Wrapper>(std::move(inner), plan, std::move(identity));
+}
+
+MAPIFolder_Ptr Decorate_Folder(const MAPIFolder_Ptr& folder, Fault_Plan& plan);
+
+class Faulty_Mapi_Object : public Decorated<Mapi_Object> {
+ public:
+  using Decorated::Decorated;
+  std::string String_Property(std::uint32_t property_tag) override {
+    return Call("Mapi_Object.String_Property").String_Property(property_tag);
+  }
+  const Identity& Its_Identity() const { return Same_Identity(); }
+};
+
+class Faulty_Item : public Decorated<Item> {
+ public:
+  using Decorated::Decorated;
+  std::int32_t Class() override { return Call("Item.Class").Class(); }
+  std::string Subject() override { return Call("Item.Subject").Subject(); }
+  std::string EntryID() override { return Call("Item.EntryID").EntryID(); }
+  std::string Body(std::size_t characters) override { return Call("Item.Body").Body(characters); }
+  std::shared_ptr<Mapi_Object> MAPIOBJECT() override {
+    return Decorate<Faulty_Mapi_Object>(Call("Item.MAPIOBJECT").MAPIOBJECT(), Plan(), Same_Identity());
+  }
+  Date ReceivedTime() override { return Call("Item.ReceivedTime").ReceivedTime(); }
+  Date LastModificationTime() override { return Call("Item.LastModificationTime").LastModificationTime(); }
+  Date DateCompleted() override { return Call("Item.DateCompleted").DateCompleted(); }
+  Date DueDate() override { return Call("Item.DueDate").DueDate(); }
+  Date End() override { return Call("Item.End").End(); }
+  bool UnRead() override { return Call("Item.UnRead").UnRead(); }
+  MAPIFolder_Ptr Parent() override { return Decorate_Folder(Call("Item.Parent").Parent(), Plan()); }
+  void Delete() override { Call("Item.Delete").Delete(); }
+  void Display() override { Call("Item.Display").Display(); }
+};
+
+Item_Ptr Decorate_Item(const Item_Ptr& item, Fault_Plan& plan) {
+  return Decorate<Faulty_Item>(item, plan, Identity(item));
+}
+
+class Faulty_Items : public Decorated<Items> {
+ public:
+  using Decorated::Decorated;
+  std::int32_t Count() override { return Call("Items.Count").Count(); }
+  Item_Ptr Item(std::int32_t index) override {
+    return Decorate_Item(Call("Items.Item", index).Item(index), Plan());
+  }
+  void Remove(std::int32_t index) override { Call("Items.Remove", index).Remove(index); }
+};
+
+class Faulty_Folders : public Decorated<Folders> {
+ public:
+  using Decorated::Decorated;
+  std::int32_t Count() override { return Call("Folders.Count").Count(); }
+  MAPIFolder_Ptr Item(std::int32_t index) override {
+    return Decorate_Folder(Call("Folders.Item", index).Item(index), Plan());
+  }
+  void Remove(std::int32_t index) override { Call("Folders.Remove", index).Remove(index); }
+};
+
+class Faulty_Folder : public Decorated<MAPIFolder> {
+ public:
+  using Decorated::Decorated;
+  MAPIFolder_Ptr Parent() override { return Decorate_Folder(Call("MAPIFolder.Parent").Parent(), Plan()); }
+  std::int32_t DefaultItemType() override { return Call("MAPIFolder.DefaultItemType").DefaultItemType(); }
+  std::string EntryID() override { return Call("MAPIFolder.EntryID").EntryID(); }
+  std::string StoreID() override { return Call("MAPIFolder.StoreID").StoreID(); }
+  std::string Name() override { return Call("MAPIFolder.Name").Name(); }
+  Folders_Ptr Folders() override {
+    return Decorate<Faulty_Folders>(Call("MAPIFolder.Folders").Folders(), Plan(), Same_Identity());
+  }
+  Items_Ptr Items() override {
+    return Decorate<Faulty_Items>(Call("MAPIFolder.Items").Items(), Plan(), Same_Identity());
+  }
+};
+
+MAPIFolder_Ptr Decorate_Folder(const MAPIFolder_Ptr& folder, Fault_Plan& plan) {
+  return Decorate<Faulty_Folder>(folder, plan, Identity(folder));
+}
+
+class Faulty_Name_Space : public Decorated<NameSpace> {
+ public:
+  using Decorated::Decorated;
+  Folders_Ptr Folders() override {
+    return Decorate<Faulty_Folders>(Call("NameSpace.Folders").Folders(), Plan(), {});
+  }
+  MAPIFolder_Ptr GetDefaultFolder(std::int32_t folder_type) override {
+    return Decorate_Folder(Call("NameSpace.GetDefaultFolder").GetDefaultFolder(folder_type), Plan());
+  }
+  Item_Ptr GetItemFromID(const std::string& entry_id, const std::string& store_id) override {
+    Plan().Before("NameSpace.GetItemFromID", 0, [&] { return entry_id; });
+    return Decorate_Item(Inner().GetItemFromID(entry_id, store_id), Plan());
+  }
+};
+
+class Faulty_Application : public Decorated<Application> {
+ public:
+  using Decorated::Decorated;
+  std::shared_ptr<NameSpace> GetNamespace(const std::string& type) override {
+    return Decorate<Faulty_Name_Space>(Call("Application.GetNamespace").GetNamespace(type), Plan(), {});
+  }
+};
+
+class Faulty_Mapi_Utils : public Decorated<Mapi_Utils> {
+ public:
+  using Decorated::Decorated;
+  std::string HrGetOneProp(Mapi_Object& object, std::uint32_t property_tag) override {
+    auto* decorated = dynamic_cast<Faulty_Mapi_Object*>(&object);
+    Plan().Before("Mapi_Utils.HrGetOneProp", 0,
+                  decorated != nullptr ? std::function<std::string()>(decorated->Its_Identity()) : nullptr);
+    // A store's own companion may look for the store's own message object.
+    return Inner().HrGetOneProp(decorated != nullptr ? decorated->Inner() : object, property_tag);
+  }
+};
+
+}  // namespace
+
+std::shared_ptr<Application> Faulty_Automation::GetObject(const std::string& path,
+                                                          const std::string& program) {
+  plan_.Before("Automation.GetObject", 0, {});
+  return Decorate<Faulty_Application>(inner_.GetObject(path, program), plan_, {});
+}
+
+std::shared_ptr<Application> Faulty_Automation::CreateObject(const std::string& program) {
+  plan_.Before("Automation.CreateObject", 0, {});
+  return Decorate<Faulty_Application>(inner_.CreateObject(program), plan_, {});
+}
+
+std::shared_ptr<Mapi_Utils> Faulty_Automation::Create_Mapi_Utils(const std::string& program) {
+  plan_.Before("Automation.Create_Mapi_Utils", 0, {});
+  return Decorate<Faulty_Mapi_Utils>(inner_.Create_Mapi_Utils(program), plan_, {});
+}
+
+}  // namespace tidyfold

@@ -1,0 +1,27 @@
+// A store whose calls fail when a test wants them to. Put over any other one; with nothing planned it is
+// transparent.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "outlook/object_model.h"
+#include "stores/faulty/fault_plan.h"
+
+namespace tidyfold {
+
+// Every object that comes out of it is decorated in turn, and so is what comes out of those. The plan must
+// outlive them all.
+class Faulty_Automation : public Automation {
+ public:
+  Faulty_Automation(Automation& inner, Fault_Plan& plan) : inner_(inner), plan_(plan) {}
+  std::shared_ptr<Application> GetObject(const std::string& path, const std::string& program) override;
+  std::shared_ptr<Application> CreateObject(const std::string& program) override;
+  std::shared_ptr<Mapi_Utils> Create_Mapi_Utils(const std::string& program) override;
+
+ private:
+  Automation& inner_;
+  Fault_Plan& plan_;
+};
+
+}  // namespace tidyfold
