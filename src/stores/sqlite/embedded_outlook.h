@@ -1,0 +1,70 @@
+// The program's own store files behind the object model: a session over a list of open stores.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "outlook/object_model.h"
+#include "stores/sqlite/embedded_store.h"
+
+namespace tidyfold {
+
+// What a window needs in order to show one item.
+struct Displayed_Item {
+  std::int32_t item_class = item_class::mail;
+  std::string entry_id, store_id;
+  std::string folder_name;
+  std::string sender;      // display name
+  std::string recipients;  // display names of the "To" line
+  std::string subject;
+  std::string body;
+  bool unread = false;
+  // Local time; no_date where there is none.
+  Date received = no_date, last_modified = no_date, completed = no_date, due = no_date, end = no_date;
+  std::int64_t size = 0;  // bytes of the whole item
+  std::vector<New_Attachment> attachments;
+  std::string raw_message;  // RFC 5322, for mail; empty where there is none
+};
+
+class Embedded_Outlook : public Automation {
+ public:
+  using Display_Callback = std::function<void(const Displayed_Item&)>;
+
+  Embedded_Outlook();
+  ~Embedded_Outlook() override;
+
+  // Adds stores behind those that are open. All of them or, with a Store_Open_Error, none. A file that is
+  // open here already, or named twice, is refused (Locked).
+  void Open(const std::vector<std::filesystem::path>& paths, Store_Mode mode = Store_Mode::Read_Write);
+  // Puts other stores in the place of those that are open; a store that stays keeps its objects. Pending
+  // changes of the stores that leave are committed first. After an error the list is as it was.
+  void Replace(const std::vector<std::filesystem::path>& paths, Store_Mode mode = Store_Mode::Read_Write);
+  // Adds a store that is open already, for instance one just made.
+  void Add(std::shared_ptr<Embedded_Store> store);
+
+  // In the order given. Empty after nothing was opened.
+  const std::vector<std::shared_ptr<Embedded_Store>>& Stores() const;
+
+  // Commits the changes of every store, also where one fails; throws the first failure's Automation_Error.
+  void Commit_Pending();
+
+  // What Item::Display calls. Without it Display throws Automation_Error (not_supported).
+  void Set_Display(Display_Callback display);
+
+  // Programs are "Outlook.Application" and "TidyDll.TidyMAPIUtils"; anything else throws Automation_Error
+  // (call_failed). Stores opened later show up in objects handed out before.
+  std::shared_ptr<Application> GetObject(const std::string& path, const std::string& program) override;
+  std::shared_ptr<Application> CreateObject(const std::string& program) override;
+  std::shared_ptr<Mapi_Utils> Create_Mapi_Utils(const std::string& program) override;
+
+  struct Session;
+
+ private:
+  std::shared_ptr<Session> session_;
+};
+
+}  // namespace tidyfold
