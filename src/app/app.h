@@ -9,7 +9,7 @@
 
 namespace tidyfold {
 
-struct FolderData_Array;
+class FolderData_Array;
 
 // Everything that the program does to one main window. All calls come from one thread; every handler may run
 // inside a yield of a longer one. The object must outlive the last of them: a front end destroys it only

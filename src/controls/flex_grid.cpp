@@ -31,6 +31,11 @@ void FlexGrid::Rows_Changed() {
   Tell();
 }
 
+void FlexGrid::Count_Marks() {
+  marked_rows_ = static_cast<int>(
+      std::count_if(rows_.begin(), rows_.end(), [](const GridRow& row) { return row.marked; }));
+}
+
 void FlexGrid::Columns_Changed() {
   ++column_version_;
   Tell();
@@ -45,6 +50,7 @@ void FlexGrid::Set_Rows(int rows) {
   if (rows >= Rows()) return;
   rows_.resize(static_cast<std::size_t>(std::max(rows - 1, 0)));
   if (row_ >= Rows()) row_ = 0;
+  Count_Marks();
   Rows_Changed();
 }
 
@@ -81,6 +87,7 @@ bool FlexGrid::Add_Item(const GridRow& row) {
   } catch (const std::bad_alloc&) {
     return false;
   }
+  marked_rows_ += row.marked ? 1 : 0;
   Rows_Changed();
   return true;
 }
@@ -89,6 +96,7 @@ void FlexGrid::Set_Mark(int row, bool marked) {
   GridRow& at = At(row);
   if (at.marked == marked) return;
   at.marked = marked;
+  marked_rows_ += marked ? 1 : -1;
   Rows_Changed();
 }
 

@@ -65,12 +65,16 @@ class FlexGrid : public Control {
   // Appends a row; false when the grid can take no more.
   bool Add_Item(const GridRow& row);
   void Set_Mark(int row, bool marked);
+  // Rows whose mark is "1".
+  int Marked_Rows() const { return marked_rows_; }
   void Set_Paint(int row, bool bold, Colour back_colour);
   // Removes every row for which the predicate says so; the others keep their order.
   template <class Predicate>
   void Remove_Rows_If(Predicate&& predicate) {
     const auto removed = std::erase_if(rows_, predicate);
-    if (removed > 0) Rows_Changed();
+    if (removed == 0) return;
+    Count_Marks();
+    Rows_Changed();
   }
   // The platform's string sort on one column, case-sensitive; rows with equal texts keep their order.
   void Sort(int column, Sort_Mode mode);
@@ -109,6 +113,7 @@ class FlexGrid : public Control {
  private:
   GridRow& At(int row) { return rows_.at(static_cast<std::size_t>(row - 1)); }
   void Rows_Changed();
+  void Count_Marks();
   void Columns_Changed();
   void Tell();
 
@@ -116,6 +121,7 @@ class FlexGrid : public Control {
   std::vector<std::string> headers_;
   std::vector<Twips> widths_;
   int capacity_ = 16'000'000;
+  int marked_rows_ = 0;
   int row_ = 0, mouse_row_ = 0;
   int sort_column_ = 0;
   bool sorted_ascending_ = true;

@@ -1,0 +1,272 @@
+#include "cache/item_cache.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "cache/item_dates.h"
+#include "cache/item_filters.h"
+#include "controls/text.h"
+
+namespace tidyfold {
+
+namespace {
+
+constexpr std::int32_t batch = 100;
+// Characters of its text that stand in the grid for an item that has no sender.
+constexpr std::size_t text_characters = 20;
+// A folder that changes faster than it can be read is not read for ever.
+constexpr int most_readings = 4;
+
+}  // namespace
+
+void Pack_Items_Array(FolderData& record) {
+  const auto begin = record.ItemCache.begin();
+  const auto end = begin + std::min(record.CachedCount, record.Cache_Bound());
+  const auto kept = std::remove_if(begin, end, [](const ItemData& data) { return data.ItemClass < 0; });
+  for (auto hole = kept; hole != end; ++hole) {
+    *hole = ItemData{};
+    hole->ItemClass = ItemData::deleted;
+  }
+  record.CachedCount = static_cast<std::int32_t>(kept - begin);
+}
+
+Item_Cache::Item_Cache(MainWindow& window, FolderData_Array& records, Folder_Tree& folder_tree,
+                       Outlook_Session& session, Message_Box& message_box, Events& events,
+                       Error_Handler& errors)
+    : window_(window),
+      tree_(window.trvFolders),
+      records_(records),
+      folder_tree_(folder_tree),
+      session_(session),
+      message_box_(message_box),
+      events_(events),
+      errors_(errors) {}
+
+void Item_Cache::Cache_Folder_Items() {
+  if (running_) {
+    InterruptCaching = true;
+    return;
+  }
+  running_ = true;
+  errors_.Run("Cache_Folder_Items", [&] {
+    StopCaching = InterruptCaching = AllFoldersCached = LoadFailed = false;
+    item_failure_reported_ = false;
+    for (int index = 1; index <= records_.Upper_Bound(); ++index) records_[index].LoadError = false;
+    // Mail is shown without its sender where the companion is missing.
+    errors_.Run("Cache_Folder_Items - Create Companion", [&] { mapi_utils_ = session_.Create_Mapi_Utils(); });
+    bool found_work = true;
+    while (!InterruptCaching && !AllFoldersCached && found_work) {
+      found_work = Load_Next_Folders();
+      if (StopCaching) return;
+      InterruptCaching = false;
+      AllFoldersCached = All_Folders_Cached();
+    }
+    if (LoadFailed) message_box_.Show("Not all items could be loaded.", Buttons::OK_Only, Icon::Critical);
+    window_.sbStatusBar.Set_Panel_Text(1, "");
+    window_.sbStatusBar.Set_Panel_Text(2, "");
+    mapi_utils_.reset();
+  });
+  running_ = false;
+}
+
+// One pass. False when there was nothing left that can be loaded.
+bool Item_Cache::Load_Next_Folders() {
+  const int selected = tree_.Selected_Item();
+  if (selected != 0 && !Check_Cache_Status(folder_tree_.Get_Node_Index(selected), selected)) {
+    Cache_Selected_Folder(folder_tree_.Get_Node_Index(selected), selected);
+    return true;
+  }
+  if (const int marked = Get_Next_Unloaded_Checked_Node(); marked != 0) {
+    Cache_Selected_Folder(folder_tree_.Get_Node_Index(marked), marked);
+    return true;
+  }
+  bool found = false;
+  for (int node = 1; node <= tree_.Upper_Bound(); ++node) {
+    if (!tree_.Exists(node) || Check_Cache_Status(folder_tree_.Get_Node_Index(node), node)) continue;
+    found = true;
+    if (!Cache_Selected_Folder(folder_tree_.Get_Node_Index(node), node)) break;
+    events_.Do_Events();
+    if (StopCaching || InterruptCaching) break;
+  }
+  return found;
+}
+
+int Item_Cache::Get_Next_Unloaded_Checked_Node() {
+  return errors_.Run("Get_Next_Unloaded_Checked_Node", [&] {
+    for (int node = 1; node <= tree_.Upper_Bound(); ++node) {
+      if (tree_.Exists(node) && tree_.Checked(node) && tree_.Fore_Colour(node) == unloaded_colour &&
+          !Check_Cache_Status(folder_tree_.Get_Node_Index(node), node))
+        return node;
+    }
+    return 0;
+  });
+}
+
+bool Item_Cache::All_Folders_Cached() {
+  return errors_.Run("All_Folders_Cached", [&] {
+    for (int node = 1; node <= tree_.Upper_Bound(); ++node)
+      if (tree_.Exists(node) && !records_[folder_tree_.Get_Node_Index(node)].Loaded) return false;
+    return true;
+  });
+}
+
+bool Item_Cache::Check_Cache_Status(int folder, int node) {
+  return errors_.Run("Check_Cache_Status", [&] {
+    FolderData& record = records_[folder];
+    if (record.Loaded || record.LoadError) return true;
+    bool loaded = true;
+    if (record.Folder != nullptr) {
+      try {
+        const std::int32_t count = record.Folder->Items()->Count();
+        if (count > 0 && record.CachedCount == 0) {
+          record.ItemCache.assign(static_cast<std::size_t>(count), ItemData{});
+          loaded = false;
+        } else {
+          loaded = record.CachedCount == count;
+        }
+      } catch (...) {
+        record.LoadError = true;
+        throw;
+      }
+    }
+    if (loaded) {
+      record.Loaded = true;
+      tree_.Set_Fore_Colour(node, loaded_colour);
+    }
+    return loaded;
+  });
+}
+
+bool Item_Cache::Cache_Selected_Folder(int folder, int node) {
+  return errors_.Run("Cache_Selected_Folder", [&](Procedure& procedure) {
+    if (records_[folder].LoadError) return false;
+    const MAPIFolder_Ptr object = records_[folder].Folder;
+    try {
+      const std::string name = object->Name();
+      procedure.Step("Cache_Selected_Folder - " + name);
+      Display_Cache_Status(name, records_[folder].CachedCount);
+      if (InterruptCaching) return false;
+      const Items_Ptr items = object->Items();
+      std::int32_t count = items->Count();
+      if (!Positions_Agree(*items, folder)) Read_Again(folder, count);
+      for (int reading = 1;; ++reading) {
+        if (!Read_Items(*items, count, name, folder, node)) return false;
+        const std::int32_t count_now = items->Count();
+        if (count_now == count || reading == most_readings) break;
+        // The folder changed while it was read: what came last is read too; after a loss all is read afresh.
+        count = count_now;
+        if (!Positions_Agree(*items, folder)) Read_Again(folder, count);
+      }
+      FolderData& record = records_[folder];
+      record.ItemCache.resize(static_cast<std::size_t>(record.CachedCount));
+      window_.grdItems.Set_Redraw(false);
+      Add_100_New_Rows(folder);
+      window_.grdItems.Set_Redraw(true);
+      records_[folder].Loaded = true;
+      tree_.Set_Fore_Colour(node, loaded_colour);
+      return true;
+    } catch (...) {
+      // Trying again at once would fail again; the next loading run does.
+      records_[folder].LoadError = true;
+      throw;
+    }
+  });
+}
+
+// False when loading was broken off; then everything read so far counts, and reading goes on from there.
+bool Item_Cache::Read_Items(Items& items, std::int32_t count, const std::string& name, int folder, int node) {
+  for (std::int32_t i = records_[folder].CachedCount + 1; i <= count; ++i) {
+    if (i > records_[folder].Cache_Bound()) {
+      records_[folder].ItemCache.resize(static_cast<std::size_t>(i));
+      folder_tree_.Set_Node_Text(node);
+    }
+    const bool read = Cache_Current_Item(items, i, folder);
+    records_[folder].CachedCount = i;
+    if (read) {
+      events_.Do_Events();
+      if (Broken_Off(folder, i)) return false;
+      const int selected = tree_.Selected_Item();
+      if (selected != LastSelectedNode) {
+        LastSelectedNode = selected;
+        if (selected != 0 && !records_[folder_tree_.Get_Node_Index(selected)].Loaded) return false;
+      }
+    } else if (items.Count() < i) {
+      break;
+    }
+    if (i % batch == 0) {
+      window_.grdItems.Set_Redraw(false);
+      Add_100_New_Rows(folder);
+      window_.grdItems.Set_Redraw(true);
+      Display_Cache_Status(name, i);
+      if (Broken_Off(folder, i)) return false;
+    }
+  }
+  return true;
+}
+
+// After a yield: loading was interrupted, or a handler has changed what is known of the folder.
+bool Item_Cache::Broken_Off(int folder, std::int32_t item) {
+  return InterruptCaching || records_[folder].Folder == nullptr || records_[folder].CachedCount != item;
+}
+
+// Whether the last item read still has the place in the folder that it had.
+bool Item_Cache::Positions_Agree(Items& items, int folder) {
+  const FolderData& record = records_[folder];
+  if (record.CachedCount == 0) return true;
+  if (record.CachedCount > items.Count()) return false;
+  const std::string& known = record.Cached(record.CachedCount).EntryID;
+  return known.empty() || items.Item(record.CachedCount)->EntryID() == known;
+}
+
+void Item_Cache::Read_Again(int folder, std::int32_t count) {
+  Remove_Folder_Rows(folder);
+  FolderData& record = records_[folder];
+  record.CachedCount = 0;
+  record.RowCount = 0;
+  record.ItemCache.assign(static_cast<std::size_t>(count), ItemData{});
+}
+
+bool Item_Cache::Cache_Current_Item(Items& items, std::int32_t item, int folder) {
+  return errors_.Run("Cache_Current_Item", [&] {
+    try {
+      const Item_Ptr object = items.Item(item);
+      ItemData& data = records_[folder].Cached(item);
+      data.ItemClass = object->Class();
+      data.Subject = object->Subject();
+      data.ItemDate = Get_Item_Date(*object, data.ItemClass);
+      data.Unread = Check_Unread(*object, errors_);
+      data.EntryID = object->EntryID();
+      if (data.ItemClass == item_class::mail) {
+        if (mapi_utils_ != nullptr) {
+          const std::shared_ptr<Mapi_Object> mapi_object = object->MAPIOBJECT();
+          data.SenderOrText = mapi_utils_->HrGetOneProp(*mapi_object, sender_name_tag);
+        }
+      } else {
+        data.SenderOrText = object->Body(text_characters);
+      }
+    } catch (...) {
+      // A store that fails for one item often fails for thousands: the first is reported for all.
+      if (std::exchange(item_failure_reported_, true)) return false;
+      throw;
+    }
+    return true;
+  });
+}
+
+void Item_Cache::Add_100_New_Rows(int folder) {
+  errors_.Run("Add_100_New_Rows", [&] {
+    if (In_View(folder)) Add_Folder_Rows(folder);
+  });
+}
+
+void Item_Cache::Display_Cache_Status(const std::string& folder_name, std::int32_t count) {
+  errors_.Run("Display_Cache_Status", [&] {
+    std::string text = "Loading Folder \"";
+    text.append(Trim(folder_name)).append("\"");
+    window_.sbStatusBar.Set_Panel_Text(1, text);
+    window_.sbStatusBar.Set_Panel_Text(2, std::to_string(count));
+    events_.Do_Events();
+  });
+}
+
+}  // namespace tidyfold

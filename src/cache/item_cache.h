@@ -1,0 +1,71 @@
+// Reads every item of every folder once into memory, in the user-interface thread, yielding after every item.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "controls/main_window.h"
+#include "errors/procedure.h"
+#include "outlook/folder_tree.h"
+
+namespace tidyfold {
+
+// Closes the holes that deleted items left among the records that were read; the others keep their order.
+void Pack_Items_Array(FolderData& record);
+
+class Item_Cache {
+ public:
+  Item_Cache(MainWindow& window, FolderData_Array& records, Folder_Tree& folder_tree,
+             Outlook_Session& session, Message_Box& message_box, Events& events, Error_Handler& errors);
+
+  // Loads what is not loaded: the selected folder first, then marked ones, then all others. Called while it
+  // runs already, it makes the running one look again at what comes next.
+  void Cache_Folder_Items();
+  // The first node, in the order of the tree's collection, that is marked and not loaded; 0 if there is none.
+  int Get_Next_Unloaded_Checked_Node();
+  bool All_Folders_Cached();
+  // True when nothing is left to load; may prepare the folder's array.
+  bool Check_Cache_Status(int folder, int node);
+  // True when the folder was read to its end, false when loading was broken off.
+  bool Cache_Selected_Folder(int folder, int node);
+  // True when the item was read.
+  bool Cache_Current_Item(Items& items, std::int32_t item, int folder);
+  // Hands newly read records to the grid if the folder is in view.
+  void Add_100_New_Rows(int folder);
+  void Display_Cache_Status(const std::string& folder_name, std::int32_t count);
+
+  // Whether a loading run is under way; then handlers talk to it only through the flags below.
+  bool Running() const { return running_; }
+
+  bool StopCaching = false;       // end loading altogether
+  bool InterruptCaching = false;  // stop loading the current folder now
+  bool AllFoldersCached = false;
+  bool LoadFailed = false;
+  int LastSelectedNode = 0;
+
+  // Whether the grid shows a folder's items, and the rows of the records that it has not been given yet.
+  std::function<bool(int folder)> In_View;
+  std::function<void(int folder)> Add_Folder_Rows;
+  std::function<void(int folder)> Remove_Folder_Rows;
+
+ private:
+  bool Load_Next_Folders();
+  bool Read_Items(Items& items, std::int32_t count, const std::string& name, int folder, int node);
+  bool Broken_Off(int folder, std::int32_t item);
+  bool Positions_Agree(Items& items, int folder);
+  void Read_Again(int folder, std::int32_t count);
+
+  MainWindow& window_;
+  TreeView& tree_;
+  FolderData_Array& records_;
+  Folder_Tree& folder_tree_;
+  Outlook_Session& session_;
+  Message_Box& message_box_;
+  Events& events_;
+  Error_Handler& errors_;
+  std::shared_ptr<Mapi_Utils> mapi_utils_;
+  bool running_ = false;
+  bool item_failure_reported_ = false;
+};
+
+}  // namespace tidyfold

@@ -1,0 +1,133 @@
+#include "cache/item_filters.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "controls/text.h"
+
+namespace tidyfold {
+
+namespace {
+
+constexpr int enter_key = 13;
+
+}  // namespace
+
+bool Check_Unread(Item& item, Error_Handler& errors) {
+  return errors.Run("Check_Unread", [&] {
+    bool unread = false;
+    if (!errors.Try([&] { unread = item.UnRead(); })) {
+      errors.error.Clear();
+      unread = false;
+    }
+    return unread;
+  });
+}
+
+bool Item_Filters::Check_Filtered_Record(int node, int folder, std::int32_t item) {
+  return errors_.Run("Check_Filtered_Record", [&] {
+    const FolderData& record = records_[folder];
+    if (item > record.Cache_Bound()) return false;
+    const ItemData& data = record.Cached(item);
+    if (data.ItemClass <= 0 || data.EntryID.empty()) return false;
+    const bool passes = Check_Item(data.ItemClass, data.ItemDate, data.Subject, data.Unread);
+    return passes && window_.trvFolders.Checked(node);
+  });
+}
+
+bool Item_Filters::Check_Item(std::int32_t item_class, Date date, std::string_view subject, bool unread) {
+  const bool d = Check_Date(date), s = Check_Subject(subject), t = Check_Type(item_class);
+  return d && s && t && (!unread || window_.chkSelectUnread.Checked());
+}
+
+bool Item_Filters::Check_Type(std::int32_t item_class) {
+  return errors_.Run("Check_Type", [&] {
+    if (!window_.chkSelectType.Checked()) return true;
+    return std::any_of(window_.chkType.begin(), window_.chkType.end(),
+                       [&](const TypeBox& type) { return type.box.Checked() && type.index == item_class; });
+  });
+}
+
+bool Item_Filters::Check_Date(Date item_date) {
+  return errors_.Run("Check_Date", [&] {
+    return !window_.chkSelectDate.Checked() || std::floor(item_date) <= window_.dtpCutoffDate.Value();
+  });
+}
+
+bool Item_Filters::Check_Subject(std::string_view subject) {
+  return errors_.Run("Check_Subject", [&] {
+    if (!window_.chkSelectSubject.Checked()) return true;
+    const std::string_view wanted = Trim_Right(window_.txtSelectSubject.Text());
+    const std::string_view given = Trim_Right(subject);
+    const bool word = window_.chkMatchWord.Checked();
+    const auto matches = [&](std::string_view text, std::string_view in) {
+      return word ? in == text : in.starts_with(text);
+    };
+    if (window_.chkMatchCase.Checked()) return matches(wanted, given);
+    return matches(Upper_Case(Trim(wanted)), Upper_Case(Trim(given)));
+  });
+}
+
+void Item_Filters::Filter_Changed() {
+  window_.grdItems.Set_Redraw(false);
+  Change_Filtered_Rows();
+  Enable_Command_Buttons();
+  window_.grdItems.Set_Redraw(true);
+}
+
+void Item_Filters::Wire() {
+  window_.chkMatchCase.Click = [this] { errors_.Run("chkMatchCase_Click", [&] { Filter_Changed(); }); };
+  window_.chkMatchWord.Click = [this] { errors_.Run("chkMatchWord_Click", [&] { Filter_Changed(); }); };
+  window_.chkSelectUnread.Click = [this] { errors_.Run("chkSelectUnread_Click", [&] { Filter_Changed(); }); };
+  for (TypeBox& type : window_.chkType)
+    type.box.Click = [this] { errors_.Run("chkType_Click", [&] { Filter_Changed(); }); };
+  window_.dtpCutoffDate.CloseUp = [this] { errors_.Run("dtpCutoffDate_CloseUp", [&] { Filter_Changed(); }); };
+  window_.dtpCutoffDate.KeyDown = [this](int key_code) {
+    errors_.Run("dtpCutoffDate_KeyDown", [&] {
+      if (key_code == enter_key) Filter_Changed();
+    });
+  };
+  window_.dtpCutoffDate.Validate = [this] {
+    errors_.Run("dtpCutoffDate_Validate", [&] { Change_Filtered_Rows(); });
+  };
+  window_.txtSelectSubject.KeyPress = [this](int key_code) {
+    errors_.Run("txtSelectSubject_KeyPress", [&] {
+      if (key_code == enter_key) Filter_Changed();
+    });
+  };
+  window_.txtSelectSubject.Validate = [this] {
+    errors_.Run("txtSelectSubject_Validate", [&] { Change_Filtered_Rows(); });
+  };
+  window_.chkSelectDate.Click = [this] { chkSelectDate_Click(); };
+  window_.chkSelectSubject.Click = [this] { chkSelectSubject_Click(); };
+  window_.chkSelectType.Click = [this] { chkSelectType_Click(); };
+}
+
+void Item_Filters::chkSelectDate_Click() {
+  errors_.Run("chkSelectDate_Click", [&] {
+    window_.dtpCutoffDate.Set_Enabled(window_.chkSelectDate.Checked());
+    Filter_Changed();
+  });
+}
+
+void Item_Filters::chkSelectSubject_Click() {
+  errors_.Run("chkSelectSubject_Click", [&] {
+    const bool on = window_.chkSelectSubject.Checked();
+    window_.txtSelectSubject.Set_Enabled(on);
+    window_.chkMatchCase.Set_Enabled(on);
+    window_.chkMatchWord.Set_Enabled(on);
+    window_.txtSelectSubject.Set_Back_Colour(on ? system_window_background
+                                                : window_.frmRemoveItems.Back_Colour());
+    Filter_Changed();
+  });
+}
+
+void Item_Filters::chkSelectType_Click() {
+  errors_.Run("chkSelectType_Click", [&] {
+    for (TypeBox& type : window_.chkType) type.box.Set_Enabled(window_.chkSelectType.Checked());
+    Change_Filtered_Rows();
+    Enable_Command_Buttons();
+  });
+}
+
+}  // namespace tidyfold

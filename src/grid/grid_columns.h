@@ -1,0 +1,51 @@
+// What the grid's columns show in each of its views.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "controls/main_window.h"
+#include "errors/procedure.h"
+#include "outlook/folder_data.h"
+
+namespace tidyfold {
+
+// The logical fields of a row; a view shows some of them, from column 2 on.
+enum class Grid_Field { Folder = 0, Type_Name = 1, Sender = 2, Subject = 3, Entry = 4, Item_Date = 5 };
+
+// The text of the type column for an item class.
+std::string Type_Name(std::int32_t item_class);
+
+class Grid_Columns : public Cell_Source {
+ public:
+  Grid_Columns(MainWindow& window, FolderData_Array& records, Error_Handler& errors)
+      : window_(window), grid_(window.grdItems), records_(records), errors_(errors) {
+    grid_.cells = this;
+  }
+
+  // The current folder's default item type; with Show All Folders off it chooses the view.
+  std::int32_t CurrentGridItemType = 0;
+
+  // Sets count, headers and widths of the columns for the current view.
+  void Set_Grid_Columns();
+  // Spreads the grid's width over the columns.
+  void Set_Column_Widths();
+  void Reset_Column_Widths();
+
+  // The column that shows a field; the column count where the view does not show it.
+  int Get_Sort_Column(Grid_Field field) const;
+  // The field that a column shows; the type name for a column that shows none.
+  Grid_Field Get_Sort_Field(int column) const;
+
+  std::string Cell_Text(const GridRow& row, int column) const override;
+  std::string_view Sort_Text(const GridRow& row, int column, std::string& room) const override;
+  std::string Field_Text(const GridRow& row, Grid_Field field) const;
+
+ private:
+  MainWindow& window_;
+  FlexGrid& grid_;
+  FolderData_Array& records_;
+  Error_Handler& errors_;
+};
+
+}  // namespace tidyfold

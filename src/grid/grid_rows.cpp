@@ -1,0 +1,227 @@
+#include "grid/grid_rows.h"
+
+namespace tidyfold {
+
+Grid_Rows::Grid_Rows(MainWindow& window, FolderData_Array& records, Folder_Tree& folder_tree,
+                     Item_Filters& filters, Grid_Columns& columns, Message_Box& message_box,
+                     Error_Handler& errors)
+    : window_(window),
+      tree_(window.trvFolders),
+      grid_(window.grdItems),
+      records_(records),
+      folder_tree_(folder_tree),
+      filters_(filters),
+      columns_(columns),
+      message_box_(message_box),
+      errors_(errors) {}
+
+void Grid_Rows::Wire() {
+  window_.chkShowAllFolders.Click = [this] { chkShowAllFolders_Click(); };
+  window_.chkShowSelectedItems.Click = [this] {
+    errors_.Run("chkShowSelectedItems_Click", [&] { Show_Option_Click(window_.chkShowSelectedItems, true); });
+  };
+  window_.chkShowUnselectedItems.Click = [this] {
+    errors_.Run("chkShowUnselectedItems_Click",
+                [&] { Show_Option_Click(window_.chkShowUnselectedItems, false); });
+  };
+  grid_.Header_Click = [this](int column) { Header_Click(column); };
+}
+
+bool Grid_Rows::In_View(int folder) const {
+  if (!tree_.Exists(folder)) return false;
+  return window_.chkShowAllFolders.Checked() ? tree_.Checked(folder) : folder == CurrentNodeIndex;
+}
+
+bool Grid_Rows::Add_New_Row(int folder, std::int32_t item, bool selected) {
+  GridRow row;
+  row.row_data = folder;
+  row.item = item;
+  row.marked = selected;
+  row.bold = records_[folder].Cached(item).Unread;
+  row.back_colour = selected ? selected_row_colour : system_window_background;
+  if (grid_.Add_Item(row)) return true;
+  if (!std::exchange(overflow_reported_, true)) {
+    message_box_.Show(
+        "Insufficient memory to display all selected items.\r\n"
+        "Select fewer folders or change Screen Options to diplay fewer items.");
+  }
+  return false;
+}
+
+void Grid_Rows::Add_Folder_Rows(int folder, Marker marker) {
+  errors_.Run("Add_Folder_Rows", [&] {
+    const bool all_kinds = marker == Marker::None;
+    const bool selected_wanted =
+        all_kinds ? window_.chkShowSelectedItems.Checked() : marker == Marker::Selected;
+    const bool unselected_wanted =
+        all_kinds ? window_.chkShowUnselectedItems.Checked() : marker == Marker::Unselected;
+    // Rows that are picked by hand are not picked by a filter.
+    const bool by_hand = window_.chkSelectByRow.Checked();
+    FolderData& record = records_[folder];
+    const std::int32_t first = all_kinds ? record.RowCount + 1 : 1;
+    const std::int32_t last = all_kinds ? record.CachedCount : record.RowCount;
+    if (all_kinds) record.RowCount = record.CachedCount;
+    for (std::int32_t item = first; item <= last; ++item) {
+      if (record.Cached(item).ItemClass == ItemData::deleted) continue;
+      const bool selected = !by_hand && filters_.Check_Filtered_Record(folder, folder, item);
+      if (!(selected ? selected_wanted : unselected_wanted)) continue;
+      if (!Add_New_Row(folder, item, selected)) return;
+    }
+  });
+}
+
+void Grid_Rows::Add_All_Folders_Rows(Marker marker) {
+  errors_.Run("Add_All_Folders_Rows", [&] {
+    for (int node = 1; node <= tree_.Upper_Bound(); ++node) {
+      const int folder = folder_tree_.Get_Node_Index(node);
+      if (folder == 0 || !In_View(folder)) continue;
+      Display_Update_Grid_Status(folder);
+      Add_Folder_Rows(folder, marker);
+    }
+    window_.sbStatusBar.Set_Panel_Text(1, "");
+    Set_Grid_Order();
+  });
+}
+
+void Grid_Rows::Remove_All_Rows() {
+  errors_.Run("Remove_All_Rows", [&] {
+    grid_.Set_Rows(1);
+    for (int index = 1; index <= records_.Upper_Bound(); ++index) records_[index].RowCount = 0;
+    overflow_reported_ = false;
+  });
+}
+
+void Grid_Rows::Remove_Folder_Rows(int folder) {
+  errors_.Run("Remove_Folder_Rows", [&] {
+    grid_.Remove_Rows_If([&](const GridRow& row) { return row.row_data == folder; });
+    records_[folder].RowCount = 0;
+  });
+}
+
+void Grid_Rows::Remove_Nonselected_Folder_Rows() {
+  errors_.Run("Remove_Nonselected_Folder_Rows", [&] {
+    grid_.Remove_Rows_If([&](const GridRow& row) { return !In_View(row.row_data); });
+    for (int index = 1; index <= records_.Upper_Bound(); ++index)
+      if (!In_View(index)) records_[index].RowCount = 0;
+  });
+}
+
+void Grid_Rows::Remove_Selected_Or_Unselected_Rows(bool selected) {
+  errors_.Run("Remove_Selected_Or_Unselected_Rows",
+              [&] { grid_.Remove_Rows_If([&](const GridRow& row) { return row.marked == selected; }); });
+}
+
+void Grid_Rows::Change_Filtered_Rows() {
+  errors_.Run("Change_Filtered_Rows", [&] {
+    if (window_.chkShowSelectedItems.Checked() && window_.chkShowUnselectedItems.Checked()) {
+      Mark_Or_Unmark_Filtered_Rows();
+    } else {
+      Remove_All_Rows();
+      Add_All_Folders_Rows(Marker::None);
+    }
+  });
+}
+
+void Grid_Rows::Change_Folder_Rows(int node) {
+  errors_.Run("Change_Folder_Rows", [&] {
+    const int folder = folder_tree_.Get_Node_Index(node);
+    Remove_Nonselected_Folder_Rows();
+    // Rows that were picked by hand keep their marks.
+    if (window_.chkSelectByRow.Checked() && In_View(folder) && records_[folder].RowCount > 0) return;
+    Remove_Folder_Rows(folder);
+    if (In_View(folder)) Add_Folder_Rows(folder, Marker::None);
+    Set_Grid_Order();
+  });
+}
+
+void Grid_Rows::Set_Grid_Order() {
+  errors_.Run("Set_Grid_Order", [&] {
+    const int column = columns_.Get_Sort_Column(SortField);
+    if (column >= grid_.Cols()) return;
+    grid_.Sort(column, SortAscending ? Sort_Mode::String_Ascending : Sort_Mode::String_Descending);
+  });
+}
+
+void Grid_Rows::Mark_Or_Unmark_Filtered_Rows() {
+  errors_.Run("Mark_Or_Unmark_Filtered_Rows", [&] {
+    for (int row = 1; row < grid_.Rows(); ++row) {
+      const GridRow& at = grid_.Row_At(row);
+      grid_.Set_Mark(row, filters_.Check_Filtered_Record(at.row_data, at.row_data, at.item));
+      Paint_Row(row);
+    }
+  });
+}
+
+void Grid_Rows::Paint_Row(int row) {
+  const GridRow& at = grid_.Row_At(row);
+  const FolderData& record = records_[at.row_data];
+  const bool unread = at.item >= 1 && at.item <= record.Cache_Bound() && record.Cached(at.item).Unread;
+  grid_.Set_Paint(row, unread, at.marked ? selected_row_colour : system_window_background);
+}
+
+void Grid_Rows::Paint_Entire_Grid() {
+  errors_.Run("Paint_Entire_Grid", [&] {
+    for (int row = 1; row < grid_.Rows(); ++row) Paint_Row(row);
+  });
+}
+
+std::int32_t Grid_Rows::Get_Rows_Selected_Count(std::int32_t deleted_items_index) {
+  return errors_.Run("Get_Rows_Selected_Count", [&] {
+    if (deleted_items_index == 0) return static_cast<std::int32_t>(grid_.Marked_Rows());
+    std::int32_t count = 0;
+    for (int row = 1; row < grid_.Rows(); ++row) {
+      const GridRow& at = grid_.Row_At(row);
+      if (at.marked && records_[at.row_data].DeletedItemsIndex == deleted_items_index) ++count;
+    }
+    return count;
+  });
+}
+
+void Grid_Rows::Display_Selected_Items_Total() {
+  errors_.Run("Display_Selected_Items_Total", [&] {
+    window_.sbStatusBar.Set_Panel_Text(3, "Total Selected:  " + std::to_string(grid_.Marked_Rows()));
+  });
+}
+
+void Grid_Rows::Display_Update_Grid_Status(int folder) {
+  errors_.Run("Display_Update_Grid_Status", [&] {
+    window_.sbStatusBar.Set_Panel_Text(1, "Displaying Folder Items - " + records_[folder].FolderName);
+  });
+}
+
+void Grid_Rows::chkShowAllFolders_Click() {
+  errors_.Run("chkShowAllFolders_Click", [&] {
+    if (window_.chkSelectByRow.Checked() && !Check_Select_By_Row()) {
+      window_.chkShowAllFolders.Set_Value(0);
+      return;
+    }
+    grid_.Set_Redraw(false);
+    columns_.Set_Grid_Columns();
+    Remove_All_Rows();
+    Add_All_Folders_Rows(Marker::None);
+    grid_.Set_Redraw(true);
+  });
+}
+
+void Grid_Rows::Show_Option_Click(const CheckBox& box, bool selected) {
+  grid_.Set_Redraw(false);
+  if (box.Checked()) {
+    Add_All_Folders_Rows(selected ? Marker::Selected : Marker::Unselected);
+  } else {
+    Remove_Selected_Or_Unselected_Rows(selected);
+  }
+  grid_.Set_Redraw(true);
+}
+
+void Grid_Rows::Header_Click(int column) {
+  errors_.Run("grdItems_HeaderClick", [&] {
+    const Grid_Field field = columns_.Get_Sort_Field(column);
+    SortAscending = field == SortField ? !SortAscending : true;
+    SortField = field;
+    grid_.Set_Redraw(false);
+    Set_Grid_Order();
+    grid_.Set_Redraw(true);
+  });
+}
+
+}  // namespace tidyfold

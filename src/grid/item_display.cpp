@@ -1,0 +1,45 @@
+#include "grid/item_display.h"
+
+#include "controls/text.h"
+
+namespace tidyfold {
+
+void Item_Display::Wire() {
+  grid_.MouseDown = [this](int) { CurrentRow = grid_.Row(); };
+  grid_.DblClick = [this] {
+    errors_.Run("grdItems_DblClick", [&] {
+      if (grid_.MouseRow() >= 1) Display_Current_Item();
+    });
+  };
+  grid_.KeyPress = [this](int key_code) {
+    errors_.Run("grdItems_KeyPress", [&] {
+      if (key_code == 13 && grid_.Row() > 0) Display_Current_Item();
+    });
+  };
+}
+
+void Item_Display::Display_Current_Item() {
+  errors_.Run("Display_Current_Item", [&] {
+    if (CurrentRow < 1 || CurrentRow >= grid_.Rows()) return;
+    const GridRow row = grid_.Row_At(CurrentRow);
+    if (row.row_data <= 0 || row.item < 1) return;
+    const FolderData& record = records_[row.row_data];
+    if (record.Folder == nullptr || row.item > record.Cache_Bound()) return;
+    // The item that the row shows, though others may have come or gone before it in the folder since it was
+    // read.
+    std::string entry_id = record.Cached(row.item).EntryID;
+    if (entry_id.empty()) entry_id = record.Folder->Items()->Item(row.item)->EntryID();
+    const std::string store_id = record.Folder->StoreID();
+    if (Trim(entry_id).empty() || Trim(store_id).empty()) return;
+    Item_Ptr item;
+    errors_.Try([&] { item = session_.name_space->GetItemFromID(entry_id, store_id); });
+    errors_.error.Clear();
+    if (item == nullptr) {
+      message_box_.Show("Item could not be retrieved", Buttons::OK_Only, Icon::Critical);
+    } else {
+      item->Display();
+    }
+  });
+}
+
+}  // namespace tidyfold

@@ -1,0 +1,124 @@
+#include "grid/row_selection.h"
+
+#include <algorithm>
+
+namespace tidyfold {
+
+Row_Selection::Row_Selection(MainWindow& window, FolderData_Array& records, Folder_Tree& folder_tree,
+                             Deleted_Items_Folders& deleted_items, Grid_Rows& rows, Message_Box& message_box,
+                             Error_Handler& errors)
+    : window_(window),
+      grid_(window.grdItems),
+      records_(records),
+      folder_tree_(folder_tree),
+      deleted_items_(deleted_items),
+      rows_(rows),
+      message_box_(message_box),
+      errors_(errors) {}
+
+void Row_Selection::Wire() {
+  window_.chkSelectByRow.Click = [this] { chkSelectByRow_Click(); };
+  grid_.MouseUp = [this](int button, int shift, Twips, Twips) { grdItems_MouseUp(button, shift); };
+}
+
+void Row_Selection::chkSelectByRow_Click() {
+  errors_.Run("chkSelectByRow_Click", [&] {
+    Anchor = 0;
+    if (window_.chkSelectByRow.Checked()) {
+      if (Check_Select_By_Row()) {
+        window_.chkShowSelectedItems.Set_Value(1);
+        window_.chkShowUnselectedItems.Set_Value(1);
+        window_.chkTurbo.Set_Value(0);
+        window_.chkDeleteFolders.Set_Value(0);
+        rows_.Set_Grid_Order();
+      } else {
+        window_.chkSelectByRow.Set_Value(0);
+      }
+    }
+    if (!window_.chkSelectByRow.Checked()) {
+      grid_.Set_Redraw(false);
+      rows_.Mark_Or_Unmark_Filtered_Rows();
+      grid_.Set_Redraw(true);
+    }
+    Enable_Check_Boxes();
+    Enable_Command_Buttons();
+  });
+}
+
+bool Row_Selection::Check_Select_By_Row() {
+  return errors_.Run("Check_Select_By_Row", [&] {
+    if (window_.chkShowAllFolders.Checked()) {
+      if (Check_Selected_Folders()) return true;
+      message_box_.Show(
+          "Cannot select or use \"Show All Seleted Folders\" and \"Select By Row\" until all selected "
+          "folders have "
+          "been loaded.",
+          Buttons::OK_Only, Icon::Critical);
+      return false;
+    }
+    const int folder = rows_.CurrentNodeIndex;
+    if (folder == 0 || records_[folder].Loaded) return true;
+    message_box_.Show(
+        "Cannot use \"Select By Row\" until folder is completely loaded (appears black in the Folder Tree).",
+        Buttons::OK_Only, Icon::Critical);
+    return false;
+  });
+}
+
+// Items that lie in Deleted Items can only be deleted for good.
+bool Row_Selection::In_Protected_Deleted_Items(const GridRow& row) {
+  return !window_.chkPermanentDelete.Checked() && deleted_items_.Is_Deleted_Items_Folder(row.row_data);
+}
+
+void Row_Selection::grdItems_MouseUp(int button, int shift) {
+  errors_.Run("grdItems_MouseUp", [&] {
+    grid_.Set_Redraw(false);
+    const int row = grid_.MouseRow();
+    const bool on_row = row >= 1 && row < grid_.Rows() && grid_.RowData(row) >= 1;
+    if (button == 1 && on_row && window_.chkSelectByRow.Checked() && Check_Select_By_Row()) {
+      if (In_Protected_Deleted_Items(grid_.Row_At(row))) {
+        message_box_.Show("Cannot select \"Deleted Items\" items unless Permanent Delete is marked");
+      } else if (shift == 2) {
+        Select_Or_Unselect(row);
+        Anchor = row;
+      } else if (shift == 1 && Anchor >= 1) {
+        Mark_And_Unmark_Selected_Range(std::min(Anchor, row), std::max(Anchor, row));
+      } else if (shift == 0 || shift == 1) {
+        Mark_And_Unmark_Selected_Range(row, row);
+        Anchor = row;
+      }
+      Enable_Command_Buttons();
+    }
+    grid_.Set_Redraw(true);
+  });
+}
+
+void Row_Selection::Mark_And_Unmark_Selected_Range(int first, int last) {
+  errors_.Run("Mark_And_Unmark_Selected_Range", [&] {
+    bool told = false;
+    for (int row = 1; row < grid_.Rows(); ++row) {
+      if (row < first || row > last) {
+        grid_.Set_Mark(row, false);
+      } else if (!grid_.Row_At(row).marked) {
+        if (!In_Protected_Deleted_Items(grid_.Row_At(row))) {
+          grid_.Set_Mark(row, true);
+        } else if (!std::exchange(told, true)) {
+          message_box_.Show(
+              "Cannot select items in \"Deleted Items\" folder unless Permanent delete is marked.");
+        }
+      }
+    }
+    rows_.Paint_Entire_Grid();
+    rows_.Set_Grid_Order();
+  });
+}
+
+void Row_Selection::Select_Or_Unselect(int row) {
+  errors_.Run("Select_Or_Unselect", [&] {
+    grid_.Set_Mark(row, !grid_.Row_At(row).marked);
+    rows_.Paint_Row(row);
+    Enable_Command_Buttons();
+  });
+}
+
+}  // namespace tidyfold

@@ -1,0 +1,51 @@
+// Picking rows by hand: with Select By Row on, a row's mark is the person's choice and is kept nowhere else.
+#pragma once
+
+#include <functional>
+
+#include "grid/grid_rows.h"
+#include "outlook/deleted_items.h"
+
+namespace tidyfold {
+
+class Row_Selection {
+ public:
+  Row_Selection(MainWindow& window, FolderData_Array& records, Folder_Tree& folder_tree,
+                Deleted_Items_Folders& deleted_items, Grid_Rows& rows, Message_Box& message_box,
+                Error_Handler& errors);
+
+  // Sets the handlers of the option's box and of the grid's mouse.
+  void Wire();
+
+  void chkSelectByRow_Click();
+  // Button 1 is the left one; shift state 0, 1 (Shift) or 2 (Ctrl). The only place where a click changes
+  // marks.
+  void grdItems_MouseUp(int button, int shift);
+  // Makes exactly the rows first..last selected.
+  void Mark_And_Unmark_Selected_Range(int first, int last);
+  // Turns the mark of one row.
+  void Select_Or_Unselect(int row);
+  // Whether rows may be picked now; a message when they may not.
+  bool Check_Select_By_Row();
+
+  // The row of the last plain click or Ctrl-click; below 1: none.
+  int Anchor = 0;
+
+  std::function<bool()> Check_Selected_Folders;
+  std::function<void()> Enable_Check_Boxes;
+  std::function<void()> Enable_Command_Buttons;
+
+ private:
+  bool In_Protected_Deleted_Items(const GridRow& row);
+
+  MainWindow& window_;
+  FlexGrid& grid_;
+  FolderData_Array& records_;
+  Folder_Tree& folder_tree_;
+  Deleted_Items_Folders& deleted_items_;
+  Grid_Rows& rows_;
+  Message_Box& message_box_;
+  Error_Handler& errors_;
+};
+
+}  // namespace tidyfold

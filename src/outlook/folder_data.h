@@ -1,0 +1,63 @@
+// What the window keeps of every folder and every item that it has read.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "outlook/object_model.h"
+
+namespace tidyfold {
+
+// One item as it was read. Its place in the folder's cache, from 1, is its place in the folder's Items.
+struct ItemData {
+  static constexpr std::int32_t deleted = -1;
+
+  std::int32_t ItemClass = 0;  // 0: not read yet; `deleted`: a hole until the cache is packed
+  std::string SenderOrText;    // the sender of mail, the first 20 characters of the text of anything else
+  std::string Subject;
+  Date ItemDate = 0;  // whole days
+  bool Unread = false;
+  std::string EntryID;
+};
+
+struct FolderData {
+  std::int32_t DeletedFromFolder = 0;  // items that the run under way has removed
+  MAPIFolder_Ptr Folder;               // empty for a node that stands for no real folder
+  std::string FolderName;              // as it was when the node's caption was last made
+  std::int32_t DeletedItemsIndex = 0;  // record of the same store's Deleted Items folder, 0 if none
+  std::int32_t CachedCount = 0;        // leading elements of ItemCache that have been read
+  std::int32_t RowCount = 0;           // leading elements of ItemCache that the grid has been given
+  bool Loaded = false;
+  bool Reload = false;         // to be reset and read again
+  bool LoadError = false;      // reading it failed and was reported; left alone until the next loading run
+  bool CountReported = false;  // that its items cannot be counted has been said
+  std::vector<ItemData> ItemCache;  // element 0 is item 1
+
+  // The cache's upper bound.
+  std::int32_t Cache_Bound() const { return static_cast<std::int32_t>(ItemCache.size()); }
+  // Throws std::out_of_range for an item that the cache has no element for.
+  ItemData& Cached(std::int32_t item) { return ItemCache.at(static_cast<std::size_t>(item - 1)); }
+  const ItemData& Cached(std::int32_t item) const { return ItemCache.at(static_cast<std::size_t>(item - 1)); }
+};
+
+// One record per tree node, from 1; a record's number is its node's index and the number in the node's tag.
+class FolderData_Array {
+ public:
+  // One empty record.
+  void Recreate() { records_.assign(1, FolderData{}); }
+  // Keeps what is there.
+  void Grow(std::int32_t upper_bound) { records_.resize(static_cast<std::size_t>(upper_bound)); }
+  std::int32_t Upper_Bound() const { return static_cast<std::int32_t>(records_.size()); }
+  bool Has(std::int32_t index) const { return index >= 1 && index <= Upper_Bound(); }
+  // Throw std::out_of_range for a record that does not exist. References do not outlive a yield.
+  FolderData& operator[](std::int32_t index) { return records_.at(static_cast<std::size_t>(index - 1)); }
+  const FolderData& operator[](std::int32_t index) const {
+    return records_.at(static_cast<std::size_t>(index - 1));
+  }
+
+ private:
+  std::vector<FolderData> records_;
+};
+
+}  // namespace tidyfold

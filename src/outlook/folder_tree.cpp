@@ -1,0 +1,203 @@
+#include "outlook/folder_tree.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <stdexcept>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace tidyfold {
+
+Folder_Tree::Folder_Tree(MainWindow& window, FolderData_Array& records, Outlook_Session& session,
+                         Message_Box& message_box, Events& events, Error_Handler& errors)
+    : window_(window),
+      tree_(window.trvFolders),
+      records_(records),
+      session_(session),
+      message_box_(message_box),
+      events_(events),
+      errors_(errors) {}
+
+void Folder_Tree::Build_Folder_Tree() {
+  errors_.Run("Build_Folder_Tree", [&](Procedure& procedure) {
+    window_.lblMessage.Set_Caption("Building Folder Tree.\r\n\r\nPlease wait ...");
+    window_.frmMessageBox.Show();
+    tree_.Set_Visible(false);
+    TopLevelIsRoot = false;
+    events_.Do_Events();
+    records_.Recreate();
+    tree_.Clear();
+    window_.grdItems.Set_Rows(1);
+
+    procedure.Step("Build_Folder_Tree - Get Namespace Folders");
+    const Folders_Ptr stores = session_.name_space->Folders();
+    const std::int32_t store_count = stores->Count();
+
+    procedure.Step("Build_Folder_Tree - Create Root Node");
+    const int root = tree_.Add(0, "OUTLOOK", "Outlook");
+    tree_.Set_Node_Tag(root, std::to_string(root));
+    tree_.Set_Sorted(root, true);
+    tree_.Set_Fore_Colour(root, unloaded_colour);
+    Reset_Folder_Node(root);
+    Folders_Ptr children = stores;
+    if (store_count == 1) {
+      procedure.Step("Build_Folder_Tree - Save Root Folder");
+      records_[root].Folder = stores->Item(1);
+      procedure.Step("Build_Folder_Tree - Configure Root Node");
+      tree_.Set_Text(root, records_[root].Folder->Name());
+      records_[root].Loaded = records_[root].Folder->Items()->Count() == 0;
+      procedure.Step("Build_Folder_Tree - Get Root Folder's Folders");
+      children = records_[root].Folder->Folders();
+    } else {
+      records_[root].Loaded = true;
+      TopLevelIsRoot = true;
+      // Stores keep the order in which they are open.
+      tree_.Set_Sorted(root, false);
+    }
+    if (records_[root].Loaded) tree_.Set_Fore_Colour(root, loaded_colour);
+
+    procedure.Step("Build_Folder_Tree - Process all sub-Folders");
+    const std::int32_t count = children->Count();
+    for (std::int32_t i = 1; i <= count; ++i) Add_Tree_Node(children->Item(i), root);
+    for (int node = 1; node <= tree_.Upper_Bound(); ++node) Set_Node_Text(node);
+  });
+}
+
+void Folder_Tree::Add_Tree_Node(const MAPIFolder_Ptr& folder, int parent) {
+  errors_.Run("Add_Tree_Node", [&](Procedure& procedure) {
+    procedure.Step("Add_Tree_Node - Accessing EntryID");
+    std::string key = "-:::-";
+    errors_.Try([&] {
+      key += folder->EntryID();
+      key += "-:::-" + folder->StoreID();
+    });
+    procedure.Step("Add_Tree_Node - Creating Node");
+    const int node = tree_.Add(parent, key, folder->Name());
+    tree_.Set_Sorted(node, true);
+    tree_.Set_Node_Tag(node, std::to_string(node));
+    tree_.Set_Fore_Colour(node, unloaded_colour);
+    procedure.Step("Add_Tree_Node - Adding Folder Data Element");
+    records_.Grow(node);
+    Reset_Folder_Node(node);
+    procedure.Step("Add_Tree_Node - Saving Folder Pointer");
+    records_[node].Folder = folder;
+    procedure.Step("Add_Tree_Node - Configuring Node");
+    Set_Node_Text(node);
+    procedure.Step("Add_Tree_Node - Setting Folder Collection");
+    const Folders_Ptr children = folder->Folders();
+    procedure.Step("Add_Tree_Node - Processing Children");
+    const std::int32_t count = children->Count();
+    for (std::int32_t i = 1; i <= count; ++i) Add_Tree_Node(children->Item(i), node);
+  });
+}
+
+void Folder_Tree::Set_Start_Folder() {
+  errors_.Run("Set_Start_Folder", [&] {
+    const bool found = errors_.Try([&] {
+      const MAPIFolder_Ptr inbox = session_.name_space->GetDefaultFolder(default_folder_inbox);
+      const int node = tree_.Find_Key("-:::-" + inbox->EntryID() + "-:::-" + inbox->StoreID());
+      if (node == 0) throw std::runtime_error("The Inbox is not in the folder tree.");
+      tree_.Set_Selected_Item(node);
+      tree_.Ensure_Visible(node);
+      Set_Folder_Label(Get_Node_Index(node));
+    });
+    errors_.error.Clear();
+    if (!found) message_box_.Show("Error assigning startup folder");
+  });
+}
+
+bool Folder_Tree::Check_Default_Folder(const MAPIFolder_Ptr& folder) {
+  return errors_.Run("Check_Default_Folder", [&] {
+    if (folder == nullptr) return false;
+    static constexpr std::array<std::string_view, 10> names = {
+        "Calendar", "Contacts", deleted_items_name, "Drafts",     "Inbox",
+        "Journal",  "Notes",    "Outbox",           "Sent Items", "Tasks"};
+    return std::find(names.begin(), names.end(), folder->Name()) != names.end();
+  });
+}
+
+int Folder_Tree::Get_Node_Index(int node) const {
+  if (!tree_.Exists(node)) return 0;
+  const std::string& tag = tree_.Node_Tag(node);
+  int index = 0;
+  std::from_chars(tag.data(), tag.data() + tag.size(), index);
+  return index;
+}
+
+void Folder_Tree::Set_Node_Text(int node) {
+  errors_.Run("Set_Node_Text", [&] {
+    if (!tree_.Exists(node)) return;
+    FolderData& record = records_[Get_Node_Index(node)];
+    record.FolderName = record.Folder == nullptr ? "Outlook" : record.Folder->Name();
+    // Marked folders that a collapsed node hides make it bold too.
+    const std::int32_t marked = Get_Folder_Item_Count(node, true);
+    const bool expanded = tree_.Expanded(node);
+    const bool bold = tree_.Checked(node) || (!expanded && marked > 0);
+    std::int32_t count = marked;
+    if (expanded) {
+      count = Own_Item_Count(node);
+    } else if (!bold) {
+      count = Get_Folder_Item_Count(node, false);
+    }
+    tree_.Set_Bold(node, bold);
+    tree_.Set_Text(node, record.FolderName + " - (" + std::to_string(count) + ")");
+  });
+}
+
+std::int32_t Folder_Tree::Own_Item_Count(int node) {
+  FolderData& record = records_[Get_Node_Index(node)];
+  if (record.Folder == nullptr) return 0;
+  try {
+    return record.Folder->Items()->Count();
+  } catch (...) {
+    // The caption of every folder above counts this one too; one report is enough.
+    if (std::exchange(record.CountReported, true)) return 0;
+    throw;
+  }
+}
+
+std::int32_t Folder_Tree::Get_Folder_Item_Count(int node, bool only_marked) {
+  return errors_.Run("Get_Folder_Item_Count", [&] {
+    if (!tree_.Exists(node)) return 0;
+    std::int32_t count = !only_marked || tree_.Checked(node) ? Own_Item_Count(node) : 0;
+    for (int child = tree_.Child(node); child != 0; child = tree_.Next(child))
+      count += Get_Folder_Item_Count(child, only_marked);
+    return count;
+  });
+}
+
+void Folder_Tree::Reset_Folder_Node(int index) {
+  FolderData& record = records_[index];
+  record.DeletedItemsIndex = 0;
+  record.CachedCount = 0;
+  record.RowCount = 0;
+  record.Loaded = false;
+  record.Reload = false;
+  record.LoadError = false;
+  record.CountReported = false;
+  record.ItemCache = {};
+}
+
+void Folder_Tree::Remove_Folder_Node(int node) {
+  errors_.Run("Remove_Folder_Node", [&] {
+    std::vector<int> doomed{node};
+    for (std::size_t i = 0; i < doomed.size(); ++i)
+      for (int child = tree_.Child(doomed[i]); child != 0; child = tree_.Next(child)) doomed.push_back(child);
+    for (const int gone : doomed) {
+      const int index = Get_Node_Index(gone);
+      Reset_Folder_Node(index);
+      records_[index].Folder.reset();
+      records_[index].Loaded = true;
+    }
+    // A store's wastebasket that went is nobody's wastebasket any more.
+    for (int index = 1; index <= records_.Upper_Bound(); ++index) {
+      std::int32_t& wastebasket = records_[index].DeletedItemsIndex;
+      if (std::find(doomed.begin(), doomed.end(), wastebasket) != doomed.end()) wastebasket = 0;
+    }
+    tree_.Remove(node);
+  });
+}
+
+}  // namespace tidyfold

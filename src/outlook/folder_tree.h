@@ -1,0 +1,61 @@
+// The tree of folders and the record behind each of its nodes.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "controls/main_window.h"
+#include "errors/procedure.h"
+#include "outlook/folder_data.h"
+#include "outlook/session.h"
+
+namespace tidyfold {
+
+// The fore colours of nodes whose folders are read to the end, and of those that are not.
+inline constexpr Colour loaded_colour = 0;
+inline constexpr Colour unloaded_colour = Rgb(150, 150, 255);
+
+// Outlook's name for each store's wastebasket; recognised by this name alone, in exactly this spelling.
+inline constexpr const char* deleted_items_name = "Deleted Items";
+
+class Folder_Tree {
+ public:
+  Folder_Tree(MainWindow& window, FolderData_Array& records, Outlook_Session& session,
+              Message_Box& message_box, Events& events, Error_Handler& errors);
+
+  // Rebuilds tree and records from the stores. The only yield is at its beginning.
+  void Build_Folder_Tree();
+  // Adds a folder and everything below it.
+  void Add_Tree_Node(const MAPIFolder_Ptr& folder, int parent);
+  // Selects the default Inbox; a message when there is none.
+  void Set_Start_Folder();
+  // True for the ten names of default folders, wherever in the tree the folder stands.
+  bool Check_Default_Folder(const MAPIFolder_Ptr& folder);
+  // The record's number that a node's tag holds; 0 for a node that does not exist.
+  int Get_Node_Index(int node) const;
+  // Makes the caption, "name - (count)", and the boldness of a node.
+  void Set_Node_Text(int node);
+  // Items in the node's folder and in all below it; of the marked ones alone when only those are to count.
+  std::int32_t Get_Folder_Item_Count(int node, bool only_marked);
+  void Reset_Folder_Node(int index);
+  // Takes a deleted folder's node and all below it out of the tree; their records are emptied.
+  void Remove_Folder_Node(int node);
+
+  // True when the root stands for several stores; then the top two levels both count as roots.
+  bool TopLevelIsRoot = false;
+  // Writes the current-folder label for a record.
+  std::function<void(int index)> Set_Folder_Label;
+
+ private:
+  std::int32_t Own_Item_Count(int node);
+
+  MainWindow& window_;
+  TreeView& tree_;
+  FolderData_Array& records_;
+  Outlook_Session& session_;
+  Message_Box& message_box_;
+  Events& events_;
+  Error_Handler& errors_;
+};
+
+}  // namespace tidyfold
