@@ -1,0 +1,307 @@
+#include <limits>
+#include <set>
+#include <string_view>
+#include <vector>
+
+#include "controls/text.h"
+#include "stores/store_under_test.h"
+
+namespace tidyfold {
+
+using automation_error::bad_index;
+using automation_error::not_found;
+
+TEST_P(Store_Contract, Indexes_Count_From_One) {
+  const auto inbox = Add_Folder(1, "Inbox");
+  for (const char* subject : {"a", "b", "c"}) Add_Item(1, inbox, subject);
+  for (const char* name : {"first", "second"}) Add_Folder(1, name, inbox);
+  const auto folder = Open(1, {1});
+  EXPECT_EQ(folder->Items()->Item(1)->Subject(), "a");
+  EXPECT_EQ(folder->Items()->Item(3)->Subject(), "c");
+  EXPECT_EQ(folder->Folders()->Item(2)->Name(), "second");
+  constexpr auto lowest = std::numeric_limits<std::int32_t>::min();
+  constexpr auto highest = std::numeric_limits<std::int32_t>::max();
+  for (const std::int32_t index : {lowest, -1, 0, 4, highest}) {
+    EXPECT_EQ(Error_Of([&] { folder->Items()->Item(index); }), bad_index) << index;
+    EXPECT_EQ(Error_Of([&] { folder->Items()->Remove(index); }), bad_index) << index;
+    EXPECT_EQ(Error_Of([&] { folder->Folders()->Item(index); }), bad_index) << index;
+    EXPECT_EQ(Error_Of([&] { folder->Folders()->Remove(index); }), bad_index) << index;
+    EXPECT_EQ(Error_Of([&] { session_->Folders()->Item(index); }), bad_index) << index;
+  }
+  EXPECT_EQ(folder->Items()->Count(), 3);
+  EXPECT_EQ(folder->Folders()->Count(), 2);
+}
+
+// Long enough for any store that reads ahead or in batches.
+TEST_P(Store_Contract, Collections_Are_Live_While_Items_Come_And_Go) {
+  constexpr int count = 700;
+  const auto inbox = Add_Folder(1, "Inbox");
+  Add_Folder(1, "Deleted Items");
+  for (int number = 1; number <= count; ++number) Add_Item(1, inbox, std::to_string(number));
+  const Items_Ptr items = Open(1, {1})->Items();
+  const Items_Ptr others = Open(1, {1})->Items();
+  // Forwards, with another program removing what has just been read ahead.
+  EXPECT_EQ(items->Item(1)->Subject(), "1");
+  EXPECT_EQ(items->Item(2)->Subject(), "2");
+  others->Remove(3);
+  others->Remove(1);
+  EXPECT_EQ(items->Item(2)->Subject(), "4");
+  EXPECT_EQ(items->Count(), count - 2);
+  Add_Item(1, inbox, "new");
+  EXPECT_EQ(items->Item(items->Count())->Subject(), "new");
+  // Backwards, alternately for good and into Deleted Items; every third stays.
+  for (std::int32_t index = items->Count(); index >= 1; --index) {
+    const std::int32_t before = items->Count();
+    if (index % 3 == 1) items->Remove(index);
+    if (index % 3 == 2) items->Item(index)->Delete();
+    EXPECT_EQ(items->Count(), index % 3 == 0 ? before : before - 1) << index;
+  }
+  EXPECT_EQ(items->Count(), (count - 1) / 3);
+  EXPECT_EQ(items->Item(1)->Subject(), "5");
+  EXPECT_EQ(items->Item(2)->Subject(), "8");
+  EXPECT_EQ(items->Item(items->Count())->Subject(), "new");
+  EXPECT_EQ(Open(1, {2})->Items()->Item(1)->Subject(), "700") << "what is moved goes to the end";
+  while (items->Count() > 0) items->Item(1)->Delete();
+  EXPECT_EQ(Open(1, {2})->Items()->Count(), 233 + 233);
+}
+
+TEST_P(Store_Contract, Items_Of_Every_Class_Keep_Every_Property) {
+  const auto utils = stores_->Outlook().Create_Mapi_Utils("TidyDll.TidyMAPIUtils");
+  const auto folder = Add_Folder(1, "Everything", nullptr, item_type::task);
+  EXPECT_EQ(Open(1, {1})->DefaultItemType(), item_type::task);
+  const std::int32_t classes[] = {26, 40, 42, 43, 44, 45, 46, 48, 49, 50, 51, 52, 53, 54, 55, 56, 57, 69};
+  for (const std::int32_t item_class : classes) {
+    New_Item item;
+    item.item_class = item_class;
+    item.sender = "Zoë";
+    item.subject = "Subject " + std::to_string(item_class);
+    item.body = "Text";
+    item.unread = item_class % 2 == 0;
+    // Each date is missing in some class, and no two are alike.
+    Date* dates[] = {&item.received, &item.last_modified, &item.completed, &item.due, &item.end};
+    for (int date = 0; date < 5; ++date) {
+      if (item_class % 5 != date) *dates[date] = 45000 + item_class + date * 0.125;
+    }
+    const std::string id = stores_->Writer(1).Add_Item(*folder, item);
+    const Item_Ptr read = Open(1, {1})->Items()->Item(Open(1, {1})->Items()->Count());
+    SCOPED_TRACE(item_class);
+    EXPECT_EQ(read->EntryID(), id);
+    EXPECT_EQ(read->Class(), item_class);
+    EXPECT_EQ(read->Subject(), item.subject);
+    EXPECT_EQ(read->Body(), "Text");
+    EXPECT_EQ(read->UnRead(), item.unread);
+    EXPECT_EQ(read->ReceivedTime(), item.received);
+    EXPECT_EQ(read->LastModificationTime(), item.last_modified);
+    EXPECT_EQ(read->DateCompleted(), item.completed);
+    EXPECT_EQ(read->DueDate(), item.due);
+    EXPECT_EQ(read->End(), item.end);
+    EXPECT_EQ(read->Parent()->EntryID(), folder->EntryID());
+    EXPECT_EQ(utils->HrGetOneProp(*read->MAPIOBJECT(), sender_name_tag), "Zoë");
+    EXPECT_EQ(utils->HrGetOneProp(*read->MAPIOBJECT(), 0x12345678), "") << "an absent property";
+  }
+}
+
+TEST_P(Store_Contract, Bodies_Are_Cut_At_Characters) {
+  New_Item item;
+  item.body = "aä€😀z";
+  stores_->Writer(1).Add_Item(*Add_Folder(1, "Inbox"), item);
+  const Item_Ptr read = Open(1, {1})->Items()->Item(1);
+  const char* expected[] = {"", "a", "aä", "aä€", "aä€😀", "aä€😀z", "aä€😀z"};
+  for (std::size_t count = 0; count < std::size(expected); ++count) {
+    EXPECT_EQ(read->Body(count), expected[count]);
+  }
+}
+
+// Only the store's own Deleted Items, on its top level, takes items in and lets them go for good.
+TEST_P(Store_Contract, Delete_Moves_To_Deleted_Items_Unless_The_Item_Lies_There) {
+  const auto inbox = Add_Folder(1, "Inbox");
+  const auto nested = Add_Folder(1, "Deleted Items", inbox);
+  const auto deleted = Add_Folder(1, "Deleted Items");
+  const auto below = Add_Folder(1, "Below", deleted);
+  const std::string first = Add_Item(1, deleted, "first");
+  const Item_Ptr held = session_->GetItemFromID(first, deleted->StoreID());
+  int number = 0;
+  for (const auto& folder : {inbox, nested, below}) {
+    const std::string subject = "moved" + std::to_string(++number);
+    const std::string id = Add_Item(1, folder, subject);
+    session_->GetItemFromID(id, folder->StoreID())->Delete();
+    const Item_Ptr moved = session_->GetItemFromID(id, folder->StoreID());
+    EXPECT_EQ(folder->Items()->Count(), 0);
+    EXPECT_EQ(moved->EntryID(), id);
+    EXPECT_EQ(moved->Subject(), subject);
+    EXPECT_EQ(moved->Parent()->EntryID(), deleted->EntryID());
+  }
+  EXPECT_EQ(Subjects(Open(1, {2})), "first moved1 moved2 moved3");
+  held->Delete();
+  EXPECT_EQ(Error_Of([&] { held->Delete(); }), not_found);
+  EXPECT_EQ(Error_Of([&] { session_->GetItemFromID(first, deleted->StoreID()); }), not_found);
+  EXPECT_EQ(Subjects(Open(1, {2})), "moved1 moved2 moved3");
+}
+
+TEST_P(Store_Contract, Delete_Without_Deleted_Items_Fails_And_Keeps_The_Item) {
+  Add_Folder(1, "Deleted Items");
+  const auto inbox = Add_Folder(2, "Inbox");
+  Add_Folder(2, "deleted items");
+  const auto nested = Add_Folder(2, "Deleted Items", inbox);
+  for (const auto& folder : {inbox, nested}) {
+    Add_Item(2, folder, "kept");
+    EXPECT_NE(Error_Of([&] { folder->Items()->Item(1)->Delete(); }), 0);
+    EXPECT_EQ(Subjects(folder), "kept");
+  }
+  EXPECT_EQ(Open(1, {1})->Items()->Count(), 0) << "the other store's folder is none of this item's business";
+  Open(2, {1})->Items()->Remove(1);
+  EXPECT_EQ(inbox->Items()->Count(), 0);
+}
+
+TEST_P(Store_Contract, A_Removed_Folder_Takes_All_Below_It_And_Nothing_Else) {
+  // Three of one name; the middle one goes.
+  std::vector<std::string> ids;
+  for (int number = 1; number <= 3; ++number) {
+    const auto folder = Add_Folder(1, "Twin");
+    Add_Item(1, folder, "upper" + std::to_string(number));
+    ids.push_back(Add_Item(1, Add_Folder(1, "Below", folder), "lower" + std::to_string(number)));
+  }
+  const auto folder = Open(1, {2}), below = Open(1, {2, 1});
+  const auto store = folder->StoreID();
+  const auto folders = folder->Folders();
+  const auto items = below->Items();
+  const auto item = items->Item(1);
+  const auto message = item->MAPIOBJECT();
+  folder->Parent()->Folders()->Remove(2);
+  EXPECT_EQ(Open(1)->Folders()->Count(), 2);
+  EXPECT_EQ(Subjects(Open(1, {1})) + Subjects(Open(1, {2})), "upper1upper3");
+  EXPECT_EQ(session_->GetItemFromID(ids[0], store)->Subject(), "lower1");
+  EXPECT_EQ(session_->GetItemFromID(ids[2], store)->Subject(), "lower3");
+  const std::function<void()> calls_on_the_dead[] = {
+      [&] { folder->Name(); },        [&] { folder->DefaultItemType(); },
+      [&] { folder->Parent(); },      [&] { folder->Folders()->Count(); },
+      [&] { folders->Count(); },      [&] { folders->Item(1); },
+      [&] { folders->Remove(1); },    [&] { below->Items()->Count(); },
+      [&] { below->Name(); },         [&] { items->Count(); },
+      [&] { items->Item(1); },        [&] { items->Remove(1); },
+      [&] { item->Class(); },         [&] { item->Subject(); },
+      [&] { item->Body(20); },        [&] { item->ReceivedTime(); },
+      [&] { item->UnRead(); },        [&] { item->Parent(); },
+      [&] { item->Delete(); },        [&] { message->String_Property(sender_name_tag); },
+      [&] { item->Display(); },       [&] { session_->GetItemFromID(ids[1], store); },
+      [&] { Add_Item(1, below, ""); }};
+  for (std::size_t call = 0; call < std::size(calls_on_the_dead); ++call) {
+    EXPECT_EQ(Error_Of(calls_on_the_dead[call]), not_found) << "call " << call;
+  }
+}
+
+TEST_P(Store_Contract, Texts_Come_Back_As_They_Were) {
+  using namespace std::string_literals;
+  const std::string texts[] = {""s,
+                               " "s,
+                               std::string(20000, 'n'),
+                               "a/b\\c"s,
+                               "'; DROP TABLE items; --\""s,
+                               "line\r\nbreak\ttab"s,
+                               "-:::-"s,
+                               "nul\0byte"s,
+                               "%s %1 & * _ [x]"s,
+                               "Grüße 日本 😀"s};
+  std::int32_t index = 0;
+  for (const std::string& text : texts) {
+    New_Item item;
+    item.sender = item.subject = item.body = text;
+    stores_->Writer(1).Add_Item(*Add_Folder(1, text), item);
+    const auto folder = Open(1, {++index});
+    const auto read = folder->Items()->Item(1);
+    EXPECT_EQ(folder->Name(), text);
+    EXPECT_EQ(read->Subject(), text);
+    EXPECT_EQ(read->Body(), text);
+    EXPECT_EQ(read->MAPIOBJECT()->String_Property(sender_name_tag), text);
+  }
+  // Bytes that are no UTF-8 may be replaced, and the rest stays readable.
+  const auto folder = Add_Folder(1, "a\xff\x80z");
+  EXPECT_EQ(Valid_Utf8(folder->Name()), Valid_Utf8("a\xff\x80z"));
+}
+
+TEST_P(Store_Contract, Trees_May_Be_A_Thousand_Deep) {
+  auto& writer = stores_->Writer(1);
+  writer.Begin();
+  auto folder = Add_Folder(1, "1");
+  for (int depth = 2; depth <= 1000; ++depth) folder = Add_Folder(1, std::to_string(depth), folder);
+  const std::string id = Add_Item(1, folder, "deep");
+  writer.Commit();
+  folder = Open(1);
+  int depth = 0;
+  for (; folder->Folders()->Count() == 1; ++depth) folder = folder->Folders()->Item(1);
+  EXPECT_EQ(depth, 1000);
+  EXPECT_EQ(Subjects(folder), "deep");
+  EXPECT_EQ(folder->Name(), "1000");
+  for (; folder->Parent() != nullptr; --depth) folder = folder->Parent();
+  EXPECT_EQ(depth, 0);
+  folder->Folders()->Remove(1);
+  EXPECT_EQ(folder->Folders()->Count(), 0);
+  EXPECT_EQ(Error_Of([&] { session_->GetItemFromID(id, folder->StoreID()); }), not_found);
+}
+
+TEST_P(Store_Contract, Several_Stores_Are_Kept_Apart) {
+  EXPECT_EQ(session_->Folders()->Count(), 2);
+  EXPECT_EQ(Error_Of([&] { session_->GetDefaultFolder(default_folder_inbox); }), not_found);
+  Add_Folder(1, "Inbox", Add_Folder(1, "Upper"));
+  const auto foreign = Add_Folder(2, "Inbox");
+  EXPECT_EQ(Error_Of([&] { session_->GetDefaultFolder(default_folder_inbox); }), not_found);
+  const auto inbox = Add_Folder(1, "Inbox");
+  EXPECT_EQ(session_->GetDefaultFolder(default_folder_inbox)->EntryID(), inbox->EntryID());
+
+  const auto first = Open(1)->StoreID(), second = Open(2)->StoreID();
+  EXPECT_NE(first, second);
+  const std::string id = Add_Item(2, foreign, "two");
+  EXPECT_EQ(session_->GetItemFromID(id, second)->Parent()->StoreID(), second);
+  EXPECT_EQ(Error_Of([&] { session_->GetItemFromID(id, first); }), not_found);
+  EXPECT_EQ(Error_Of([&] { session_->GetItemFromID(id, second + "x"); }), not_found);
+  for (const std::string& wrong :
+       {std::string(), id + "0", "0" + id, " " + id, id + " x", inbox->EntryID()}) {
+    EXPECT_EQ(Error_Of([&] { session_->GetItemFromID(wrong, second); }), not_found) << wrong;
+  }
+  EXPECT_EQ(Open(1)->Parent(), nullptr);
+  EXPECT_NE(Error_Of([&] { session_->Folders()->Remove(1); }), 0) << "a store is not removed like a folder";
+  EXPECT_EQ(session_->Folders()->Count(), 2);
+}
+
+// An identifier that came back would make a caller delete another item than the one it remembers.
+TEST_P(Store_Contract, Identifiers_Are_Never_Given_Twice) {
+  std::set<std::string> ids{Open(1)->EntryID()};
+  auto& writer = stores_->Writer(1);
+  std::size_t given = 1;
+  for (int round = 0; round < 3; ++round) {
+    writer.Begin();
+    const auto folder = Add_Folder(1, "Again");
+    ids.insert(folder->EntryID());
+    ids.insert(Add_Item(1, folder, "one"));
+    ids.insert(Add_Item(1, folder, "two"));
+    writer.Commit();
+    given += 3;
+    Open(1, {1})->Items()->Remove(2);
+    ids.insert(Add_Item(1, folder, "three"));
+    EXPECT_EQ(ids.size(), ++given);
+    Open(1)->Folders()->Remove(1);
+  }
+}
+
+TEST_P(Store_Contract, A_Transaction_Is_Kept_Or_Lost_As_One) {
+  auto& writer = stores_->Writer(1);
+  const auto inbox = Add_Folder(1, "Inbox");
+  Add_Item(1, inbox, "old");
+  writer.Begin();
+  const auto lost = Add_Folder(1, "lost");
+  Add_Item(1, lost, "lost");
+  Add_Item(1, inbox, "lost");
+  EXPECT_EQ(Subjects(Open(1, {1})), "old lost") << "visible before it is certain";
+  writer.Roll_Back();
+  EXPECT_EQ(Open(1)->Folders()->Count(), 1);
+  EXPECT_EQ(Subjects(Open(1, {1})), "old");
+  EXPECT_EQ(Error_Of([&] { lost->Name(); }), not_found);
+  writer.Begin();
+  Add_Item(1, Add_Folder(1, "kept"), "inside");
+  Add_Item(1, inbox, "new");
+  writer.Commit();
+  EXPECT_EQ(Subjects(Open(1, {1})), "old new");
+  EXPECT_EQ(Subjects(Open(1, {2})), "inside");
+}
+
+}  // namespace tidyfold

@@ -1,0 +1,113 @@
+// One suite of tests that every kind of store passes. To run it over another kind:
+//
+//   tidyfold_test(my_stores SOURCES my_stores_test.cpp DEPENDS tidyfold_store_contract tidyfold_my_store)
+//
+//   #include "stores/store_under_test.h"
+//   class My_Store : public Store_Under_Test { ... };
+//   INSTANTIATE_TEST_SUITE_P(My, Store_Contract, testing::Values(
+//       Store_Kind{"Mine", [] { return std::make_unique<My_Store>(); }},
+//       Store_Kind{"Mine_Decorated", [] { return Decorated(std::make_unique<My_Store>()); }}), Kind_Name);
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <ostream>
+#include <string>
+#include <utility>
+
+#include "outlook/object_model.h"
+#include "outlook/store_writer.h"
+#include "stores/faulty/faulty_automation.h"
+
+namespace tidyfold {
+
+// Two stores open side by side, each with its top folder and nothing below. The writers and the objects of
+// the session act on the same stores, as two programs do.
+class Store_Under_Test {
+ public:
+  virtual ~Store_Under_Test() = default;
+  virtual Automation& Outlook() = 0;
+  virtual Store_Writer& Writer(int number) = 0;  // 1 or 2, as in the session's Folders
+};
+
+struct Store_Kind {
+  std::string name;
+  std::function<std::unique_ptr<Store_Under_Test>()> make;
+};
+
+inline void PrintTo(const Store_Kind& kind, std::ostream* out) {
+  *out << kind.name;
+}
+inline std::string Kind_Name(const testing::TestParamInfo<Store_Kind>& kind) {
+  return kind.param.name;
+}
+
+// The same stores behind the fault-injecting decorator with no fault set.
+class Decorated_Store : public Store_Under_Test {
+ public:
+  explicit Decorated_Store(std::unique_ptr<Store_Under_Test> inner) : inner_(std::move(inner)) {
+    // A watched decorator asks for identities, which must change nothing either.
+    plan_.on_call = [](const Store_Call&) {};
+  }
+  Automation& Outlook() override { return outlook_; }
+  Store_Writer& Writer(int number) override { return inner_->Writer(number); }
+
+ private:
+  std::unique_ptr<Store_Under_Test> inner_;
+  Fault_Plan plan_;
+  Faulty_Automation outlook_{inner_->Outlook(), plan_};
+};
+
+inline std::unique_ptr<Store_Under_Test> Decorated(std::unique_ptr<Store_Under_Test> inner) {
+  return std::make_unique<Decorated_Store>(std::move(inner));
+}
+
+class Store_Contract : public testing::TestWithParam<Store_Kind> {
+ protected:
+  // By way of the session: the folder that the indexes lead to from the store's top folder.
+  MAPIFolder_Ptr Open(int store, std::initializer_list<std::int32_t> path = {}) {
+    MAPIFolder_Ptr folder = session_->Folders()->Item(store);
+    for (const std::int32_t index : path) folder = folder->Folders()->Item(index);
+    return folder;
+  }
+  // By way of the writer, behind the last folder or item.
+  MAPIFolder_Ptr Add_Folder(int store, const std::string& name, MAPIFolder_Ptr parent = nullptr,
+                            std::int32_t type = item_type::mail) {
+    if (parent == nullptr) parent = stores_->Writer(store).Top_Folder();
+    return stores_->Writer(store).Add_Folder(*parent, name, type);
+  }
+  std::string Add_Item(int store, const MAPIFolder_Ptr& folder, const std::string& subject) {
+    New_Item item;
+    item.subject = subject;
+    return stores_->Writer(store).Add_Item(*folder, item);
+  }
+  // Every subject, parted by blanks.
+  static std::string Subjects(const MAPIFolder_Ptr& folder) {
+    std::string all;
+    const Items_Ptr items = folder->Items();
+    for (std::int32_t index = 1; index <= items->Count(); ++index) {
+      all += (all.empty() ? "" : " ") + items->Item(index)->Subject();
+    }
+    return all;
+  }
+
+  std::unique_ptr<Store_Under_Test> stores_ = GetParam().make();
+  std::shared_ptr<NameSpace> session_ =
+      stores_->Outlook().GetObject("", "Outlook.Application")->GetNamespace("MAPI");
+};
+
+// The number of the Automation_Error that the call throws; 0 when it throws none.
+template <class Call>
+std::int32_t Error_Of(Call&& call) {
+  try {
+    call();
+  } catch (const Automation_Error& error) {
+    EXPECT_NE(error.Description(), "") << "a failure that says nothing";
+    return error.Number();
+  }
+  return 0;
+}
+
+}  // namespace tidyfold
