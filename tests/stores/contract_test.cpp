@@ -65,6 +65,27 @@ TEST_P(Store_Contract, Collections_Are_Live_While_Items_Come_And_Go) {
   EXPECT_EQ(Open(1, {2})->Items()->Count(), 233 + 233);
 }
 
+TEST_P(Store_Contract, Positions_Close_Up_Behind_Items_Deleted_By_Identifier) {
+  const auto inbox = Add_Folder(1, "Inbox");
+  const auto deleted = Add_Folder(1, "Deleted Items");
+  std::vector<std::string> ids;
+  for (const char* subject : {"a", "b", "c", "d", "e", "f", "g"}) ids.push_back(Add_Item(1, inbox, subject));
+  const auto items = Open(1, {1})->Items();
+  const auto remove = [&](std::size_t number) {
+    session_->GetItemFromID(ids[number], inbox->StoreID())->Delete();
+  };
+  remove(1);
+  remove(5);
+  EXPECT_EQ(items->Item(1)->Subject(), "a");
+  EXPECT_EQ(items->Item(2)->Subject(), "c");
+  remove(0);
+  remove(3);
+  Add_Item(1, inbox, "h");
+  EXPECT_EQ(Subjects(Open(1, {1})), "c e g h");
+  EXPECT_EQ(Subjects(Open(1, {2})), "b f a d");
+  EXPECT_EQ(Error_Of([&] { items->Item(5); }), bad_index);
+}
+
 TEST_P(Store_Contract, Items_Of_Every_Class_Keep_Every_Property) {
   const auto utils = stores_->Outlook().Create_Mapi_Utils("TidyDll.TidyMAPIUtils");
   const auto folder = Add_Folder(1, "Everything", nullptr, item_type::task);

@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <deque>
 #include <utility>
 
 #include "controls/text.h"
 #include "errors/automation_error.h"
+#include "stores/memory/item_sequence.h"
 
 namespace tidyfold {
 
@@ -24,12 +24,12 @@ constexpr const char* inbox_name = "Inbox";
   Fail(automation_error::not_found, what + " is no longer there.");
 }
 
-template <class Sequence>
-auto& At(Sequence& sequence, std::int32_t index) {
-  if (index < 1 || static_cast<std::size_t>(index) > sequence.size()) {
+// The position, from 0, of what the caller counts from 1.
+std::size_t Position(std::int32_t index, std::size_t size) {
+  if (index < 1 || static_cast<std::size_t>(index) > size) {
     Fail(automation_error::bad_index, "There is no element " + std::to_string(index) + ".");
   }
-  return sequence[static_cast<std::size_t>(index - 1)];
+  return static_cast<std::size_t>(index - 1);
 }
 
 }  // namespace
@@ -51,8 +51,7 @@ struct Stored_Folder : std::enable_shared_from_this<Stored_Folder> {
   std::string name;
   std::int32_t default_item_type = item_type::mail;
   std::vector<Stored_Folder_Ptr> folders;
-  std::deque<Stored_Item_Ptr> items;  // cheap to shorten at both ends
-  std::uint64_t next_place = 0;
+  Item_Sequence<Stored_Item_Ptr> items;
 
   Memory_Outlook& Outlook() const { return store->outlook_; }
   std::string Store_Id() const { return store->StoreID(); }
@@ -60,18 +59,14 @@ struct Stored_Folder : std::enable_shared_from_this<Stored_Folder> {
 
   void Append(const Stored_Item_Ptr& item) {
     item->folder = this;
-    item->place = next_place++;
-    items.push_back(item);
+    item->place = items.Append(item);
   }
 };
 
 namespace {
 
 void Take_Out(Stored_Item& item) {
-  auto& items = item.folder->items;
-  items.erase(
-      std::lower_bound(items.begin(), items.end(), item.place,
-                       [](const Stored_Item_Ptr& left, std::uint64_t place) { return left->place < place; }));
+  item.folder->items.Remove(item.place);
   item.folder = nullptr;
 }
 
@@ -94,11 +89,10 @@ void Remove_For_Good(const Stored_Folder_Ptr& folder) {
   while (!doomed.empty()) {
     const Stored_Folder_Ptr last = std::move(doomed.back());
     doomed.pop_back();
-    for (const auto& item : last->items) {
+    last->items.Clear([](const Stored_Item_Ptr& item) {
       item->folder = nullptr;
       item->data = {};
-    }
-    last->items.clear();
+    });
     last->store = nullptr;
     last->parent = nullptr;
     doomed.insert(doomed.end(), last->folders.begin(), last->folders.end());
@@ -191,15 +185,21 @@ class Folder_View {
 class Memory_Items : public Items, Folder_View {
  public:
   explicit Memory_Items(const Stored_Folder_Ptr& folder) : Folder_View(folder) {}
-  std::int32_t Count() override { return static_cast<std::int32_t>(Alive().items.size()); }
+  std::int32_t Count() override { return static_cast<std::int32_t>(Alive().items.Size()); }
   Item_Ptr Item(std::int32_t index) override {
-    const Stored_Item_Ptr& item = At(Alive().items, index);
+    const Stored_Item_Ptr& item = At(index);
     ++item->reads;
     return std::make_shared<Memory_Item>(item);
   }
   void Remove(std::int32_t index) override {
-    const Stored_Item_Ptr item = At(Alive().items, index);
+    const Stored_Item_Ptr item = At(index);
     Remove_For_Good(*item);
+  }
+
+ private:
+  const Stored_Item_Ptr& At(std::int32_t index) {
+    auto& items = Alive().items;
+    return items.At(Position(index, items.Size()));
   }
 };
 
@@ -207,10 +207,16 @@ class Memory_Folders : public Folders, Folder_View {
  public:
   explicit Memory_Folders(const Stored_Folder_Ptr& folder) : Folder_View(folder) {}
   std::int32_t Count() override { return static_cast<std::int32_t>(Alive().folders.size()); }
-  MAPIFolder_Ptr Item(std::int32_t index) override { return Handle(At(Alive().folders, index)); }
+  MAPIFolder_Ptr Item(std::int32_t index) override { return Handle(At(index)); }
   void Remove(std::int32_t index) override {
-    const Stored_Folder_Ptr folder = At(Alive().folders, index);
+    const Stored_Folder_Ptr folder = At(index);
     Remove_For_Good(folder);
+  }
+
+ private:
+  const Stored_Folder_Ptr& At(std::int32_t index) {
+    auto& folders = Alive().folders;
+    return folders[Position(index, folders.size())];
   }
 };
 
@@ -238,20 +244,14 @@ class Memory_Top_Folders : public Folders {
   explicit Memory_Top_Folders(Memory_Outlook& outlook) : outlook_(outlook) {}
   std::int32_t Count() override { return static_cast<std::int32_t>(outlook_.Stores()); }
   MAPIFolder_Ptr Item(std::int32_t index) override {
-    Check(index);
-    return outlook_.Store(static_cast<std::size_t>(index)).Top_Folder();
+    return outlook_.Store(Position(index, outlook_.Stores()) + 1).Top_Folder();
   }
   void Remove(std::int32_t index) override {
-    Check(index);
+    Position(index, outlook_.Stores());
     Fail(automation_error::no_access, "A store's top folder cannot be removed.");
   }
 
  private:
-  void Check(std::int32_t index) {
-    if (index < 1 || index > Count()) {
-      Fail(automation_error::bad_index, "There is no store " + std::to_string(index) + ".");
-    }
-  }
   Memory_Outlook& outlook_;
 };
 
