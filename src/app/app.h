@@ -10,6 +10,7 @@
 namespace tidyfold {
 
 class FolderData_Array;
+struct Run_State;
 
 // Everything that the program does to one main window. All calls come from one thread; every handler may run
 // inside a yield of a longer one. The object must outlive the last of them: a front end destroys it only
@@ -25,8 +26,10 @@ class App {
   // Rebuilds the tree and loads the items, again and again while a refresh is asked for on the way.
   void Load_Interface();
 
-  // For front ends that have no widgets: the records behind the tree, and whether a run ended by Cancel.
+  // For front ends that have no widgets: the records behind the tree (record numbers are node indexes), and
+  // what the last run did.
   const FolderData_Array& Folder_Data() const;
+  const Run_State& Run() const;
 
  private:
   struct Parts;

@@ -43,11 +43,7 @@ Item_Cache::Item_Cache(MainWindow& window, FolderData_Array& records, Folder_Tre
       errors_(errors) {}
 
 void Item_Cache::Cache_Folder_Items() {
-  if (running_) {
-    InterruptCaching = true;
-    return;
-  }
-  running_ = true;
+  if (std::exchange(running_, true)) return;
   errors_.Run("Cache_Folder_Items", [&] {
     StopCaching = InterruptCaching = AllFoldersCached = LoadFailed = false;
     item_failure_reported_ = false;
@@ -161,6 +157,8 @@ bool Item_Cache::Cache_Selected_Folder(int folder, int node) {
       record.ItemCache.resize(static_cast<std::size_t>(record.CachedCount));
       window_.grdItems.Set_Redraw(false);
       Add_100_New_Rows(folder);
+      // The rows came in the order of the folder; now that all are there they stand where they belong.
+      if (In_View(folder)) Set_Grid_Order();
       window_.grdItems.Set_Redraw(true);
       records_[folder].Loaded = true;
       tree_.Set_Fore_Colour(node, loaded_colour);

@@ -47,6 +47,7 @@ class Item_Cache {
   std::function<bool(int folder)> In_View;
   std::function<void(int folder)> Add_Folder_Rows;
   std::function<void(int folder)> Remove_Folder_Rows;
+  std::function<void()> Set_Grid_Order;
 
  private:
   bool Load_Next_Folders();

@@ -1,0 +1,295 @@
+#include "clean/deletion_strategies.h"
+
+#include <algorithm>
+
+#include "cache/item_cache.h"
+#include "cache/item_dates.h"
+#include "errors/automation_error.h"
+
+namespace tidyfold {
+
+namespace {
+
+constexpr std::int32_t status_every = 100;
+
+}  // namespace
+
+Deletion_Strategies::Deletion_Strategies(MainWindow& window, FolderData_Array& records,
+                                         Folder_Tree& folder_tree, Outlook_Session& session,
+                                         Item_Filters& filters, Grid_Rows& rows, Safety_Checks& checks,
+                                         Status_Line& status, Run_State& run, Events& events,
+                                         Error_Handler& errors)
+    : window_(window),
+      tree_(window.trvFolders),
+      grid_(window.grdItems),
+      records_(records),
+      folder_tree_(folder_tree),
+      session_(session),
+      filters_(filters),
+      rows_(rows),
+      checks_(checks),
+      status_(status),
+      run_(run),
+      events_(events),
+      errors_(errors) {}
+
+void Deletion_Strategies::Failed(ProcessError& process_error, std::string_view process,
+                                 std::string_view item) {
+  run_.NotAllDeleted = true;
+  process_error.DisplayProcessingError(process, item);
+  errors_.error.Clear();
+}
+
+// The item is found by its identifiers and nothing else. It must still lie in the folder that the person saw
+// it in; one that lies in Deleted Items would be gone for good, so without Permanent Delete it is left there.
+Deletion_Strategies::Outcome Deletion_Strategies::Delete_Current_Item(int index, const std::string& entry_id,
+                                                                      const std::string& subject,
+                                                                      ProcessError& process_error) {
+  return errors_.Run("Delete_Current_Item", [&] {
+    Outcome outcome;
+    Item_Ptr item;
+    Answer answer = Answer::No;
+    const bool done = errors_.Try([&] {
+      const MAPIFolder_Ptr folder = records_[index].Folder;
+      item = session_.name_space->GetItemFromID(entry_id, folder->StoreID());
+      answer = checks_.Confirm_Current_Item(*item);
+      if (answer == Answer::Cancel) {
+        run_.Processing = false;
+        run_.Cancelled = true;
+      }
+      if (answer == Answer::Yes && run_.Processing) Remove_Item(index, *item, entry_id, outcome);
+    });
+    if (!done) {
+      Failed(process_error,
+             window_.chkPermanentDelete.Checked() ? "Filtered Delete - Delete" : "Filtered Delete - Move",
+             subject);
+    }
+    return outcome;
+  });
+}
+
+void Deletion_Strategies::Remove_Item(int index, Item& item, const std::string& entry_id, Outcome& outcome) {
+  const MAPIFolder_Ptr folder = records_[index].Folder;
+  const std::string store_id = folder->StoreID();
+  const MAPIFolder_Ptr parent = item.Parent();
+  const std::string parent_id = parent->EntryID();
+  if (parent_id != folder->EntryID()) {
+    throw Automation_Error(automation_error::not_found,
+                           "The item is no longer in this folder. Refresh, and look for it again.",
+                           application_title);
+  }
+  const bool permanent = window_.chkPermanentDelete.Checked();
+  const bool already_in_deleted_items = parent->Name() == deleted_items_name;
+  if (already_in_deleted_items && !permanent) {
+    throw Automation_Error(automation_error::no_access,
+                           "Items in Deleted Items can only be deleted permanently.", application_title);
+  }
+  item.Delete();
+  outcome.left_folder = true;
+  // A folder of that name deeper in the tree is not where the store puts what it deletes.
+  const int wastebasket = records_[index].DeletedItemsIndex;
+  const bool was_last_stop = already_in_deleted_items && (wastebasket == 0 || wastebasket == index);
+  if (!was_last_stop) {
+    if (wastebasket != 0) records_[wastebasket].Reload = true;
+    if (permanent) session_.name_space->GetItemFromID(entry_id, store_id)->Delete();
+  }
+  outcome.deleted = true;
+}
+
+// The record of an item that left its folder becomes a hole. `position` is where it was found in Items; when
+// the folder has changed since it was read, the record stands elsewhere in the cache.
+void Deletion_Strategies::Note_Deleted_Record(int index, std::int32_t position, const std::string& entry_id) {
+  FolderData& record = records_[index];
+  const std::int32_t last = std::min(record.CachedCount, record.Cache_Bound());
+  if (position < 1 || position > last || record.Cached(position).EntryID != entry_id) {
+    for (position = 1; position <= last && record.Cached(position).EntryID != entry_id; ++position) {
+    }
+  }
+  if (position <= last) record.Cached(position).ItemClass = ItemData::deleted;
+}
+
+void Deletion_Strategies::Pack_Folder(int index) {
+  rows_.Remove_Folder_Rows(index);
+  Pack_Items_Array(records_[index]);
+}
+
+void Deletion_Strategies::Delete_All_Items(int index) {
+  errors_.Run("Delete_All_Items", [&] {
+    ProcessError process_error = errors_.Make_Process_Error();
+    // Nothing that is known of the items holds any more; the folder is read again after the run.
+    rows_.Remove_Folder_Rows(index);
+    records_[index].Reload = true;
+    const MAPIFolder_Ptr folder = records_[index].Folder;
+    const std::string name = folder->Name();
+    const Items_Ptr items = folder->Items();
+    std::int32_t checked = 0;
+    records_[index].DeletedFromFolder = 0;
+    for (std::int32_t i = items->Count(); i >= 1 && run_.Processing; --i) {
+      ++checked;
+      if (errors_.Try([&] { items->Remove(i); })) {
+        ++run_.ProcessedCount;
+        ++records_[index].DeletedFromFolder;
+      } else {
+        Failed(process_error, "Turbo Delete - Unable to delete item", "Folder - " + name);
+      }
+      if (checked % status_every == 0) {
+        status_.Display_Cleaning_Status(name, checked, records_[index].DeletedFromFolder,
+                                        run_.ProcessedCount);
+        events_.Do_Events();
+      }
+    }
+  });
+}
+
+void Deletion_Strategies::Delete_Selected_Items_By_MAPIFolder(int index) {
+  errors_.Run("Delete_Selected_Items_By_MAPIFolder", [&] {
+    ProcessError process_error = errors_.Make_Process_Error();
+    const MAPIFolder_Ptr folder = records_[index].Folder;
+    const std::string name = folder->Name();
+    const Items_Ptr items = folder->Items();
+    std::int32_t checked = 0;
+    records_[index].DeletedFromFolder = 0;
+    for (std::int32_t i = items->Count(); i >= 1 && run_.Processing; --i) {
+      ++checked;
+      std::string subject, entry_id;
+      bool passes = false;
+      const bool read = errors_.Try([&] {
+        const Item_Ptr item = items->Item(i);
+        subject = item->Subject();
+        const std::int32_t item_class = item->Class();
+        const Date date = Get_Item_Date(*item, item_class);
+        passes = filters_.Check_Item(item_class, date, subject, Check_Unread(*item, errors_));
+        if (passes) entry_id = item->EntryID();
+      });
+      if (!read) {
+        // Items that another program has taken away meanwhile were never chosen.
+        if (i <= items->Count()) Failed(process_error, "Filtered Delete - Set Object", "Folder - " + name);
+      } else if (passes) {
+        const Outcome outcome = Delete_Current_Item(index, entry_id, subject, process_error);
+        if (outcome.left_folder) Note_Deleted_Record(index, i, entry_id);
+        if (outcome.deleted) {
+          ++run_.ProcessedCount;
+          ++records_[index].DeletedFromFolder;
+        }
+      }
+      events_.Do_Events();
+      if (checked % status_every == 0)
+        status_.Display_Cleaning_Status(name, checked, records_[index].DeletedFromFolder,
+                                        run_.ProcessedCount);
+    }
+    status_.Display_Cleaning_Status(name, checked, records_[index].DeletedFromFolder, run_.ProcessedCount);
+  });
+}
+
+void Deletion_Strategies::Delete_Filtered_Items_By_FolderData_Array(int node, int index) {
+  errors_.Run("Delete_Filtered_Items_By_FolderData_Array", [&] {
+    ProcessError process_error = errors_.Make_Process_Error();
+    const std::string name = records_[index].Folder->Name();
+    records_[index].DeletedFromFolder = 0;
+    for (std::int32_t item = 1; item <= records_[index].CachedCount && run_.Processing; ++item) {
+      if (filters_.Check_Filtered_Record(node, index, item)) {
+        const std::string entry_id = records_[index].Cached(item).EntryID;
+        const Outcome outcome =
+            Delete_Current_Item(index, entry_id, records_[index].Cached(item).Subject, process_error);
+        if (outcome.left_folder) Note_Deleted_Record(index, item, entry_id);
+        if (outcome.deleted) {
+          ++run_.ProcessedCount;
+          ++records_[index].DeletedFromFolder;
+        }
+      }
+      events_.Do_Events();
+      if (item % status_every == 0)
+        status_.Display_Cleaning_Status(name, item, records_[index].DeletedFromFolder, run_.ProcessedCount);
+    }
+    window_.sbStatusBar.Set_Panel_Text(1, "");
+    window_.sbStatusBar.Set_Panel_Text(2, "");
+  });
+}
+
+void Deletion_Strategies::Delete_Filtered_Items_By_Row() {
+  errors_.Run("Delete_Filtered_Items_By_Row", [&] {
+    ProcessError process_error = errors_.Make_Process_Error();
+    window_.sbStatusBar.Set_Panel_Text(1, "Cleaning Items");
+    std::vector<int> worked_on;
+    std::int32_t processed = 0, cleaned = 0;
+    for (int row = grid_.Rows() - 1; row >= 1 && run_.Processing; --row) {
+      if (row >= grid_.Rows()) continue;
+      const GridRow at = grid_.Row_At(row);
+      ++processed;
+      const bool points_at_item = at.marked && at.item >= 1 && at.item <= records_[at.row_data].CachedCount &&
+                                  records_[at.row_data].Cached(at.item).ItemClass != ItemData::deleted;
+      if (points_at_item) {
+        const std::string entry_id = records_[at.row_data].Cached(at.item).EntryID;
+        const Outcome outcome = Delete_Current_Item(
+            at.row_data, entry_id, records_[at.row_data].Cached(at.item).Subject, process_error);
+        if (outcome.left_folder) {
+          Note_Deleted_Record(at.row_data, at.item, entry_id);
+          grid_.Set_Mark(row, false);
+          rows_.Paint_Row(row);
+          folder_tree_.Set_Node_Text(folder_tree_.Get_Node_Index(at.row_data));
+          if (std::find(worked_on.begin(), worked_on.end(), at.row_data) == worked_on.end())
+            worked_on.push_back(at.row_data);
+        }
+        if (outcome.deleted) {
+          ++cleaned;
+          ++run_.ProcessedCount;
+        }
+        events_.Do_Events();
+      }
+      if (row % status_every == 0) status_.Display_Delete_By_Selected_Status(processed, cleaned);
+    }
+    for (const int index : worked_on) Pack_Folder(index);
+    if (!worked_on.empty()) run_.ItemsDeleted = true;
+  });
+}
+
+void Deletion_Strategies::Delete_Selected_Folder(int index, int node) {
+  errors_.Run("Delete_Selected_Folder", [&] {
+    ProcessError process_error = errors_.Make_Process_Error();
+    const MAPIFolder_Ptr folder = records_[index].Folder;
+    MAPIFolder_Ptr parent;
+    Folders_Ptr siblings;
+    std::string name;
+    const auto refuse = [](const char* reason) {
+      throw Automation_Error(automation_error::no_access, reason, application_title);
+    };
+    const auto step = [&](const char* label, auto&& work) {
+      if (errors_.Try(work)) return true;
+      Failed(process_error, label, "Folder - " + name);
+      tree_.Set_Checked(node, false);
+      folder_tree_.Set_Node_Text(node);
+      return false;
+    };
+    const bool removed = step("Delete Folder - Set Parent",
+                              [&] {
+                                name = folder->Name();
+                                parent = folder->Parent();
+                                if (parent == nullptr) refuse("A store's top folder cannot be deleted.");
+                                if (folder_tree_.Check_Default_Folder(folder))
+                                  refuse("A default folder cannot be deleted.");
+                              }) &&
+                         step("Delete Folder - Set Collection", [&] { siblings = parent->Folders(); }) &&
+                         step("Delete Folder - Remove", [&] {
+                           // Whatever lies below was confirmed, deleted or kept on its own before.
+                           if (folder->Folders()->Count() > 0)
+                             refuse("The folder still holds folders that were not deleted.");
+                           const std::string entry_id = folder->EntryID();
+                           for (std::int32_t i = siblings->Count(); i >= 1; --i) {
+                             if (siblings->Item(i)->EntryID() != entry_id) continue;
+                             siblings->Remove(i);
+                             return;
+                           }
+                           throw Automation_Error(automation_error::not_found,
+                                                  "The folder is no longer there.", application_title);
+                         });
+    if (!removed) return;
+    ++run_.ProcessedCount;
+    const int parent_node = tree_.Parent(node);
+    rows_.Remove_Folder_Rows(index);
+    folder_tree_.Remove_Folder_Node(node);
+    if (!tree_.Exists(rows_.CurrentNodeIndex)) rows_.CurrentNodeIndex = 0;
+    folder_tree_.Set_Node_Text(parent_node);
+  });
+}
+
+}  // namespace tidyfold

@@ -1,0 +1,28 @@
+#include "clean/status_line.h"
+
+#include <string>
+
+#include "controls/text.h"
+
+namespace tidyfold {
+
+void Status_Line::Display_Cleaning_Status(std::string_view folder_name, std::int32_t checked,
+                                          std::int32_t deleted_from_folder, std::int32_t deleted_in_run) {
+  errors_.Run("Display_Cleaning_Status", [&] {
+    std::string text = "Cleaning Folder \"";
+    text.append(Trim(folder_name)).append("\"");
+    bar_.Set_Panel_Text(1, text);
+    bar_.Set_Panel_Text(2, "Checked: " + std::to_string(checked) + ", Deleted: Folder - " +
+                               std::to_string(deleted_from_folder) + ", Total - " +
+                               std::to_string(deleted_in_run));
+  });
+}
+
+void Status_Line::Display_Delete_By_Selected_Status(std::int32_t processed, std::int32_t cleaned) {
+  errors_.Run("Display_Delete_By_Selected_Status", [&] {
+    bar_.Set_Panel_Text(
+        2, "Processed - " + std::to_string(processed) + ", Cleaned - " + std::to_string(cleaned));
+  });
+}
+
+}  // namespace tidyfold

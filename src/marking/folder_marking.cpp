@@ -1,0 +1,219 @@
+#include "marking/folder_marking.h"
+
+namespace tidyfold {
+
+Folder_Marking::Folder_Marking(MainWindow& window, FolderData_Array& records, Folder_Tree& folder_tree,
+                               Deleted_Items_Folders& deleted_items, Grid_Columns& columns, Grid_Rows& rows,
+                               Control_Enabling& enabling, Message_Box& message_box, Error_Handler& errors)
+    : window_(window),
+      tree_(window.trvFolders),
+      records_(records),
+      folder_tree_(folder_tree),
+      deleted_items_(deleted_items),
+      columns_(columns),
+      rows_(rows),
+      enabling_(enabling),
+      message_box_(message_box),
+      errors_(errors) {}
+
+void Folder_Marking::Wire() {
+  tree_.NodeCheck = [this](int node) {
+    errors_.Run("trvFolder_NodeCheck", [&] {
+      tree_.Set_Selected_Item(node);
+      NodeClicked = NodeChecked = true;
+    });
+  };
+  tree_.NodeClick = [this](int) { errors_.Run("trvFolders_NodeClick", [&] { NodeClicked = true; }); };
+  tree_.MouseUp = [this] { trvFolders_MouseUp(); };
+  tree_.KeyUp = [this] { errors_.Run("trvFolders_KeyUp", [&] { trvFolders_MouseUp(); }); };
+  tree_.Expand = [this](int node) {
+    errors_.Run("trvFolders_Expand", [&] { folder_tree_.Set_Node_Text(node); });
+  };
+  tree_.Collapse = [this](int node) {
+    errors_.Run("trvFolders_Collapse", [&] { folder_tree_.Set_Node_Text(node); });
+  };
+  window_.mnuUnmark.Click = [this] { mnuUnmark_Click(); };
+}
+
+void Folder_Marking::trvFolders_MouseUp() {
+  errors_.Run("trvFolders_MouseUp", [&] {
+    window_.grdItems.Set_Redraw(false);
+    if (tree_.Selected_Item() != 0) Node_Click_Or_Check(tree_.Selected_Item());
+    NodeChecked = NodeClicked = false;
+    window_.grdItems.Set_Redraw(true);
+  });
+}
+
+bool Folder_Marking::Refuse(int node, bool checked, const char* message) {
+  tree_.Set_Checked(node, checked);
+  message_box_.Show(message, Buttons::OK_Only, Icon::Critical);
+  return false;
+}
+
+bool Folder_Marking::Check_Node_Click(int node) {
+  return errors_.Run("Check_Node_Click", [&] {
+    if (!NodeClicked) return false;
+    const MAPIFolder_Ptr folder = records_[folder_tree_.Get_Node_Index(node)].Folder;
+    if (folder == nullptr) return true;
+    const bool delete_folders = window_.chkDeleteFolders.Checked();
+    if (delete_folders && tree_.Checked(node) && folder_tree_.Check_Default_Folder(folder))
+      return Refuse(node, false, "Cannot mark a default folder while \" Delete Folders\" is marked.");
+    if (delete_folders && Check_Root_Node(node))
+      return Refuse(node, false, "Cannot select a root folder while \" Delete Folders\" is marked.");
+    if (!deleted_items_.Allow_Deleted_Items_Folder(node))
+      return Refuse(node, false,
+                    "Cannot marked \"Deleted Items\" folder if Permanent Delete box is unchecked.");
+    const int parent = tree_.Parent(node);
+    if (delete_folders && !tree_.Checked(node) && parent != 0 && tree_.Checked(parent))
+      return Refuse(node, true,
+                    "Cannot unmark a folder while its parent folder is marked and \"Delete Folders\" is also "
+                    "marked.");
+    return true;
+  });
+}
+
+void Folder_Marking::Node_Click_Or_Check(int node) {
+  errors_.Run("Node_Click_Or_Check", [&](Procedure& procedure) {
+    if (!Check_Node_Click(node)) return;
+    // A message of the check may have let other handlers run.
+    if (!tree_.Exists(node)) return;
+    const bool checked = tree_.Checked(node);
+    if (checked && window_.chkMarkSubFolders.Checked() && tree_.Children(node) > 0)
+      Set_Children_Nodes_Checkboxes(tree_.Child(node), checked);
+    if (checked) tree_.Set_Expanded(node, true);
+    folder_tree_.Set_Node_Text(node);
+    if (node == rows_.CurrentNodeIndex) {
+      rows_.Change_Folder_Rows(node);
+      enabling_.Enable_Command_Buttons();
+      return;
+    }
+    const int previous = rows_.CurrentNodeIndex;
+    const bool all_folders = window_.chkShowAllFolders.Checked();
+    if (previous >= 1 && tree_.Exists(previous) && !all_folders && window_.chkSelectByRow.Checked()) {
+      tree_.Set_Checked(previous, false);
+      folder_tree_.Set_Node_Text(previous);
+    }
+    const int index = folder_tree_.Get_Node_Index(node);
+    // A folder that does not tell its type leaves the columns as they are.
+    errors_.Run("Node_Click_Or_Check - changing folder types", [&] {
+      const MAPIFolder_Ptr folder = records_[index].Folder;
+      if (all_folders || folder == nullptr) return;
+      const std::int32_t type = folder->DefaultItemType();
+      if (type < 0 || type == columns_.CurrentGridItemType) return;
+      // Rows of the folder before do not fit the new columns.
+      rows_.Remove_All_Rows();
+      columns_.CurrentGridItemType = type;
+      columns_.Set_Grid_Columns();
+    });
+    procedure.Step("Node_Click_Or_Check - changing current folder");
+    rows_.CurrentNodeIndex = node;
+    Set_Folder_Label(index);
+    rows_.Change_Folder_Rows(node);
+    enabling_.Enable_Command_Buttons();
+  });
+}
+
+bool Folder_Marking::Check_Root_Node(int node) {
+  return errors_.Run("Check_Root_Node", [&] {
+    const int parent = tree_.Parent(node);
+    return parent == 0 || (folder_tree_.TopLevelIsRoot && tree_.Parent(parent) == 0);
+  });
+}
+
+bool Folder_Marking::Check_For_Unmarked_Child(int node) {
+  return errors_.Run("Check_For_Unmarked_Child", [&] {
+    for (int child = tree_.Child(node); child != 0; child = tree_.Next(child)) {
+      if (tree_.Checked(node) && !tree_.Checked(child)) return true;
+      if (Check_For_Unmarked_Child(child)) return true;
+    }
+    return false;
+  });
+}
+
+bool Folder_Marking::Check_Selected_Folders() {
+  return errors_.Run("Check_Selected_Folders", [&] {
+    for (int node = 1; node <= tree_.Upper_Bound(); ++node) {
+      if (!tree_.Exists(node) || !tree_.Checked(node)) continue;
+      const FolderData& record = records_[folder_tree_.Get_Node_Index(node)];
+      if (record.Folder != nullptr && !record.Loaded) return false;
+    }
+    return true;
+  });
+}
+
+int Folder_Marking::Count_Selected_Nodes() {
+  return errors_.Run("Count_Selected_Nodes", [&] {
+    int count = 0;
+    for (int node = 1; node <= tree_.Upper_Bound(); ++node)
+      if (tree_.Exists(node) && tree_.Checked(node)) ++count;
+    return count;
+  });
+}
+
+void Folder_Marking::Deselect_Folder_Nodes(int keep) {
+  errors_.Run("Deselect_Folder_Nodes", [&] {
+    for (int node = 1; node <= tree_.Upper_Bound(); ++node) {
+      if (!tree_.Exists(node) || node == keep || !tree_.Checked(node)) continue;
+      tree_.Set_Checked(node, false);
+      tree_.Set_Bold(node, false);
+    }
+  });
+}
+
+void Folder_Marking::Unmark_Nodes(int node) {
+  errors_.Run("Unmark_Nodes", [&] {
+    for (int at = tree_.First_Sibling(node); at != 0; at = tree_.Next(at)) {
+      if (tree_.Child(at) != 0) Unmark_Nodes(tree_.Child(at));
+      tree_.Set_Checked(at, false);
+      if (Check_Root_Node(at)) tree_.Set_Expanded(at, true);
+      folder_tree_.Set_Node_Text(at);
+    }
+  });
+}
+
+// What may not be marked by hand is not marked with its parent either.
+bool Folder_Marking::May_Be_Marked_With_Its_Parent(int node) {
+  if (!window_.chkPermanentDelete.Checked() && deleted_items_.Is_Deleted_Items_Folder(node)) return false;
+  return !window_.chkDeleteFolders.Checked() ||
+         !folder_tree_.Check_Default_Folder(records_[folder_tree_.Get_Node_Index(node)].Folder);
+}
+
+void Folder_Marking::Set_Children_Nodes_Checkboxes(int node, bool checked) {
+  errors_.Run("Set_Children_Nodes_Checkboxes", [&] {
+    if (checked && tree_.Parent(node) != 0) tree_.Set_Expanded(tree_.Parent(node), true);
+    for (int at = node; at != 0; at = tree_.Next(at)) {
+      if (!tree_.Checked(at) && checked && May_Be_Marked_With_Its_Parent(at)) {
+        tree_.Set_Checked(at, true);
+        if (window_.chkShowAllFolders.Checked()) {
+          const int index = folder_tree_.Get_Node_Index(at);
+          rows_.Remove_Folder_Rows(index);
+          rows_.Add_Folder_Rows(index, Marker::None);
+        }
+      }
+      tree_.Set_Bold(at, tree_.Checked(at));
+      if (tree_.Children(at) > 0) Set_Children_Nodes_Checkboxes(tree_.Child(at), checked);
+    }
+  });
+}
+
+void Folder_Marking::mnuUnmark_Click() {
+  errors_.Run("mnuUnmark_Click", [&] {
+    if (!tree_.Exists(1)) return;
+    window_.grdItems.Set_Redraw(false);
+    Unmark_Nodes(1);
+    rows_.Remove_All_Rows();
+    rows_.Mark_Or_Unmark_Filtered_Rows();
+    enabling_.Enable_Command_Buttons();
+    window_.grdItems.Set_Redraw(true);
+  });
+}
+
+void Folder_Marking::Set_Folder_Label(int index) {
+  errors_.Run("Set_Folder_Label", [&] {
+    const MAPIFolder_Ptr folder = records_.Has(index) ? records_[index].Folder : nullptr;
+    window_.lblCurrentFolder.Set_Caption(folder == nullptr ? "Current Folder:"
+                                                           : "Current Folder: " + folder->Name());
+  });
+}
+
+}  // namespace tidyfold

@@ -1,0 +1,60 @@
+// Which folders may be marked, and what a mark changes in the window.
+#pragma once
+
+#include <functional>
+
+#include "grid/grid_rows.h"
+#include "marking/control_enabling.h"
+#include "outlook/deleted_items.h"
+
+namespace tidyfold {
+
+class Folder_Marking {
+ public:
+  Folder_Marking(MainWindow& window, FolderData_Array& records, Folder_Tree& folder_tree,
+                 Deleted_Items_Folders& deleted_items, Grid_Columns& columns, Grid_Rows& rows,
+                 Control_Enabling& enabling, Message_Box& message_box, Error_Handler& errors);
+
+  // Sets the handlers of the tree and of the unmark command.
+  void Wire();
+
+  void trvFolders_MouseUp();
+  // Whether the tick that the person has just set stands; a refused one is undone with a message.
+  bool Check_Node_Click(int node);
+  // The whole reaction to a click or tick.
+  void Node_Click_Or_Check(int node);
+  bool Check_Root_Node(int node);
+  // True when some marked folder below or at the node has a child that is not marked.
+  bool Check_For_Unmarked_Child(int node);
+  // True when every marked folder is read to its end.
+  bool Check_Selected_Folders();
+  int Count_Selected_Nodes();
+  // Unmarks every node but one.
+  void Deselect_Folder_Nodes(int keep);
+  // Unmarks a node, its siblings and everything below them.
+  void Unmark_Nodes(int node);
+  // Carries a mark to a node, the siblings after it and everything below them.
+  void Set_Children_Nodes_Checkboxes(int node, bool checked);
+  void mnuUnmark_Click();
+  void Set_Folder_Label(int index);
+
+ private:
+  bool Refuse(int node, bool checked, const char* message);
+  bool May_Be_Marked_With_Its_Parent(int node);
+
+  MainWindow& window_;
+  TreeView& tree_;
+  FolderData_Array& records_;
+  Folder_Tree& folder_tree_;
+  Deleted_Items_Folders& deleted_items_;
+  Grid_Columns& columns_;
+  Grid_Rows& rows_;
+  Control_Enabling& enabling_;
+  Message_Box& message_box_;
+  Error_Handler& errors_;
+  // Set by click and tick, cleared when the mouse-up that follows them has been handled.
+  bool NodeClicked = false;
+  bool NodeChecked = false;
+};
+
+}  // namespace tidyfold
