@@ -1,39 +1,19 @@
 // The program's own store files behind the object model: a session over a list of open stores.
 #pragma once
 
-#include <cstdint>
 #include <filesystem>
-#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "outlook/object_model.h"
+#include "stores/sqlite/displayed_item.h"
 #include "stores/sqlite/embedded_store.h"
 
 namespace tidyfold {
 
-// What a window needs in order to show one item.
-struct Displayed_Item {
-  std::int32_t item_class = item_class::mail;
-  std::string entry_id, store_id;
-  std::string folder_name;
-  std::string sender;      // display name
-  std::string recipients;  // display names of the "To" line
-  std::string subject;
-  std::string body;
-  bool unread = false;
-  // Local time; no_date where there is none.
-  Date received = no_date, last_modified = no_date, completed = no_date, due = no_date, end = no_date;
-  std::int64_t size = 0;  // bytes of the whole item
-  std::vector<New_Attachment> attachments;
-  std::string raw_message;  // RFC 5322, for mail; empty where there is none
-};
-
 class Embedded_Outlook : public Automation {
  public:
-  using Display_Callback = std::function<void(const Displayed_Item&)>;
-
   Embedded_Outlook();
   ~Embedded_Outlook() override;
 

@@ -1,0 +1,122 @@
+#include "stores/sqlite/database.h"
+
+#include <new>
+
+#include "errors/automation_error.h"
+
+namespace tidyfold::sqlite {
+
+void Database::Execute(const char* sql) {
+  const int code = sqlite3_exec(connection_.get(), sql, nullptr, nullptr, nullptr);
+  if (code != SQLITE_OK) Fail(code);
+}
+
+void Database::Fail(int code) const {
+  const std::string store = "The store \"" + file_ + "\" ";
+  const std::string reason = std::string(" (") + sqlite3_errmsg(connection_.get()) + ")";
+  const auto fail = [](std::int32_t number, const std::string& text) {
+    throw Automation_Error(number, text, error_source);
+  };
+  switch (code & 0xFF) {
+    case SQLITE_NOMEM:
+      throw std::bad_alloc();
+    case SQLITE_CORRUPT:
+    case SQLITE_NOTADB:
+      fail(automation_error::corrupt_data,
+           store + "is damaged" + reason + ". Restore it from a backup copy.");
+      break;
+    case SQLITE_FULL:
+      fail(automation_error::call_failed, store +
+                                              "could not be written: the disk is full. Make room on it and "
+                                              "try again; the last changes were not kept.");
+      break;
+    case SQLITE_IOERR:
+      fail(automation_error::call_failed, store + "could not be read or written" + reason +
+                                              ". Check the disk that it lies on and try again; the last "
+                                              "changes were not kept.");
+      break;
+    case SQLITE_READONLY:
+    case SQLITE_PERM:
+    case SQLITE_AUTH:
+    case SQLITE_CANTOPEN:
+      fail(automation_error::no_access,
+           store + "may not be written" + reason + ". Make the file and its folder writable.");
+      break;
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+    case SQLITE_PROTOCOL:
+      fail(automation_error::busy, store + "is in use by another program" + reason + ". Close it there.");
+      break;
+    default:
+      break;
+  }
+  throw Automation_Error(automation_error::call_failed,
+                         store + "could not do what it was asked" + reason + ".", error_source);
+}
+
+void Database::Fail_Damaged(const std::string& what) const {
+  throw Automation_Error(
+      automation_error::corrupt_data,
+      "The store \"" + file_ + "\" is damaged (" + what + "). Restore it from a backup copy.", error_source);
+}
+
+Statement::Statement(Database& database, std::string_view sql) : database_(database) {
+  sqlite3_stmt* statement = nullptr;
+  Check(sqlite3_prepare_v3(database.Connection(), sql.data(), static_cast<int>(sql.size()),
+                           SQLITE_PREPARE_PERSISTENT, &statement, nullptr));
+  statement_.reset(statement);
+}
+
+Statement& Statement::Bind(int parameter, std::int64_t value) {
+  Check(sqlite3_bind_int64(statement_.get(), parameter, value));
+  return *this;
+}
+
+Statement& Statement::Bind(int parameter, double value) {
+  Check(sqlite3_bind_double(statement_.get(), parameter, value));
+  return *this;
+}
+
+Statement& Statement::Bind(int parameter, std::string_view text) {
+  // No pointer would mean no value.
+  Check(sqlite3_bind_text64(statement_.get(), parameter, text.empty() ? "" : text.data(), text.size(),
+                            SQLITE_STATIC, SQLITE_UTF8));
+  return *this;
+}
+
+Statement& Statement::Bind_Blob(int parameter, std::string_view bytes) {
+  Check(sqlite3_bind_blob64(statement_.get(), parameter, bytes.empty() ? "" : bytes.data(), bytes.size(),
+                            SQLITE_STATIC));
+  return *this;
+}
+
+Statement& Statement::Bind_Null(int parameter) {
+  Check(sqlite3_bind_null(statement_.get(), parameter));
+  return *this;
+}
+
+bool Statement::Step() {
+  const int code = sqlite3_step(statement_.get());
+  if (code == SQLITE_ROW) return true;
+  if (code == SQLITE_DONE) return false;
+  Reset();
+  database_.Fail(code);
+}
+
+void Statement::Run() {
+  Step();
+  Reset();
+}
+
+std::string_view Statement::Text(int column) const {
+  const auto* text = static_cast<const char*>(sqlite3_column_blob(statement_.get(), column));
+  const int bytes = sqlite3_column_bytes(statement_.get(), column);
+  if (text == nullptr || bytes <= 0) return {};
+  return {text, static_cast<std::size_t>(bytes)};
+}
+
+void Statement::Check(int code) {
+  if (code != SQLITE_OK) database_.Fail(code);
+}
+
+}  // namespace tidyfold::sqlite

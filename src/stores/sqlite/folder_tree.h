@@ -1,0 +1,51 @@
+// A store's folders in memory. Trees are small beside items, and captions ask for names and counts all the
+// time.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "stores/sqlite/database.h"
+
+namespace tidyfold::sqlite {
+
+struct Folder_Record {
+  std::int64_t id = 0;
+  Folder_Record* parent = nullptr;  // none: the top folder
+  std::string name;
+  std::int32_t item_type = 0;
+  std::vector<Folder_Record*> children;  // by name, ignoring case, then by id
+  std::int32_t item_count = 0;
+  std::int64_t last_position = 0;  // the highest given in this folder
+};
+
+class Folder_Tree {
+ public:
+  // Reads all anew. Folders that do not hang below the top folder are left out. Throws Automation_Error
+  // (corrupt_data) when there is no top folder or more than one.
+  void Load(Database& database);
+
+  // Null when there is none. Records stay where they are until they are removed or all is read anew.
+  Folder_Record* Find(std::int64_t id);
+  Folder_Record& Top() { return *top_; }
+  // The top-level folder of that very name, null when there is none.
+  Folder_Record* Deleted_Items() { return deleted_items_; }
+
+  Folder_Record& Add(std::int64_t id, Folder_Record& parent, const std::string& name, std::int32_t item_type);
+  // The folder and all below it, parents first. Without recursion: trees may be deep.
+  static std::vector<Folder_Record*> With_All_Below(Folder_Record& folder);
+  // With all below it.
+  void Remove(Folder_Record& folder);
+
+ private:
+  void Count_Items(Database& database);
+  void Find_Deleted_Items();
+
+  std::unordered_map<std::int64_t, Folder_Record> folders_;
+  Folder_Record* top_ = nullptr;
+  Folder_Record* deleted_items_ = nullptr;
+};
+
+}  // namespace tidyfold::sqlite

@@ -1,0 +1,19 @@
+// The object model's folders and items over a store file.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "outlook/object_model.h"
+#include "outlook/store_writer.h"
+#include "stores/sqlite/store.h"
+
+namespace tidyfold::sqlite {
+
+MAPIFolder_Ptr Make_Folder(std::shared_ptr<Store> store, std::int64_t id);
+// Throws Automation_Error (not_found), also for a text that is no EntryID.
+Item_Ptr Find_Item(const std::shared_ptr<Store>& store, const std::string& entry_id);
+std::unique_ptr<Store_Writer> Make_Writer(std::shared_ptr<Store> store);
+
+}  // namespace tidyfold::sqlite

@@ -1,0 +1,97 @@
+// Items.Item(i) at the price of one ordered SELECT.
+//
+// A loop asks for one item at a time, by its place in the folder. Rows are fetched in growing blocks in the
+// direction in which the loop walks, each block continuing from the position of the last row read; only a
+// jump counts its way through the index. Removals move the blocks along exactly, so a loop that deletes what
+// it reads loses nothing of what was read ahead, and no place ever stands for another item.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "outlook/object_model.h"
+#include "stores/sqlite/database.h"
+
+namespace tidyfold::sqlite {
+
+struct Item_Row {
+  std::int64_t id = 0;
+  std::int64_t folder = 0, position = 0;  // as they were when the row was read
+  Date received = no_date, last_modified = no_date, completed = no_date, due = no_date, end = no_date;
+  std::int32_t item_class = 0;
+  bool unread = false;
+  std::size_t sender_or_text_at = 0, subject_at = 0, text_end = 0;  // in Item_Rows::text
+};
+
+// Rows share one buffer for their texts: a block costs a few allocations, not several for each row.
+struct Item_Rows {
+  std::vector<Item_Row> rows;
+  std::string text;
+
+  std::string_view Sender_Or_Text(const Item_Row& row) const {
+    return std::string_view(text).substr(row.sender_or_text_at, row.subject_at - row.sender_or_text_at);
+  }
+  std::string_view Subject(const Item_Row& row) const {
+    return std::string_view(text).substr(row.subject_at, row.text_end - row.subject_at);
+  }
+};
+
+struct Found_Item {
+  std::shared_ptr<const Item_Rows> rows;
+  std::size_t row = 0;
+  const Item_Row& Row() const { return rows->rows[row]; }
+};
+
+class Read_Ahead {
+ public:
+  explicit Read_Ahead(Database& database);
+
+  // The item at a place from 1 to `count`, the number of items in the folder.
+  Found_Item At(std::int64_t folder, std::int32_t place, std::int32_t count);
+  std::optional<Found_Item> By_Id(std::int64_t id);
+
+  // The item at this position has left the folder. Items that come in take positions behind all others and
+  // need no word.
+  void Item_Left(std::int64_t folder, std::int64_t position);
+  void Forget(std::int64_t folder);
+  void Forget_All();
+
+ private:
+  // A run of neighbours: all items of the folder with positions from `low` to `high`.
+  struct Block {
+    std::int64_t folder = 0;
+    std::int32_t first = 1;           // the place of the first that is there
+    std::vector<std::uint32_t> here;  // rows still in the folder, in the order of their places
+    std::int64_t low = 0, high = 0;
+    std::shared_ptr<Item_Rows> rows;  // none: the block is empty
+    std::int32_t size = 0;            // rows asked for
+    std::uint64_t last_use = 0;
+
+    std::int32_t End() const { return first + static_cast<std::int32_t>(here.size()); }
+  };
+  // Where to start reading, and which way.
+  struct Start {
+    bool forwards = true;
+    std::int64_t beyond = 0;  // the position to start behind (or, backwards, before)
+    std::int32_t skip = 0;    // rows to pass over
+    bool continues = false;   // goes on where a block ends
+  };
+
+  Start Best_Start(const Block* block, std::int32_t place, std::int32_t count) const;
+  void Fill(Block& block, std::int64_t folder, std::int32_t place, const Start& start);
+  Block* Find(std::int64_t folder);
+  Block& Oldest();
+
+  Database& database_;
+  Statement forwards_, backwards_, by_id_;
+  std::array<Block, 4> blocks_;
+  std::uint64_t uses_ = 0;
+};
+
+}  // namespace tidyfold::sqlite

@@ -1,0 +1,38 @@
+// The statements that a store works with.
+#pragma once
+
+#include "stores/sqlite/database.h"
+
+namespace tidyfold::sqlite {
+
+// Prepared when the store is opened, which also shows that its tables are the right ones.
+struct Statements {
+  explicit Statements(Database& database)
+      : begin(database, "BEGIN IMMEDIATE"),
+        commit(database, "COMMIT"),
+        save(database, "SAVEPOINT change"),
+        release(database, "RELEASE change"),
+        locate(database, "SELECT folder, position FROM item WHERE id = ?1"),
+        content(database, "SELECT size, sender, recipients, body FROM content WHERE item = ?1"),
+        message(database, "SELECT raw FROM message WHERE item = ?1"),
+        attachments(database, "SELECT name, size FROM attachment WHERE item = ?1 ORDER BY number"),
+        move(database, "UPDATE item SET folder = ?2, position = ?3 WHERE id = ?1"),
+        remove(database, "DELETE FROM item WHERE id = ?1"),
+        remove_all(database, "DELETE FROM item WHERE folder = ?1"),
+        remove_folder(database, "DELETE FROM folder WHERE id = ?1"),
+        add_folder(database, "INSERT INTO folder (id, parent, name, item_type) VALUES (?1, ?2, ?3, ?4)"),
+        add_item(database,
+                 "INSERT INTO item (id, folder, position, class, unread, received, last_modified, completed, "
+                 "due, ended, sender_or_text, subject) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, "
+                 "?12)"),
+        add_content(database,
+                    "INSERT INTO content (item, size, sender, recipients, body) VALUES (?1, ?2, ?3, ?4, ?5)"),
+        add_message(database, "INSERT INTO message (item, raw) VALUES (?1, ?2)"),
+        add_attachment(database,
+                       "INSERT INTO attachment (item, number, name, size) VALUES (?1, ?2, ?3, ?4)") {}
+
+  Statement begin, commit, save, release, locate, content, message, attachments, move, remove, remove_all,
+      remove_folder, add_folder, add_item, add_content, add_message, add_attachment;
+};
+
+}  // namespace tidyfold::sqlite

@@ -1,0 +1,231 @@
+#include "stores/sqlite/store.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "errors/automation_error.h"
+#include "stores/sqlite/check.h"
+
+namespace tidyfold::sqlite {
+
+namespace {
+
+constexpr std::pair<const char*, std::int32_t> default_folders[] = {
+    {"Deleted Items", item_type::mail},   {"Inbox", item_type::mail},
+    {"Outbox", item_type::mail},          {"Sent Items", item_type::mail},
+    {"Calendar", item_type::appointment}, {"Contacts", item_type::contact},
+    {"Drafts", item_type::mail},          {"Journal", item_type::journal},
+    {"Notes", item_type::note},           {"Tasks", item_type::task}};
+
+}  // namespace
+
+Store::Store(std::filesystem::path path, Store_Mode mode) : path_(std::move(path)), mode_(mode) {}
+
+Store::~Store() {
+  if (database_ == nullptr) return;
+  try {
+    if (writing_) Roll_Back();
+    Commit_Pending();
+  } catch (...) {
+    // Nobody is left to tell; what was not committed has not happened.
+  }
+}
+
+std::shared_ptr<Store> Store::Open(const std::filesystem::path& path, Store_Mode mode) {
+  std::shared_ptr<Store> store(new Store(path, mode));
+  if (mode == Store_Mode::Read_Only) {
+    store->reader_ = std::make_unique<Reader_File>(path);
+    store->database_ = &store->reader_->Connection();
+  } else {
+    store->owned_ = Open_For_Writing(path);
+    store->database_ = store->owned_.get();
+  }
+  store->Start();
+  return store;
+}
+
+std::shared_ptr<Store> Store::Create(const std::filesystem::path& path, const std::string& name,
+                                     const std::string& store_id) {
+  std::shared_ptr<Store> store(new Store(path, Store_Mode::Read_Write));
+  store->owned_ = Create_File(path, name, store_id);
+  store->database_ = store->owned_.get();
+  try {
+    store->Start();
+    store->Begin();
+    for (const auto& [folder, type] : default_folders) store->Add_Folder(store->Top().id, folder, type);
+    store->Commit();
+  } catch (const Automation_Error& error) {
+    store.reset();
+    Remove_File(path);
+    Fail_Open(Store_Open_Error::Reason::Cannot_Write, path, error.Description());
+  } catch (...) {
+    store.reset();
+    Remove_File(path);
+    throw;
+  }
+  return store;
+}
+
+// The cheap part of a check: the tables are there, the folders make a tree, the items' index can be read.
+void Store::Start() {
+  try {
+    Statement identity(*database_, "SELECT store_id FROM store");
+    if (!identity.Step()) database_->Fail_Damaged("it has no identity");
+    store_id_ = identity.Text(0);
+    statements_ = std::make_unique<Statements>(*database_);
+    read_ahead_ = std::make_unique<Read_Ahead>(*database_);
+    Refresh();
+    Statement last(*database_,
+                   "SELECT (SELECT MAX(id) FROM folder), (SELECT MAX(id) FROM item),"
+                   " (SELECT MAX(seq) FROM sqlite_sequence WHERE name = 'folder'),"
+                   " (SELECT MAX(seq) FROM sqlite_sequence WHERE name = 'item')");
+    last.Step();
+    next_folder_ = std::max(last.Integer(0), last.Integer(2)) + 1;
+    next_item_ = std::max(last.Integer(1), last.Integer(3)) + 1;
+  } catch (const Automation_Error& error) {
+    if (error.Number() == automation_error::corrupt_data) {
+      throw Store_Open_Error(Store_Open_Error::Reason::Damaged, path_, error.Description());
+    }
+    Fail_Open(Store_Open_Error::Reason::Damaged, path_, sqlite3_errmsg(database_->Connection()));
+  }
+}
+
+void Store::Fail(std::int32_t number, const std::string& text) const {
+  throw Automation_Error(number, text, error_source);
+}
+
+std::vector<std::string> Store::Check() {
+  Refresh();
+  return Check_Store(*database_, folders_);
+}
+
+// Folders.
+
+void Store::Refresh() {
+  if (known_) return;
+  read_ahead_->Forget_All();
+  folders_.Load(*database_);
+  known_ = true;
+}
+
+Folder_Record& Store::Find_Folder(std::int64_t id) {
+  Refresh();
+  Folder_Record* folder = folders_.Find(id);
+  if (folder == nullptr) Fail(automation_error::not_found, "The folder is no longer there.");
+  return *folder;
+}
+
+const Folder_Record& Store::Top() {
+  Refresh();
+  return folders_.Top();
+}
+
+std::int64_t Store::Add_Folder(std::int64_t parent, const std::string& name, std::int32_t item_type) {
+  Folder_Record& above = Find_Folder(parent);
+  const std::int64_t id = next_folder_;
+  Change([&] {
+    statements_->add_folder.Bind(1, id).Bind(2, parent).Bind(3, name).Bind(4, std::int64_t{item_type}).Run();
+    ++next_folder_;
+    folders_.Add(id, above, name, item_type);
+  });
+  return id;
+}
+
+void Store::Remove_Folder(std::int64_t id) {
+  const std::vector<Folder_Record*> doomed = Folder_Tree::With_All_Below(Find_Folder(id));
+  Change([&] {
+    In_Savepoint([&] {
+      for (const Folder_Record* folder : doomed) statements_->remove_all.Bind(1, folder->id).Run();
+      // Children before parents, or the parents could not go.
+      for (auto folder = doomed.rbegin(); folder != doomed.rend(); ++folder) {
+        statements_->remove_folder.Bind(1, (*folder)->id).Run();
+      }
+    });
+    for (const Folder_Record* folder : doomed) read_ahead_->Forget(folder->id);
+    folders_.Remove(*doomed.front());
+    ++age_;
+  });
+}
+
+// Transactions.
+
+void Store::Check_Writable() const {
+  if (mode_ == Store_Mode::Read_Only) {
+    Fail(automation_error::no_access,
+         "The store \"" + database_->File() +
+             "\" was opened for reading only. Open it for writing to change it.");
+  }
+}
+
+void Store::Begin_Change() {
+  Check_Writable();
+  if (spoilt_) {
+    Fail(automation_error::call_failed,
+         "The changes to the store \"" + database_->File() + "\" were undone by an earlier failure.");
+  }
+  if (!database_->In_Transaction()) statements_->begin.Run();
+}
+
+void Store::End_Change() {
+  if (!writing_ && ++pending_ >= changes_per_group) Commit_Pending();
+}
+
+// The one change has not happened. Whether those before it in the group still stand is SQLite's choice.
+void Store::After_Failure() {
+  known_ = false;
+  ++age_;
+  if (!database_->In_Transaction()) {
+    pending_ = 0;
+    spoilt_ = writing_;
+  } else if (!writing_ && pending_ == 0) {
+    Undo();
+  }
+}
+
+void Store::Undo() {
+  known_ = false;
+  ++age_;
+  pending_ = 0;
+  if (database_->In_Transaction()) database_->Execute("ROLLBACK");
+}
+
+void Store::Commit_Pending() {
+  if (mode_ == Store_Mode::Read_Only || writing_ || !database_->In_Transaction()) return;
+  try {
+    statements_->commit.Run();
+    pending_ = 0;
+  } catch (...) {
+    Undo();
+    throw;
+  }
+}
+
+void Store::Begin() {
+  Check_Writable();
+  if (writing_ && !spoilt_) Fail(automation_error::call_failed, "A transaction is open already.");
+  writing_ = spoilt_ = false;
+  Commit_Pending();
+  statements_->begin.Run();
+  writing_ = true;
+}
+
+void Store::Commit() {
+  if (!writing_) Fail(automation_error::call_failed, "No transaction has been begun.");
+  Begin_Change();
+  try {
+    statements_->commit.Run();
+  } catch (...) {
+    Undo();
+    spoilt_ = true;
+    throw;
+  }
+  writing_ = false;
+}
+
+void Store::Roll_Back() {
+  if (!writing_) Fail(automation_error::call_failed, "No transaction has been begun.");
+  writing_ = spoilt_ = false;
+  Undo();
+}
+
+}  // namespace tidyfold::sqlite

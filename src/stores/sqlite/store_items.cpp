@@ -1,0 +1,189 @@
+// The part of a store that reads, adds, moves and removes items.
+#include <utility>
+
+#include "controls/text.h"
+#include "errors/automation_error.h"
+#include "stores/sqlite/entry_id.h"
+#include "stores/sqlite/store.h"
+
+namespace tidyfold::sqlite {
+
+namespace {
+
+void Bind_Date(Statement& statement, int parameter, Date date) {
+  if (date == no_date) {
+    statement.Bind_Null(parameter);
+  } else {
+    statement.Bind(parameter, date);
+  }
+}
+
+}  // namespace
+
+void Store::Fail_Item_Gone() const {
+  Fail(automation_error::not_found, "The item is no longer there.");
+}
+
+Found_Item Store::Item_At(std::int64_t folder, std::int32_t place) {
+  const std::int32_t count = Find_Folder(folder).item_count;
+  if (place < 1 || place > count) {
+    Fail(automation_error::bad_index, "There is no item " + std::to_string(place) + " in the folder.");
+  }
+  return read_ahead_->At(folder, place, count);
+}
+
+Found_Item Store::Item_By_Id(std::int64_t id) {
+  Refresh();
+  auto found = read_ahead_->By_Id(id);
+  if (!found || folders_.Find(found->Row().folder) == nullptr) Fail_Item_Gone();
+  return *std::move(found);
+}
+
+Item_Place Store::Locate(std::int64_t id) {
+  Refresh();
+  Statement& locate = statements_->locate;
+  locate.Bind(1, id);
+  Reading reading(locate);
+  if (!reading.Next()) Fail_Item_Gone();
+  const Item_Place place{locate.Integer(0), locate.Integer(1)};
+  if (folders_.Find(place.folder) == nullptr) Fail_Item_Gone();
+  return place;
+}
+
+std::string Store::Sender(std::int64_t id) {
+  Statement& content = statements_->content;
+  content.Bind(1, id);
+  Reading reading(content);
+  return reading.Next() ? std::string(content.Text(1)) : std::string();
+}
+
+std::string Store::Body(std::int64_t id) {
+  Statement& content = statements_->content;
+  content.Bind(1, id);
+  Reading reading(content);
+  if (!reading.Next()) database_->Fail_Damaged("an item has lost its text");
+  return std::string(content.Text(3));
+}
+
+void Store::Display(const Found_Item& item, std::int64_t folder) {
+  if (!display_) {
+    Fail(automation_error::not_supported, "There is no window here that could show an item.");
+  }
+  const Item_Row& row = item.Row();
+  Displayed_Item shown;
+  shown.item_class = row.item_class;
+  shown.entry_id = Item_Entry_Id(row.id);
+  shown.store_id = store_id_;
+  shown.folder_name = Find_Folder(folder).name;
+  shown.subject = item.rows->Subject(row);
+  shown.unread = row.unread;
+  shown.received = row.received;
+  shown.last_modified = row.last_modified;
+  shown.completed = row.completed;
+  shown.due = row.due;
+  shown.end = row.end;
+  {
+    Statement& content = statements_->content;
+    content.Bind(1, row.id);
+    Reading reading(content);
+    if (!reading.Next()) database_->Fail_Damaged("an item has lost its text");
+    shown.size = content.Integer(0);
+    shown.sender = row.item_class == item_class::mail ? item.rows->Sender_Or_Text(row) : content.Text(1);
+    shown.recipients = content.Text(2);
+    shown.body = content.Text(3);
+  }
+  {
+    statements_->message.Bind(1, row.id);
+    Reading reading(statements_->message);
+    if (reading.Next()) shown.raw_message = statements_->message.Text(0);
+  }
+  {
+    Statement& attachments = statements_->attachments;
+    attachments.Bind(1, row.id);
+    Reading reading(attachments);
+    while (reading.Next()) {
+      shown.attachments.push_back({std::string(attachments.Text(0)), attachments.Integer(1)});
+    }
+  }
+  display_(shown);
+}
+
+void Store::Item_Left(Item_Place place) {
+  ++age_;
+  --Find_Folder(place.folder).item_count;
+  read_ahead_->Item_Left(place.folder, place.position);
+}
+
+Item_Place Store::Delete_Item(std::int64_t id, Item_Place place) {
+  Refresh();
+  Folder_Record* target = folders_.Deleted_Items();
+  if (target == nullptr) {
+    Fail(automation_error::not_found,
+         "The store has no \"Deleted Items\" folder that the item could be moved to.");
+  }
+  if (place.folder == target->id) {
+    Remove_Item(id, place);
+    return {};
+  }
+  const Item_Place goal{target->id, target->last_position + 1};
+  Change([&] {
+    statements_->move.Bind(1, id).Bind(2, goal.folder).Bind(3, goal.position).Run();
+    if (database_->Changes() != 1) Fail_Item_Gone();
+    Item_Left(place);
+    ++target->item_count;
+    target->last_position = goal.position;
+  });
+  return goal;
+}
+
+void Store::Remove_Item(std::int64_t id, Item_Place place) {
+  Change([&] {
+    statements_->remove.Bind(1, id).Run();
+    if (database_->Changes() != 1) Fail_Item_Gone();
+    Item_Left(place);
+  });
+}
+
+std::int64_t Store::Add_Item(std::int64_t folder, const New_Item& item) {
+  Folder_Record& target = Find_Folder(folder);
+  const std::int64_t id = next_item_;
+  const Item_Place place{folder, target.last_position + 1};
+  Change([&] {
+    In_Savepoint([&] { Insert_Item(id, place, item); });
+    ++next_item_;
+    ++target.item_count;
+    target.last_position = place.position;
+  });
+  return id;
+}
+
+void Store::Insert_Item(std::int64_t id, Item_Place place, const New_Item& item) {
+  const bool mail = item.item_class == item_class::mail;
+  Statement& row = statements_->add_item;
+  row.Bind(1, id).Bind(2, place.folder).Bind(3, place.position);
+  row.Bind(4, std::int64_t{item.item_class}).Bind(5, std::int64_t{item.unread ? 1 : 0});
+  Bind_Date(row, 6, item.received);
+  Bind_Date(row, 7, item.last_modified);
+  Bind_Date(row, 8, item.completed);
+  Bind_Date(row, 9, item.due);
+  Bind_Date(row, 10, item.end);
+  row.Bind(11, mail ? std::string_view(item.sender) : First_Characters(item.body, row_characters));
+  row.Bind(12, item.subject).Run();
+  statements_->add_content.Bind(1, id)
+      .Bind(2, item.size)
+      .Bind(3, mail ? std::string_view() : std::string_view(item.sender))
+      .Bind(4, item.recipients)
+      .Bind(5, item.body)
+      .Run();
+  if (!item.raw_message.empty()) statements_->add_message.Bind(1, id).Bind_Blob(2, item.raw_message).Run();
+  std::int64_t number = 0;
+  for (const New_Attachment& attachment : item.attachments) {
+    statements_->add_attachment.Bind(1, id)
+        .Bind(2, ++number)
+        .Bind(3, attachment.name)
+        .Bind(4, attachment.size)
+        .Run();
+  }
+}
+
+}  // namespace tidyfold::sqlite
