@@ -33,7 +33,8 @@ struct App::Parts {
   Item_Cache cache{window, records, folder_tree, session, message_box, events, errors};
   Item_Filters filters{window, records, errors};
   Grid_Columns columns{window, records, errors};
-  Grid_Rows rows{window, records, folder_tree, filters, columns, message_box, errors};
+  Selection_Total total{window, records, folder_tree, filters, errors};
+  Grid_Rows rows{window, records, folder_tree, filters, columns, total, message_box, errors};
   Row_Selection selection{window, records, folder_tree, deleted_items, rows, message_box, errors};
   Item_Display display{window, records, session, message_box, errors};
   Control_Enabling enabling{window, rows, run_state, errors};
@@ -64,6 +65,7 @@ void App::Parts::Wire() {
   cache.In_View = [this](int folder) { return rows.In_View(folder); };
   cache.Add_Folder_Rows = [this](int folder) { rows.Add_Folder_Rows(folder, Marker::None); };
   cache.Remove_Folder_Rows = [this](int folder) { rows.Remove_Folder_Rows(folder); };
+  cache.Display_Selected_Items_Total = [this] { rows.Display_Selected_Items_Total(); };
   cache.Set_Grid_Order = [this] { rows.Set_Grid_Order(); };
   filters.Change_Filtered_Rows = [this] { rows.Change_Filtered_Rows(); };
   filters.Enable_Command_Buttons = [this] { enabling.Enable_Command_Buttons(); };
@@ -143,6 +145,7 @@ void App::Parts::Load_Interface() {
         return;
       }
       cache.Cache_Folder_Items();
+      rows.Display_Empty_Text();
       if (!window.frmRemoveItems.Loaded()) break;
       if (cache.AllFoldersCached) {
         panes.Apply_Bars_If_Needed();

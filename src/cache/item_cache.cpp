@@ -28,6 +28,7 @@ void Pack_Items_Array(FolderData& record) {
     hole->ItemClass = ItemData::deleted;
   }
   record.CachedCount = static_cast<std::int32_t>(kept - begin);
+  record.Passing = {};
 }
 
 Item_Cache::Item_Cache(MainWindow& window, FolderData_Array& records, Folder_Tree& folder_tree,
@@ -50,6 +51,12 @@ void Item_Cache::Cache_Folder_Items() {
     for (int index = 1; index <= records_.Upper_Bound(); ++index) records_[index].LoadError = false;
     // Mail is shown without its sender where the companion is missing.
     errors_.Run("Cache_Folder_Items - Create Companion", [&] { mapi_utils_ = session_.Create_Mapi_Utils(); });
+    items_to_read_ = 0;
+    for (int index = 1; index <= records_.Upper_Bound(); ++index) {
+      // What cannot be counted is reported when its folder's turn comes.
+      const MAPIFolder_Ptr& folder = records_[index].Folder;
+      errors_.Try([&] { items_to_read_ += folder == nullptr ? 0 : folder->Items()->Count(); });
+    }
     bool found_work = true;
     while (!InterruptCaching && !AllFoldersCached && found_work) {
       found_work = Load_Next_Folders();
@@ -60,6 +67,8 @@ void Item_Cache::Cache_Folder_Items() {
     if (LoadFailed) message_box_.Show("Not all items could be loaded.", Buttons::OK_Only, Icon::Critical);
     window_.sbStatusBar.Set_Panel_Text(1, "");
     window_.sbStatusBar.Set_Panel_Text(2, "");
+    window_.sbStatusBar.Set_Gauge(0, 0);
+    Display_Selected_Items_Total();
     mapi_utils_.reset();
   });
   running_ = false;
@@ -221,6 +230,7 @@ void Item_Cache::Read_Again(int folder, std::int32_t count) {
   FolderData& record = records_[folder];
   record.CachedCount = 0;
   record.RowCount = 0;
+  record.Passing = {};
   record.ItemCache.assign(static_cast<std::size_t>(count), ItemData{});
 }
 
@@ -234,6 +244,7 @@ bool Item_Cache::Cache_Current_Item(Items& items, std::int32_t item, int folder)
       data.ItemDate = Get_Item_Date(*object, data.ItemClass);
       data.Unread = Check_Unread(*object, errors_);
       data.EntryID = object->EntryID();
+      data.Size = object->Size();
       if (data.ItemClass == item_class::mail) {
         if (mapi_utils_ != nullptr) {
           const std::shared_ptr<Mapi_Object> mapi_object = object->MAPIOBJECT();
@@ -263,8 +274,16 @@ void Item_Cache::Display_Cache_Status(const std::string& folder_name, std::int32
     text.append(Trim(folder_name)).append("\"");
     window_.sbStatusBar.Set_Panel_Text(1, text);
     window_.sbStatusBar.Set_Panel_Text(2, std::to_string(count));
+    Show_Progress();
     events_.Do_Events();
   });
+}
+
+void Item_Cache::Show_Progress() {
+  std::int64_t read = 0;
+  for (int index = 1; index <= records_.Upper_Bound(); ++index) read += records_[index].CachedCount;
+  window_.sbStatusBar.Set_Gauge(read, items_to_read_);
+  Display_Selected_Items_Total();
 }
 
 }  // namespace tidyfold

@@ -48,6 +48,7 @@ class Item_Cache {
   std::function<void(int folder)> Add_Folder_Rows;
   std::function<void(int folder)> Remove_Folder_Rows;
   std::function<void()> Set_Grid_Order;
+  std::function<void()> Display_Selected_Items_Total;
 
  private:
   bool Load_Next_Folders();
@@ -55,6 +56,7 @@ class Item_Cache {
   bool Broken_Off(int folder, std::int32_t item);
   bool Positions_Agree(Items& items, int folder);
   void Read_Again(int folder, std::int32_t count);
+  void Show_Progress();
 
   MainWindow& window_;
   TreeView& tree_;
@@ -65,6 +67,7 @@ class Item_Cache {
   Events& events_;
   Error_Handler& errors_;
   std::shared_ptr<Mapi_Utils> mapi_utils_;
+  std::int64_t items_to_read_ = 0;
   bool running_ = false;
   bool item_failure_reported_ = false;
 };

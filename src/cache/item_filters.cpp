@@ -68,6 +68,21 @@ bool Item_Filters::Check_Subject(std::string_view subject) {
   });
 }
 
+Filter_State Item_Filters::State() const {
+  const MainWindow& w = window_;
+  Filter_State state;
+  state.by_type = w.chkSelectType.Checked();
+  state.by_date = w.chkSelectDate.Checked();
+  state.by_subject = w.chkSelectSubject.Checked();
+  state.unread_too = w.chkSelectUnread.Checked();
+  state.match_case = w.chkMatchCase.Checked();
+  state.match_word = w.chkMatchWord.Checked();
+  for (std::size_t i = 0; i < state.types.size(); ++i) state.types[i] = w.chkType[i].box.Checked();
+  state.cutoff = w.dtpCutoffDate.Value();
+  state.subject = w.txtSelectSubject.Text();
+  return state;
+}
+
 void Item_Filters::Filter_Changed() {
   window_.grdItems.Set_Redraw(false);
   Change_Filtered_Rows();

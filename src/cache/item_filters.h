@@ -1,7 +1,9 @@
 // The filter options: which items they let pass, and what happens when one changes.
 #pragma once
 
+#include <array>
 #include <functional>
+#include <string>
 #include <string_view>
 
 #include "controls/main_window.h"
@@ -12,6 +14,16 @@ namespace tidyfold {
 
 // True when the item is unread; an item that will not say counts as read.
 bool Check_Unread(Item& item, Error_Handler& errors);
+
+// Everything that decides which items pass; two equal states let the same items through.
+struct Filter_State {
+  bool by_type = false, by_date = false, by_subject = false, unread_too = false, match_case = false,
+       match_word = false;
+  std::array<bool, 6> types{};
+  Date cutoff = 0;
+  std::string subject;
+  bool operator==(const Filter_State&) const = default;
+};
 
 class Item_Filters {
  public:
@@ -31,6 +43,8 @@ class Item_Filters {
   bool Check_Date(Date item_date);
   // Blanks at the end never count; without Match Case neither case nor blanks at the beginning do.
   bool Check_Subject(std::string_view subject);
+
+  Filter_State State() const;
 
   std::function<void()> Change_Filtered_Rows;
   std::function<void()> Enable_Command_Buttons;

@@ -85,6 +85,14 @@ class FlexGrid : public Control {
   // Moves whenever a row came, went, moved or changed its look.
   std::uint64_t Row_Version() const { return row_version_; }
 
+  // What stands in the grid's place while it has no rows; lines end in CR LF.
+  const std::string& Empty_Text() const { return empty_text_; }
+  void Set_Empty_Text(std::string_view text) {
+    if (empty_text_ == text) return;
+    empty_text_ = text;
+    Tell();
+  }
+
   bool Redraw() const { return redraw_; }
   // While off, the front end is told nothing; switching it on tells it once if anything has changed.
   void Set_Redraw(bool redraw);
@@ -123,6 +131,7 @@ class FlexGrid : public Control {
   int capacity_ = 16'000'000;
   int marked_rows_ = 0;
   int row_ = 0, mouse_row_ = 0;
+  std::string empty_text_;
   int sort_column_ = 0;
   bool sorted_ascending_ = true;
   bool redraw_ = true;

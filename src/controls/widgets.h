@@ -123,9 +123,19 @@ class StatusBar : public Control {
   void Set_Panel_Text(int panel, std::string_view text) {
     Assign(panels_.at(static_cast<std::size_t>(panel - 1)), text);
   }
+  // How far long work has come; a total of 0 hides the gauge.
+  std::int64_t Gauge_Done() const { return gauge_done_; }
+  std::int64_t Gauge_Total() const { return gauge_total_; }
+  void Set_Gauge(std::int64_t done, std::int64_t total) {
+    if (done == gauge_done_ && total == gauge_total_) return;
+    gauge_done_ = done;
+    gauge_total_ = total;
+    Notify();
+  }
 
  private:
   std::array<std::string, panel_count> panels_;
+  std::int64_t gauge_done_ = 0, gauge_total_ = 0;
 };
 
 // A window. It is loaded until Unload is called; its front end then closes it.

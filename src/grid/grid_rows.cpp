@@ -3,8 +3,8 @@
 namespace tidyfold {
 
 Grid_Rows::Grid_Rows(MainWindow& window, FolderData_Array& records, Folder_Tree& folder_tree,
-                     Item_Filters& filters, Grid_Columns& columns, Message_Box& message_box,
-                     Error_Handler& errors)
+                     Item_Filters& filters, Grid_Columns& columns, Selection_Total& total,
+                     Message_Box& message_box, Error_Handler& errors)
     : window_(window),
       tree_(window.trvFolders),
       grid_(window.grdItems),
@@ -12,6 +12,7 @@ Grid_Rows::Grid_Rows(MainWindow& window, FolderData_Array& records, Folder_Tree&
       folder_tree_(folder_tree),
       filters_(filters),
       columns_(columns),
+      total_(total),
       message_box_(message_box),
       errors_(errors) {}
 
@@ -179,8 +180,15 @@ std::int32_t Grid_Rows::Get_Rows_Selected_Count(std::int32_t deleted_items_index
 
 void Grid_Rows::Display_Selected_Items_Total() {
   errors_.Run("Display_Selected_Items_Total", [&] {
-    window_.sbStatusBar.Set_Panel_Text(3, "Total Selected:  " + std::to_string(grid_.Marked_Rows()));
+    total_.Count();
+    std::string text = "Total Selected:  " + std::to_string(total_.Items());
+    if (total_.Bytes() > 0) text += " (" + Format_Size(total_.Bytes()) + ")";
+    window_.sbStatusBar.Set_Panel_Text(3, text);
   });
+}
+
+void Grid_Rows::Display_Empty_Text() {
+  errors_.Run("Display_Empty_Text", [&] { grid_.Set_Empty_Text(total_.Empty_Text()); });
 }
 
 void Grid_Rows::Display_Update_Grid_Status(int folder) {

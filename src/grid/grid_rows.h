@@ -5,6 +5,7 @@
 
 #include "cache/item_filters.h"
 #include "grid/grid_columns.h"
+#include "grid/selection_total.h"
 #include "outlook/folder_tree.h"
 
 namespace tidyfold {
@@ -18,7 +19,7 @@ enum class Marker { None, Selected, Unselected };
 class Grid_Rows {
  public:
   Grid_Rows(MainWindow& window, FolderData_Array& records, Folder_Tree& folder_tree, Item_Filters& filters,
-            Grid_Columns& columns, Message_Box& message_box, Error_Handler& errors);
+            Grid_Columns& columns, Selection_Total& total, Message_Box& message_box, Error_Handler& errors);
 
   // Sets the handlers of the show options' boxes and of the column headers.
   void Wire();
@@ -55,7 +56,10 @@ class Grid_Rows {
   void Paint_Entire_Grid();
   // Marked rows; with the record of a Deleted Items folder given, only those of the same store.
   std::int32_t Get_Rows_Selected_Count(std::int32_t deleted_items_index = 0);
+  // How many items are selected, and how large they are.
   void Display_Selected_Items_Total();
+  // What stands in an empty grid.
+  void Display_Empty_Text();
   void Display_Update_Grid_Status(int folder);
 
   // Refuses Select By Row while items that it needs are not loaded; see row_selection.h.
@@ -73,6 +77,7 @@ class Grid_Rows {
   Folder_Tree& folder_tree_;
   Item_Filters& filters_;
   Grid_Columns& columns_;
+  Selection_Total& total_;
   Message_Box& message_box_;
   Error_Handler& errors_;
   bool overflow_reported_ = false;

@@ -55,6 +55,7 @@ void Control_Enabling::Enable_Command_Buttons() {
     window_.mnuClean.Set_Enabled(selected >= 1);
     window_.mnuUnmark.Set_Enabled(marked_folders >= 1);
     rows_.Display_Selected_Items_Total();
+    rows_.Display_Empty_Text();
   });
 }
 

@@ -52,7 +52,10 @@ void Refresh::Load_What_Is_Missing() {
     return;
   }
   if (Interface_Loading()) return;
-  if (!ReloadRequested) cache_.Cache_Folder_Items();
+  if (!ReloadRequested) {
+    cache_.Cache_Folder_Items();
+    rows_.Display_Empty_Text();
+  }
   if (ReloadRequested && window_.frmRemoveItems.Loaded()) Load_Interface();
 }
 

@@ -19,6 +19,14 @@ struct ItemData {
   Date ItemDate = 0;  // whole days
   bool Unread = false;
   std::string EntryID;
+  std::int64_t Size = 0;  // bytes; 0 where the store does not say
+};
+
+// How many of a folder's cached items pass the filters, as far as they have been looked at.
+struct Passing_Items {
+  std::uint32_t filter_version = 0;  // which filters were asked
+  std::int32_t looked_at = 0;        // leading elements of ItemCache
+  std::int64_t items = 0, bytes = 0;
 };
 
 struct FolderData {
@@ -32,6 +40,7 @@ struct FolderData {
   bool Reload = false;         // to be reset and read again
   bool LoadError = false;      // reading it failed and was reported; left alone until the next loading run
   bool CountReported = false;  // that its items cannot be counted has been said
+  Passing_Items Passing;
   std::vector<ItemData> ItemCache;  // element 0 is item 1
 
   // The cache's upper bound.

@@ -177,6 +177,7 @@ void Folder_Tree::Reset_Folder_Node(int index) {
   record.Reload = false;
   record.LoadError = false;
   record.CountReported = false;
+  record.Passing = {};
   record.ItemCache = {};
 }
 
