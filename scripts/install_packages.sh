@@ -1,0 +1,96 @@
+#!/usr/bin/env bash
+# The one list of the Debian packages that Tidyfold needs, and what installs those that are missing.
+#
+#   scripts/install_packages.sh run          what ./run needs: build the programs and show the window
+#   scripts/install_packages.sh test         the same and what the tests need
+#   scripts/install_packages.sh --list run   only print the names
+#
+# Nothing is asked of apt, and nobody for a password, when nothing is missing.
+set -euo pipefail
+
+to_build=(
+  g++
+  cmake
+  ninja-build
+  pkg-config
+  libwxgtk3.2-dev      # the window
+  libgtk-3-dev         # what wxWidgets stands on, where the window reaches below it
+  libsqlite3-dev       # the embedded store
+  libpff-dev           # PST, OST, PAB
+  libgmime-3.0-dev     # mbox, Maildir, EML
+  libutf8proc-dev      # case mapping
+  libcli11-dev         # the command line
+  nlohmann-json3-dev
+)
+to_show=(
+  adwaita-icon-theme   # icons
+  librsvg2-common      # which are SVG
+  fonts-dejavu-core    # a font, on a machine that has none
+)
+to_test=(
+  libgtest-dev
+  libgmock-dev
+  libbenchmark-dev
+  python3              # the check of the includes
+  xvfb                 # a screen for the window's tests
+  openbox              # a window manager on it
+  xdotool              # hands: clicks and keys
+  x11-utils
+  imagemagick          # eyes: pictures of the window
+)
+
+usage() { sed -n '2,8s/^# \{0,1\}//p' "$0"; }
+
+only_list=no
+if [[ ${1:-} == --list ]]; then
+  only_list=yes
+  shift
+fi
+case ${1:-} in
+  run) needed=("${to_build[@]}" "${to_show[@]}") ;;
+  test) needed=("${to_build[@]}" "${to_show[@]}" "${to_test[@]}") ;;
+  -h | --help) usage && exit 0 ;;
+  *) usage >&2 && exit 2 ;;
+esac
+
+if [[ $only_list == yes ]]; then
+  printf '%s\n' "${needed[@]}"
+  exit 0
+fi
+
+if ! command -v apt-get >/dev/null; then
+  echo "This system has no apt-get: nothing was installed. Needed, by their Debian names:" >&2
+  echo "  ${needed[*]}" >&2
+  exit 0
+fi
+
+is_installed() { [[ $(dpkg-query -W -f='${db:Status-Status}' "$1" 2>/dev/null) == installed ]]; }
+missing=()
+for package in "${needed[@]}"; do
+  is_installed "$package" || missing+=("$package")
+done
+if ((${#missing[@]} == 0)); then exit 0; fi
+
+echo "Installing: ${missing[*]}"
+as_root=()
+if ((EUID != 0)); then
+  if ! command -v sudo >/dev/null; then
+    echo "There is no sudo here. Install these as root, then start again:" >&2
+    echo "  apt-get update && apt-get install --no-install-recommends ${missing[*]}" >&2
+    exit 1
+  fi
+  as_root=(sudo)
+fi
+apt() {
+  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q -o DPkg::Lock::Timeout=600 -o Acquire::Retries=3 "$@"
+}
+update() {
+  # One source that does not answer, of several, is no reason to give up: whether it matters shows at once.
+  apt update || echo "The package lists could not all be brought up to date; going on with those there are." >&2
+}
+install() { apt install --yes --no-install-recommends "${missing[@]}"; }
+
+# Lists that are missing or out of date show in packages that apt does not know, or no longer finds.
+if apt-get -qq install --simulate --no-install-recommends "${missing[@]}" >/dev/null 2>&1 && install; then exit 0; fi
+update
+install
