@@ -7,7 +7,6 @@
 #include <functional>
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "outlook/store_writer.h"
@@ -17,7 +16,7 @@ namespace tidyfold {
 // A source that cannot be imported. The text names the file and says what to do about it.
 class Import_Error : public std::exception {
  public:
-  explicit Import_Error(std::string text) : text_(std::move(text)) {}
+  explicit Import_Error(const std::string& text);
   const char* what() const noexcept override { return text_.c_str(); }
 
  private:

@@ -1,0 +1,69 @@
+// What all importers share: where items go, what is counted, and that the person who waits is told and asked.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <future>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+
+#include "import/import.h"
+
+namespace tidyfold {
+
+// Thrown when the progress callback said no. Ends the run; the store is rolled back.
+struct Import_Cancelled {};
+
+class Import_Run {
+ public:
+  Import_Run(const std::filesystem::path& source, Store_Writer& writer, const Import_Options& options);
+
+  MAPIFolder_Ptr Top_Folder() const { return top_; }
+  // Where mail goes that has no folder of its own.
+  MAPIFolder_Ptr Target_Folder();
+  // The first folder of that name below the parent; made where there is none. The type is an item_type
+  // number.
+  MAPIFolder_Ptr Folder(const MAPIFolder_Ptr& parent, std::string_view name, std::int32_t default_item_type);
+  MAPIFolder_Ptr Deleted_Items();
+
+  void Add(MAPIFolder& folder, const New_Item& item);
+  void Fail(std::string_view where, std::string_view why);
+  void Expect(std::int64_t total) { total_ = total; }
+
+  // Tells the progress callback, when it is due. To be called often; costs next to nothing when it is not.
+  void Tick();
+  // Runs what takes long and knows no ticks on a thread of its own, and ticks meanwhile. `stop` is called
+  // before waiting for it, when the run is cancelled.
+  template <class Work>
+  auto Beside(Work work, const std::function<void()>& stop = {}) {
+    auto result = std::async(std::launch::async, std::move(work));
+    try {
+      while (result.wait_for(period) != std::future_status::ready) Tick();
+    } catch (...) {
+      if (stop) stop();
+      result.wait();
+      throw;
+    }
+    return result.get();
+  }
+
+  const Import_Report& Report() const { return report_; }
+
+ private:
+  static constexpr std::chrono::milliseconds period{12};
+  using Children = std::unordered_map<std::string, MAPIFolder_Ptr>;
+
+  Store_Writer& writer_;
+  const Import_Options& options_;
+  std::string default_folder_;
+  MAPIFolder_Ptr top_;
+  std::unordered_map<std::string, Children> children_;  // by the parent's EntryID
+  Import_Report report_;
+  std::optional<std::int64_t> total_;
+  std::chrono::steady_clock::time_point last_tick_;
+};
+
+}  // namespace tidyfold

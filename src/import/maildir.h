@@ -1,0 +1,43 @@
+// What lies in a Maildir, and what its file names tell.
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "outlook/object_model.h"
+
+namespace tidyfold {
+
+struct Maildir_Folder;
+
+struct Maildir_Message {
+  std::string name;
+  bool is_new = false;  // in new/, not yet looked at by any program
+  bool seen = false;
+  bool trashed = false;  // moved to the trash, which is yet to be emptied
+  Date delivered = no_date;
+
+  std::filesystem::path Path(const Maildir_Folder& folder) const;
+};
+
+struct Maildir_Folder {
+  std::filesystem::path directory;
+  std::vector<std::string> names;         // from the Maildir's own folder down; empty for that one
+  std::vector<Maildir_Message> messages;  // in order of delivery
+};
+
+bool Is_Maildir(const std::filesystem::path& directory);
+
+// What a message's file name says: "1029384756.M20046P2137.mailserver:2,FS".
+Maildir_Message Read_Maildir_Name(std::string name, bool is_new);
+
+// Parents before children. Sub-folders are ".Parent.Child" beside cur/ and new/, with the names' characters
+// coded as mail servers do, or plain directories. `tick` is called for each file. Throws Import_Error where a
+// directory cannot be listed.
+std::vector<Maildir_Folder> List_Maildir(const std::filesystem::path& directory,
+                                         const std::function<void()>& tick);
+
+}  // namespace tidyfold

@@ -1,0 +1,57 @@
+// Finds the messages of an mbox file.
+//
+// A message begins at a separator line, "From " with a sender and a date, that is followed by header fields.
+// How it ends depends on who wrote the file: some quote body lines that begin with "From " as ">From ", some
+// leave them and write a Content-Length header. So a Content-Length is believed when the next separator or
+// the end of the file lies where it says, and ignored otherwise.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "import/source_file.h"
+
+namespace tidyfold {
+
+struct Mbox_Message {
+  std::int64_t begin = 0;    // its separator line
+  std::int64_t content = 0;  // its first header
+  std::int64_t end = 0;
+  bool by_length = false;  // Content-Length told the end
+};
+
+class Mbox_Reader {
+ public:
+  // `tick` is called about once for each megabyte read.
+  Mbox_Reader(Source_File& file, std::function<void()> tick) : file_(file), tick_(std::move(tick)) {}
+
+  // The next message; none at the end of the file.
+  std::optional<Mbox_Message> Next();
+  // After the last message: whether the file is only the beginning of what it once was. It is when its last
+  // line does not end, or when the last message says that it is longer and the lengths of the others give it
+  // credit.
+  bool Is_Cut();
+
+  // The message without its separator and with the quoting of its body undone.
+  std::string Text(const Mbox_Message& message);
+  std::string Separator(const Mbox_Message& message);
+
+ private:
+  bool Is_Separator(std::int64_t at);
+  std::int64_t Next_Separator(std::int64_t from);
+  std::optional<std::int64_t> End_By_Length(std::int64_t content);
+
+  Source_File& file_;
+  std::function<void()> tick_;
+  std::int64_t at_ = 0;
+  std::int64_t lengths_right_ = 0;
+  std::int64_t lengths_too_long_ = 0;
+  bool last_too_long_ = false;
+};
+
+// Whether the text begins with a separator line; what follows that line must be in the text too.
+bool Begins_With_Separator(std::string_view text, bool after_blank_line);
+
+}  // namespace tidyfold

@@ -1,0 +1,22 @@
+// One item of an Outlook file as an item of a store.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "import/pst_properties.h"
+#include "outlook/store_writer.h"
+
+namespace tidyfold {
+
+// The item class that a message class ("IPM.Note.SMIME") stands for, by its nearest known parent; mail where
+// there is none.
+std::int32_t Item_Class_Of(std::string_view message_class);
+
+// The item_type that a folder of this container class ("IPF.Appointment") holds by default.
+std::int32_t Item_Type_Of(std::string_view container_class);
+
+// Everything of the item. Throws Message_Error where the file is damaged.
+New_Item Read_Pst_Item(libpff_item_t* message);
+
+}  // namespace tidyfold
