@@ -24,7 +24,8 @@
 namespace tidyfold {
 
 // Two stores open side by side, each with its top folder and nothing below. The writers and the objects of
-// the session act on the same stores, as two programs do.
+// the session act on the same stores, as two programs do. A store may keep siblings in the order of their
+// names: tests that go by index add them in it.
 class Store_Under_Test {
  public:
   virtual ~Store_Under_Test() = default;

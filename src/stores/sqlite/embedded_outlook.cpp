@@ -90,16 +90,15 @@ class Embedded_Name_Space : public NameSpace {
   }
 
  private:
-  // Of the first store that has one.
+  // The first store is the one that the person's own mail goes to.
   MAPIFolder_Ptr Find_Default_Folder(const char* name) {
-    for (const auto& store : session_->stores) {
-      const auto& folders = store->Inner()->Top().children;
-      const auto found =
-          std::find_if(folders.begin(), folders.end(),
-                       [&](const sqlite::Folder_Record* folder) { return folder->name == name; });
-      if (found != folders.end()) return sqlite::Make_Folder(store->Inner(), (*found)->id);
+    if (!session_->stores.empty()) {
+      const auto& store = session_->stores.front()->Inner();
+      for (const sqlite::Folder_Record* folder : store->Top().children) {
+        if (folder->name == name) return sqlite::Make_Folder(store, folder->id);
+      }
     }
-    Fail(automation_error::not_found, std::string("No store that is open has a folder \"") + name + "\".");
+    Fail(automation_error::not_found, std::string("The first store has no folder \"") + name + "\".");
   }
 
   Session_Ptr session_;

@@ -118,7 +118,8 @@ std::string Message_Date(Date date) {
   return text.data();
 }
 
-// The generator's own numbers are the same everywhere; the standard's distributions are not.
+// The generator's own numbers are the same everywhere; the standard's distributions are not. Nor is the order
+// in which the operands of one expression are worked out: each draws at most once.
 class Random {
  public:
   explicit Random(std::uint64_t seed) : engine_(seed) {}
@@ -164,7 +165,8 @@ class Item_Maker {
         item.body = Text(1);
         break;
       case cls::note:
-        item.body = Replaced(random_.One_Of(sample::note_starts), topic_) + "\r\n" + Text(1);
+        item.body = Replaced(random_.One_Of(sample::note_starts), topic_) + "\r\n";
+        item.body += Text(1);
         item.subject = item.body.substr(0, item.body.find("\r\n"));
         break;
       default:
@@ -199,8 +201,8 @@ class Item_Maker {
 
   void Make_Appointment(New_Item& item) {
     item.subject = random_.Chance(30) ? "Lunch with " + Person() : "Meeting: " + topic_;
-    item.end =
-        std::floor(item.last_modified) + random_.Below(20) + (9 * 60 + 30 * random_.Below(18)) / 1440.0;
+    const Date day = std::floor(item.last_modified) + random_.Below(20);
+    item.end = day + (9 * 60 + 30 * random_.Below(18)) / 1440.0;
     item.body = random_.Chance(60) ? Text(0) : "";
   }
 
@@ -257,15 +259,15 @@ class Item_Maker {
   }
 
   std::string Raw_Message(const New_Item& item) {
-    const auto address = [&] {
-      return " <person" + std::to_string(random_.Below(500)) + "@example.org>\r\n";
-    };
-    return "From: \"" + item.sender + "\"" + address() + "To: \"" + item.recipients + "\"" + address() +
-           "Subject: " + item.subject + "\r\nDate: " + Message_Date(item.received) + "\r\nMessage-ID: <" +
-           std::to_string(random_.Bits()) +
+    const std::string from = Address(item.sender), to = Address(item.recipients);
+    return "From: " + from + "To: " + to + "Subject: " + item.subject +
+           "\r\nDate: " + Message_Date(item.received) + "\r\nMessage-ID: <" + std::to_string(random_.Bits()) +
            "@example.org>\r\nMIME-Version: 1.0\r\nContent-Type: text/plain; charset=utf-8\r\n"
            "Content-Transfer-Encoding: 8bit\r\n\r\n" +
            item.body;
+  }
+  std::string Address(const std::string& name) {
+    return "\"" + name + "\" <person" + std::to_string(random_.Below(500)) + "@example.org>\r\n";
   }
 
   Random& random_;
@@ -273,10 +275,13 @@ class Item_Maker {
 };
 
 std::string Store_Id(Random& random) {
-  std::array<char, 33> text{};
-  std::snprintf(text.data(), text.size(), "%016llX%016llX", static_cast<unsigned long long>(random.Bits()),
-                static_cast<unsigned long long>(random.Bits()));
-  return text.data();
+  std::array<char, 17> half{};
+  std::string id;
+  for (int i = 0; i < 2; ++i) {
+    std::snprintf(half.data(), half.size(), "%016llX", static_cast<unsigned long long>(random.Bits()));
+    id += half.data();
+  }
+  return id;
 }
 
 std::uint64_t Mixed(std::uint64_t seed, std::string_view name, std::int32_t items) {

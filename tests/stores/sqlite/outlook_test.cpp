@@ -1,0 +1,169 @@
+#include "stores/sqlite/embedded_outlook.h"
+
+#include "stores/sqlite/temporary_store.h"
+#include "stores/store_under_test.h"
+
+namespace tidyfold {
+namespace {
+
+namespace fs = std::filesystem;
+
+class Outlook_Test : public testing::Test {
+ protected:
+  Outlook_Test() {
+    for (const auto& file : {a_, b_}) Make_Small_Store(file);
+  }
+  std::shared_ptr<NameSpace> Session() {
+    return outlook_.GetObject("", "Outlook.Application")->GetNamespace("MAPI");
+  }
+  static MAPIFolder_Ptr Inbox_Of(const std::shared_ptr<NameSpace>& session, std::int32_t store) {
+    const auto folders = session->Folders()->Item(store)->Folders();
+    for (std::int32_t i = 1; i <= folders->Count(); ++i) {
+      if (folders->Item(i)->Name() == "Inbox") return folders->Item(i);
+    }
+    throw std::runtime_error("no Inbox");
+  }
+  static Store_Open_Error::Reason Refusal(const std::function<void()>& call) {
+    try {
+      call();
+    } catch (const Store_Open_Error& error) {
+      return error.Why();
+    }
+    throw std::runtime_error("was not refused");
+  }
+
+  Temporary_Directory directory_;
+  const fs::path a_ = directory_ / "a.tfs", b_ = directory_ / "b.tfs";
+  Embedded_Outlook outlook_;
+};
+
+TEST_F(Outlook_Test, Opens_All_Or_None) {
+  const auto session = Session();
+  EXPECT_EQ(Refusal([&] { outlook_.Open({a_, directory_ / "missing"}); }), Store_Open_Error::Reason::Missing);
+  EXPECT_EQ(session->Folders()->Count(), 0);
+  EXPECT_EQ(Refusal([&] {
+              outlook_.Open({a_, directory_.Path() / "." / "a.tfs"});
+            }),
+            Store_Open_Error::Reason::Locked);
+  outlook_.Open({b_});
+  EXPECT_EQ(Refusal([&] { outlook_.Open({b_}); }), Store_Open_Error::Reason::Locked);
+  outlook_.Open({a_});
+  EXPECT_EQ(session->Folders()->Count(), 2);
+  EXPECT_EQ(session->Folders()->Item(1)->StoreID(), outlook_.Stores()[0]->StoreID());
+  EXPECT_EQ(outlook_.Stores()[1]->Path(), a_);
+  EXPECT_EQ(Refusal([&] {
+              outlook_.Replace({a_, directory_ / "missing"});
+            }),
+            Store_Open_Error::Reason::Missing);
+  EXPECT_EQ(session->Folders()->Count(), 2);
+}
+
+// A loop that is in the middle of a store when another one is opened in its place ends in peace.
+TEST_F(Outlook_Test, Objects_Outlive_The_Replacement_Of_Their_Store) {
+  outlook_.Open({a_});
+  const auto session = Session();
+  auto folder = Inbox_Of(session, 1);
+  const std::string id = folder->Items()->Item(2)->EntryID(), old_store = folder->StoreID();
+  outlook_.Replace({b_});
+  folder->Items()->Item(1)->Delete();
+  EXPECT_EQ(folder->Items()->Item(1)->Subject(), "2");
+  EXPECT_NE(session->Folders()->Item(1)->StoreID(), old_store);
+  EXPECT_EQ(Error_Of([&] { session->GetItemFromID(id, old_store); }), automation_error::not_found);
+  // Back again, while the old objects are still held.
+  outlook_.Replace({a_, b_});
+  EXPECT_EQ(session->GetItemFromID(id, old_store)->Subject(), "2");
+  EXPECT_EQ(Inbox_Of(session, 1)->Items()->Count(), 2);
+  outlook_.Replace({});
+  EXPECT_EQ(Refusal([&] { Embedded_Store::Open(a_, Store_Mode::Read_Only); }),
+            Store_Open_Error::Reason::Locked);
+  folder.reset();
+  EXPECT_EQ(Subjects_Of(*Embedded_Store::Open(a_, Store_Mode::Read_Only), "Inbox"), "2 3");
+}
+
+TEST_F(Outlook_Test, A_Store_That_Leaves_Keeps_Its_Deletions) {
+  EXPECT_EQ(In_Killed_Process([&] {
+              outlook_.Open({a_, b_});
+              const auto first = Inbox_Of(Session(), 1), second = Inbox_Of(Session(), 2);
+              first->Items()->Remove(1);
+              second->Items()->Remove(1);
+              outlook_.Replace({b_});
+              second->Items()->Remove(1);
+              return second->Items()->Count();
+            }),
+            1);
+  EXPECT_EQ(Subjects_Of(*Embedded_Store::Open(a_, Store_Mode::Read_Only), "Inbox"), "2 3");
+  EXPECT_EQ(Subjects_Of(*Embedded_Store::Open(b_, Store_Mode::Read_Only), "Inbox"), "2 3");
+}
+
+// A backup copy bears the identity of its original.
+TEST_F(Outlook_Test, A_Copy_Beside_Its_Original_Is_Another_Store) {
+  const fs::path copy = directory_ / "copy.tfs";
+  fs::copy_file(a_, copy);
+  outlook_.Open({a_});
+  outlook_.Replace({copy, a_});
+  const auto session = Session();
+  const auto from_copy = Inbox_Of(session, 1), from_original = Inbox_Of(session, 2);
+  EXPECT_EQ(from_copy->EntryID(), from_original->EntryID());
+  ASSERT_NE(from_copy->StoreID(), from_original->StoreID());
+  session->GetItemFromID(from_copy->Items()->Item(2)->EntryID(), from_copy->StoreID())->Delete();
+  EXPECT_EQ(from_copy->Items()->Count(), 2);
+  EXPECT_EQ(from_original->Items()->Count(), 3);
+}
+
+TEST_F(Outlook_Test, Default_Folders_Are_Those_Of_The_First_Store) {
+  outlook_.Open({a_, b_});
+  const auto session = Session();
+  const auto first = session->Folders()->Item(1);
+  const std::pair<std::int32_t, const char*> folders[] = {{6, "Inbox"}, {3, "Deleted Items"}, {13, "Tasks"}};
+  for (const auto& [type, name] : folders) {
+    EXPECT_EQ(session->GetDefaultFolder(type)->Name(), name);
+    EXPECT_EQ(session->GetDefaultFolder(type)->StoreID(), first->StoreID());
+  }
+  EXPECT_EQ(Error_Of([&] { session->GetDefaultFolder(7); }), automation_error::not_found);
+}
+
+TEST_F(Outlook_Test, Display_Tells_A_Window_All_There_Is) {
+  outlook_.Open({a_});
+  New_Item item;
+  item.sender = "Zoë";
+  item.recipients = "You";
+  item.subject = "Plan";
+  item.body = "Look.";
+  item.received = 45000.5;
+  item.size = 1234;
+  item.unread = true;
+  item.raw_message = std::string("raw\0bytes", 9);
+  item.attachments = {{"a.pdf", 10}, {"b.pdf", 20}};
+  const auto inbox = Inbox_Of(Session(), 1);
+  const std::int32_t classes[] = {item_class::mail, item_class::meeting_request};
+  for (const std::int32_t item_class : classes) {
+    item.item_class = item_class;
+    outlook_.Stores()[0]->Writer().Add_Item(*inbox, item);
+    const Item_Ptr added = inbox->Items()->Item(inbox->Items()->Count());
+    outlook_.Set_Display({});
+    EXPECT_EQ(Error_Of([&] { added->Display(); }), automation_error::not_supported);
+    Displayed_Item shown;
+    outlook_.Set_Display([&](const Displayed_Item& what) { shown = what; });
+    added->Delete();
+    added->Display();
+    EXPECT_EQ(shown.item_class, item_class);
+    EXPECT_EQ(shown.entry_id, added->EntryID());
+    EXPECT_EQ(shown.store_id, inbox->StoreID());
+    EXPECT_EQ(shown.folder_name, "Deleted Items");
+    EXPECT_EQ(shown.sender, "Zoë");
+    EXPECT_EQ(shown.recipients, "You");
+    EXPECT_EQ(shown.subject, "Plan");
+    EXPECT_EQ(shown.body, "Look.");
+    EXPECT_TRUE(shown.unread);
+    EXPECT_EQ(shown.received, 45000.5);
+    EXPECT_EQ(shown.due, no_date);
+    EXPECT_EQ(shown.size, 1234);
+    EXPECT_EQ(shown.raw_message, item.raw_message);
+    ASSERT_EQ(shown.attachments.size(), 2U);
+    EXPECT_EQ(shown.attachments[1].name, "b.pdf");
+    EXPECT_EQ(shown.attachments[1].size, 20);
+  }
+}
+
+}  // namespace
+}  // namespace tidyfold
