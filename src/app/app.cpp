@@ -8,6 +8,26 @@
 
 namespace tidyfold {
 
+namespace {
+
+// Procedures that are still unwinding when the window has been closed ask nobody any more: every question
+// gets the answer that changes nothing.
+class Window_Message_Box : public Message_Box {
+ public:
+  Window_Message_Box(const Form& form, Message_Box& message_box) : form_(form), message_box_(message_box) {}
+  Answer Show(const std::string& text, Buttons buttons, Icon icon, const std::string& title) override {
+    if (form_.Loaded()) return message_box_.Show(text, buttons, icon, title);
+    if (buttons == Buttons::OK_Only) return Answer::OK;
+    return buttons == Buttons::Yes_No ? Answer::No : Answer::Cancel;
+  }
+
+ private:
+  const Form& form_;
+  Message_Box& message_box_;
+};
+
+}  // namespace
+
 struct App::Parts {
   Parts(MainWindow& w, Automation& automation, Message_Box& m, Events& e, Clock& c);
 
@@ -20,7 +40,7 @@ struct App::Parts {
   bool Build_Interface();
 
   MainWindow& window;
-  Message_Box& message_box;
+  Window_Message_Box message_box;
   Events& events;
   Clock& clock;
 
@@ -44,8 +64,8 @@ struct App::Parts {
                              marking, enabling, message_box, errors};
   Refresh refresh{window, records, folder_tree, cache, rows, errors};
   Status_Line status{window, errors};
-  Safety_Checks checks{window, records, folder_tree, deleted_items, filters,
-                       rows,   marking, message_box, clock,         errors};
+  Safety_Checks checks{window,  records,   folder_tree, deleted_items, filters, rows,
+                       marking, run_state, message_box, clock,         errors};
   Deletion_Strategies strategies{window, records, folder_tree, session, filters, rows,
                                  checks, status,  run_state,   events,  errors};
   Cleaning_Run cleaning{window,  records, folder_tree, deleted_items, cache,       rows,   marking, enabling,
@@ -55,7 +75,11 @@ struct App::Parts {
 };
 
 App::Parts::Parts(MainWindow& w, Automation& automation, Message_Box& m, Events& e, Clock& c)
-    : window(w), message_box(m), events(e), clock(c), session(automation, w, m, errors) {
+    : window(w),
+      message_box(w.frmRemoveItems, m),
+      events(e),
+      clock(c),
+      session(automation, w, message_box, errors) {
   Wire();
 }
 
@@ -77,6 +101,7 @@ void App::Parts::Wire() {
   refresh.Load_Interface = [this] { Load_Interface(); };
   refresh.Interface_Loading = [this] { return interface_loading; };
   refresh.Run_Under_Way = [this] { return cleaning.Under_Way(); };
+  refresh.Enable_Command_Buttons = [this] { enabling.Enable_Command_Buttons(); };
 
   filters.Wire();
   rows.Wire();
@@ -144,16 +169,14 @@ void App::Parts::Load_Interface() {
         interface_loading = false;
         return;
       }
-      cache.Cache_Folder_Items();
+      // A refresh that came before the first item was read starts over as well.
+      if (!refresh.ReloadRequested) cache.Cache_Folder_Items();
       rows.Display_Empty_Text();
-      if (!window.frmRemoveItems.Loaded()) break;
-      if (cache.AllFoldersCached) {
-        panes.Apply_Bars_If_Needed();
-        interface_loading = false;
-        message_box.Show("All Folders Loaded");
-      }
-    } while (!cache.AllFoldersCached && refresh.ReloadRequested && window.frmRemoveItems.Loaded());
+    } while (refresh.ReloadRequested && window.frmRemoveItems.Loaded());
     interface_loading = false;
+    if (!cache.AllFoldersCached || !window.frmRemoveItems.Loaded()) return;
+    panes.Apply_Bars_If_Needed();
+    message_box.Show(all_folders_loaded);
   });
 }
 
@@ -225,6 +248,34 @@ const FolderData_Array& App::Folder_Data() const {
 
 const Run_State& App::Run() const {
   return parts_->run_state;
+}
+
+bool App::Check_Screen() {
+  return parts_->checks.Check_Screen();
+}
+
+std::vector<std::int32_t> App::Items_To_Take(int folder) const {
+  const MainWindow& window = parts_->window;
+  if (!window.trvFolders.Exists(folder) || !window.trvFolders.Checked(folder)) return {};
+  // Turbo and the deletion of folders ask nothing of the items.
+  const bool all = window.chkTurbo.Checked() || Takes_Folder(folder);
+  if (!all && window.chkDeleteFolders.Checked()) return {};
+  std::vector<std::int32_t> items;
+  const FolderData& record = parts_->records[folder];
+  for (std::int32_t item = 1; item <= record.CachedCount; ++item) {
+    if (all ? record.Cached(item).ItemClass != ItemData::deleted
+            : parts_->filters.Check_Filtered_Record(folder, folder, item))
+      items.push_back(item);
+  }
+  return items;
+}
+
+// A folder goes when all below it goes.
+bool App::Takes_Folder(int folder) const {
+  const MainWindow& window = parts_->window;
+  return window.chkDeleteFolders.Checked() && !window.chkTurbo.Checked() &&
+         window.trvFolders.Exists(folder) && window.trvFolders.Checked(folder) &&
+         parts_->records[folder].Folder != nullptr && !parts_->marking.Check_For_Unmarked_Child(folder);
 }
 
 }  // namespace tidyfold

@@ -1,7 +1,9 @@
 // The main window's life: start-up, loading, quitting. Builds every flow of the program and wires them.
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <vector>
 
 #include "controls/interaction.h"
 #include "controls/main_window.h"
@@ -11,6 +13,9 @@ namespace tidyfold {
 
 class FolderData_Array;
 struct Run_State;
+
+// Says that loading has come to its end; front ends that have nobody waiting for it need not show it.
+inline constexpr const char* all_folders_loaded = "All Folders Loaded";
 
 // Everything that the program does to one main window. All calls come from one thread; every handler may run
 // inside a yield of a longer one. The object must outlive the last of them: a front end destroys it only
@@ -30,6 +35,13 @@ class App {
   // what the last run did.
   const FolderData_Array& Folder_Data() const;
   const Run_State& Run() const;
+  // The checks and questions that a run begins with, without the run: whether it would go on.
+  bool Check_Screen();
+  // What a run over the marked folders would take with the options as they are. Positions in a folder's
+  // cache, from 1, in order.
+  std::vector<std::int32_t> Items_To_Take(int folder) const;
+  // Whether a run would remove the folder itself, and not only items.
+  bool Takes_Folder(int folder) const;
 
  private:
   struct Parts;
