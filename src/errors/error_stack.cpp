@@ -34,8 +34,8 @@ ErrorStack::ErrorStack(Message_Box& message_box, Current_Error& error)
 
 StackEntry& ErrorStack::Next() {
   if (capacity_ <= count_ + 1) {
+    entries_.resize(static_cast<std::size_t>(capacity_ + 10));
     capacity_ += 10;
-    entries_.resize(static_cast<std::size_t>(capacity_));
   }
   return entries_[static_cast<std::size_t>(count_++)];
 }

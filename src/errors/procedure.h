@@ -71,6 +71,19 @@ class Error_Handler {
     }
   }
 
+  // For work that is done for many folders or items: the first failure goes on, to be reported for all; false
+  // after each later one.
+  template <class Work>
+  bool Report_First(bool& reported, Work&& work) {
+    try {
+      work();
+      return true;
+    } catch (...) {
+      if (std::exchange(reported, true)) return false;
+      throw;
+    }
+  }
+
   // A reporter of failures on single items, for one run of a strategy.
   ProcessError Make_Process_Error() { return ProcessError(message_box_, error); }
 

@@ -27,9 +27,11 @@ void Folder_Tree::Build_Folder_Tree() {
     tree_.Set_Visible(false);
     TopLevelIsRoot = false;
     events_.Do_Events();
+    // The rows go first: a grid that is painted meanwhile asks the records for their texts.
+    window_.grdItems.Set_Rows(1);
     records_.Recreate();
     tree_.Clear();
-    window_.grdItems.Set_Rows(1);
+    adding_failure_reported_ = count_failure_reported_ = false;
 
     procedure.Step("Build_Folder_Tree - Get Namespace Folders");
     const Folders_Ptr stores = session_.name_space->Folders();
@@ -44,12 +46,16 @@ void Folder_Tree::Build_Folder_Tree() {
     Folders_Ptr children = stores;
     if (store_count == 1) {
       procedure.Step("Build_Folder_Tree - Save Root Folder");
-      records_[root].Folder = stores->Item(1);
-      procedure.Step("Build_Folder_Tree - Configure Root Node");
-      tree_.Set_Text(root, records_[root].Folder->Name());
-      records_[root].Loaded = records_[root].Folder->Items()->Count() == 0;
+      const MAPIFolder_Ptr top = stores->Item(1);
+      records_[root].Folder = top;
+      procedure.End_Step();
+      // What lies below can be cleaned though the top folder does not answer.
+      errors_.Run("Build_Folder_Tree - Configure Root Node", [&] {
+        tree_.Set_Text(root, top->Name());
+        records_[root].Loaded = top->Items()->Count() == 0;
+      });
       procedure.Step("Build_Folder_Tree - Get Root Folder's Folders");
-      children = records_[root].Folder->Folders();
+      children = top->Folders();
     } else {
       records_[root].Loaded = true;
       TopLevelIsRoot = true;
@@ -58,9 +64,7 @@ void Folder_Tree::Build_Folder_Tree() {
     }
     if (records_[root].Loaded) tree_.Set_Fore_Colour(root, loaded_colour);
 
-    procedure.Step("Build_Folder_Tree - Process all sub-Folders");
-    const std::int32_t count = children->Count();
-    for (std::int32_t i = 1; i <= count; ++i) Add_Tree_Node(children->Item(i), root);
+    Add_Children(*children, root, "Build_Folder_Tree - Process all sub-Folders");
     for (int node = 1; node <= tree_.Upper_Bound(); ++node) Set_Node_Text(node);
   });
 }
@@ -73,24 +77,42 @@ void Folder_Tree::Add_Tree_Node(const MAPIFolder_Ptr& folder, int parent) {
       key += folder->EntryID();
       key += "-:::-" + folder->StoreID();
     });
-    procedure.Step("Add_Tree_Node - Creating Node");
-    const int node = tree_.Add(parent, key, folder->Name());
-    tree_.Set_Sorted(node, true);
-    tree_.Set_Node_Tag(node, std::to_string(node));
-    tree_.Set_Fore_Colour(node, unloaded_colour);
-    procedure.Step("Add_Tree_Node - Adding Folder Data Element");
-    records_.Grow(node);
-    Reset_Folder_Node(node);
-    procedure.Step("Add_Tree_Node - Saving Folder Pointer");
-    records_[node].Folder = folder;
-    procedure.Step("Add_Tree_Node - Configuring Node");
-    Set_Node_Text(node);
-    procedure.Step("Add_Tree_Node - Setting Folder Collection");
-    const Folders_Ptr children = folder->Folders();
-    procedure.Step("Add_Tree_Node - Processing Children");
-    const std::int32_t count = children->Count();
-    for (std::int32_t i = 1; i <= count; ++i) Add_Tree_Node(children->Item(i), node);
+    int node = 0;
+    Folders_Ptr children;
+    const bool added = errors_.Report_First(adding_failure_reported_, [&] {
+      procedure.Step("Add_Tree_Node - Creating Node");
+      node = tree_.Add(parent, key, folder->Name());
+      tree_.Set_Sorted(node, true);
+      tree_.Set_Node_Tag(node, std::to_string(node));
+      tree_.Set_Fore_Colour(node, unloaded_colour);
+      procedure.Step("Add_Tree_Node - Adding Folder Data Element");
+      records_.Grow(node);
+      Reset_Folder_Node(node);
+      procedure.Step("Add_Tree_Node - Saving Folder Pointer");
+      records_[node].Folder = folder;
+      procedure.Step("Add_Tree_Node - Configuring Node");
+      Set_Node_Text(node);
+      procedure.Step("Add_Tree_Node - Setting Folder Collection");
+      children = folder->Folders();
+    });
+    procedure.End_Step();
+    if (added) Add_Children(*children, node, "Add_Tree_Node - Processing Children");
   });
+}
+
+// A folder that cannot be fetched leaves its siblings in the tree. The first failure is reported for all: a
+// store that fails for one folder often fails for thousands.
+void Folder_Tree::Add_Children(Folders& children, int parent, Literal step) {
+  std::int32_t count = 0;
+  errors_.Run(step,
+              [&] { errors_.Report_First(adding_failure_reported_, [&] { count = children.Count(); }); });
+  for (std::int32_t i = 1; i <= count; ++i) {
+    errors_.Run(step, [&] {
+      MAPIFolder_Ptr child;
+      if (errors_.Report_First(adding_failure_reported_, [&] { child = children.Item(i); }))
+        Add_Tree_Node(child, parent);
+    });
+  }
 }
 
 void Folder_Tree::Set_Start_Folder() {
@@ -109,13 +131,19 @@ void Folder_Tree::Set_Start_Folder() {
 }
 
 bool Folder_Tree::Check_Default_Folder(const MAPIFolder_Ptr& folder) {
-  return errors_.Run("Check_Default_Folder", [&] {
-    if (folder == nullptr) return false;
-    static constexpr std::array<std::string_view, 10> names = {
-        "Calendar", "Contacts", deleted_items_name, "Drafts",     "Inbox",
-        "Journal",  "Notes",    "Outbox",           "Sent Items", "Tasks"};
-    return std::find(names.begin(), names.end(), folder->Name()) != names.end();
+  // A folder that does not tell its name is kept from being deleted as well.
+  bool is_default = folder != nullptr;
+  errors_.Run("Check_Default_Folder", [&] {
+    if (folder != nullptr) is_default = Is_Default_Folder_Name(folder->Name());
   });
+  return is_default;
+}
+
+bool Folder_Tree::Is_Default_Folder_Name(std::string_view name) {
+  static constexpr std::array<std::string_view, 10> names = {
+      "Calendar", "Contacts", deleted_items_name, "Drafts",     "Inbox",
+      "Journal",  "Notes",    "Outbox",           "Sent Items", "Tasks"};
+  return std::find(names.begin(), names.end(), name) != names.end();
 }
 
 int Folder_Tree::Get_Node_Index(int node) const {
@@ -129,33 +157,34 @@ int Folder_Tree::Get_Node_Index(int node) const {
 void Folder_Tree::Set_Node_Text(int node) {
   errors_.Run("Set_Node_Text", [&] {
     if (!tree_.Exists(node)) return;
-    FolderData& record = records_[Get_Node_Index(node)];
-    record.FolderName = record.Folder == nullptr ? "Outlook" : record.Folder->Name();
-    // Marked folders that a collapsed node hides make it bold too.
-    const std::int32_t marked = Get_Folder_Item_Count(node, true);
-    const bool expanded = tree_.Expanded(node);
-    const bool bold = tree_.Checked(node) || (!expanded && marked > 0);
-    std::int32_t count = marked;
-    if (expanded) {
+    const MAPIFolder_Ptr folder = records_[Get_Node_Index(node)].Folder;
+    const std::string name = folder == nullptr ? "Outlook" : folder->Name();
+    records_[Get_Node_Index(node)].FolderName = name;
+    bool bold = tree_.Checked(node);
+    std::int32_t count = 0;
+    if (tree_.Expanded(node)) {
       count = Own_Item_Count(node);
-    } else if (!bold) {
-      count = Get_Folder_Item_Count(node, false);
+    } else {
+      // Marked folders that a collapsed node hides make it bold too.
+      count = Get_Folder_Item_Count(node, true);
+      bold = bold || count > 0;
+      if (!bold) count = Get_Folder_Item_Count(node, false);
     }
+    // The report of a failure lets other handlers run.
+    if (!tree_.Exists(node)) return;
     tree_.Set_Bold(node, bold);
-    tree_.Set_Text(node, record.FolderName + " - (" + std::to_string(count) + ")");
+    tree_.Set_Text(node, name + " - (" + std::to_string(count) + ")");
   });
 }
 
 std::int32_t Folder_Tree::Own_Item_Count(int node) {
-  FolderData& record = records_[Get_Node_Index(node)];
-  if (record.Folder == nullptr) return 0;
-  try {
-    return record.Folder->Items()->Count();
-  } catch (...) {
-    // The caption of every folder above counts this one too; one report is enough.
-    if (std::exchange(record.CountReported, true)) return 0;
-    throw;
+  const MAPIFolder_Ptr folder = records_[Get_Node_Index(node)].Folder;
+  std::int32_t count = 0;
+  if (folder != nullptr) {
+    // The captions of all folders above count this one too, and they are made again and again.
+    errors_.Report_First(count_failure_reported_, [&] { count = folder->Items()->Count(); });
   }
+  return count;
 }
 
 std::int32_t Folder_Tree::Get_Folder_Item_Count(int node, bool only_marked) {
@@ -176,7 +205,6 @@ void Folder_Tree::Reset_Folder_Node(int index) {
   record.Loaded = false;
   record.Reload = false;
   record.LoadError = false;
-  record.CountReported = false;
   record.Passing = {};
   record.ItemCache = {};
 }

@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 
 #include "controls/main_window.h"
 #include "errors/procedure.h"
@@ -29,8 +30,11 @@ class Folder_Tree {
   void Add_Tree_Node(const MAPIFolder_Ptr& folder, int parent);
   // Selects the default Inbox; a message when there is none.
   void Set_Start_Folder();
-  // True for the ten names of default folders, wherever in the tree the folder stands.
+  // True for the ten names of default folders, wherever in the tree the folder stands, and for a folder that
+  // does not tell its name.
   bool Check_Default_Folder(const MAPIFolder_Ptr& folder);
+  // The same for a name that has been read; it cannot fail.
+  static bool Is_Default_Folder_Name(std::string_view name);
   // The record's number that a node's tag holds; 0 for a node that does not exist.
   int Get_Node_Index(int node) const;
   // Makes the caption, "name - (count)", and the boldness of a node.
@@ -47,6 +51,7 @@ class Folder_Tree {
   std::function<void(int index)> Set_Folder_Label;
 
  private:
+  void Add_Children(Folders& children, int parent, Literal step);
   std::int32_t Own_Item_Count(int node);
 
   MainWindow& window_;
@@ -56,6 +61,9 @@ class Folder_Tree {
   Message_Box& message_box_;
   Events& events_;
   Error_Handler& errors_;
+  // Until the tree is built anew.
+  bool adding_failure_reported_ = false;
+  bool count_failure_reported_ = false;
 };
 
 }  // namespace tidyfold
