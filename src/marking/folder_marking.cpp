@@ -63,8 +63,9 @@ bool Folder_Marking::Check_Node_Click(int node) {
     if (!deleted_items_.Allow_Deleted_Items_Folder(node))
       return Refuse(node, false,
                     "Cannot marked \"Deleted Items\" folder if Permanent Delete box is unchecked.");
+    // A folder that may not be marked with its parent is no unticked one when it is only clicked.
     const int parent = tree_.Parent(node);
-    if (delete_folders && !tree_.Checked(node) && parent != 0 && tree_.Checked(parent))
+    if (delete_folders && NodeChecked && !tree_.Checked(node) && parent != 0 && tree_.Checked(parent))
       return Refuse(node, true,
                     "Cannot unmark a folder while its parent folder is marked and \"Delete Folders\" is also "
                     "marked.");
@@ -94,22 +95,26 @@ void Folder_Marking::Node_Click_Or_Check(int node) {
       folder_tree_.Set_Node_Text(previous);
     }
     const int index = folder_tree_.Get_Node_Index(node);
-    // A folder that does not tell its type leaves the columns as they are.
-    errors_.Run("Node_Click_Or_Check - changing folder types", [&] {
-      const MAPIFolder_Ptr folder = records_[index].Folder;
-      if (all_folders || folder == nullptr) return;
-      const std::int32_t type = folder->DefaultItemType();
-      if (type < 0 || type == columns_.CurrentGridItemType) return;
-      // Rows of the folder before do not fit the new columns.
-      rows_.Remove_All_Rows();
-      columns_.CurrentGridItemType = type;
-      columns_.Set_Grid_Columns();
-    });
+    Fit_Columns_To_Folder(index);
     procedure.Step("Node_Click_Or_Check - changing current folder");
     rows_.CurrentNodeIndex = node;
     Set_Folder_Label(index);
     rows_.Change_Folder_Rows(node);
     enabling_.Enable_Command_Buttons();
+  });
+}
+
+void Folder_Marking::Fit_Columns_To_Folder(int index) {
+  // A folder that does not tell its type leaves the columns as they are.
+  errors_.Run("Node_Click_Or_Check - changing folder types", [&] {
+    const MAPIFolder_Ptr folder = records_.Has(index) ? records_[index].Folder : nullptr;
+    if (window_.chkShowAllFolders.Checked() || folder == nullptr) return;
+    const std::int32_t type = folder->DefaultItemType();
+    if (type < 0 || type == columns_.CurrentGridItemType) return;
+    // Rows of the folder before do not fit the new columns.
+    rows_.Remove_All_Rows();
+    columns_.CurrentGridItemType = type;
+    columns_.Set_Grid_Columns();
   });
 }
 
@@ -175,7 +180,8 @@ void Folder_Marking::Unmark_Nodes(int node) {
 bool Folder_Marking::May_Be_Marked_With_Its_Parent(int node) {
   if (!window_.chkPermanentDelete.Checked() && deleted_items_.Is_Deleted_Items_Folder(node)) return false;
   return !window_.chkDeleteFolders.Checked() ||
-         !folder_tree_.Check_Default_Folder(records_[folder_tree_.Get_Node_Index(node)].Folder);
+         (!Check_Root_Node(node) &&
+          !folder_tree_.Check_Default_Folder(records_[folder_tree_.Get_Node_Index(node)].Folder));
 }
 
 void Folder_Marking::Set_Children_Nodes_Checkboxes(int node, bool checked) {
@@ -186,7 +192,8 @@ void Folder_Marking::Set_Children_Nodes_Checkboxes(int node, bool checked) {
         tree_.Set_Checked(at, true);
         if (window_.chkShowAllFolders.Checked()) {
           const int index = folder_tree_.Get_Node_Index(at);
-          rows_.Remove_Folder_Rows(index);
+          // Looking through all rows for each folder of a large branch would take for ever.
+          if (records_[index].RowCount > 0) rows_.Remove_Folder_Rows(index);
           rows_.Add_Folder_Rows(index, Marker::None);
         }
       }

@@ -37,6 +37,8 @@ class Folder_Marking {
   void Set_Children_Nodes_Checkboxes(int node, bool checked);
   void mnuUnmark_Click();
   void Set_Folder_Label(int index);
+  // The columns of the grid follow the type of the folder that it shows while it shows a single one.
+  void Fit_Columns_To_Folder(int index);
 
  private:
   bool Refuse(int node, bool checked, const char* message);

@@ -57,6 +57,8 @@ void Processing_Options::Delete_Folders_Ticked() {
                                      : "There are currently " + std::to_string(marked) +
                                            " marked folders that will be deleted.  Unmark them?";
     if (message_box_.Show(question, Buttons::Yes_No) == Answer::Yes) marking_.mnuUnmark_Click();
+    // What ran while the question was open may have ended with the option off.
+    if (!window_.chkDeleteFolders.Checked()) return;
   }
   for (int node = 1; node <= tree_.Upper_Bound(); ++node) {
     if (!tree_.Exists(node) || !tree_.Checked(node)) continue;

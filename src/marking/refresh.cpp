@@ -40,6 +40,8 @@ void Refresh::mnuRefreshCurrent_Click() {
     window_.grdItems.Set_Redraw(false);
     Reload_Marked_Folders();
     window_.grdItems.Set_Redraw(true);
+    // Rows that were picked by hand went with the others.
+    Enable_Command_Buttons();
     Load_What_Is_Missing();
   });
 }

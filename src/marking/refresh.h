@@ -32,6 +32,7 @@ class Refresh {
   std::function<bool()> Interface_Loading;
   // A cleaning run, its questions included, is under way.
   std::function<bool()> Run_Under_Way;
+  std::function<void()> Enable_Command_Buttons;
 
  private:
   MainWindow& window_;
