@@ -40,7 +40,8 @@ struct App::Parts {
   bool Build_Interface();
 
   MainWindow& window;
-  Window_Message_Box message_box;
+  Window_Message_Box window_message_box;
+  Message_Box& message_box{window_message_box};
   Events& events;
   Clock& clock;
 
@@ -76,7 +77,7 @@ struct App::Parts {
 
 App::Parts::Parts(MainWindow& w, Automation& automation, Message_Box& m, Events& e, Clock& c)
     : window(w),
-      message_box(w.frmRemoveItems, m),
+      window_message_box(w.frmRemoveItems, m),
       events(e),
       clock(c),
       session(automation, w, message_box, errors) {

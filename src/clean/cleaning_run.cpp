@@ -49,6 +49,8 @@ void Cleaning_Run::cmdRun_Click() {
       window_.grdItems.Set_Redraw(true);
       enabling_.Enable_All_Controls(true);
     }
+    // Also what was asked for while the run or its questions were open.
+    refresh_.Reload_Marked_Folders();
     refresh_.Load_What_Is_Missing();
   });
 }
@@ -104,7 +106,9 @@ void Cleaning_Run::Start() {
 
 void Cleaning_Run::Rebuild_Window() {
   if (!window_.chkDeleteFolders.Checked()) {
-    if (run_.ItemsDeleted) {
+    // A folder that was declined or cleaned is unmarked, so its rows change; rows picked by hand stay picked
+    // where nothing was deleted.
+    if (run_.ItemsDeleted || !window_.chkSelectByRow.Checked()) {
       rows_.Remove_All_Rows();
       rows_.Add_All_Folders_Rows(Marker::None);
     }
@@ -112,7 +116,10 @@ void Cleaning_Run::Rebuild_Window() {
     return;
   }
   const int selected = tree_.Selected_Item();
-  if (rows_.CurrentNodeIndex == 0) rows_.CurrentNodeIndex = selected;
+  if (rows_.CurrentNodeIndex == 0) {
+    rows_.CurrentNodeIndex = selected;
+    marking_.Fit_Columns_To_Folder(folder_tree_.Get_Node_Index(selected));
+  }
   rows_.Remove_All_Rows();
   rows_.Add_All_Folders_Rows(Marker::None);
   window_.chkDeleteFolders.Set_Value(0);
@@ -157,7 +164,9 @@ void Cleaning_Run::Process_Each_Node(int node, int depth) {
         folder_tree_.Set_Node_Text(node);
         return;
       }
-      if (checks_.Confirm_Current_Folder(index)) {
+      const bool confirmed = checks_.Confirm_Current_Folder(index);
+      // The run may have been cancelled while the question was open.
+      if (confirmed && run_.Processing) {
         Clean_Marked_Node(node, index);
       } else if (run_.Processing) {
         tree_.Set_Checked(node, false);

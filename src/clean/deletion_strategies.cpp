@@ -1,6 +1,8 @@
 #include "clean/deletion_strategies.h"
 
 #include <algorithm>
+#include <set>
+#include <utility>
 
 #include "cache/item_cache.h"
 #include "cache/item_dates.h"
@@ -33,6 +35,15 @@ Deletion_Strategies::Deletion_Strategies(MainWindow& window, FolderData_Array& r
       events_(events),
       errors_(errors) {}
 
+template <class Body>
+void Deletion_Strategies::Run_Strategy(Literal name, Body&& body) {
+  const bool ended = errors_.Run(name, [&] {
+    body();
+    return true;
+  });
+  if (!ended) run_.NotAllDeleted = true;
+}
+
 void Deletion_Strategies::Failed(ProcessError& process_error, std::string_view process,
                                  std::string_view item) {
   run_.NotAllDeleted = true;
@@ -57,6 +68,8 @@ Deletion_Strategies::Outcome Deletion_Strategies::Delete_Current_Item(int index,
         run_.Processing = false;
         run_.Cancelled = true;
       }
+      // An item that could not even be asked about was reported there and stays.
+      if (answer == Answer{}) run_.NotAllDeleted = true;
       if (answer == Answer::Yes && run_.Processing) Remove_Item(index, *item, entry_id, outcome);
     });
     if (!done) {
@@ -90,22 +103,32 @@ void Deletion_Strategies::Remove_Item(int index, Item& item, const std::string& 
   const int wastebasket = records_[index].DeletedItemsIndex;
   const bool was_last_stop = already_in_deleted_items && (wastebasket == 0 || wastebasket == index);
   if (!was_last_stop) {
-    if (wastebasket != 0) records_[wastebasket].Reload = true;
-    if (permanent) session_.name_space->GetItemFromID(entry_id, store_id)->Delete();
+    // What only passes through leaves Deleted Items as it was.
+    const bool reload = wastebasket != 0 && std::exchange(records_[wastebasket].Reload, true);
+    if (permanent) {
+      session_.name_space->GetItemFromID(entry_id, store_id)->Delete();
+      if (wastebasket != 0) records_[wastebasket].Reload = reload;
+    }
   }
   outcome.deleted = true;
 }
 
-// The record of an item that left its folder becomes a hole. `position` is where it was found in Items; when
-// the folder has changed since it was read, the record stands elsewhere in the cache.
-void Deletion_Strategies::Note_Deleted_Record(int index, std::int32_t position, const std::string& entry_id) {
+// The cached record of an item that has left its folder becomes a hole.
+Deletion_Strategies::Outcome Deletion_Strategies::Delete_Cached_Item(int index, std::int32_t item,
+                                                                     ProcessError& process_error) {
+  const std::string entry_id = records_[index].Cached(item).EntryID;
+  const Outcome outcome =
+      Delete_Current_Item(index, entry_id, records_[index].Cached(item).Subject, process_error);
+  if (outcome.left_folder) records_[index].Cached(item).ItemClass = ItemData::deleted;
+  if (outcome.deleted) ++run_.ProcessedCount;
+  return outcome;
+}
+
+// The same for items that were found by their place in Items, which need not be their place in the cache.
+void Deletion_Strategies::Note_Deleted_Records(int index, const std::unordered_set<std::string>& gone) {
   FolderData& record = records_[index];
-  const std::int32_t last = std::min(record.CachedCount, record.Cache_Bound());
-  if (position < 1 || position > last || record.Cached(position).EntryID != entry_id) {
-    for (position = 1; position <= last && record.Cached(position).EntryID != entry_id; ++position) {
-    }
-  }
-  if (position <= last) record.Cached(position).ItemClass = ItemData::deleted;
+  for (std::int32_t item = 1; !gone.empty() && item <= record.CachedCount; ++item)
+    if (gone.contains(record.Cached(item).EntryID)) record.Cached(item).ItemClass = ItemData::deleted;
 }
 
 void Deletion_Strategies::Pack_Folder(int index) {
@@ -113,8 +136,20 @@ void Deletion_Strategies::Pack_Folder(int index) {
   Pack_Items_Array(records_[index]);
 }
 
+// Yields between removals by position. Another program may take items out of the folder meanwhile and put new
+// ones into it, which nobody has chosen: the place of the item that is next is looked up again.
+std::int32_t Deletion_Strategies::Yield_In_Front_Of(Items& items, std::int32_t next) {
+  const std::string entry_id = next >= 1 ? items.Item(next)->EntryID() : std::string();
+  events_.Do_Events();
+  if (next < 1) return next;
+  for (std::int32_t place = std::min(next, items.Count()); place >= 1; --place)
+    if (items.Item(place)->EntryID() == entry_id) return place;
+  throw Automation_Error(automation_error::not_found,
+                         "The folder was changed meanwhile. Refresh, and clean it again.", application_title);
+}
+
 void Deletion_Strategies::Delete_All_Items(int index) {
-  errors_.Run("Delete_All_Items", [&] {
+  Run_Strategy("Delete_All_Items", [&] {
     ProcessError process_error = errors_.Make_Process_Error();
     // Nothing that is known of the items holds any more; the folder is read again after the run.
     rows_.Remove_Folder_Rows(index);
@@ -124,25 +159,30 @@ void Deletion_Strategies::Delete_All_Items(int index) {
     const Items_Ptr items = folder->Items();
     std::int32_t checked = 0;
     records_[index].DeletedFromFolder = 0;
+    const auto failed = [&] {
+      Failed(process_error, "Turbo Delete - Unable to delete item", "Folder - " + name);
+    };
     for (std::int32_t i = items->Count(); i >= 1 && run_.Processing; --i) {
       ++checked;
       if (errors_.Try([&] { items->Remove(i); })) {
         ++run_.ProcessedCount;
         ++records_[index].DeletedFromFolder;
       } else {
-        Failed(process_error, "Turbo Delete - Unable to delete item", "Folder - " + name);
+        failed();
       }
-      if (checked % status_every == 0) {
-        status_.Display_Cleaning_Status(name, checked, records_[index].DeletedFromFolder,
-                                        run_.ProcessedCount);
-        events_.Do_Events();
+      if (checked % status_every != 0) continue;
+      status_.Display_Cleaning_Status(name, checked, records_[index].DeletedFromFolder, run_.ProcessedCount);
+      if (!errors_.Try([&] { i = Yield_In_Front_Of(*items, i - 1) + 1; })) {
+        failed();
+        break;
       }
     }
   });
 }
 
 void Deletion_Strategies::Delete_Selected_Items_By_MAPIFolder(int index) {
-  errors_.Run("Delete_Selected_Items_By_MAPIFolder", [&] {
+  std::unordered_set<std::string> gone;
+  Run_Strategy("Delete_Selected_Items_By_MAPIFolder", [&] {
     ProcessError process_error = errors_.Make_Process_Error();
     const MAPIFolder_Ptr folder = records_[index].Folder;
     const std::string name = folder->Name();
@@ -163,10 +203,11 @@ void Deletion_Strategies::Delete_Selected_Items_By_MAPIFolder(int index) {
       });
       if (!read) {
         // Items that another program has taken away meanwhile were never chosen.
-        if (i <= items->Count()) Failed(process_error, "Filtered Delete - Set Object", "Folder - " + name);
+        if (!Is_Beyond_End(*items, i))
+          Failed(process_error, "Filtered Delete - Set Object", "Folder - " + name);
       } else if (passes) {
         const Outcome outcome = Delete_Current_Item(index, entry_id, subject, process_error);
-        if (outcome.left_folder) Note_Deleted_Record(index, i, entry_id);
+        if (outcome.left_folder) gone.insert(entry_id);
         if (outcome.deleted) {
           ++run_.ProcessedCount;
           ++records_[index].DeletedFromFolder;
@@ -179,24 +220,27 @@ void Deletion_Strategies::Delete_Selected_Items_By_MAPIFolder(int index) {
     }
     status_.Display_Cleaning_Status(name, checked, records_[index].DeletedFromFolder, run_.ProcessedCount);
   });
+  Note_Deleted_Records(index, gone);
+}
+
+// Keeps the error that is being looked into.
+bool Deletion_Strategies::Is_Beyond_End(Items& items, std::int32_t position) {
+  const Current_Error error = errors_.error;
+  bool beyond = false;
+  errors_.Try([&] { beyond = position > items.Count(); });
+  errors_.error = error;
+  return beyond;
 }
 
 void Deletion_Strategies::Delete_Filtered_Items_By_FolderData_Array(int node, int index) {
-  errors_.Run("Delete_Filtered_Items_By_FolderData_Array", [&] {
+  Run_Strategy("Delete_Filtered_Items_By_FolderData_Array", [&] {
     ProcessError process_error = errors_.Make_Process_Error();
     const std::string name = records_[index].Folder->Name();
     records_[index].DeletedFromFolder = 0;
     for (std::int32_t item = 1; item <= records_[index].CachedCount && run_.Processing; ++item) {
-      if (filters_.Check_Filtered_Record(node, index, item)) {
-        const std::string entry_id = records_[index].Cached(item).EntryID;
-        const Outcome outcome =
-            Delete_Current_Item(index, entry_id, records_[index].Cached(item).Subject, process_error);
-        if (outcome.left_folder) Note_Deleted_Record(index, item, entry_id);
-        if (outcome.deleted) {
-          ++run_.ProcessedCount;
-          ++records_[index].DeletedFromFolder;
-        }
-      }
+      if (filters_.Check_Filtered_Record(node, index, item) &&
+          Delete_Cached_Item(index, item, process_error).deleted)
+        ++records_[index].DeletedFromFolder;
       events_.Do_Events();
       if (item % status_every == 0)
         status_.Display_Cleaning_Status(name, item, records_[index].DeletedFromFolder, run_.ProcessedCount);
@@ -207,10 +251,10 @@ void Deletion_Strategies::Delete_Filtered_Items_By_FolderData_Array(int node, in
 }
 
 void Deletion_Strategies::Delete_Filtered_Items_By_Row() {
-  errors_.Run("Delete_Filtered_Items_By_Row", [&] {
+  std::set<int> worked_on;
+  Run_Strategy("Delete_Filtered_Items_By_Row", [&] {
     ProcessError process_error = errors_.Make_Process_Error();
     window_.sbStatusBar.Set_Panel_Text(1, "Cleaning Items");
-    std::vector<int> worked_on;
     std::int32_t processed = 0, cleaned = 0;
     for (int row = grid_.Rows() - 1; row >= 1 && run_.Processing; --row) {
       if (row >= grid_.Rows()) continue;
@@ -219,32 +263,25 @@ void Deletion_Strategies::Delete_Filtered_Items_By_Row() {
       const bool points_at_item = at.marked && at.item >= 1 && at.item <= records_[at.row_data].CachedCount &&
                                   records_[at.row_data].Cached(at.item).ItemClass != ItemData::deleted;
       if (points_at_item) {
-        const std::string entry_id = records_[at.row_data].Cached(at.item).EntryID;
-        const Outcome outcome = Delete_Current_Item(
-            at.row_data, entry_id, records_[at.row_data].Cached(at.item).Subject, process_error);
+        const Outcome outcome = Delete_Cached_Item(at.row_data, at.item, process_error);
         if (outcome.left_folder) {
-          Note_Deleted_Record(at.row_data, at.item, entry_id);
+          worked_on.insert(at.row_data);
           grid_.Set_Mark(row, false);
           rows_.Paint_Row(row);
           folder_tree_.Set_Node_Text(folder_tree_.Get_Node_Index(at.row_data));
-          if (std::find(worked_on.begin(), worked_on.end(), at.row_data) == worked_on.end())
-            worked_on.push_back(at.row_data);
         }
-        if (outcome.deleted) {
-          ++cleaned;
-          ++run_.ProcessedCount;
-        }
+        if (outcome.deleted) ++cleaned;
         events_.Do_Events();
       }
       if (row % status_every == 0) status_.Display_Delete_By_Selected_Status(processed, cleaned);
     }
-    for (const int index : worked_on) Pack_Folder(index);
-    if (!worked_on.empty()) run_.ItemsDeleted = true;
   });
+  for (const int index : worked_on) Pack_Folder(index);
+  if (!worked_on.empty()) run_.ItemsDeleted = true;
 }
 
 void Deletion_Strategies::Delete_Selected_Folder(int index, int node) {
-  errors_.Run("Delete_Selected_Folder", [&] {
+  Run_Strategy("Delete_Selected_Folder", [&] {
     ProcessError process_error = errors_.Make_Process_Error();
     const MAPIFolder_Ptr folder = records_[index].Folder;
     MAPIFolder_Ptr parent;
@@ -265,7 +302,7 @@ void Deletion_Strategies::Delete_Selected_Folder(int index, int node) {
                                 name = folder->Name();
                                 parent = folder->Parent();
                                 if (parent == nullptr) refuse("A store's top folder cannot be deleted.");
-                                if (folder_tree_.Check_Default_Folder(folder))
+                                if (folder_tree_.Is_Default_Folder_Name(name))
                                   refuse("A default folder cannot be deleted.");
                               }) &&
                          step("Delete Folder - Set Collection", [&] { siblings = parent->Folders(); }) &&

@@ -3,7 +3,7 @@
 #pragma once
 
 #include <string>
-#include <vector>
+#include <unordered_set>
 
 #include "clean/safety_checks.h"
 #include "clean/status_line.h"
@@ -39,10 +39,16 @@ class Deletion_Strategies {
     bool deleted = false;      // as the options ask: moved, or gone for good
     bool left_folder = false;  // it no longer lies in the folder; its cached record is a hole
   };
+  // Runs a strategy's body; one that breaks off has left things undone.
+  template <class Body>
+  void Run_Strategy(Literal name, Body&& body);
   Outcome Delete_Current_Item(int index, const std::string& entry_id, const std::string& subject,
                               ProcessError& process_error);
   void Remove_Item(int index, Item& item, const std::string& entry_id, Outcome& outcome);
-  void Note_Deleted_Record(int index, std::int32_t position, const std::string& entry_id);
+  Outcome Delete_Cached_Item(int index, std::int32_t item, ProcessError& process_error);
+  void Note_Deleted_Records(int index, const std::unordered_set<std::string>& gone);
+  std::int32_t Yield_In_Front_Of(Items& items, std::int32_t next);
+  bool Is_Beyond_End(Items& items, std::int32_t position);
   void Failed(ProcessError& process_error, std::string_view process, std::string_view item);
 
   MainWindow& window_;

@@ -32,7 +32,7 @@ constexpr const char* to_deleted_items = " to \"Deleted Items\" folder?";
 
 Safety_Checks::Safety_Checks(MainWindow& window, FolderData_Array& records, Folder_Tree& folder_tree,
                              Deleted_Items_Folders& deleted_items, Item_Filters& filters, Grid_Rows& rows,
-                             Folder_Marking& marking, Message_Box& message_box, Clock& clock,
+                             Folder_Marking& marking, Run_State& run, Message_Box& message_box, Clock& clock,
                              Error_Handler& errors)
     : window_(window),
       tree_(window.trvFolders),
@@ -42,6 +42,7 @@ Safety_Checks::Safety_Checks(MainWindow& window, FolderData_Array& records, Fold
       filters_(filters),
       rows_(rows),
       marking_(marking),
+      run_(run),
       message_box_(message_box),
       clock_(clock),
       errors_(errors) {}
@@ -131,6 +132,19 @@ bool Safety_Checks::Confirm_Selection_Count() {
   });
 }
 
+// What a store's marked folders hold. Unlike the counts in captions it throws for a folder that cannot be
+// counted: it must not be taken for an empty one.
+std::int32_t Safety_Checks::Items_In_Marked_Folders(int deleted_items_index) {
+  std::int32_t count = 0;
+  for (int node = 1; node <= tree_.Upper_Bound(); ++node) {
+    if (!tree_.Exists(node) || !tree_.Checked(node)) continue;
+    const FolderData& record = records_[folder_tree_.Get_Node_Index(node)];
+    if (record.Folder == nullptr || record.DeletedItemsIndex != deleted_items_index) continue;
+    count = Sum(count, record.Folder->Items()->Count());
+  }
+  return count;
+}
+
 bool Safety_Checks::Check_Deleted_Items_Folder() {
   return errors_.Run("Check_Deleted_Items_Folder", [&] {
     if (window_.chkPermanentDelete.Checked()) return true;
@@ -142,7 +156,7 @@ bool Safety_Checks::Check_Deleted_Items_Folder() {
       if (wastebasket <= 0) continue;
       const std::int32_t selected = window_.chkSelectByRow.Checked()
                                         ? rows_.Get_Rows_Selected_Count(wastebasket)
-                                        : folder_tree_.Get_Folder_Item_Count(store, true);
+                                        : Items_In_Marked_Folders(wastebasket);
       const std::int32_t present = records_[wastebasket].Folder->Items()->Count();
       const std::int32_t combined = Sum(selected, present);
       if (combined <= most_deleted_items) continue;
@@ -174,16 +188,20 @@ bool Safety_Checks::Check_Deleted_Items_Folder() {
 }
 
 bool Safety_Checks::Confirm_Current_Folder(int index) {
-  return errors_.Run("Confirm_Current_Folder", [&] {
-    if (!window_.chkConfirmFolders.Checked()) return true;
+  if (!window_.chkConfirmFolders.Checked()) return true;
+  bool asked = false;
+  const bool confirmed = errors_.Run("Confirm_Current_Folder", [&] {
     const bool permanent = window_.chkPermanentDelete.Checked();
     std::string question = permanent ? "Delete" : "Move";
     // Of a folder that is not loaded nobody knows yet how many items pass the filters.
     if (records_[index].Loaded || window_.chkTurbo.Checked()) question += Str(Items_To_Take(index));
     question += " items in \"" + records_[index].Folder->Name() + "\"";
     question += permanent ? " folder?" : std::string(" folder") + to_deleted_items;
+    asked = true;
     return Ask(question);
   });
+  if (!asked) run_.NotAllDeleted = true;
+  return confirmed;
 }
 
 Answer Safety_Checks::Confirm_Current_Item(Item& item) {
