@@ -156,6 +156,8 @@ class Form : public Captioned {
     Assign(loaded_, false);
   }
   Colour Back_Colour() const { return system_button_face; }
+  // Whether the platform keeps the window's drawing and repaints it by itself.
+  bool AutoRedraw = false;
   // The user closes the window; the handler unloads it.
   std::function<void()> Close;
   // The window's size has changed.
