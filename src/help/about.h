@@ -1,0 +1,47 @@
+// The window that says what the program is.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "controls/widgets.h"
+#include "help/program_info.h"
+
+namespace tidyfold {
+
+class LinkLabel : public Captioned {
+ public:
+  using Captioned::Captioned;
+  std::function<void()> Click;
+};
+
+// What stands on the form frmAbout. The text boxes are for reading only.
+struct About_Controls {
+  Captioned lblHeading{"lblHeading"};
+  TextBox txtVersionNumber{"txtVersionNumber"};
+  TextBox txtLegalNotice{"txtLegalNotice"};
+  TextBox txtLicences{"txtLicences"};
+  LinkLabel Label3{"Label3", "Tidyfold on the Web"};
+  CommandButton cmdHomePage{"cmdHomePage", "&Home Page"};
+  CommandButton ok_button{"ok_button", "OK"};
+};
+
+class About {
+ public:
+  About(Form& form, About_Controls& controls, const Program_Info& program);
+
+  // Loads the window where it is not, and shows it beside the others.
+  void Show();
+
+  // Opens the home page that start-up has kept.
+  std::function<void()> Show_Home_Page;
+
+ private:
+  void Form_Load();
+
+  Form& form_;
+  About_Controls& controls_;
+  const Program_Info& program_;
+};
+
+}  // namespace tidyfold
