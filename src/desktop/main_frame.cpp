@@ -1,0 +1,247 @@
+#include "desktop/main_frame.h"
+
+#include <wx/button.h>
+#include <wx/display.h>
+#include <wx/menu.h>
+#include <wx/settings.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "desktop/application_icon.h"
+#include "desktop/grid_binder.h"
+#include "desktop/options_panel.h"
+#include "desktop/simple_binders.h"
+#include "desktop/splitter_bar.h"
+#include "desktop/status_bar_binder.h"
+#include "desktop/text_conversion.h"
+#include "desktop/theme.h"
+#include "desktop/tree_binder.h"
+
+namespace tidyfold {
+
+namespace {
+
+// Unscaled pixels. Title, menu and status bar of common desktops take less than this of the screen's height.
+constexpr int reserved_height = 90;
+constexpr int smallest_width = 480, smallest_height = 320;
+// Where the screen has the room, the window opens wider than it was designed; the program lays it out anew.
+constexpr int comfortable_width = 1200, comfortable_height = 740;
+
+}  // namespace
+
+Main_Frame::Main_Frame(MainWindow& model, Repaint_Schedule& schedule, File_Commands commands,
+                       std::function<void()> unloaded)
+    : wxFrame(nullptr, wxID_ANY, To_Wx(model.frmRemoveItems.Caption())),
+      model_(model),
+      schedule_(schedule),
+      commands_(std::move(commands)),
+      unloaded_(std::move(unloaded)),
+      scale_(*this),
+      surface_(new wxPanel(this)) {
+  SetName(To_Wx(model_.frmRemoveItems.Name()));
+  SetIcons(Application_Icons());
+  Build_Panes();
+  Build_Menus();
+  Set_Tab_Order();
+  SetMinClientSize(FromDIP(wxSize(smallest_width, smallest_height)));
+
+  const wxRect screen = wxDisplay(wxDisplay::GetFromPoint(wxPoint(0, 0))).GetClientArea();
+  wxSize size = Client_Size_Of_Model();
+  size.IncTo(FromDIP(wxSize(comfortable_width, comfortable_height)));
+  size.DecTo(wxSize(screen.width, screen.height - FromDIP(reserved_height)));
+  SetClientSize(size);
+  Centre();
+
+  model_.frmRemoveItems.changed = [this] { Show_Form(); };
+  Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
+    event.Skip();
+    Take_Size();
+  });
+  Bind(wxEVT_CLOSE_WINDOW, &Main_Frame::Closed_By_User, this);
+  Bind(wxEVT_CHAR_HOOK, &Main_Frame::Key_Pressed, this);
+  Bind(wxEVT_IDLE, &Main_Frame::Idle, this);
+}
+
+Main_Frame::~Main_Frame() {
+  model_.frmRemoveItems.changed = nullptr;
+  menu_binders_.clear();
+  binders_.Clear();
+}
+
+// --- Building -------------------------------------------------------------------------------------------
+
+void Main_Frame::Build_Panes() {
+  auto* const label = new wxStaticText(surface_, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize,
+                                       wxST_ELLIPSIZE_END | wxST_NO_AUTORESIZE);
+  label->SetFont(label->GetFont().Bold());
+  binders_.Add<Label_Binder>(model_.lblCurrentFolder, *label).Follow_Position(scale_);
+
+  auto* const tree = new wxDataViewCtrl(surface_, wxID_ANY, wxDefaultPosition, wxDefaultSize,
+                                        wxDV_SINGLE | wxDV_NO_HEADER | wxBORDER_THEME);
+  binders_.Add<Tree_Binder>(model_.trvFolders, *tree, schedule_).Follow_Position(scale_);
+
+  auto* const grid = new wxGrid(surface_, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxBORDER_THEME);
+  auto* const hint = new wxStaticText(grid->GetGridWindow(), wxID_ANY, wxString(), wxDefaultPosition,
+                                      wxDefaultSize, wxALIGN_CENTRE_HORIZONTAL);
+  hint->SetForegroundColour(wxSystemSettings::GetColour(wxSYS_COLOUR_GRAYTEXT));
+  binders_.Add<Grid_Binder>(model_.grdItems, *grid, *hint, schedule_).Follow_Position(scale_);
+
+  options_ = new Options_Panel(surface_, model_);
+  options_->Bind_To_Model(binders_);
+  binders_.Add<Control_Binder>(model_.frmOptions, *options_).Follow_Position(scale_);
+
+  auto* const run = new wxButton(surface_, wxID_ANY, To_Wx(model_.cmdRun.Caption()));
+  run->SetFont(run->GetFont().Bold());
+  binders_.Add<Button_Binder>(model_.cmdRun, *run, [this] { Settle(); }).Follow_Position(scale_);
+
+  for (PictureBox* const bar : {&model_.picSlider, &model_.picSlider2})
+    binders_.Add<Splitter_Bar_Binder>(*bar, *new Splitter_Bar(surface_), scale_).Follow_Position(scale_);
+
+  binders_.Add<Status_Bar_Binder>(model_.sbStatusBar, *CreateStatusBar(StatusBar::panel_count), schedule_);
+}
+
+void Main_Frame::Build_Menus() {
+  auto* const file = new wxMenu;
+  Add_File_Entry(*file, "&Open Store...\tCtrl+O", "Open one or more stores in place of those shown",
+                 commands_.Open_Store);
+  Add_File_Entry(*file, "New &Sample Store...", "Make a store of invented items to try the program on",
+                 commands_.New_Sample);
+  file->AppendSeparator();
+  Add_File_Entry(*file, "&Import Files...\tCtrl+I", "Bring PST, OST, PAB, mbox or EML files into the store",
+                 commands_.Import_Files);
+  Add_File_Entry(*file, "Import &Maildir Folder...", "Bring a Maildir folder into the store",
+                 commands_.Import_Maildir);
+  file->AppendSeparator();
+  Add_Entry(*file, model_.mnuQuit, "Ctrl+Q", "Leave Tidyfold");
+
+  auto* const folders = new wxMenu;
+  Add_Entry(*folders, model_.mnuRefresh, "F5", "Read all folders and their items again");
+  Add_Entry(*folders, model_.mnuRefreshCurrent, "Ctrl+F5", "Read the current folder again");
+  folders->AppendSeparator();
+  Add_Entry(*folders, model_.mnuUnmark, "Ctrl+U", "Take the ticks off all folders");
+
+  auto* const options = new wxMenu;
+  Add_Entry(*options, model_.mnuClean, "Ctrl+Return", "Start cleaning what is selected");
+  options->AppendSeparator();
+  Add_Entry(*options, model_.mnuResetOptions, "Ctrl+R", "Put all options back to their safe values");
+
+  auto* const help = new wxMenu;
+  Add_Entry(*help, model_.mnuHelp, "F1", "Show the help");
+  Add_Entry(*help, model_.mnuWhatsThis, "Shift+F1", "Point at something and learn what it is");
+  Add_Entry(*help, model_.mnuOnlineHelp, "", "Show the help on the Web");
+  help->AppendSeparator();
+  Add_Entry(*help, model_.mnuAbout, "", "Show what this program is");
+
+  auto* const bar = new wxMenuBar;
+  bar->Append(file, "&File");
+  bar->Append(folders, "F&olders");
+  bar->Append(options, "Option&s");
+  bar->Append(help, "&Help");
+  SetMenuBar(bar);
+}
+
+void Main_Frame::Add_Entry(wxMenu& menu, MenuItem& model, const wxString& key, const wxString& help) {
+  menu_binders_.push_back(std::make_unique<Menu_Binder>(model, menu, *this, key, help, [this] { Settle(); }));
+}
+
+void Main_Frame::Add_File_Entry(wxMenu& menu, const wxString& label, const wxString& help,
+                                std::function<void()>& command) {
+  const int id = menu.Append(wxID_ANY, label, help)->GetId();
+  file_entries_.push_back(id);
+  Bind(
+      wxEVT_MENU, [&command](wxCommandEvent&) { command(); }, id);
+}
+
+// The panes are made in an order of their own; the keyboard goes through them as the model lists them.
+void Main_Frame::Set_Tab_Order() {
+  wxWindow* before = nullptr;
+  for (const Control* const control : model_.controls) {
+    wxWindow* const widget = FindWindowByName(To_Wx(control->Name()), surface_);
+    if (widget == nullptr || widget->GetParent() != surface_) continue;
+    if (before != nullptr) widget->MoveAfterInTabOrder(before);
+    before = widget;
+  }
+}
+
+// --- The form -------------------------------------------------------------------------------------------
+
+wxSize Main_Frame::Client_Size_Of_Model() const {
+  return {scale_.Pixels(model_.frmRemoveItems.Width()), scale_.Pixels(model_.frmRemoveItems.Height())};
+}
+
+void Main_Frame::Show_Form() {
+  const Form& form = model_.frmRemoveItems;
+  if (!form.Loaded()) {
+    if (was_loaded_) {
+      Hide();
+      unloaded_();
+    }
+    return;
+  }
+  was_loaded_ = true;
+  if (const wxString title = To_Wx(form.Caption()); title != GetTitle()) SetTitle(title);
+  if (!taking_size_ && Client_Size_Of_Model() != GetClientSize()) Resize_Like_Model();
+  if (form.Visible() != IsShown()) Show(form.Visible());
+}
+
+// A size that the screen cannot take is cut down at once, and the model told, for whoever set it reads it
+// back.
+void Main_Frame::Resize_Like_Model() {
+  const wxSize bars_and_frame = GetSize() - GetClientSize();
+  wxSize size = Client_Size_Of_Model();
+  size.DecTo(wxDisplay(this).GetClientArea().GetSize() - bars_and_frame);
+  size.IncTo(GetMinClientSize());
+  SetClientSize(size);
+  if (size != Client_Size_Of_Model()) Tell_Size(size);
+}
+
+void Main_Frame::Tell_Size(const wxSize& client) {
+  const bool outer = std::exchange(taking_size_, true);
+  model_.frmRemoveItems.Set_Width(scale_.To_Twips(client.x));
+  model_.frmRemoveItems.Set_Height(scale_.To_Twips(client.y));
+  taking_size_ = outer;
+}
+
+void Main_Frame::Take_Size() {
+  // Before the program lays the window out itself, the designed size stands.
+  if (!model_.frmRemoveItems.Resize || IsIconized()) return;
+  const wxSize client = GetClientSize();
+  if (client == Client_Size_Of_Model()) return;
+  Tell_Size(client);
+  model_.frmRemoveItems.Resize();
+}
+
+void Main_Frame::Closed_By_User(wxCloseEvent& event) {
+  // The window is destroyed when nothing runs on its models any more, not here.
+  if (event.CanVeto()) event.Veto();
+  if (model_.frmRemoveItems.Close) {
+    model_.frmRemoveItems.Close();
+  } else {
+    model_.frmRemoveItems.Unload();
+  }
+}
+
+void Main_Frame::Key_Pressed(wxKeyEvent& event) {
+  // While a run is under way the button is its Cancel.
+  const bool running = !model_.mnuClean.Enabled() && model_.cmdRun.Enabled();
+  if (event.GetKeyCode() != WXK_ESCAPE || !running) return event.Skip();
+  tidyfold::Raise(model_.cmdRun.Click);
+}
+
+void Main_Frame::Idle(wxIdleEvent& event) {
+  event.Skip();
+  if (!model_.frmRemoveItems.Loaded()) return;
+  Take_Size();
+  // A run must not find another store under its feet.
+  for (const int entry : file_entries_) {
+    if (GetMenuBar()->IsEnabled(entry) != model_.mnuRefresh.Enabled())
+      GetMenuBar()->Enable(entry, model_.mnuRefresh.Enabled());
+  }
+}
+
+void Main_Frame::Settle() {
+  options_->Settle();
+}
+
+}  // namespace tidyfold

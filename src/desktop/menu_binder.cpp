@@ -1,0 +1,37 @@
+#include "desktop/menu_binder.h"
+
+#include "desktop/text_conversion.h"
+
+namespace tidyfold {
+
+Menu_Binder::Menu_Binder(MenuItem& model, wxMenu& menu, wxFrame& frame, const wxString& key,
+                         const wxString& help, std::function<void()> settle)
+    : model_(model), key_(key), item_(menu.Append(wxID_ANY, Label(), help)), settle_(std::move(settle)) {
+  frame.Bind(
+      wxEVT_MENU,
+      [this](wxCommandEvent&) {
+        // A key may arrive before the menu has been greyed.
+        if (!model_.Enabled()) return;
+        settle_();
+        Raise(model_.Click);
+      },
+      item_->GetId());
+  model_.changed = [this] { Show(); };
+  Show();
+}
+
+Menu_Binder::~Menu_Binder() {
+  model_.changed = nullptr;
+}
+
+wxString Menu_Binder::Label() const {
+  const wxString caption = To_Wx(model_.Caption());
+  return key_.empty() ? caption : caption + "\t" + key_;
+}
+
+void Menu_Binder::Show() {
+  if (item_->IsEnabled() != model_.Enabled()) item_->Enable(model_.Enabled());
+  if (const wxString label = Label(); label != item_->GetItemLabel()) item_->SetItemLabel(label);
+}
+
+}  // namespace tidyfold

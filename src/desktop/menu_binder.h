@@ -1,0 +1,33 @@
+// Ties a menu entry to its model.
+#pragma once
+
+#include <wx/frame.h>
+#include <wx/menu.h>
+
+#include <functional>
+
+#include "controls/widgets.h"
+
+namespace tidyfold {
+
+class Menu_Binder {
+ public:
+  // Adds the entry at the end of `menu`, which belongs to `frame`. `key` is written as the toolkit writes
+  // accelerators ("Ctrl+F5"); `settle` runs before every click.
+  Menu_Binder(MenuItem& model, wxMenu& menu, wxFrame& frame, const wxString& key, const wxString& help,
+              std::function<void()> settle);
+  Menu_Binder(const Menu_Binder&) = delete;
+  Menu_Binder& operator=(const Menu_Binder&) = delete;
+  ~Menu_Binder();
+
+ private:
+  void Show();
+  wxString Label() const;
+
+  MenuItem& model_;
+  wxString key_;
+  wxMenuItem* item_;  // owned by the menu
+  std::function<void()> settle_;
+};
+
+}  // namespace tidyfold

@@ -1,0 +1,73 @@
+#include "desktop/status_bar_binder.h"
+
+#include <algorithm>
+
+#include "desktop/text_conversion.h"
+
+namespace tidyfold {
+
+namespace {
+
+constexpr int gauge_range = 1000;
+constexpr int gauge_width = 140;  // unscaled pixels
+constexpr int gauge_margin = 3;
+
+}  // namespace
+
+Status_Bar_Binder::Status_Bar_Binder(StatusBar& model, wxStatusBar& widget, Repaint_Schedule& schedule)
+    : Control_Binder(model, widget),
+      model_(model),
+      widget_(widget),
+      gauge_(new wxGauge(&widget, wxID_ANY, gauge_range, wxDefaultPosition, wxDefaultSize, wxGA_SMOOTH)),
+      schedule_(schedule) {
+  widget_.SetFieldsCount(StatusBar::panel_count + 1);
+  gauge_->SetName("sbStatusBarGauge");
+  gauge_->Hide();
+  Give_Room_To_Gauge(false);
+  widget_.Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
+    event.Skip();
+    Place_Gauge();
+  });
+  Show();
+}
+
+Status_Bar_Binder::~Status_Bar_Binder() {
+  schedule_.Forget(*this);
+}
+
+void Status_Bar_Binder::Show_Model() {
+  schedule_.Mark(*this);
+}
+
+void Status_Bar_Binder::Catch_Up() {
+  for (int panel = 1; panel <= StatusBar::panel_count; ++panel) {
+    const wxString text = To_One_Line(model_.Panel_Text(panel));
+    if (text != widget_.GetStatusText(panel - 1)) widget_.SetStatusText(text, panel - 1);
+  }
+  Show_Gauge();
+}
+
+void Status_Bar_Binder::Show_Gauge() {
+  const std::int64_t total = model_.Gauge_Total();
+  if ((total > 0) != gauge_->IsShown()) {
+    Give_Room_To_Gauge(total > 0);
+    gauge_->Show(total > 0);
+    Place_Gauge();
+  }
+  if (total <= 0) return;
+  const std::int64_t done = std::clamp<std::int64_t>(model_.Gauge_Done(), 0, total);
+  gauge_->SetValue(static_cast<int>(done * gauge_range / total));
+}
+
+void Status_Bar_Binder::Give_Room_To_Gauge(bool shown) {
+  const int widths[] = {-3, -4, -3, shown ? widget_.FromDIP(gauge_width) : 1};
+  widget_.SetStatusWidths(StatusBar::panel_count + 1, widths);
+}
+
+void Status_Bar_Binder::Place_Gauge() {
+  wxRect field;
+  if (gauge_->IsShown() && widget_.GetFieldRect(StatusBar::panel_count, field))
+    gauge_->SetSize(field.Deflate(widget_.FromDIP(gauge_margin)));
+}
+
+}  // namespace tidyfold

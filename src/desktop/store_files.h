@@ -1,0 +1,39 @@
+// The store files that the window works on, and everything that a person does to files: opening, making a
+// sample, importing.
+#pragma once
+
+#include <wx/window.h>
+
+#include <filesystem>
+#include <functional>
+#include <vector>
+
+#include "stores/sqlite/embedded_outlook.h"
+
+namespace tidyfold {
+
+// Every question and every error is shown in a dialog; a file that fails leads back to where the person was.
+// All return whether the stores that are open have changed.
+class Store_Files {
+ public:
+  explicit Store_Files(Embedded_Outlook& outlook) : outlook_(outlook) {}
+
+  // Shows the reason where one of the stores cannot be opened.
+  bool Open(wxWindow* parent, const std::vector<std::filesystem::path>& paths);
+  bool Ask_And_Open(wxWindow* parent);
+  bool Make_Sample_Store(wxWindow* parent);
+  // Into the first store that is open, or a new one where none is.
+  bool Import_Files(wxWindow* parent);
+  bool Import_Maildir(wxWindow* parent);
+
+ private:
+  bool Import(wxWindow* parent, const std::vector<std::filesystem::path>& sources);
+  bool Import_Into(wxWindow* parent, Embedded_Store& store,
+                   const std::vector<std::filesystem::path>& sources);
+  std::filesystem::path Ask_New_Store(wxWindow* parent, const wxString& question, const wxString& name);
+  void Remember();
+
+  Embedded_Outlook& outlook_;
+};
+
+}  // namespace tidyfold

@@ -1,0 +1,327 @@
+#include "desktop/tree_binder.h"
+
+#ifdef __WXGTK__
+#include <gtk/gtk.h>
+#endif
+
+#include <algorithm>
+#include <cstdint>
+
+#include "controls/text.h"
+#include "controls/widgets.h"
+#include "desktop/check_text_renderer.h"
+#include "desktop/text_conversion.h"
+#include "desktop/theme.h"
+
+namespace tidyfold {
+
+namespace {
+
+// More changes than this at a time are shown by building the widget's rows anew, which costs less than
+// looking each up.
+constexpr std::size_t most_single_changes = 100;
+
+wxDataViewItem Item_Of(int index) {
+  return wxDataViewItem(reinterpret_cast<void*>(static_cast<std::intptr_t>(index)));
+}
+
+int Index_Of(const wxDataViewItem& item) {
+  return static_cast<int>(reinterpret_cast<std::intptr_t>(item.GetID()));
+}
+
+}  // namespace
+
+// What the widget asks for. An item is a node's index. The widget may still ask for nodes that have gone
+// until it is told; those are empty.
+class Folder_Tree_Rows : public wxDataViewModel {
+ public:
+  Folder_Tree_Rows(TreeView& tree, Tick_Handler ticked) : tree_(tree), ticked_(std::move(ticked)) {}
+
+  bool IsContainer(const wxDataViewItem& item) const override {
+    return !item.IsOk() || (Has(item) && tree_.Children(Index_Of(item)) > 0);
+  }
+  bool HasContainerColumns(const wxDataViewItem&) const override { return true; }
+
+  wxDataViewItem GetParent(const wxDataViewItem& item) const override {
+    return Has(item) ? Item_Of(tree_.Parent(Index_Of(item))) : wxDataViewItem();
+  }
+
+  unsigned GetChildren(const wxDataViewItem& item, wxDataViewItemArray& children) const override {
+    if (!item.IsOk()) {
+      for (int node = 1; node <= tree_.Upper_Bound(); ++node) {
+        if (tree_.Exists(node) && tree_.Parent(node) == 0) children.Add(Item_Of(node));
+      }
+    } else if (Has(item)) {
+      for (int node = tree_.Child(Index_Of(item)); node != 0; node = tree_.Next(node))
+        children.Add(Item_Of(node));
+    }
+    return static_cast<unsigned>(children.GetCount());
+  }
+
+  void GetValue(wxVariant& value, const wxDataViewItem& item, unsigned) const override {
+    const int node = Index_Of(item);
+    value << (Has(item) ? wxDataViewCheckIconText(To_One_Line(tree_.Text(node)), wxBitmapBundle(),
+                                                  tree_.Checked(node) ? wxCHK_CHECKED : wxCHK_UNCHECKED)
+                        : wxDataViewCheckIconText());
+  }
+
+  // Reached only where the toolkit's own renderer turns a check box; the tree decides what becomes of it.
+  bool SetValue(const wxVariant&, const wxDataViewItem& item, unsigned) override {
+    ticked_(item);
+    return true;
+  }
+
+  bool GetAttr(const wxDataViewItem& item, unsigned, wxDataViewItemAttr& attr) const override {
+    if (!Has(item)) return false;
+    const int node = Index_Of(item);
+    const Colour colour = tree_.Fore_Colour(node);
+    if (!tree_.Bold(node) && colour == 0) return false;
+    attr.SetBold(tree_.Bold(node));
+    if (colour != 0) attr.SetColour(Text_Colour(colour, Theme_Background()));
+    return true;
+  }
+
+ private:
+  bool Has(const wxDataViewItem& item) const { return item.IsOk() && tree_.Exists(Index_Of(item)); }
+
+  TreeView& tree_;
+  Tick_Handler ticked_;
+};
+
+Tree_Binder::Tree_Binder(TreeView& model, wxDataViewCtrl& widget, Repaint_Schedule& schedule)
+    : Control_Binder(model, widget), model_(model), widget_(widget), schedule_(schedule) {
+  const Tick_Handler ticked = [this](const wxDataViewItem& item) { Ticked(Index_Of(item)); };
+  rows_ = wxObjectDataPtr<Folder_Tree_Rows>(new Folder_Tree_Rows(model_, ticked));
+  auto* const column = new wxDataViewColumn(wxString(), New_Check_Text_Renderer(ticked), 0,
+                                            wxCOL_WIDTH_AUTOSIZE, wxALIGN_LEFT, 0);
+  widget_.AppendColumn(column);
+  widget_.SetExpanderColumn(column);
+  widget_.AssociateModel(rows_.get());
+#ifdef __WXGTK__
+  auto* const view = GTK_TREE_VIEW(widget_.GtkGetTreeView());
+  gtk_tree_view_set_search_column(view, 0);
+  gtk_tree_view_set_search_equal_func(
+      view,
+      [](GtkTreeModel*, gint, const gchar* typed, GtkTreeIter* row, gpointer data) -> gboolean {
+        const auto& tree = *static_cast<TreeView*>(data);
+        const int node = Index_Of(wxDataViewItem(row->user_data));
+        // FALSE stands for a match here.
+        return !tree.Exists(node) || !Upper_Case(tree.Text(node)).starts_with(Upper_Case(typed));
+      },
+      &model_, nullptr);
+#endif
+
+  widget_.Bind(wxEVT_DATAVIEW_SELECTION_CHANGED,
+               [this](wxDataViewEvent& event) { Selection_Moved(Index_Of(event.GetItem())); });
+  widget_.Bind(wxEVT_DATAVIEW_ITEM_EXPANDED,
+               [this](wxDataViewEvent& event) { Expansion_Turned(Index_Of(event.GetItem()), true); });
+  widget_.Bind(wxEVT_DATAVIEW_ITEM_COLLAPSED,
+               [this](wxDataViewEvent& event) { Expansion_Turned(Index_Of(event.GetItem()), false); });
+  widget_.Bind(wxEVT_DATAVIEW_ITEM_ACTIVATED, [this](wxDataViewEvent& event) {
+    if (const int node = Index_Of(event.GetItem()); model_.Exists(node))
+      model_.Set_Expanded(node, !model_.Expanded(node));
+  });
+  wxWindow& area = *widget_.GetMainWindow();
+  area.Bind(wxEVT_LEFT_DOWN, [this](wxMouseEvent& event) {
+    press_told_ = false;
+    event.Skip();
+  });
+  area.Bind(wxEVT_LEFT_UP, &Tree_Binder::Mouse_Released, this);
+  area.Bind(wxEVT_KEY_DOWN, &Tree_Binder::Key_Pressed, this);
+  area.Bind(wxEVT_KEY_UP, [this](wxKeyEvent& event) {
+    event.Skip();
+    widget_.CallAfter([this] { Raise(model_.KeyUp); });
+  });
+  model_.observer = this;
+  Show();
+  schedule_.Mark(*this);
+}
+
+Tree_Binder::~Tree_Binder() {
+  model_.observer = nullptr;
+  schedule_.Forget(*this);
+}
+
+void Tree_Binder::Show_Model() {
+  if (model_.Visible()) schedule_.Mark(*this);
+}
+
+// --- What the program does to the model -----------------------------------------------------------------
+
+void Tree_Binder::Node_Added(int) {
+  stale_ = true;
+  schedule_.Mark(*this);
+}
+void Tree_Binder::Node_Removed(int) {
+  stale_ = true;
+  schedule_.Mark(*this);
+}
+void Tree_Binder::Cleared() {
+  stale_ = true;
+  visible_due_ = 0;
+  schedule_.Mark(*this);
+}
+
+void Tree_Binder::Node_Changed(int index) {
+  if (changed_nodes_.size() <= most_single_changes) changed_nodes_.push_back(index);
+  schedule_.Mark(*this);
+}
+
+void Tree_Binder::Selection_Changed(int) {
+  selection_due_ = true;
+  schedule_.Mark(*this);
+}
+
+void Tree_Binder::Made_Visible(int index) {
+  visible_due_ = index;
+  schedule_.Mark(*this);
+}
+
+void Tree_Binder::Catch_Up() {
+  if (!model_.Visible()) return;
+  const bool many = changed_nodes_.size() > most_single_changes;
+  From_Program([&] {
+    if (stale_ || many) {
+      Rebuild();
+    } else {
+      Show_Changed_Nodes();
+    }
+    changed_nodes_.clear();
+    if (std::exchange(selection_due_, false)) Show_Selection();
+    if (const int node = std::exchange(visible_due_, 0); node != 0 && model_.Exists(node) && In_View(node))
+      widget_.EnsureVisible(Item_Of(node));
+  });
+}
+
+void Tree_Binder::Show_Selection() {
+  const int selected = model_.Selected_Item();
+  if (selected == 0) {
+    widget_.UnselectAll();
+  } else if (In_View(selected) && widget_.GetSelection() != Item_Of(selected)) {
+    widget_.SetCurrentItem(Item_Of(selected));
+  }
+}
+
+void Tree_Binder::Rebuild() {
+  stale_ = false;
+#ifdef __WXGTK__
+  GtkAdjustment* const scroll = gtk_scrollable_get_vadjustment(GTK_SCROLLABLE(widget_.GtkGetTreeView()));
+  const double position = gtk_adjustment_get_value(scroll);
+#endif
+  rows_->Cleared();
+  for (int node = 1; node <= model_.Upper_Bound(); ++node) {
+    if (model_.Exists(node) && model_.Parent(node) == 0) Expand_Like_Model(node);
+  }
+  selection_due_ = true;
+#ifdef __WXGTK__
+  gtk_adjustment_set_value(scroll, position);
+#endif
+}
+
+void Tree_Binder::Show_Changed_Nodes() {
+  std::sort(changed_nodes_.begin(), changed_nodes_.end());
+  changed_nodes_.erase(std::unique(changed_nodes_.begin(), changed_nodes_.end()), changed_nodes_.end());
+  for (const int node : changed_nodes_) {
+    // The widget has no row for what lies in a closed branch, and asks for it when the branch is opened.
+    if (!model_.Exists(node) || !In_View(node)) continue;
+    const wxDataViewItem item = Item_Of(node);
+    if (widget_.IsExpanded(item) != model_.Expanded(node)) {
+      if (model_.Expanded(node)) {
+        Expand_Like_Model(node);
+      } else {
+        widget_.Collapse(item);
+      }
+    }
+    rows_->ItemChanged(item);
+  }
+}
+
+// Opens a node that is in view, and what is open below it; without recursion, for trees may be very deep.
+void Tree_Binder::Expand_Like_Model(int index) {
+  std::vector<int> open{index};
+  while (!open.empty()) {
+    const int node = open.back();
+    open.pop_back();
+    if (!model_.Expanded(node) || model_.Children(node) == 0) continue;
+    widget_.Expand(Item_Of(node));
+    for (int child = model_.Child(node); child != 0; child = model_.Next(child)) open.push_back(child);
+  }
+}
+
+bool Tree_Binder::In_View(int index) const {
+  for (int above = model_.Parent(index); above != 0; above = model_.Parent(above)) {
+    if (!model_.Expanded(above)) return false;
+  }
+  return true;
+}
+
+// --- What the user does to the widget -------------------------------------------------------------------
+
+void Tree_Binder::Ticked(int index) {
+  From_User([&] {
+    if (!model_.Enabled() || !model_.Exists(index)) return;
+    press_told_ = true;
+    model_.Tick(index, !model_.Checked(index));
+  });
+}
+
+void Tree_Binder::Selection_Moved(int index) {
+  From_User([&] {
+    if (!model_.Exists(index)) return;
+    press_told_ = true;
+    model_.Click_Node(index);
+  });
+}
+
+void Tree_Binder::Expansion_Turned(int index, bool expanded) {
+  From_User([&] {
+    press_told_ = true;
+    if (!model_.Exists(index)) return;
+    model_.Set_Expanded(index, expanded);
+    if (expanded) changed_nodes_.push_back(index);
+    // The widget forgets what was open inside a branch that is closed.
+    for (int child = model_.Child(index); expanded && child != 0; child = model_.Next(child))
+      changed_nodes_.push_back(child);
+    schedule_.Mark(*this);
+  });
+}
+
+void Tree_Binder::Mouse_Released(wxMouseEvent& event) {
+  event.Skip();
+  wxDataViewItem item;
+  wxDataViewColumn* column = nullptr;
+  widget_.HitTest(event.GetPosition(), item, column);
+  const int node = Index_Of(item);
+  // The toolkit turns a check box only after this event.
+  widget_.CallAfter([this, node] {
+    if (!press_told_ && node != 0 && node == model_.Selected_Item()) model_.Click_Node(node);
+    Raise(model_.MouseUp);
+  });
+}
+
+void Tree_Binder::Key_Pressed(wxKeyEvent& event) {
+  const int node = model_.Selected_Item();
+  if (node == 0 || event.HasAnyModifiers() || !model_.Enabled()) return event.Skip();
+  switch (event.GetKeyCode()) {
+    case WXK_SPACE:
+      return event.IsAutoRepeat() ? void() : Ticked(node);
+    case WXK_RIGHT:
+      return Move_Sideways(node, true);
+    case WXK_LEFT:
+      return Move_Sideways(node, false);
+    default:
+      return event.Skip();
+  }
+}
+
+// Right opens a branch, then steps into it; left closes it, then steps out.
+void Tree_Binder::Move_Sideways(int index, bool in) {
+  if (model_.Children(index) > 0 && model_.Expanded(index) != in) {
+    model_.Set_Expanded(index, in);
+  } else if (const int target = in ? model_.Child(index) : model_.Parent(index); target != 0) {
+    model_.Click_Node(target);
+    model_.Ensure_Visible(target);
+  }
+}
+
+}  // namespace tidyfold

@@ -1,0 +1,60 @@
+// The folder tree: a native tree with check boxes over the model's nodes.
+#pragma once
+
+#include <wx/dataview.h>
+
+#include <vector>
+
+#include "controls/tree_view.h"
+#include "desktop/control_binder.h"
+#include "desktop/repaint_schedule.h"
+
+namespace tidyfold {
+
+class Folder_Tree_Rows;
+
+class Tree_Binder : public Control_Binder, public Late_Widget, private TreeView_Observer {
+ public:
+  Tree_Binder(TreeView& model, wxDataViewCtrl& widget, Repaint_Schedule& schedule);
+  ~Tree_Binder() override;
+
+  void Catch_Up() override;
+
+ private:
+  void Show_Model() override;
+
+  void Node_Added(int index) override;
+  void Node_Changed(int index) override;
+  void Node_Removed(int index) override;
+  void Cleared() override;
+  void Selection_Changed(int index) override;
+  void Made_Visible(int index) override;
+
+  void Rebuild();
+  void Show_Changed_Nodes();
+  void Show_Selection();
+  void Expand_Like_Model(int index);
+  bool In_View(int index) const;
+
+  void Ticked(int index);
+  void Selection_Moved(int index);
+  void Expansion_Turned(int index, bool expanded);
+  void Mouse_Released(wxMouseEvent& event);
+  void Key_Pressed(wxKeyEvent& event);
+  void Move_Sideways(int index, bool in);
+
+  TreeView& model_;
+  wxDataViewCtrl& widget_;
+  Repaint_Schedule& schedule_;
+  wxObjectDataPtr<Folder_Tree_Rows> rows_;
+
+  // What the widget has not been told yet.
+  bool stale_ = true;
+  std::vector<int> changed_nodes_;
+  bool selection_due_ = false;
+  int visible_due_ = 0;
+  // The press under way has already raised an event of the model, or turned a branch.
+  bool press_told_ = false;
+};
+
+}  // namespace tidyfold

@@ -1,0 +1,62 @@
+#include "desktop/welcome_dialog.h"
+
+#include <wx/button.h>
+#include <wx/commandlinkbutton.h>
+#include <wx/sizer.h>
+#include <wx/statbmp.h>
+#include <wx/stattext.h>
+
+#include <functional>
+
+#include "controls/interaction.h"
+#include "desktop/application_icon.h"
+#include "desktop/store_files.h"
+
+namespace tidyfold {
+
+Welcome_Dialog::Welcome_Dialog(Store_Files& files)
+    : wxDialog(nullptr, wxID_ANY, application_title, wxDefaultPosition, wxDefaultSize,
+               wxDEFAULT_DIALOG_STYLE) {
+  SetName("frmWelcome");
+  SetIcons(Application_Icons());
+  const int gap = FromDIP(12);
+
+  auto* const heading = new wxStaticText(this, wxID_ANY, "Clear out a mail and calendar store");
+  heading->SetFont(heading->GetFont().Bold().Scaled(1.3f));
+  auto* const words = new wxStaticText(
+      this, wxID_ANY, "Tick folders, narrow down what they hold, look at it, and remove exactly that.");
+  auto* const titles = new wxBoxSizer(wxVERTICAL);
+  titles->Add(heading, wxSizerFlags().Border(wxBOTTOM, gap / 2));
+  titles->Add(words);
+  auto* const top = new wxBoxSizer(wxHORIZONTAL);
+  top->Add(new wxStaticBitmap(this, wxID_ANY, Application_Picture(FromDIP(wxSize(64, 64)))),
+           wxSizerFlags().CentreVertical().Border(wxRIGHT, gap * 3 / 2));
+  top->Add(titles, wxSizerFlags(1).CentreVertical());
+
+  auto* const column = new wxBoxSizer(wxVERTICAL);
+  column->Add(top, wxSizerFlags().Expand().Border(wxALL, gap * 2));
+  const auto offer = [&](const wxString& name, const wxString& label, const wxString& note,
+                         std::function<bool()> command) {
+    auto* const button = new wxCommandLinkButton(this, wxID_ANY, label, note);
+    button->SetName(name);
+    button->Bind(wxEVT_BUTTON, [this, command](wxCommandEvent&) {
+      if (command()) EndModal(wxID_OK);
+    });
+    column->Add(button, wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM, gap));
+  };
+  offer("cmdSample", "Try a &sample store",
+        "A store of invented mail, appointments and contacts to try everything on.",
+        [this, &files] { return files.Make_Sample_Store(this); });
+  offer("cmdOpenStore", "&Open a store", "One that Tidyfold has made before.",
+        [this, &files] { return files.Ask_And_Open(this); });
+  offer("cmdImport", "&Import mail files", "PST, OST, PAB, mbox or EML files; they go into a new store.",
+        [this, &files] { return files.Import_Files(this); });
+  offer("cmdImportMaildir", "Import a &Maildir folder", "It goes into a new store.",
+        [this, &files] { return files.Import_Maildir(this); });
+  auto* const quit = new wxButton(this, wxID_CANCEL, "&Quit");
+  column->Add(quit, wxSizerFlags().Right().Border(wxALL, gap));
+  SetSizerAndFit(column);
+  Centre();
+}
+
+}  // namespace tidyfold

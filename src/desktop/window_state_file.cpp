@@ -1,0 +1,120 @@
+#include "desktop/window_state_file.h"
+
+#include <wx/dataview.h>
+#include <wx/grid.h>
+#include <wx/utils.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+#include "desktop/text_conversion.h"
+
+namespace tidyfold {
+
+namespace {
+
+constexpr int pace = 30;       // milliseconds
+constexpr int most_rows = 40;  // of the grid
+
+using nlohmann::json;
+
+json Rectangle(const wxWindow& window, const wxRect& inside) {
+  const wxPoint corner = window.ClientToScreen(inside.GetPosition());
+  return {corner.x, corner.y, inside.width, inside.height};
+}
+
+void Describe_Widgets(const wxWindow& window, json& widgets) {
+  for (const wxWindow* const child : window.GetChildren()) {
+    if (!child->IsShownOnScreen()) continue;
+    widgets[From_Wx(child->GetName())] = {{"rectangle", Rectangle(*child, child->GetClientRect())},
+                                          {"enabled", child->IsEnabled()},
+                                          {"label", From_Wx(child->GetLabel())}};
+    Describe_Widgets(*child, widgets);
+  }
+}
+
+json Describe_Tree(const TreeView& tree, const wxDataViewCtrl& widget) {
+  json nodes = json::array();
+  for (int node = 1; node <= tree.Upper_Bound(); ++node) {
+    if (!tree.Exists(node)) continue;
+    bool in_view = true;
+    for (int above = tree.Parent(node); above != 0; above = tree.Parent(above))
+      in_view &= tree.Expanded(above);
+    if (!in_view) continue;
+    const wxDataViewItem item(reinterpret_cast<void*>(static_cast<std::intptr_t>(node)));
+    nodes.push_back({{"text", tree.Text(node)},
+                     {"checked", tree.Checked(node)},
+                     {"bold", tree.Bold(node)},
+                     {"rectangle", Rectangle(widget, widget.GetItemRect(item, widget.GetColumn(0)))}});
+  }
+  return nodes;
+}
+
+json Describe_Grid(const FlexGrid& grid, const wxGrid& widget) {
+  json rows = json::array();
+  for (int row = 1; row < std::min(grid.Rows(), most_rows + 1) && row <= widget.GetNumberRows(); ++row) {
+    json texts = json::array();
+    for (int column = 0; column < grid.Cols(); ++column) texts.push_back(grid.TextMatrix(row, column));
+    rows.push_back(
+        {{"texts", texts}, {"rectangle", Rectangle(*widget.GetGridWindow(), widget.CellToRect(row - 1, 0))}});
+  }
+  return rows;
+}
+
+}  // namespace
+
+std::unique_ptr<Window_State_File> Window_State_File::If_Asked_For(wxFrame& frame, MainWindow& window) {
+  wxString path;
+  if (!wxGetEnv("TIDYFOLD_WINDOW_STATE", &path) || path.empty()) return nullptr;
+  return std::make_unique<Window_State_File>(frame, window, From_Wx(path));
+}
+
+Window_State_File::Window_State_File(wxFrame& frame, MainWindow& window, std::string path)
+    : frame_(frame), window_(window), path_(std::move(path)) {
+  timer_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { Write(); });
+  timer_.Start(pace);
+}
+
+void Window_State_File::Box_Opened(const std::string& text) {
+  boxes_.push_back(text);
+}
+
+void Window_State_File::Box_Closed() {
+  boxes_.pop_back();
+}
+
+std::string Window_State_File::Describe() const {
+  json state;
+  state["shown"] = frame_.IsShown();
+  state["title"] = From_Wx(frame_.GetTitle());
+  state["boxes"] = boxes_;
+  json widgets = json::object();
+  Describe_Widgets(frame_, widgets);
+  state["widgets"] = std::move(widgets);
+  json panels = json::array();
+  for (int panel = 1; panel <= StatusBar::panel_count; ++panel)
+    panels.push_back(window_.sbStatusBar.Panel_Text(panel));
+  state["panels"] = std::move(panels);
+  if (const auto* const tree =
+          dynamic_cast<wxDataViewCtrl*>(wxWindow::FindWindowByName("trvFolders", &frame_)))
+    state["tree"] = Describe_Tree(window_.trvFolders, *tree);
+  state["rows"] = window_.grdItems.Rows() - 1;
+  if (const auto* const grid = dynamic_cast<wxGrid*>(wxWindow::FindWindowByName("grdItems", &frame_)))
+    state["grid"] = Describe_Grid(window_.grdItems, *grid);
+  return state.dump(1, ' ', false, json::error_handler_t::replace);
+}
+
+void Window_State_File::Write() {
+  std::string state = Describe();
+  if (state == written_) return;
+  const std::filesystem::path draft = path_ + ".new";
+  std::ofstream(draft, std::ios::binary) << state;
+  std::error_code ignored;
+  std::filesystem::rename(draft, path_, ignored);
+  if (!ignored) written_ = std::move(state);
+}
+
+}  // namespace tidyfold
