@@ -6,6 +6,7 @@
 #include "cache/item_dates.h"
 #include "cache/item_filters.h"
 #include "controls/text.h"
+#include "errors/automation_error.h"
 
 namespace tidyfold {
 
@@ -47,7 +48,7 @@ void Item_Cache::Cache_Folder_Items() {
   if (std::exchange(running_, true)) return;
   errors_.Run("Cache_Folder_Items", [&] {
     StopCaching = InterruptCaching = AllFoldersCached = LoadFailed = false;
-    item_failure_reported_ = false;
+    item_failure_reported_ = folder_failure_reported_ = false;
     for (int index = 1; index <= records_.Upper_Bound(); ++index) records_[index].LoadError = false;
     // Mail is shown without its sender where the companion is missing.
     errors_.Run("Cache_Folder_Items - Create Companion", [&] { mapi_utils_ = session_.Create_Mapi_Utils(); });
@@ -87,9 +88,11 @@ bool Item_Cache::Load_Next_Folders() {
   }
   bool found = false;
   for (int node = 1; node <= tree_.Upper_Bound(); ++node) {
-    if (!tree_.Exists(node) || Check_Cache_Status(folder_tree_.Get_Node_Index(node), node)) continue;
+    const int folder = folder_tree_.Get_Node_Index(node);
+    if (folder == 0 || Check_Cache_Status(folder, node)) continue;
     found = true;
-    if (!Cache_Selected_Folder(folder_tree_.Get_Node_Index(node), node)) break;
+    // A folder that cannot be read holds up no other.
+    if (!Cache_Selected_Folder(folder, node) && !records_[folder].LoadError) break;
     events_.Do_Events();
     if (StopCaching || InterruptCaching) break;
   }
@@ -115,29 +118,37 @@ bool Item_Cache::All_Folders_Cached() {
   });
 }
 
+// Part of reading a folder. One that fails is left alone until the next loading run; the first failure is
+// reported for all. False after a failure that was not.
+template <class Work>
+bool Item_Cache::Attempt(int folder, Work&& work) {
+  return errors_.Report_First(folder_failure_reported_, [&] {
+    try {
+      work();
+    } catch (...) {
+      records_[folder].LoadError = true;
+      throw;
+    }
+  });
+}
+
 bool Item_Cache::Check_Cache_Status(int folder, int node) {
   return errors_.Run("Check_Cache_Status", [&] {
     FolderData& record = records_[folder];
     if (record.Loaded || record.LoadError) return true;
     bool loaded = true;
-    if (record.Folder != nullptr) {
-      try {
-        const std::int32_t count = record.Folder->Items()->Count();
-        if (count > 0 && record.CachedCount == 0) {
-          record.ItemCache.assign(static_cast<std::size_t>(count), ItemData{});
-          loaded = false;
-        } else {
-          loaded = record.CachedCount == count;
-        }
-      } catch (...) {
-        record.LoadError = true;
-        throw;
+    const bool answered = Attempt(folder, [&] {
+      if (record.Folder == nullptr) return;
+      const Items_Ptr items = record.Folder->Items();
+      const std::int32_t count = items->Count();
+      if (count > 0 && record.CachedCount == 0) {
+        record.ItemCache.assign(static_cast<std::size_t>(count), ItemData{});
+        loaded = false;
+      } else {
+        loaded = record.CachedCount == count && Has_Its_Place(*items, folder, count);
       }
-    }
-    if (loaded) {
-      record.Loaded = true;
-      tree_.Set_Fore_Colour(node, loaded_colour);
-    }
+    });
+    if (answered && loaded) Finish_Folder(folder, node);
     return loaded;
   });
 }
@@ -145,60 +156,59 @@ bool Item_Cache::Check_Cache_Status(int folder, int node) {
 bool Item_Cache::Cache_Selected_Folder(int folder, int node) {
   return errors_.Run("Cache_Selected_Folder", [&](Procedure& procedure) {
     if (records_[folder].LoadError) return false;
-    const MAPIFolder_Ptr object = records_[folder].Folder;
-    try {
+    bool finished = false;
+    Attempt(folder, [&] {
+      const MAPIFolder_Ptr object = records_[folder].Folder;
       const std::string name = object->Name();
       procedure.Step("Cache_Selected_Folder - " + name);
       Display_Cache_Status(name, records_[folder].CachedCount);
-      if (InterruptCaching) return false;
+      if (InterruptCaching || records_[folder].Folder == nullptr) return;
       const Items_Ptr items = object->Items();
-      std::int32_t count = items->Count();
-      if (!Positions_Agree(*items, folder)) Read_Again(folder, count);
-      for (int reading = 1;; ++reading) {
-        if (!Read_Items(*items, count, name, folder, node)) return false;
-        const std::int32_t count_now = items->Count();
-        if (count_now == count || reading == most_readings) break;
-        // The folder changed while it was read: what came last is read too; after a loss all is read afresh.
-        count = count_now;
-        if (!Positions_Agree(*items, folder)) Read_Again(folder, count);
+      for (int reading = 1; reading <= most_readings; ++reading) {
+        if (!Read_Items(*items, name, folder, node)) return;
+        // What has arrived since reading began is read too.
+        if (items->Count() == records_[folder].CachedCount) break;
       }
-      FolderData& record = records_[folder];
-      record.ItemCache.resize(static_cast<std::size_t>(record.CachedCount));
-      window_.grdItems.Set_Redraw(false);
-      Add_100_New_Rows(folder);
-      // The rows came in the order of the folder; now that all are there they stand where they belong.
-      if (In_View(folder)) Set_Grid_Order();
-      window_.grdItems.Set_Redraw(true);
-      records_[folder].Loaded = true;
-      tree_.Set_Fore_Colour(node, loaded_colour);
-      return true;
-    } catch (...) {
-      // Trying again at once would fail again; the next loading run does.
-      records_[folder].LoadError = true;
-      throw;
-    }
+      Finish_Folder(folder, node);
+      finished = true;
+    });
+    return finished;
   });
 }
 
-// False when loading was broken off; then everything read so far counts, and reading goes on from there.
-bool Item_Cache::Read_Items(Items& items, std::int32_t count, const std::string& name, int folder, int node) {
-  for (std::int32_t i = records_[folder].CachedCount + 1; i <= count; ++i) {
+// Reads as many items as the folder holds when reading begins. False when loading was broken off; then
+// everything read so far counts, and reading goes on from there.
+bool Item_Cache::Read_Items(Items& items, const std::string& name, int folder, int node) {
+  std::int32_t end = items.Count(), count = end;
+  Keep_What_Has_Its_Place(items, folder);
+  std::int64_t reads_left = std::int64_t{most_readings} * (end + batch);
+  while (records_[folder].CachedCount < end) {
+    if (const std::int32_t now = items.Count(); now != count) {
+      // Another program has added something or taken something away.
+      count = now;
+      end = std::min(end, now);
+      Keep_What_Has_Its_Place(items, folder);
+      continue;
+    }
+    if (--reads_left < 0) {
+      throw Automation_Error(automation_error::busy, "The folder changes faster than it can be read.",
+                             application_title);
+    }
+    const std::int32_t i = records_[folder].CachedCount + 1;
     if (i > records_[folder].Cache_Bound()) {
       records_[folder].ItemCache.resize(static_cast<std::size_t>(i));
       folder_tree_.Set_Node_Text(node);
     }
     const bool read = Cache_Current_Item(items, i, folder);
+    // The report of a failure lets handlers run, and they may have done something to the folder.
+    if (records_[folder].Folder == nullptr || records_[folder].CachedCount != i - 1) return false;
+    if (!read && items.Count() != count) continue;
     records_[folder].CachedCount = i;
-    if (read) {
-      events_.Do_Events();
-      if (Broken_Off(folder, i)) return false;
-      const int selected = tree_.Selected_Item();
-      if (selected != LastSelectedNode) {
-        LastSelectedNode = selected;
-        if (selected != 0 && !records_[folder_tree_.Get_Node_Index(selected)].Loaded) return false;
-      }
-    } else if (items.Count() < i) {
-      break;
+    if (read) events_.Do_Events();
+    if (Broken_Off(folder, i)) return false;
+    if (const int selected = tree_.Selected_Item(); read && selected != LastSelectedNode) {
+      LastSelectedNode = selected;
+      if (selected != 0 && !records_[folder_tree_.Get_Node_Index(selected)].Loaded) return false;
     }
     if (i % batch == 0) {
       window_.grdItems.Set_Redraw(false);
@@ -216,49 +226,63 @@ bool Item_Cache::Broken_Off(int folder, std::int32_t item) {
   return InterruptCaching || records_[folder].Folder == nullptr || records_[folder].CachedCount != item;
 }
 
-// Whether the last item read still has the place in the folder that it had.
-bool Item_Cache::Positions_Agree(Items& items, int folder) {
-  const FolderData& record = records_[folder];
-  if (record.CachedCount == 0) return true;
-  if (record.CachedCount > items.Count()) return false;
-  const std::string& known = record.Cached(record.CachedCount).EntryID;
-  return known.empty() || items.Item(record.CachedCount)->EntryID() == known;
+// Whether a cached item still stands where it was read; 0 stands for the folder's beginning.
+bool Item_Cache::Has_Its_Place(Items& items, int folder, std::int32_t item) {
+  if (item == 0) return true;
+  const std::string& known = records_[folder].Cached(item).EntryID;
+  bool same = false;
+  errors_.Try([&] { same = !known.empty() && items.Item(item)->EntryID() == known; });
+  return same;
 }
 
-void Item_Cache::Read_Again(int folder, std::int32_t count) {
+// Everything in front of what came or went has kept its place; the rest is to be read again.
+void Item_Cache::Keep_What_Has_Its_Place(Items& items, int folder) {
+  const std::int32_t cached = records_[folder].CachedCount, count = items.Count();
+  if (cached <= count && Has_Its_Place(items, folder, cached)) return;
+  std::int32_t kept = 0, moved = std::min(cached, count + 1);
+  while (moved - kept > 1) {
+    const std::int32_t middle = kept + (moved - kept) / 2;
+    (Has_Its_Place(items, folder, middle) ? kept : moved) = middle;
+  }
   Remove_Folder_Rows(folder);
   FolderData& record = records_[folder];
-  record.CachedCount = 0;
+  record.CachedCount = kept;
   record.RowCount = 0;
   record.Passing = {};
-  record.ItemCache.assign(static_cast<std::size_t>(count), ItemData{});
+}
+
+void Item_Cache::Finish_Folder(int folder, int node) {
+  FolderData& record = records_[folder];
+  record.ItemCache.resize(static_cast<std::size_t>(record.CachedCount));
+  record.Loaded = true;
+  tree_.Set_Fore_Colour(node, loaded_colour);
+  if (record.CachedCount == 0) return;
+  window_.grdItems.Set_Redraw(false);
+  Add_100_New_Rows(folder);
+  // The rows came in the order of the folder; now that all are there they stand where they belong.
+  if (In_View(folder)) Set_Grid_Order();
+  window_.grdItems.Set_Redraw(true);
 }
 
 bool Item_Cache::Cache_Current_Item(Items& items, std::int32_t item, int folder) {
   return errors_.Run("Cache_Current_Item", [&] {
-    try {
+    return errors_.Report_First(item_failure_reported_, [&] {
       const Item_Ptr object = items.Item(item);
       ItemData& data = records_[folder].Cached(item);
+      data = ItemData{};
       data.ItemClass = object->Class();
       data.Subject = object->Subject();
       data.ItemDate = Get_Item_Date(*object, data.ItemClass);
       data.Unread = Check_Unread(*object, errors_);
       data.EntryID = object->EntryID();
       data.Size = object->Size();
-      if (data.ItemClass == item_class::mail) {
-        if (mapi_utils_ != nullptr) {
-          const std::shared_ptr<Mapi_Object> mapi_object = object->MAPIOBJECT();
-          data.SenderOrText = mapi_utils_->HrGetOneProp(*mapi_object, sender_name_tag);
-        }
-      } else {
+      if (data.ItemClass != item_class::mail) {
         data.SenderOrText = object->Body(text_characters);
+      } else if (mapi_utils_ != nullptr) {
+        const std::shared_ptr<Mapi_Object> mapi_object = object->MAPIOBJECT();
+        data.SenderOrText = mapi_utils_->HrGetOneProp(*mapi_object, sender_name_tag);
       }
-    } catch (...) {
-      // A store that fails for one item often fails for thousands: the first is reported for all.
-      if (std::exchange(item_failure_reported_, true)) return false;
-      throw;
-    }
-    return true;
+    });
   });
 }
 

@@ -18,8 +18,8 @@ class Item_Cache {
   Item_Cache(MainWindow& window, FolderData_Array& records, Folder_Tree& folder_tree,
              Outlook_Session& session, Message_Box& message_box, Events& events, Error_Handler& errors);
 
-  // Loads what is not loaded: the selected folder first, then marked ones, then all others. Called while it
-  // runs already, it makes the running one look again at what comes next.
+  // Loads what is not loaded: the selected folder first, then marked ones, then all others. Does nothing
+  // while it runs already.
   void Cache_Folder_Items();
   // The first node, in the order of the tree's collection, that is marked and not loaded; 0 if there is none.
   int Get_Next_Unloaded_Checked_Node();
@@ -52,10 +52,13 @@ class Item_Cache {
 
  private:
   bool Load_Next_Folders();
-  bool Read_Items(Items& items, std::int32_t count, const std::string& name, int folder, int node);
+  template <class Work>
+  bool Attempt(int folder, Work&& work);
+  bool Read_Items(Items& items, const std::string& name, int folder, int node);
   bool Broken_Off(int folder, std::int32_t item);
-  bool Positions_Agree(Items& items, int folder);
-  void Read_Again(int folder, std::int32_t count);
+  bool Has_Its_Place(Items& items, int folder, std::int32_t item);
+  void Keep_What_Has_Its_Place(Items& items, int folder);
+  void Finish_Folder(int folder, int node);
   void Show_Progress();
 
   MainWindow& window_;
@@ -70,6 +73,7 @@ class Item_Cache {
   std::int64_t items_to_read_ = 0;
   bool running_ = false;
   bool item_failure_reported_ = false;
+  bool folder_failure_reported_ = false;
 };
 
 }  // namespace tidyfold

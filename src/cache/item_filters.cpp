@@ -27,7 +27,7 @@ bool Check_Unread(Item& item, Error_Handler& errors) {
 bool Item_Filters::Check_Filtered_Record(int node, int folder, std::int32_t item) {
   return errors_.Run("Check_Filtered_Record", [&] {
     const FolderData& record = records_[folder];
-    if (item > record.Cache_Bound()) return false;
+    if (item < 1 || item > record.Cache_Bound()) return false;
     const ItemData& data = record.Cached(item);
     if (data.ItemClass <= 0 || data.EntryID.empty()) return false;
     const bool passes = Check_Item(data.ItemClass, data.ItemDate, data.Subject, data.Unread);
@@ -75,18 +75,32 @@ Filter_State Item_Filters::State() const {
   state.by_date = w.chkSelectDate.Checked();
   state.by_subject = w.chkSelectSubject.Checked();
   state.unread_too = w.chkSelectUnread.Checked();
-  state.match_case = w.chkMatchCase.Checked();
-  state.match_word = w.chkMatchWord.Checked();
-  for (std::size_t i = 0; i < state.types.size(); ++i) state.types[i] = w.chkType[i].box.Checked();
-  state.cutoff = w.dtpCutoffDate.Value();
-  state.subject = w.txtSelectSubject.Text();
+  state.match_case = state.by_subject && w.chkMatchCase.Checked();
+  state.match_word = state.by_subject && w.chkMatchWord.Checked();
+  if (state.by_type)
+    for (std::size_t i = 0; i < state.types.size(); ++i) state.types[i] = w.chkType[i].box.Checked();
+  if (state.by_date) state.cutoff = w.dtpCutoffDate.Value();
+  if (state.by_subject) state.subject = w.txtSelectSubject.Text();
   return state;
+}
+
+void Item_Filters::Apply() {
+  applied_ = State();
+  Change_Filtered_Rows();
 }
 
 void Item_Filters::Filter_Changed() {
   window_.grdItems.Set_Redraw(false);
-  Change_Filtered_Rows();
+  Apply();
   Enable_Command_Buttons();
+  window_.grdItems.Set_Redraw(true);
+}
+
+// A box that merely loses the focus must not touch the rows: their marks may have been set by hand.
+void Item_Filters::Focus_Lost() {
+  if (State() == applied_) return;
+  window_.grdItems.Set_Redraw(false);
+  Apply();
   window_.grdItems.Set_Redraw(true);
 }
 
@@ -102,16 +116,14 @@ void Item_Filters::Wire() {
       if (key_code == enter_key) Filter_Changed();
     });
   };
-  window_.dtpCutoffDate.Validate = [this] {
-    errors_.Run("dtpCutoffDate_Validate", [&] { Change_Filtered_Rows(); });
-  };
+  window_.dtpCutoffDate.Validate = [this] { errors_.Run("dtpCutoffDate_Validate", [&] { Focus_Lost(); }); };
   window_.txtSelectSubject.KeyPress = [this](int key_code) {
     errors_.Run("txtSelectSubject_KeyPress", [&] {
       if (key_code == enter_key) Filter_Changed();
     });
   };
   window_.txtSelectSubject.Validate = [this] {
-    errors_.Run("txtSelectSubject_Validate", [&] { Change_Filtered_Rows(); });
+    errors_.Run("txtSelectSubject_Validate", [&] { Focus_Lost(); });
   };
   window_.chkSelectDate.Click = [this] { chkSelectDate_Click(); };
   window_.chkSelectSubject.Click = [this] { chkSelectSubject_Click(); };
@@ -140,7 +152,7 @@ void Item_Filters::chkSelectSubject_Click() {
 void Item_Filters::chkSelectType_Click() {
   errors_.Run("chkSelectType_Click", [&] {
     for (TypeBox& type : window_.chkType) type.box.Set_Enabled(window_.chkSelectType.Checked());
-    Change_Filtered_Rows();
+    Apply();
     Enable_Command_Buttons();
   });
 }

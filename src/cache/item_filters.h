@@ -15,7 +15,7 @@ namespace tidyfold {
 // True when the item is unread; an item that will not say counts as read.
 bool Check_Unread(Item& item, Error_Handler& errors);
 
-// Everything that decides which items pass; two equal states let the same items through.
+// Everything that decides which items pass, and nothing that does not.
 struct Filter_State {
   bool by_type = false, by_date = false, by_subject = false, unread_too = false, match_case = false,
        match_word = false;
@@ -50,7 +50,9 @@ class Item_Filters {
   std::function<void()> Enable_Command_Buttons;
 
  private:
+  void Apply();
   void Filter_Changed();
+  void Focus_Lost();
   void chkSelectDate_Click();
   void chkSelectSubject_Click();
   void chkSelectType_Click();
@@ -58,6 +60,7 @@ class Item_Filters {
   MainWindow& window_;
   FolderData_Array& records_;
   Error_Handler& errors_;
+  Filter_State applied_;
 };
 
 }  // namespace tidyfold

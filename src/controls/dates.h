@@ -1,7 +1,6 @@
 // Dates as day counts: whole days from 1899-12-30 in the proleptic Gregorian calendar.
 #pragma once
 
-#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
@@ -20,14 +19,19 @@ constexpr Date Date_Of(std::chrono::year_month_day day) {
   return static_cast<Date>((std::chrono::sys_days(day) - date_epoch).count());
 }
 
-// "yyyy-mm-dd"; the time of day is dropped. Written by hand because sorting by date asks for it once per row.
+inline constexpr Date first_date = Date_Of(std::chrono::year(0) / std::chrono::January / 1);
+inline constexpr Date date_limit = Date_Of(std::chrono::year(10000) / std::chrono::January / 1);
+
+// "yyyy-mm-dd"; the time of day is dropped. Empty for what is no date of the years 0 to 9999, as a damaged
+// store may hold it. Written by hand because sorting by date asks for it once per row.
 inline std::string Format_Date(Date date) {
+  if (!(date >= first_date && date < date_limit)) return {};
   const std::chrono::year_month_day day(date_epoch + std::chrono::days(static_cast<int>(std::floor(date))));
   std::string text = "0000-00-00";
   const auto write = [&](std::size_t last, unsigned number) {
     for (; number > 0; number /= 10) text[last--] = static_cast<char>('0' + number % 10);
   };
-  write(3, static_cast<unsigned>(std::clamp(static_cast<int>(day.year()), 0, 9999)));
+  write(3, static_cast<unsigned>(static_cast<int>(day.year())));
   write(6, static_cast<unsigned>(day.month()));
   write(9, static_cast<unsigned>(day.day()));
   return text;

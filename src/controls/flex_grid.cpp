@@ -57,6 +57,7 @@ void FlexGrid::Set_Rows(int rows) {
 void FlexGrid::Set_Cols(int columns) {
   headers_.resize(static_cast<std::size_t>(columns));
   widths_.resize(headers_.size());
+  sort_column_ = 0;
   Columns_Changed();
 }
 
@@ -157,6 +158,8 @@ void FlexGrid::Sort(int column, Sort_Mode mode) {
     if (const int order = rest(a).compare(rest(b)); order != 0) return (order < 0) == ascending;
     return a.row < b.row;
   };
+  // Rows are put in order again and again, and mostly they stand in it.
+  if (std::is_sorted(keys.begin(), keys.end(), before)) return Tell();
   std::sort(keys.begin(), keys.end(), before);
   std::vector<GridRow> sorted;
   sorted.reserve(rows_.size());

@@ -49,6 +49,7 @@ class FlexGrid : public Control {
   void Set_Capacity(int rows) { capacity_ = rows; }
 
   int Cols() const { return static_cast<int>(headers_.size()); }
+  // The header's mark goes with the columns that it stood on.
   void Set_Cols(int columns);
   const std::string& Header(int column) const { return headers_.at(static_cast<std::size_t>(column)); }
   void Set_Header(int column, std::string_view text);
@@ -73,6 +74,7 @@ class FlexGrid : public Control {
   void Remove_Rows_If(Predicate&& predicate) {
     const auto removed = std::erase_if(rows_, predicate);
     if (removed == 0) return;
+    if (row_ >= Rows()) row_ = 0;
     Count_Marks();
     Rows_Changed();
   }

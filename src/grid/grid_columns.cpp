@@ -127,6 +127,8 @@ std::string Grid_Columns::Field_Text(const GridRow& row, Grid_Field field) const
   if (field == Grid_Field::Folder) return record.FolderName;
   if (row.item < 1 || row.item > record.Cache_Bound()) return {};
   const ItemData& item = record.Cached(row.item);
+  // While a run goes, the row of an item that it has deleted stands empty.
+  if (item.ItemClass == ItemData::deleted) return {};
   switch (field) {
     case Grid_Field::Type_Name:
       return Type_Name(item.ItemClass);
@@ -143,8 +145,8 @@ std::string_view Grid_Columns::Sort_Text(const GridRow& row, int column, std::st
   const FolderData& record = records_[row.row_data];
   const Grid_Field field = Get_Sort_Field(column);
   if (field == Grid_Field::Folder) return record.FolderName;
-  if (row.item >= 1 && row.item <= record.Cache_Bound()) {
-    const ItemData& item = record.Cached(row.item);
+  if (row.item < 1 || row.item > record.Cache_Bound()) return {};
+  if (const ItemData& item = record.Cached(row.item); item.ItemClass != ItemData::deleted) {
     if (field == Grid_Field::Subject) return item.Subject;
     if (field == Grid_Field::Sender || field == Grid_Field::Entry) return item.SenderOrText;
     if (field == Grid_Field::Type_Name)

@@ -58,15 +58,14 @@ void Grid_Rows::Add_Folder_Rows(int folder, Marker marker) {
         all_kinds ? window_.chkShowUnselectedItems.Checked() : marker == Marker::Unselected;
     // Rows that are picked by hand are not picked by a filter.
     const bool by_hand = window_.chkSelectByRow.Checked();
-    FolderData& record = records_[folder];
-    const std::int32_t first = all_kinds ? record.RowCount + 1 : 1;
-    const std::int32_t last = all_kinds ? record.CachedCount : record.RowCount;
-    if (all_kinds) record.RowCount = record.CachedCount;
+    const std::int32_t given = records_[folder].RowCount, cached = records_[folder].CachedCount;
+    const std::int32_t first = all_kinds ? given + 1 : 1, last = all_kinds ? cached : given;
+    if (all_kinds) records_[folder].RowCount = cached;
     for (std::int32_t item = first; item <= last; ++item) {
-      if (record.Cached(item).ItemClass == ItemData::deleted) continue;
-      const bool selected = !by_hand && filters_.Check_Filtered_Record(folder, folder, item);
+      if (records_[folder].Cached(item).ItemClass == ItemData::deleted) continue;
+      const bool selected = filters_.Check_Filtered_Record(folder, folder, item);
       if (!(selected ? selected_wanted : unselected_wanted)) continue;
-      if (!Add_New_Row(folder, item, selected)) return;
+      if (!Add_New_Row(folder, item, selected && !by_hand)) return;
     }
   });
 }
@@ -199,10 +198,14 @@ void Grid_Rows::Display_Update_Grid_Status(int folder) {
 
 void Grid_Rows::chkShowAllFolders_Click() {
   errors_.Run("chkShowAllFolders_Click", [&] {
-    if (window_.chkSelectByRow.Checked() && !Check_Select_By_Row()) {
+    const bool all_folders = window_.chkShowAllFolders.Checked();
+    // Taking back a refused tick changes nothing.
+    if (all_folders == showing_all_folders_) return;
+    if (all_folders && window_.chkSelectByRow.Checked() && !Check_Select_By_Row()) {
       window_.chkShowAllFolders.Set_Value(0);
       return;
     }
+    showing_all_folders_ = all_folders;
     grid_.Set_Redraw(false);
     columns_.Set_Grid_Columns();
     Remove_All_Rows();

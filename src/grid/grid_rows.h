@@ -80,6 +80,7 @@ class Grid_Rows {
   Selection_Total& total_;
   Message_Box& message_box_;
   Error_Handler& errors_;
+  bool showing_all_folders_ = false;
   bool overflow_reported_ = false;
 };
 

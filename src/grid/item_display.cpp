@@ -25,14 +25,15 @@ void Item_Display::Display_Current_Item() {
     if (row.row_data <= 0 || row.item < 1) return;
     const FolderData& record = records_[row.row_data];
     if (record.Folder == nullptr || row.item > record.Cache_Bound()) return;
+    if (record.Cached(row.item).ItemClass == ItemData::deleted) return;
     // The item that the row shows, though others may have come or gone before it in the folder since it was
-    // read.
-    std::string entry_id = record.Cached(row.item).EntryID;
-    if (entry_id.empty()) entry_id = record.Folder->Items()->Item(row.item)->EntryID();
+    // read. One that could not be read then has no EntryID, and is not looked for by its place.
+    const std::string entry_id = record.Cached(row.item).EntryID;
     const std::string store_id = record.Folder->StoreID();
-    if (Trim(entry_id).empty() || Trim(store_id).empty()) return;
+    if (Trim(store_id).empty()) return;
     Item_Ptr item;
-    errors_.Try([&] { item = session_.name_space->GetItemFromID(entry_id, store_id); });
+    if (!Trim(entry_id).empty())
+      errors_.Try([&] { item = session_.name_space->GetItemFromID(entry_id, store_id); });
     errors_.error.Clear();
     if (item == nullptr) {
       message_box_.Show("Item could not be retrieved", Buttons::OK_Only, Icon::Critical);

@@ -1,6 +1,8 @@
 #include "grid/row_selection.h"
 
 #include <algorithm>
+#include <map>
+#include <utility>
 
 namespace tidyfold {
 
@@ -23,7 +25,7 @@ void Row_Selection::Wire() {
 
 void Row_Selection::chkSelectByRow_Click() {
   errors_.Run("chkSelectByRow_Click", [&] {
-    Anchor = 0;
+    Set_Anchor(0);
     if (window_.chkSelectByRow.Checked()) {
       if (Check_Select_By_Row()) {
         window_.chkShowSelectedItems.Set_Value(1);
@@ -65,6 +67,17 @@ bool Row_Selection::Check_Select_By_Row() {
   });
 }
 
+void Row_Selection::Set_Anchor(int row) {
+  anchor_ = row;
+  if (row >= 1 && row < grid_.Rows()) anchor_row_ = grid_.Row_At(row);
+}
+
+int Row_Selection::Anchor() const {
+  if (anchor_ < 1 || anchor_ >= grid_.Rows()) return 0;
+  const GridRow& at = grid_.Row_At(anchor_);
+  return at.row_data == anchor_row_.row_data && at.item == anchor_row_.item ? anchor_ : 0;
+}
+
 // Items that lie in Deleted Items can only be deleted for good.
 bool Row_Selection::In_Protected_Deleted_Items(const GridRow& row) {
   return !window_.chkPermanentDelete.Checked() && deleted_items_.Is_Deleted_Items_Folder(row.row_data);
@@ -80,12 +93,12 @@ void Row_Selection::grdItems_MouseUp(int button, int shift) {
         message_box_.Show("Cannot select \"Deleted Items\" items unless Permanent Delete is marked");
       } else if (shift == 2) {
         Select_Or_Unselect(row);
-        Anchor = row;
-      } else if (shift == 1 && Anchor >= 1) {
-        Mark_And_Unmark_Selected_Range(std::min(Anchor, row), std::max(Anchor, row));
+        Set_Anchor(row);
+      } else if (const int anchor = Anchor(); shift == 1 && anchor >= 1) {
+        Mark_And_Unmark_Selected_Range(std::min(anchor, row), std::max(anchor, row));
       } else if (shift == 0 || shift == 1) {
         Mark_And_Unmark_Selected_Range(row, row);
-        Anchor = row;
+        Set_Anchor(row);
       }
       Enable_Command_Buttons();
     }
@@ -96,11 +109,15 @@ void Row_Selection::grdItems_MouseUp(int button, int shift) {
 void Row_Selection::Mark_And_Unmark_Selected_Range(int first, int last) {
   errors_.Run("Mark_And_Unmark_Selected_Range", [&] {
     bool told = false;
+    // A folder is asked once, however many rows it has.
+    std::map<std::int32_t, bool> folders;
     for (int row = 1; row < grid_.Rows(); ++row) {
       if (row < first || row > last) {
         grid_.Set_Mark(row, false);
       } else if (!grid_.Row_At(row).marked) {
-        if (!In_Protected_Deleted_Items(grid_.Row_At(row))) {
+        const auto [folder, unknown] = folders.try_emplace(grid_.RowData(row));
+        if (unknown) folder->second = In_Protected_Deleted_Items(grid_.Row_At(row));
+        if (!folder->second) {
           grid_.Set_Mark(row, true);
         } else if (!std::exchange(told, true)) {
           message_box_.Show(

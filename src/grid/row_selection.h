@@ -28,8 +28,10 @@ class Row_Selection {
   // Whether rows may be picked now; a message when they may not.
   bool Check_Select_By_Row();
 
-  // The row of the last plain click or Ctrl-click; below 1: none.
-  int Anchor = 0;
+  // The row of the last plain click or Ctrl-click, from which a Shift-click selects; 0 for none, or when it
+  // shows another item by now.
+  int Anchor() const;
+  void Set_Anchor(int row);
 
   std::function<bool()> Check_Selected_Folders;
   std::function<void()> Enable_Check_Boxes;
@@ -46,6 +48,8 @@ class Row_Selection {
   Grid_Rows& rows_;
   Message_Box& message_box_;
   Error_Handler& errors_;
+  int anchor_ = 0;
+  GridRow anchor_row_;
 };
 
 }  // namespace tidyfold

@@ -1,6 +1,7 @@
 #include "grid/selection_total.h"
 
 #include <cstdio>
+#include <utility>
 
 namespace tidyfold {
 
@@ -33,10 +34,16 @@ void Selection_Total::Count_Marked_Rows() {
   const FlexGrid& grid = window_.grdItems;
   items_ = grid.Marked_Rows();
   if (items_ == 0) return;
+  // Asked for with every batch of items that loads; the rows stay mostly as they are.
+  if (std::exchange(row_version_, grid.Row_Version()) == grid.Row_Version()) {
+    bytes_ = marked_bytes_;
+    return;
+  }
   for (int row = 1; row < grid.Rows(); ++row) {
     const GridRow& at = grid.Row_At(row);
     if (at.marked && at.item >= 1) bytes_ += records_[at.row_data].Cached(at.item).Size;
   }
+  marked_bytes_ = bytes_;
 }
 
 void Selection_Total::Count_Marked_Folders() {

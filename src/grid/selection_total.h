@@ -41,6 +41,8 @@ class Selection_Total {
   Item_Filters& filters_;
   Error_Handler& errors_;
   std::int64_t items_ = 0, bytes_ = 0;
+  std::uint64_t row_version_ = 0;  // of the grid when the sizes of its marked rows were added up
+  std::int64_t marked_bytes_ = 0;
   std::uint32_t filter_version_ = 1;
   Filter_State last_state_;
 };
