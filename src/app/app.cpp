@@ -185,7 +185,7 @@ void App::Parts::Load_Interface() {
 bool App::Parts::Build_Interface() {
   enabling.Enable_All_Controls(false);
   rows.CurrentNodeIndex = 0;
-  selection.Anchor = 0;
+  selection.Set_Anchor(0);
   window.grdItems.Set_Rows(1);
   folder_tree.Build_Folder_Tree();
   if (!window.frmRemoveItems.Loaded()) return false;
