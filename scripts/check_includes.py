@@ -27,8 +27,9 @@ FLOORS = {
 BEHIND = ("stores", "import", "export")
 IN_FRONT = ("desktop", "cli")
 
-# The highest floor that a folder may include, where that is not simply the one below its own.
-CEILINGS = {"help": FLOORS["errors"], **{folder: FLOORS["outlook"] for folder in BEHIND}}
+# The highest floor that a folder may include, where that is not simply the one below its own. Settings stand
+# beside the controls and share their texts and numbers.
+CEILINGS = {"settings": FLOORS["controls"], "help": FLOORS["errors"], **{folder: FLOORS["outlook"] for folder in BEHIND}}
 
 SOURCES = (".h", ".hpp", ".c", ".cpp", ".inc", ".rc")
 INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[ \t]*(?:"([^"\n]*)"|<([^>\n]*)>)', re.MULTILINE)

@@ -23,11 +23,11 @@ constexpr const char* number_type = "REG_DWORD";
 
 const char* Root_Name(Registry_Root root) {
   switch (root) {
-    case Registry_Root::HKEY_CLASSES_ROOT:
+    case Registry_Root::Classes_Root:
       return "HKEY_CLASSES_ROOT";
-    case Registry_Root::HKEY_CURRENT_USER:
+    case Registry_Root::Current_User:
       return "HKEY_CURRENT_USER";
-    case Registry_Root::HKEY_USERS:
+    case Registry_Root::Users:
       return "HKEY_USERS";
     default:
       return "HKEY_LOCAL_MACHINE";

@@ -9,11 +9,12 @@
 
 namespace tidyfold {
 
+// The predefined keys, HKEY_CLASSES_ROOT and so on.
 enum class Registry_Root : std::uint32_t {
-  HKEY_CLASSES_ROOT = 0x80000000,
-  HKEY_CURRENT_USER = 0x80000001,
-  HKEY_LOCAL_MACHINE = 0x80000002,
-  HKEY_USERS = 0x80000003
+  Classes_Root = 0x80000000,
+  Current_User = 0x80000001,
+  Local_Machine = 0x80000002,
+  Users = 0x80000003
 };
 
 // The platform's numbers of the types and results that the program tells apart.

@@ -11,7 +11,7 @@ namespace tidyfold {
 
 namespace {
 
-constexpr Registry_Root settings_root = Registry_Root::HKEY_LOCAL_MACHINE;
+constexpr Registry_Root settings_root = Registry_Root::Local_Machine;
 constexpr const char* settings_key = "Software\\Tidyfold";
 
 struct Setting {
