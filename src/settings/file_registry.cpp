@@ -43,8 +43,9 @@ std::string Key_Path(std::string_view sub_key) {
 
 template <class Object>
 auto Find(Object& object, std::string_view name) {
+  const std::string wanted = Upper_Case(name);
   auto at = object.begin();
-  while (at != object.end() && Compare_Ignoring_Case(at.key(), name) != 0) ++at;
+  while (at != object.end() && Upper_Case(at.key()) != wanted) ++at;
   return at;
 }
 
