@@ -15,25 +15,29 @@ constexpr Twips scroll_bar_width = 270;
 struct Column {
   Grid_Field field;
   const char* header;
-  Twips share;  // of the grid's width, relative to the other columns
+  Twips fixed;  // room that its texts need; 0: the column takes a share of what the others leave
+  Twips share;
 };
 
-constexpr Column all_folders_view[] = {{Grid_Field::Folder, "Folder", 16},
-                                       {Grid_Field::Type_Name, "Type", 14},
-                                       {Grid_Field::Sender, "Sender", 20},
-                                       {Grid_Field::Subject, "Subject", 36},
-                                       {Grid_Field::Item_Date, "Date", 14}};
-constexpr Column mail_view[] = {{Grid_Field::Type_Name, "Type", 15},
-                                {Grid_Field::Sender, "Sender", 25},
-                                {Grid_Field::Subject, "Subject", 45},
-                                {Grid_Field::Item_Date, "Date", 15}};
-constexpr Column journal_view[] = {{Grid_Field::Type_Name, "Type", 17},
-                                   {Grid_Field::Subject, "Subject", 42},
-                                   {Grid_Field::Entry, "Entry", 26},
-                                   {Grid_Field::Item_Date, "Date", 15}};
-constexpr Column other_view[] = {{Grid_Field::Type_Name, "Type", 22},
-                                 {Grid_Field::Subject, "Subject", 62},
-                                 {Grid_Field::Item_Date, "Date", 16}};
+constexpr Twips type_width = 1350;
+constexpr Twips date_width = 1300;
+
+constexpr Column all_folders_view[] = {{Grid_Field::Folder, "Folder", 0, 24},
+                                       {Grid_Field::Type_Name, "Type", type_width, 0},
+                                       {Grid_Field::Sender, "Sender", 0, 28},
+                                       {Grid_Field::Subject, "Subject", 0, 48},
+                                       {Grid_Field::Item_Date, "Date", date_width, 0}};
+constexpr Column mail_view[] = {{Grid_Field::Type_Name, "Type", type_width, 0},
+                                {Grid_Field::Sender, "Sender", 0, 35},
+                                {Grid_Field::Subject, "Subject", 0, 65},
+                                {Grid_Field::Item_Date, "Date", date_width, 0}};
+constexpr Column journal_view[] = {{Grid_Field::Type_Name, "Type", type_width, 0},
+                                   {Grid_Field::Subject, "Subject", 0, 60},
+                                   {Grid_Field::Entry, "Entry", 0, 40},
+                                   {Grid_Field::Item_Date, "Date", date_width, 0}};
+constexpr Column other_view[] = {{Grid_Field::Type_Name, "Type", type_width, 0},
+                                 {Grid_Field::Subject, "Subject", 0, 100},
+                                 {Grid_Field::Item_Date, "Date", date_width, 0}};
 
 std::span<const Column> View(bool all_folders, std::int32_t item_type) {
   if (all_folders) return all_folders_view;
@@ -91,11 +95,14 @@ void Grid_Columns::Set_Column_Widths() {
   errors_.Run("Set_Column_Widths", [&] {
     const auto view = View(window_.chkShowAllFolders.Checked(), CurrentGridItemType);
     if (grid_.Cols() != FlexGrid::first_item_column + static_cast<int>(view.size())) return;
-    const Twips width = std::max<Twips>(grid_.Width() - scroll_bar_width, 0);
+    Twips shared = grid_.Width() - scroll_bar_width;
+    for (const Column& column : view) shared -= column.fixed;
+    shared = std::max<Twips>(shared, 0);
     grid_.Set_Column_Width(FlexGrid::key_column, 0);
     grid_.Set_Column_Width(FlexGrid::mark_column, 0);
     for (std::size_t i = 0; i < view.size(); ++i)
-      grid_.Set_Column_Width(FlexGrid::first_item_column + static_cast<int>(i), width * view[i].share / 100);
+      grid_.Set_Column_Width(FlexGrid::first_item_column + static_cast<int>(i),
+                             view[i].fixed + shared * view[i].share / 100);
   });
 }
 
