@@ -100,7 +100,10 @@ Source_Kind Detect_Source(const fs::path& source) {
   }
   Source_File file(source);
   if (file.Size() == 0) {
-    throw Import_Error(source.string() + ": the file is empty. Copy it again from where it came from.");
+    throw Import_Error(source.string() +
+                       ": the file is empty, so there is nothing to import. If it should not be, copy it "
+                       "again from where it "
+                       "came from.");
   }
   const std::string begin = file.Read(0, longest_look);
   if (begin.starts_with("!BDN")) return Source_Kind::Pst;

@@ -41,7 +41,7 @@ class Import_Run {
   auto Beside(Work work, const std::function<void()>& stop = {}) {
     auto result = std::async(std::launch::async, std::move(work));
     try {
-      while (result.wait_for(period) != std::future_status::ready) Tick();
+      while (result.wait_for(period / 3) != std::future_status::ready) Tick();
     } catch (...) {
       if (stop) stop();
       result.wait();

@@ -33,7 +33,7 @@ Date From_Unix(std::int64_t unix_seconds, bool local) {
 
 Date Date_From_Calendar(int year, int month, int day, int hour, int minute, int second) {
   using namespace std::chrono;
-  if (year < 1900 || year > 4500 || hour < 0 || hour > 24 || minute < 0 || minute > 59 || second < 0 ||
+  if (year < 1900 || year >= 4500 || hour < 0 || hour > 24 || minute < 0 || minute > 59 || second < 0 ||
       second > 61) {
     return no_date;
   }

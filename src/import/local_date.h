@@ -7,7 +7,8 @@
 
 namespace tidyfold {
 
-// All give no_date for what lies before 1900 or after 4500, which is never a date that someone meant.
+// All give no_date for what lies before 1900, or from 4500 on: the beginning of 4501, in whatever time zone,
+// is how Outlook writes that there is no date.
 
 // Seconds since 1970 in UTC, shown in the user's time zone.
 Date Local_Date(std::int64_t unix_seconds);

@@ -13,11 +13,13 @@ namespace tidyfold {
 namespace {
 
 // A message that takes longer than a progress period to read.
-constexpr std::size_t long_message = 1 << 20;
+constexpr std::int64_t long_message = 1 << 20;
 
-New_Item Read_Message(std::string raw, Import_Run& run) {
-  if (raw.size() < long_message) return Read_Mime_Message(std::move(raw));
-  return run.Beside([raw = std::move(raw)]() mutable { return Read_Mime_Message(std::move(raw)); });
+// Reads the text and then the message in it, which both take long where the message is.
+template <class Read_Text>
+New_Item Read_Message(std::int64_t size, Read_Text read_text, Import_Run& run) {
+  const auto read = [&] { return Read_Mime_Message(read_text()); };
+  return size < long_message ? read() : run.Beside(read);
 }
 
 void Check_Size(std::int64_t size) {
@@ -31,7 +33,8 @@ New_Item Read_Message_File(const std::filesystem::path& path, Import_Run& run) {
     Source_File file(path);
     Check_Size(file.Size());
     if (file.Size() == 0) throw Message_Error("it is empty");
-    return Read_Message(file.Read(0, file.Size()), run);
+    return Read_Message(
+        file.Size(), [&] { return file.Read(0, file.Size()); }, run);
   } catch (const Import_Error&) {
     throw Message_Error("it cannot be opened and read");
   }
@@ -49,6 +52,21 @@ Date Separator_Date(std::string_view separator) {
   return date == std::string_view::npos ? no_date : Parse_Mail_Date(separator.substr(date + 1), true);
 }
 
+// What to do about a file that only looks cut off; empty for one that does not.
+std::string Remedy_If_Whole(Mbox_Cut cut) {
+  switch (cut) {
+    case Mbox_Cut::Line:
+      return "add a line break at its end";
+    case Mbox_Cut::Headers:
+      return "add an empty line at its end";
+    case Mbox_Cut::Length:
+      return "remove the Content-Length line from that message's headers";
+    case Mbox_Cut::None:
+      break;
+  }
+  return {};
+}
+
 }  // namespace
 
 void Import_Mbox(const std::filesystem::path& source, Import_Run& run) {
@@ -60,8 +78,10 @@ void Import_Mbox(const std::filesystem::path& source, Import_Run& run) {
   while (const auto message = reader.Next()) {
     last = Position(++number, *message);
     try {
-      Check_Size(message->end - message->content);
-      New_Item item = Read_Message(reader.Text(*message), run);
+      const std::int64_t size = message->end - message->content;
+      Check_Size(size);
+      New_Item item = Read_Message(
+          size, [&] { return reader.Text(*message); }, run);
       if (item.received == no_date) {
         item.received = Separator_Date(reader.Separator(*message));
         item.last_modified = item.received;
@@ -71,11 +91,12 @@ void Import_Mbox(const std::filesystem::path& source, Import_Run& run) {
       run.Fail(last, error.what());
     }
   }
-  if (!reader.Is_Cut()) return;
-  throw Import_Error(
-      source.string() + ": the mbox file is cut off in the middle of its last message (" + last +
-      "). Copy the file again from where it came from. If nothing is missing, add a line break at "
-      "its end; to import only what is whole, cut the file off where that message begins.");
+  const std::string if_whole = Remedy_If_Whole(reader.Cut());
+  if (if_whole.empty()) return;
+  throw Import_Error(source.string() + ": the mbox file is cut off in the middle of its last message (" +
+                     last + "). Copy the file again from where it came from. If nothing is missing, " +
+                     if_whole +
+                     "; to import only what is whole, cut the file off where that message begins.");
 }
 
 void Import_Maildir(const std::filesystem::path& source, Import_Run& run) {

@@ -17,10 +17,14 @@ namespace {
 namespace fs = std::filesystem;
 
 // Servers code names as "Entw&APw-rfe"; a name that is not so coded stays as it is.
-std::string Folder_Name(const std::string& coded) {
-  if (coded.find('&') == std::string::npos) return coded;
-  std::string name = To_Utf8(coded, "UTF-7-IMAP");
-  return name.find("\xEF\xBF\xBD") == std::string::npos ? name : coded;
+std::string Folder_Name(const std::string& name) {
+  for (std::size_t at = name.find('&'); at != std::string::npos; at = name.find('&', at + 1)) {
+    const std::size_t end = std::min(
+        name.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+,", at + 1),
+        name.size());
+    if (end == name.size() || name[end] != '-') return name;
+  }
+  return name.find('&') == std::string::npos ? name : To_Utf8(name, "UTF-7-IMAP");
 }
 
 std::vector<std::string> Names_Of_Sub_Folder(const std::string& directory) {

@@ -118,7 +118,7 @@ std::int64_t Mbox_Reader::Next_Separator(std::int64_t from) {
 }
 
 std::optional<std::int64_t> Mbox_Reader::End_By_Length(std::int64_t content) {
-  last_too_long_ = false;
+  missing_.reset();
   std::string_view text = file_.View(content, usual_header);
   std::size_t header_end = Header_End(text);
   if (header_end == std::string_view::npos) {
@@ -130,7 +130,7 @@ std::optional<std::int64_t> Mbox_Reader::End_By_Length(std::int64_t content) {
   if (!length) return std::nullopt;
   const std::int64_t body = content + static_cast<std::int64_t>(header_end);
   if (*length > file_.Size() - body) {
-    last_too_long_ = true;
+    missing_ = *length - (file_.Size() - body);
     return std::nullopt;
   }
   // The blank line between two messages belongs to neither.
@@ -153,12 +153,13 @@ std::optional<Mbox_Message> Mbox_Reader::Next() {
     ++at_;
   }
   if (at_ >= file_.Size()) return std::nullopt;
-  if (last_too_long_) ++lengths_too_long_;
+  if (missing_) ++lengths_too_long_;
 
   Mbox_Message message;
   message.begin = at_;
   const std::string_view separator = file_.View(at_, longest_separator);
   message.content = at_ + static_cast<std::int64_t>(std::min(separator.find('\n'), separator.size() - 1)) + 1;
+  content_ = message.content;
   if (const auto end = End_By_Length(message.content)) {
     message.end = *end;
     message.by_length = true;
@@ -169,10 +170,27 @@ std::optional<Mbox_Message> Mbox_Reader::Next() {
   return message;
 }
 
-bool Mbox_Reader::Is_Cut() {
-  if (file_.Size() == 0) return false;
-  if (!file_.View(file_.Size() - 1, 1).ends_with('\n')) return true;
-  return last_too_long_ && lengths_right_ > 0 && lengths_too_long_ == 0;
+Mbox_Cut Mbox_Reader::Cut() {
+  if (content_ == 0) return Mbox_Cut::None;
+  if (!file_.View(file_.Size() - 1, 1).ends_with('\n')) return Mbox_Cut::Line;
+  const std::string_view text = file_.View(content_, longest_header);
+  const std::size_t header_end = Header_End(text);
+  if (header_end == std::string_view::npos &&
+      static_cast<std::int64_t>(text.size()) == file_.Size() - content_) {
+    return Mbox_Cut::Headers;
+  }
+  if (!missing_ || lengths_too_long_ > 0) return Mbox_Cut::None;
+  if (lengths_right_ > 0) return Mbox_Cut::Length;
+  // A file whose line breaks were shortened from CR LF to LF lacks one byte for each, and nothing else.
+  std::int64_t lines = 0;
+  for (std::int64_t at = content_ + static_cast<std::int64_t>(header_end);
+       at < file_.Size() && lines < *missing_;) {
+    const std::string_view part = file_.View(at, 1);
+    lines += std::count(part.begin(), part.end(), '\n');
+    at += static_cast<std::int64_t>(part.size());
+    tick_();
+  }
+  return lines < *missing_ ? Mbox_Cut::Length : Mbox_Cut::None;
 }
 
 std::string Mbox_Reader::Separator(const Mbox_Message& message) {

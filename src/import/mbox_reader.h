@@ -22,6 +22,14 @@ struct Mbox_Message {
   bool by_length = false;  // Content-Length told the end
 };
 
+// What gives a file away that was cut off.
+enum class Mbox_Cut {
+  None,
+  Line,     // its last line does not end
+  Headers,  // the headers of its last message do not
+  Length    // the last message says that it is longer, and can be trusted
+};
+
 class Mbox_Reader {
  public:
   // `tick` is called about once for each megabyte read.
@@ -29,10 +37,8 @@ class Mbox_Reader {
 
   // The next message; none at the end of the file.
   std::optional<Mbox_Message> Next();
-  // After the last message: whether the file is only the beginning of what it once was. It is when its last
-  // line does not end, or when the last message says that it is longer and the lengths of the others give it
-  // credit.
-  bool Is_Cut();
+  // After the last message: whether the file is only the beginning of what it once was.
+  Mbox_Cut Cut();
 
   // The message without its separator and with the quoting of its body undone.
   std::string Text(const Mbox_Message& message);
@@ -48,7 +54,9 @@ class Mbox_Reader {
   std::int64_t at_ = 0;
   std::int64_t lengths_right_ = 0;
   std::int64_t lengths_too_long_ = 0;
-  bool last_too_long_ = false;
+  // Of the last message:
+  std::int64_t content_ = 0;
+  std::optional<std::int64_t> missing_;  // bytes, when it says that it is longer than what is there
 };
 
 // Whether the text begins with a separator line; what follows that line must be in the text too.

@@ -88,6 +88,13 @@ bool Is_Type(GMimeObject* part, const char* type, const char* subtype) {
   return content != nullptr && g_mime_content_type_is_type(content, type, subtype);
 }
 
+// Old mail says "text" alone, which the library takes for nothing that it knows.
+bool Is_Text(GMimeObject* part) {
+  if (Is_Type(part, "text", "*")) return true;
+  const std::string type = Upper_Case(Text_Of(g_mime_object_get_header(part, "Content-Type")));
+  return type.starts_with("TEXT") && type.find('/') == std::string::npos;
+}
+
 std::string Decoded(GMimeObject* part) {
   GMimeDataWrapper* content = g_mime_part_get_content(GMIME_PART(part));
   if (content == nullptr) return {};
@@ -137,7 +144,7 @@ class Body_Reader {
   Body Read(GMimeObject* part, int depth) {
     if (part == nullptr || depth > max_depth) return {};
     if (GMIME_IS_MULTIPART(part)) return Read_Multipart(part, depth);
-    if (!GMIME_IS_PART(part) || !Is_Type(part, "text", "*") || Is_Attached(part, part == root_)) return {};
+    if (!GMIME_IS_PART(part) || !Is_Text(part) || Is_Attached(part, part == root_)) return {};
     if (Is_Type(part, "text", "calendar") || Is_Type(part, "text", "rfc822-headers")) return {};
     const std::string bytes = Decoded(part);
     std::string charset = Text_Of(g_mime_object_get_content_type_parameter(part, "charset"));
@@ -179,7 +186,7 @@ class Body_Reader {
       }
       return;
     }
-    if (Is_Type(part, "text", "*") && !Is_Attached(part, part == root_)) return;
+    if (Is_Text(part) && !Is_Attached(part, part == root_)) return;
     New_Attachment attachment;
     if (GMIME_IS_PART(part)) {
       attachment.name = One_Line(Text_Of(g_mime_part_get_filename(GMIME_PART(part))));

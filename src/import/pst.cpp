@@ -35,14 +35,20 @@ std::uint64_t Little_Endian(std::string_view bytes) {
   return number;
 }
 
-// The header says how long the file is to be; libpff would take a shorter one for a file with items missing.
-void Check_Length(const fs::path& source) {
+// The header says what the file is and how long; libpff would read on in a shorter one and miss items.
+void Check_Header(const fs::path& source) {
   constexpr std::int64_t header_size = 512;
   constexpr std::uint64_t first_version_of_64_bits = 20;
   Source_File file(source);
   const std::string header = file.Read(0, header_size);
   std::uint64_t length = header_size;
   if (header.size() == header_size) {
+    const std::string_view kind = std::string_view(header).substr(8, 2);
+    if (kind != "SM" && kind != "SO" && kind != "AB") {
+      throw Import_Error(source.string() +
+                         ": the file begins like an Outlook data file, but its header is damaged." +
+                         std::string(repair));
+    }
     const bool wide = Little_Endian(std::string_view(header).substr(10, 2)) >= first_version_of_64_bits;
     length = Little_Endian(std::string_view(header).substr(wide ? 184 : 168, wide ? 8 : 4));
   }
@@ -129,11 +135,12 @@ class Pst_Importer {
       run_.Tick();
       Listed_Folder folder = std::move(waiting.back());
       waiting.pop_back();
+      const auto children =
+          Count(libpff_folder_get_number_of_sub_folders, folder, "its folders cannot be listed");
+      if (!children && folders_.empty()) Refuse("its folders cannot be listed");
       folder.messages =
-          Count(libpff_folder_get_number_of_sub_messages, folder, "its items cannot be listed: ");
-      const int children =
-          Count(libpff_folder_get_number_of_sub_folders, folder, "its folders cannot be listed: ");
-      for (int i = children - 1; i >= 0; --i) Add_Child(folder, i, waiting);
+          Count(libpff_folder_get_number_of_sub_messages, folder, "its items cannot be listed").value_or(0);
+      for (int i = children.value_or(0) - 1; i >= 0; --i) Add_Child(folder, i, waiting);
       folders_.push_back(std::move(folder));
     }
   }
@@ -154,18 +161,20 @@ class Pst_Importer {
       child.item_type = Item_Type_Of(properties.Text(pst_property::container_class));
       waiting.push_back(std::move(child));
     } catch (const Message_Error& error) {
-      run_.Fail(parent.path + ", folder " + std::to_string(index + 1), error.what());
+      run_.Fail(Shown(parent) + ", folder " + std::to_string(index + 1), error.what());
     }
   }
 
-  // What cannot be listed is a failure of its own; the other folders can still be read.
+  static std::string Shown(const Listed_Folder& folder) { return folder.path.empty() ? "/" : folder.path; }
+
+  // What cannot be listed is a failure of its own; the rest can still be read.
   template <class Call>
-  int Count(Call call, const Listed_Folder& folder, const std::string& failure) {
+  std::optional<int> Count(Call call, const Listed_Folder& folder, const std::string& failure) {
     Pff_Error error;
     int count = 0;
     if (call(folder.item.get(), &count, error.Out()) == 1) return count;
-    run_.Fail("folder " + folder.path, failure + error.Text());
-    return 0;
+    run_.Fail(Shown(folder), failure + " (" + error.Text() + ")");
+    return std::nullopt;
   }
 
   void Import_Item(const Listed_Folder& folder, int index, MAPIFolder& place) {
@@ -178,7 +187,7 @@ class Pst_Importer {
       run_.Add(place,
                is_long ? run_.Beside([message] { return Read_Pst_Item(message); }) : Read_Pst_Item(message));
     } catch (const Message_Error& error) {
-      run_.Fail(folder.path + ", item " + std::to_string(index + 1), error.what());
+      run_.Fail(Shown(folder) + ", item " + std::to_string(index + 1), error.what());
     }
   }
 
@@ -199,7 +208,7 @@ class Pst_Importer {
 }  // namespace
 
 void Import_Pst(const fs::path& source, Import_Run& run) {
-  Check_Length(source);
+  Check_Header(source);
   try {
     Pst_Importer(source, run).Import();
   } catch (const Message_Error& error) {

@@ -1,0 +1,123 @@
+// A directory for sources, a store in memory, and a record of all that was written to it.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "errors/automation_error.h"
+#include "import/import.h"
+#include "stores/memory/memory_store.h"
+
+namespace tidyfold {
+
+// Local time is New York's: half the year 5, half the year 4 hours behind UTC.
+class In_New_York {
+ public:
+  In_New_York() {
+    setenv("TZ", "America/New_York", 1);
+    tzset();
+  }
+};
+
+inline Date Day(int count, int hours = 0, int minutes = 0, int seconds = 0) {
+  return count + (hours * 3600 + minutes * 60 + seconds) / 86400.0;
+}
+
+class Recording_Writer : public Store_Writer {
+ public:
+  struct Written {
+    std::string folder;
+    New_Item item;
+  };
+
+  explicit Recording_Writer(Store_Writer& store) : store_(store) {}
+  MAPIFolder_Ptr Top_Folder() override { return store_.Top_Folder(); }
+  MAPIFolder_Ptr Add_Folder(MAPIFolder& parent, const std::string& name, std::int32_t type) override {
+    return store_.Add_Folder(parent, name, type);
+  }
+  std::string Add_Item(MAPIFolder& folder, const New_Item& item) override {
+    if (items_until_full == 0)
+      throw Automation_Error(automation_error::call_failed, "The disk is full.", "test");
+    --items_until_full;
+    written.push_back({folder.Name(), item});
+    return store_.Add_Item(folder, item);
+  }
+  void Begin() override { store_.Begin(); }
+  void Commit() override {
+    store_.Commit();
+    ++commits;
+  }
+  void Roll_Back() override {
+    store_.Roll_Back();
+    ++roll_backs;
+  }
+
+  std::vector<Written> written;
+  int items_until_full = -1;
+  int commits = 0;
+  int roll_backs = 0;
+
+ private:
+  Store_Writer& store_;
+};
+
+class Import_Test : public ::testing::Test {
+ protected:
+  Import_Test() {
+    std::string name = (std::filesystem::temp_directory_path() / "tidyfold-import-XXXXXX").string();
+    directory = mkdtemp(name.data());
+  }
+  ~Import_Test() override { std::filesystem::remove_all(directory); }
+
+  std::filesystem::path Write(const std::string& name, std::string_view content) const {
+    const std::filesystem::path path = directory / name;
+    std::filesystem::create_directories(path.parent_path());
+    std::ofstream(path, std::ios::binary) << content;
+    return path;
+  }
+  Import_Report Import(const std::filesystem::path& source, const Import_Options& options = {}) {
+    return Import_Source(source, writer, options);
+  }
+  std::string Error_Of(const std::filesystem::path& source) {
+    try {
+      Import(source);
+    } catch (const Import_Error& error) {
+      return error.what();
+    }
+    return "no error";
+  }
+  std::vector<std::string> Subjects() const {
+    std::vector<std::string> subjects;
+    for (const auto& written : writer.written) subjects.push_back(written.item.subject);
+    return subjects;
+  }
+  std::int32_t Items_In(std::initializer_list<std::string_view> path) {
+    return store.Folder(path)->Items()->Count();
+  }
+
+  In_New_York zone;
+  std::filesystem::path directory;
+  Memory_Outlook outlook;
+  Memory_Store& store = outlook.Add_Store("Store");
+  Recording_Writer writer{store};
+};
+
+inline std::string Content_Of(const std::filesystem::path& path) {
+  std::ifstream stream(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+// A file that another program wrote; skips the test where these are not at hand.
+#define SHARED_FILE_OR_SKIP(variable, name)                                                    \
+  const std::filesystem::path variable = std::filesystem::path(TIDYFOLD_SHARED_DATA) / (name); \
+  if (!std::filesystem::exists(variable)) GTEST_SKIP() << variable << " is not there"
+
+}  // namespace tidyfold

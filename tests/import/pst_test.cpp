@@ -1,0 +1,142 @@
+#include <gtest/gtest.h>
+
+#include "import/import_fixture.h"
+#include "import/pst_item.h"
+
+namespace tidyfold {
+namespace {
+
+class Pst_Test : public Import_Test {
+ protected:
+  const New_Item& Item(std::size_t number) { return writer.written.at(number - 1).item; }
+};
+
+TEST(Pst_Classes, Follow_The_Nearest_Known_Parent) {
+  const std::pair<std::string_view, std::int32_t> cases[] = {
+      {"IPM.Note", item_class::mail},
+      {"IPM.Note.SMIME.MultipartSigned", item_class::mail},
+      {"ipm.appointment.Live Meeting", item_class::appointment},
+      {"IPM.Contact", item_class::contact},
+      {"IPM.Task", item_class::task},
+      {"IPM.Tasks", item_class::mail},
+      {"IPM.Activity", item_class::journal},
+      {"IPM.StickyNote", item_class::note},
+      {"IPM.DistList", item_class::distribution_list},
+      {"IPM.Post.Rss", item_class::post},
+      {"IPM.Schedule.Meeting.Request.x", item_class::meeting_request},
+      {"IPM.Schedule.Meeting.Canceled", item_class::meeting_cancellation},
+      {"IPM.Schedule.Meeting.Resp.Neg", item_class::meeting_response_negative},
+      {"IPM.Schedule.Meeting.Resp.Pos", item_class::meeting_response_positive},
+      {"IPM.Schedule.Meeting.Resp.Tent", item_class::meeting_response_tentative},
+      {"IPM.TaskRequest", item_class::task_request},
+      {"IPM.TaskRequest.Decline", item_class::task_request_decline},
+      {"REPORT.IPM.Note.NDR", item_class::report},
+      {"", item_class::mail},
+      {"...", item_class::mail},
+  };
+  for (const auto& [name, number] : cases) EXPECT_EQ(Item_Class_Of(name), number) << name;
+  EXPECT_EQ(Item_Type_Of("IPF.Appointment.Birthday"), item_type::appointment);
+  EXPECT_EQ(Item_Type_Of("IPF.StickyNote"), item_type::note);
+  EXPECT_EQ(Item_Type_Of(""), item_type::mail);
+}
+
+TEST_F(Pst_Test, Mail_With_Its_Attachment) {
+  SHARED_FILE_OR_SKIP(source, "sample1.pst");
+  EXPECT_EQ(Import(source).imported, 1);
+  EXPECT_EQ(Items_In({"Sample1"}), 1);
+  EXPECT_EQ(store.Top_Folder()->Folders()->Count(), 11);  // Deleted Items is the store's own
+  EXPECT_EQ(Item(1).item_class, item_class::mail);
+  EXPECT_EQ(Item(1).subject, "Here is a sample message");
+  EXPECT_EQ(Item(1).sender, "Terry Mahaffey");
+  EXPECT_EQ(Item(1).recipients, "Terry Mahaffey");
+  EXPECT_EQ(Item(1).body,
+            "With a sample attachment. It’s my daughter and our puppy. Aren’t they cute?\r\n\r\n");
+  EXPECT_FALSE(Item(1).unread);
+  EXPECT_DOUBLE_EQ(Item(1).received, Day(40252, 13, 12, 7));
+  EXPECT_DOUBLE_EQ(Item(1).last_modified, Day(40256, 16, 8, 6));
+  EXPECT_EQ(Item(1).due, no_date);
+  EXPECT_EQ(Item(1).size, 106589);
+  ASSERT_EQ(Item(1).attachments.size(), 1U);
+  EXPECT_EQ(Item(1).attachments[0].name, "leah_thumper.jpg");
+  EXPECT_EQ(Item(1).attachments[0].size, 93142);
+
+  // What was built anew reads like the original.
+  const New_Item item = Item(1);
+  Import(Write("rebuilt.eml", item.raw_message));
+  EXPECT_EQ(Item(2).subject, item.subject);
+  EXPECT_EQ(Item(2).sender, item.sender);
+  EXPECT_EQ(Item(2).body, item.body);
+  EXPECT_DOUBLE_EQ(Item(2).received, item.received);
+  ASSERT_EQ(Item(2).attachments.size(), 1U);
+  EXPECT_EQ(Item(2).attachments[0].size, 93142);
+}
+
+TEST_F(Pst_Test, Calendar_And_Contacts) {
+  SHARED_FILE_OR_SKIP(source, "dist-list.pst");
+  SHARED_FILE_OR_SKIP(ansi, "ansi-calendar.pst");
+  EXPECT_EQ(Import(source).found, 3);
+  EXPECT_EQ(Item(1).item_class, item_class::appointment);
+  EXPECT_EQ(Item(1).subject, "Test appointment");
+  EXPECT_DOUBLE_EQ(Item(1).end, Day(42584, 11, 30));
+  EXPECT_TRUE(Item(1).attachments.empty());  // what is attached are the series' exceptions
+  EXPECT_TRUE(Item(1).raw_message.empty());
+  EXPECT_EQ(Item(2).item_class, item_class::distribution_list);
+  EXPECT_EQ(Item(2).subject, "test dist list");
+  EXPECT_EQ(Item(3).item_class, item_class::contact);
+  EXPECT_DOUBLE_EQ(Item(3).last_modified, Day(41784, 9, 58, 28));
+  EXPECT_EQ(Items_In({"Calendar"}), 1);
+  EXPECT_EQ(Items_In({"Contacts"}), 2);
+  EXPECT_EQ(store.Top_Folder()->Folders()->Count(), 12);  // and RSS Feeds, Junk E-mail; no search folders
+
+  EXPECT_EQ(Import(ansi).found, 1);
+  EXPECT_EQ(Items_In({"Calendar"}), 2);
+  EXPECT_EQ(Item(4).subject, "Updated: Olympus training for new hires");
+  EXPECT_DOUBLE_EQ(Item(4).end, Day(38218, 15, 30));
+}
+
+TEST_F(Pst_Test, Posts_And_Those_In_The_Top_Folder) {
+  SHARED_FILE_OR_SKIP(source, "test_unicode.pst");
+  EXPECT_EQ(Import(source).found, 2);
+  EXPECT_EQ(Items_In({}), 1);
+  EXPECT_EQ(Items_In({"Folder"}), 1);
+  EXPECT_EQ(Item(1).item_class, item_class::post);
+  EXPECT_EQ(Item(2).body, "Post\r\n\r\n");
+}
+
+TEST_F(Pst_Test, A_Damaged_Item_Is_Named_And_The_Rest_Goes_In) {
+  SHARED_FILE_OR_SKIP(source, "dist-list.pst");
+  std::string damaged = Content_Of(source);
+  damaged.replace(45056, 64, 64, '\xFF');  // within the appointment's properties
+  const Import_Report report = Import(Write("damaged.pst", damaged));
+  EXPECT_EQ(report.found, 3);
+  EXPECT_EQ(report.imported, 2);
+  ASSERT_EQ(report.failures.size(), 1U);
+  EXPECT_EQ(report.failures[0].where, "Calendar, item 1");
+}
+
+TEST_F(Pst_Test, Files_That_Cannot_Be_Read_Change_Nothing) {
+  SHARED_FILE_OR_SKIP(source, "dist-list.pst");
+  const std::string whole = Content_Of(source);
+  std::string no_trees = whole;
+  no_trees.replace(whole.size() / 8, whole.size() - whole.size() / 8, whole.size() - whole.size() / 8,
+                   '\x5A');
+  std::string no_kind = whole;
+  no_kind.replace(8, 4, "\xFF\xFF\xFF\xFF");
+  const std::pair<std::string, std::string_view> cases[] = {
+      {whole.substr(0, 600), "cut off"},
+      {whole.substr(0, whole.size() / 2), "cut off"},
+      {whole.substr(0, whole.size() - 1), "cut off"},
+      {no_trees, "cannot be read"},
+      {no_kind, "header is damaged"},
+  };
+  for (const auto& [content, part] : cases) {
+    const std::string error = Error_Of(Write("bad.pst", content));
+    EXPECT_NE(error.find(part), std::string::npos) << error;
+    EXPECT_NE(error.find("bad.pst: "), std::string::npos) << error;
+  }
+  EXPECT_EQ(writer.roll_backs, static_cast<int>(std::size(cases)));
+  EXPECT_EQ(writer.commits, 0);
+}
+
+}  // namespace
+}  // namespace tidyfold
