@@ -53,7 +53,7 @@ class Checker {
   }
 
   void Tree() {
-    Each_Row("SELECT id, name FROM folder", [&](const Statement& row) {
+    Each_Row("SELECT id, name FROM folder WHERE removed = 0", [&](const Statement& row) {
       return folders_.Find(row.Integer(0)) != nullptr
                  ? std::string()
                  : "Folder " + Folder_Entry_Id(row.Integer(0)) + " " + Quoted(row.Text(1)) +
@@ -93,7 +93,7 @@ class Checker {
   void Counts() {
     Each_Row(
         "SELECT f.id, f.name, COALESCE(n.items, 0) FROM folder AS f LEFT JOIN (SELECT folder, COUNT(*) AS "
-        "items FROM item NOT INDEXED GROUP BY folder) AS n ON n.folder = f.id",
+        "items FROM item NOT INDEXED GROUP BY folder) AS n ON n.folder = f.id WHERE f.removed = 0",
         [&](const Statement& row) {
           const Folder_Record* folder = folders_.Find(row.Integer(0));
           if (folder == nullptr || folder->item_count == row.Integer(2)) return std::string();

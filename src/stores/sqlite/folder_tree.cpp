@@ -18,13 +18,18 @@ bool Stands_Before(const Folder_Record* left, const Folder_Record* right) {
 
 }  // namespace
 
-void Folder_Tree::Load(Database& database) {
+std::vector<std::int64_t> Folder_Tree::Load(Database& database) {
   folders_.clear();
-  top_ = nullptr;
+  top_ = last_found_ = nullptr;
   std::vector<std::pair<std::int64_t, std::int64_t>> parents;
-  Statement statement(database, "SELECT id, parent, name, item_type FROM folder");
+  std::vector<std::int64_t> removed;
+  Statement statement(database, "SELECT id, parent, name, item_type, removed FROM folder");
   while (statement.Step()) {
     const std::int64_t id = statement.Integer(0);
+    if (statement.Integer(4) != 0) {
+      removed.push_back(id);
+      continue;
+    }
     Folder_Record& folder = folders_[id];
     folder.id = id;
     folder.name = statement.Text(2);
@@ -50,8 +55,10 @@ void Folder_Tree::Load(Database& database) {
     reached.insert(folder->id);
   }
   std::erase_if(folders_, [&](const auto& entry) { return !reached.contains(entry.first); });
+  last_found_ = nullptr;
   Count_Items(database);
   Find_Deleted_Items();
+  return removed;
 }
 
 void Folder_Tree::Count_Items(Database& database) {
@@ -67,8 +74,10 @@ void Folder_Tree::Count_Items(Database& database) {
 }
 
 Folder_Record* Folder_Tree::Find(std::int64_t id) {
+  if (last_found_ != nullptr && last_found_->id == id) return last_found_;
   const auto found = folders_.find(id);
-  return found == folders_.end() ? nullptr : &found->second;
+  last_found_ = found == folders_.end() ? nullptr : &found->second;
+  return last_found_;
 }
 
 Folder_Record& Folder_Tree::Add(std::int64_t id, Folder_Record& parent, const std::string& name,
@@ -97,6 +106,7 @@ void Folder_Tree::Remove(Folder_Record& folder) {
   const std::vector<Folder_Record*> doomed = With_All_Below(folder);
   if (folder.parent != nullptr) std::erase(folder.parent->children, &folder);
   for (const Folder_Record* one : doomed) folders_.erase(one->id);
+  last_found_ = nullptr;
   Find_Deleted_Items();
 }
 

@@ -24,8 +24,9 @@ struct Folder_Record {
 class Folder_Tree {
  public:
   // Reads all anew. Folders that do not hang below the top folder are left out. Throws Automation_Error
-  // (corrupt_data) when there is no top folder or more than one.
-  void Load(Database& database);
+  // (corrupt_data) when there is no top folder or more than one. Returns the folders that were removed and
+  // are still to be cleared away.
+  std::vector<std::int64_t> Load(Database& database);
 
   // Null when there is none. Records stay where they are until they are removed or all is read anew.
   Folder_Record* Find(std::int64_t id);
@@ -46,6 +47,7 @@ class Folder_Tree {
   std::unordered_map<std::int64_t, Folder_Record> folders_;
   Folder_Record* top_ = nullptr;
   Folder_Record* deleted_items_ = nullptr;
+  Folder_Record* last_found_ = nullptr;  // a loop asks for the same folder again and again
 };
 
 }  // namespace tidyfold::sqlite

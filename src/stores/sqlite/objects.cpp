@@ -33,7 +33,8 @@ class Embedded_Item : public Item, public Mapi_Object, public std::enable_shared
       body.resize(First_Characters(body, characters).size());
       return body;
     }
-    return std::string(First_Characters(found_.rows->Sender_Or_Text(row), characters));
+    const std::string_view start = found_.rows->Sender_Or_Text(row);
+    return std::string(characters == row_characters ? start : First_Characters(start, characters));
   }
   std::shared_ptr<Mapi_Object> MAPIOBJECT() override {
     Alive();

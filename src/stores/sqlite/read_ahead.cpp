@@ -12,34 +12,42 @@ constexpr std::int32_t first_size = 32, largest_size = 512, growth = 4;
 // A block ends early when its texts have become long.
 constexpr std::size_t enough_text = std::size_t{4} << 20;
 
+// What a loop knows already, the folder, is not read again for every row.
 constexpr std::string_view columns =
-    "SELECT id, folder, position, class, unread, received, last_modified, completed, due, ended, "
-    "sender_or_text, subject FROM item ";
+    "SELECT id, position, class, unread, received, last_modified, completed, due, ended, sender_or_text, "
+    "subject";
+constexpr int folder_column = 11;  // where it is asked for
 
 std::string Select(std::string_view rest) {
   return std::string(columns).append(rest);
 }
 
-Date Date_Of(const Statement& statement, int column) {
+// A null reads as 0. Every question to SQLite counts here: most items have the first kind of date, few the
+// second.
+Date Usual_Date(const Statement& statement, int column) {
+  const Date date = statement.Real(column);
+  return date == 0 && statement.Is_Null(column) ? no_date : date;
+}
+Date Rare_Date(const Statement& statement, int column) {
   return statement.Is_Null(column) ? no_date : statement.Real(column);
 }
 
-void Append_Row(const Statement& statement, Item_Rows& rows) {
+void Append_Row(const Statement& statement, std::int64_t folder, Item_Rows& rows) {
   Item_Row& row = rows.rows.emplace_back();
   row.id = statement.Integer(0);
-  row.folder = statement.Integer(1);
-  row.position = statement.Integer(2);
-  row.item_class = static_cast<std::int32_t>(statement.Integer(3));
-  row.unread = statement.Integer(4) != 0;
-  row.received = Date_Of(statement, 5);
-  row.last_modified = Date_Of(statement, 6);
-  row.completed = Date_Of(statement, 7);
-  row.due = Date_Of(statement, 8);
-  row.end = Date_Of(statement, 9);
+  row.folder = folder;
+  row.position = statement.Integer(1);
+  row.item_class = static_cast<std::int32_t>(statement.Integer(2));
+  row.unread = statement.Integer(3) != 0;
+  row.received = Usual_Date(statement, 4);
+  row.last_modified = Usual_Date(statement, 5);
+  row.completed = Rare_Date(statement, 6);
+  row.due = Rare_Date(statement, 7);
+  row.end = Rare_Date(statement, 8);
   row.sender_or_text_at = rows.text.size();
-  rows.text += statement.Text(10);
+  rows.text += statement.Text(9);
   row.subject_at = rows.text.size();
-  rows.text += statement.Text(11);
+  rows.text += statement.Text(10);
   row.text_end = rows.text.size();
 }
 
@@ -47,10 +55,15 @@ void Append_Row(const Statement& statement, Item_Rows& rows) {
 
 Read_Ahead::Read_Ahead(Database& database)
     : database_(database),
-      forwards_(database, Select("WHERE folder = ?1 AND position > ?2 ORDER BY position LIMIT ?3 OFFSET ?4")),
-      backwards_(database,
-                 Select("WHERE folder = ?1 AND position < ?2 ORDER BY position DESC LIMIT ?3 OFFSET ?4")),
-      by_id_(database, Select("WHERE id = ?1")) {}
+      forwards_(database, Select(" FROM item WHERE folder = ?1 AND position > ?2 ORDER BY position")),
+      backwards_(database, Select(" FROM item WHERE folder = ?1 AND position < ?2 ORDER BY position DESC")),
+      pass_forwards_(database,
+                     "SELECT position FROM item WHERE folder = ?1 AND position > ?2 ORDER BY position "
+                     "LIMIT 1 OFFSET ?3"),
+      pass_backwards_(database,
+                      "SELECT position FROM item WHERE folder = ?1 AND position < ?2 ORDER BY position DESC "
+                      "LIMIT 1 OFFSET ?3"),
+      by_id_(database, Select(", folder FROM item WHERE id = ?1")) {}
 
 Found_Item Read_Ahead::At(std::int64_t folder, std::int32_t place, std::int32_t count) {
   Block* block = Find(folder);
@@ -68,7 +81,7 @@ std::optional<Found_Item> Read_Ahead::By_Id(std::int64_t id) {
   Reading reading(by_id_);
   if (!reading.Next()) return std::nullopt;
   auto rows = std::make_shared<Item_Rows>();
-  Append_Row(by_id_, *rows);
+  Append_Row(by_id_, by_id_.Integer(folder_column), *rows);
   return Found_Item{std::move(rows), 0};
 }
 
@@ -97,13 +110,15 @@ void Read_Ahead::Fill(Block& block, std::int64_t folder, std::int32_t place, con
   rows->rows.reserve(static_cast<std::size_t>(size));
   rows->text.clear();
   Statement& statement = start.forwards ? forwards_ : backwards_;
-  statement.Bind(1, folder).Bind(2, start.beyond);
-  statement.Bind(3, std::int64_t{size}).Bind(4, std::int64_t{start.skip});
+  statement.Bind(1, folder).Bind(2, start.skip == 0 ? start.beyond : Pass_Over(folder, start));
   {
     Reading reading(statement);
-    while (rows->text.size() < enough_text && reading.Next()) Append_Row(statement, *rows);
+    while (rows->rows.size() < static_cast<std::size_t>(size) && rows->text.size() < enough_text &&
+           reading.Next()) {
+      Append_Row(statement, folder, *rows);
+    }
   }
-  if (rows->rows.empty()) database_.Fail_Damaged("the items of a folder do not match its index");
+  if (rows->rows.empty()) Fail_Index();
   const auto read = static_cast<std::uint32_t>(rows->rows.size());
   block.here.resize(read);
   for (std::uint32_t i = 0; i < read; ++i) block.here[i] = start.forwards ? i : read - 1 - i;
@@ -113,6 +128,19 @@ void Read_Ahead::Fill(Block& block, std::int64_t folder, std::int32_t place, con
   block.folder = folder;
   block.size = size;
   block.rows = std::move(rows);
+}
+
+// In the index alone, which is a small part of what the rows are.
+std::int64_t Read_Ahead::Pass_Over(std::int64_t folder, const Start& start) {
+  Statement& statement = start.forwards ? pass_forwards_ : pass_backwards_;
+  statement.Bind(1, folder).Bind(2, start.beyond).Bind(3, std::int64_t{start.skip} - 1);
+  Reading reading(statement);
+  if (!reading.Next()) Fail_Index();
+  return statement.Integer(0);
+}
+
+void Read_Ahead::Fail_Index() const {
+  database_.Fail_Damaged("the items of a folder do not match its index");
 }
 
 void Read_Ahead::Item_Left(std::int64_t folder, std::int64_t position) {

@@ -85,11 +85,13 @@ class Read_Ahead {
 
   Start Best_Start(const Block* block, std::int32_t place, std::int32_t count) const;
   void Fill(Block& block, std::int64_t folder, std::int32_t place, const Start& start);
+  std::int64_t Pass_Over(std::int64_t folder, const Start& start);
+  [[noreturn]] void Fail_Index() const;
   Block* Find(std::int64_t folder);
   Block& Oldest();
 
   Database& database_;
-  Statement forwards_, backwards_, by_id_;
+  Statement forwards_, backwards_, pass_forwards_, pass_backwards_, by_id_;
   std::array<Block, 4> blocks_;
   std::uint64_t uses_ = 0;
 };

@@ -18,8 +18,10 @@ struct Statements {
         attachments(database, "SELECT name, size FROM attachment WHERE item = ?1 ORDER BY number"),
         move(database, "UPDATE item SET folder = ?2, position = ?3 WHERE id = ?1"),
         remove(database, "DELETE FROM item WHERE id = ?1"),
-        remove_all(database, "DELETE FROM item WHERE folder = ?1"),
-        remove_folder(database, "DELETE FROM folder WHERE id = ?1"),
+        mark_removed(database, "UPDATE folder SET removed = 1, parent = NULL WHERE id = ?1"),
+        clear_items(database,
+                    "DELETE FROM item WHERE id IN (SELECT id FROM item WHERE folder = ?1 LIMIT ?2)"),
+        clear_folder(database, "DELETE FROM folder WHERE id = ?1"),
         add_folder(database, "INSERT INTO folder (id, parent, name, item_type) VALUES (?1, ?2, ?3, ?4)"),
         add_item(database,
                  "INSERT INTO item (id, folder, position, class, unread, received, last_modified, completed, "
@@ -31,8 +33,8 @@ struct Statements {
         add_attachment(database,
                        "INSERT INTO attachment (item, number, name, size) VALUES (?1, ?2, ?3, ?4)") {}
 
-  Statement begin, commit, save, release, locate, content, message, attachments, move, remove, remove_all,
-      remove_folder, add_folder, add_item, add_content, add_message, add_attachment;
+  Statement begin, commit, save, release, locate, content, message, attachments, move, remove, mark_removed,
+      clear_items, clear_folder, add_folder, add_item, add_content, add_message, add_attachment;
 };
 
 }  // namespace tidyfold::sqlite

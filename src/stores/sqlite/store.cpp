@@ -17,6 +17,10 @@ constexpr std::pair<const char*, std::int32_t> default_folders[] = {
     {"Drafts", item_type::mail},          {"Journal", item_type::journal},
     {"Notes", item_type::note},           {"Tasks", item_type::task}};
 
+// What a window does not notice.
+constexpr std::chrono::milliseconds clearing_time{5};
+constexpr std::int64_t items_per_clearing = 100;
+
 }  // namespace
 
 Store::Store(std::filesystem::path path, Store_Mode mode) : path_(std::move(path)), mode_(mode) {}
@@ -26,6 +30,7 @@ Store::~Store() {
   try {
     if (writing_) Roll_Back();
     Commit_Pending();
+    Clear_Away(std::chrono::hours(1));
   } catch (...) {
     // Nobody is left to tell; what was not committed has not happened.
   }
@@ -104,7 +109,7 @@ std::vector<std::string> Store::Check() {
 void Store::Refresh() {
   if (known_) return;
   read_ahead_->Forget_All();
-  folders_.Load(*database_);
+  to_clear_ = folders_.Load(*database_);
   known_ = true;
 }
 
@@ -135,16 +140,33 @@ void Store::Remove_Folder(std::int64_t id) {
   const std::vector<Folder_Record*> doomed = Folder_Tree::With_All_Below(Find_Folder(id));
   Change([&] {
     In_Savepoint([&] {
-      for (const Folder_Record* folder : doomed) statements_->remove_all.Bind(1, folder->id).Run();
-      // Children before parents, or the parents could not go.
-      for (auto folder = doomed.rbegin(); folder != doomed.rend(); ++folder) {
-        statements_->remove_folder.Bind(1, (*folder)->id).Run();
-      }
+      for (const Folder_Record* folder : doomed) statements_->mark_removed.Bind(1, folder->id).Run();
     });
-    for (const Folder_Record* folder : doomed) read_ahead_->Forget(folder->id);
+    for (const Folder_Record* folder : doomed) {
+      read_ahead_->Forget(folder->id);
+      to_clear_.push_back(folder->id);
+    }
     folders_.Remove(*doomed.front());
     ++age_;
   });
+}
+
+void Store::Clear_Away(std::chrono::milliseconds time) {
+  const auto end = std::chrono::steady_clock::now() + time;
+  while (clearing_ && known_ && !to_clear_.empty() && std::chrono::steady_clock::now() < end) {
+    try {
+      statements_->begin.Run();
+      statements_->clear_items.Bind(1, to_clear_.back()).Bind(2, items_per_clearing).Run();
+      const bool empty = database_->Changes() == 0;
+      if (empty) statements_->clear_folder.Bind(1, to_clear_.back()).Run();
+      statements_->commit.Run();
+      if (empty) to_clear_.pop_back();
+    } catch (...) {
+      clearing_ = false;  // once is enough to tell; the next opening tries again
+      Undo();
+      throw;
+    }
+  }
 }
 
 // Transactions.
@@ -190,14 +212,17 @@ void Store::Undo() {
 }
 
 void Store::Commit_Pending() {
-  if (mode_ == Store_Mode::Read_Only || writing_ || !database_->In_Transaction()) return;
-  try {
-    statements_->commit.Run();
-    pending_ = 0;
-  } catch (...) {
-    Undo();
-    throw;
+  if (mode_ == Store_Mode::Read_Only || writing_) return;
+  if (database_->In_Transaction()) {
+    try {
+      statements_->commit.Run();
+      pending_ = 0;
+    } catch (...) {
+      Undo();
+      throw;
+    }
   }
+  Clear_Away(clearing_time);
 }
 
 void Store::Begin() {

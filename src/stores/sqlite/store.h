@@ -1,6 +1,7 @@
 // One open store file: its folders in memory, its items behind a read-ahead, its changes in groups.
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -75,6 +76,7 @@ class Store : public std::enable_shared_from_this<Store> {
   // Returns the new item's number.
   std::int64_t Add_Item(std::int64_t folder, const New_Item& item);
 
+  // Also clears away a little of what folders held that were removed.
   void Commit_Pending();
   // The writer's transaction. A failure that SQLite answers by rolling back spoils it until Roll_Back.
   void Begin();
@@ -88,6 +90,8 @@ class Store : public std::enable_shared_from_this<Store> {
   void Start();
 
   Folder_Record& Find_Folder(std::int64_t id);
+  // Goes on clearing away what folders held that were removed, for about so long.
+  void Clear_Away(std::chrono::milliseconds time);
   // Reads the folders anew where the file may differ from what is known of it.
   void Refresh();
   void Item_Left(Item_Place place);
@@ -140,9 +144,11 @@ class Store : public std::enable_shared_from_this<Store> {
   bool known_ = false;  // folders_ agrees with the file
   // Numbers are given here, not by SQLite: after a rollback it would give the same ones again.
   std::int64_t next_folder_ = 1, next_item_ = 1;
+  std::vector<std::int64_t> to_clear_;  // folders that were removed and may still hold items
   std::uint64_t age_ = 0;
   int pending_ = 0;  // changes in the group under way
   bool writing_ = false, spoilt_ = false;
+  bool clearing_ = true;  // it has not failed yet
 };
 
 }  // namespace tidyfold::sqlite

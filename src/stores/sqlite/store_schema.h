@@ -15,6 +15,9 @@ inline constexpr std::int32_t schema_version = 1;
 // folder and may have gaps; an item that comes in takes the next one. Dates are null where there is none.
 // sender_or_text is the sender of mail and the first 20 characters of anything else. AUTOINCREMENT: a number
 // never comes back, so an EntryID that somebody kept never leads to another item.
+//
+// A folder that was removed keeps its row, marked, until its items have been cleared away piece by piece: to
+// delete some hundred thousand of them in one go would hold up the window for seconds.
 inline constexpr const char* schema = R"sql(
 CREATE TABLE store (
   id INTEGER PRIMARY KEY CHECK (id = 1),
@@ -24,7 +27,8 @@ CREATE TABLE folder (
   id INTEGER PRIMARY KEY AUTOINCREMENT,
   parent INTEGER REFERENCES folder (id),
   name TEXT NOT NULL,
-  item_type INTEGER NOT NULL
+  item_type INTEGER NOT NULL,
+  removed INTEGER NOT NULL DEFAULT 0
 );
 CREATE INDEX folder_by_parent ON folder (parent);
 CREATE TABLE item (

@@ -3,6 +3,7 @@
 
 #include <vector>
 
+#include "stores/sqlite/embedded_outlook.h"
 #include "stores/sqlite/temporary_store.h"
 #include "stores/store_under_test.h"
 
@@ -72,6 +73,31 @@ TEST(Crash, An_Unfinished_Import_Has_Not_Happened) {
   EXPECT_EQ(store->Top_Folder()->Folders()->Count(), 10);
   EXPECT_EQ(Subjects_Of(*store, "Inbox"), "1 2 3");
   EXPECT_EQ(store->Check(), std::vector<std::string>());
+}
+
+// A folder's items are cleared away in pieces; what a crash leaves of them is never seen again.
+TEST(Crash, A_Removed_Folder_Does_Not_Come_Back) {
+  const Temporary_Directory directory;
+  const auto file = directory / "a.tfs";
+  Add_Numbered(*Embedded_Store::Create(file, "A"), "Inbox", 20000);
+  EXPECT_EQ(In_Killed_Process([&] {
+              open_store = Embedded_Store::Open(file, Store_Mode::Read_Write);
+              const auto folders = open_store->Top_Folder()->Folders();
+              while (folders->Count() > 0) folders->Remove(1);
+              open_store->Commit_Pending();
+              return 1;
+            }),
+            1);
+  EXPECT_EQ(Embedded_Store::Open(file, Store_Mode::Read_Only)->Check(), std::vector<std::string>());
+  Embedded_Outlook outlook;
+  outlook.Open({file});
+  const auto session = outlook.GetObject("", "Outlook.Application")->GetNamespace("MAPI");
+  EXPECT_EQ(session->Folders()->Item(1)->Folders()->Count(), 0);
+  EXPECT_EQ(Error_Of([&] { session->GetItemFromID("I1", outlook.Stores()[0]->StoreID()); }),
+            automation_error::not_found);
+  outlook.Replace({});
+  EXPECT_EQ(Number_By_Sql(file, "SELECT (SELECT COUNT(*) FROM item) + (SELECT COUNT(*) FROM content)"), 0);
+  EXPECT_EQ(Number_By_Sql(file, "SELECT COUNT(*) FROM folder"), 1);
 }
 
 // No file of the process may grow: the same failure as a disk that is full, at whatever call it comes.
