@@ -38,14 +38,28 @@ struct Bad_File {
 
 class Bad_Files : public testing::TestWithParam<Bad_File> {};
 
-void Make_And_Run(const fs::path& file, const std::string& sql) {
-  Make_Small_Store(file);
-  ASSERT_EQ(Run_Sql(file, sql), SQLITE_OK);
-}
+using Make = std::function<void(const fs::path&)>;
 
-void Make_And_Cut(const fs::path& file, std::size_t bytes) {
-  Make_Small_Store(file);
-  Write_Bytes(file, Bytes_Of(file).substr(0, bytes));
+Make Bytes(const std::string& bytes) {
+  return [bytes](const fs::path& file) { Write_Bytes(file, bytes); };
+}
+Make After(const std::string& sql) {
+  return [sql](const fs::path& file) {
+    Make_Small_Store(file);
+    ASSERT_EQ(Run_Sql(file, sql), SQLITE_OK);
+  };
+}
+Make Cut(std::size_t bytes) {
+  return [bytes](const fs::path& file) {
+    Make_Small_Store(file);
+    Write_Bytes(file, Bytes_Of(file).substr(0, bytes));
+  };
+}
+std::string Random_Bytes() {
+  std::mt19937 random(1);
+  std::string bytes(20000, ' ');
+  for (char& byte : bytes) byte = static_cast<char>(random());
+  return bytes;
 }
 
 TEST_P(Bad_Files, Are_Refused_And_Left_Alone) {
@@ -61,38 +75,25 @@ TEST_P(Bad_Files, Are_Refused_And_Left_Alone) {
 
 INSTANTIATE_TEST_SUITE_P(
     Stores, Bad_Files,
-    testing::Values(
-        Bad_File{"Missing", Reason::Missing, [](const fs::path&) {}},
-        Bad_File{"Directory", Reason::Not_A_Store, [](const fs::path& file) { fs::create_directory(file); }},
-        Bad_File{"Empty", Reason::Not_A_Store, [](const fs::path& file) { Write_Bytes(file, ""); }},
-        Bad_File{"Text", Reason::Not_A_Store, [](const fs::path& file) { Write_Bytes(file, "From: you\n"); }},
-        Bad_File{"Random_Bytes", Reason::Not_A_Store,
-                 [](const fs::path& file) {
-                   std::mt19937 random(1);
-                   std::string bytes(20000, ' ');
-                   for (char& byte : bytes) byte = static_cast<char>(random());
-                   Write_Bytes(file, bytes);
-                 }},
-        Bad_File{
-            "Other_Database", Reason::Not_A_Store,
-            [](const fs::path& file) { Run_Sql(file, "CREATE TABLE item (id); PRAGMA user_version=1"); }},
-        Bad_File{"Newer", Reason::Newer_Version,
-                 [](const fs::path& file) { Make_And_Run(file, "PRAGMA user_version = 2"); }},
-        Bad_File{"Cut_In_The_Header", Reason::Not_A_Store,
-                 [](const fs::path& file) { Make_And_Cut(file, 50); }},
-        Bad_File{"Cut_In_The_First_Page", Reason::Damaged,
-                 [](const fs::path& file) { Make_And_Cut(file, 1000); }},
-        Bad_File{"Cut_In_Half", Reason::Damaged, [](const fs::path& file) { Make_And_Cut(file, 20000); }},
-        Bad_File{"No_Item_Table", Reason::Damaged,
-                 [](const fs::path& file) { Make_And_Run(file, "DROP TABLE item"); }},
-        Bad_File{"No_Index", Reason::Damaged,
-                 [](const fs::path& file) { Make_And_Run(file, "DROP INDEX item_by_position"); }},
-        Bad_File{"No_Identity", Reason::Damaged,
-                 [](const fs::path& file) { Make_And_Run(file, "DELETE FROM store"); }},
-        Bad_File{"Two_Top_Folders", Reason::Damaged,
-                 [](const fs::path& file) { Make_And_Run(file, "UPDATE folder SET parent = NULL"); }},
-        Bad_File{"No_Top_Folder", Reason::Damaged,
-                 [](const fs::path& file) { Make_And_Run(file, "UPDATE folder SET parent = 1"); }}),
+    testing::Values(Bad_File{"Missing", Reason::Missing, [](const fs::path&) {}},
+                    Bad_File{"Directory", Reason::Not_A_Store,
+                             [](const fs::path& file) { fs::create_directory(file); }},
+                    Bad_File{"Empty", Reason::Not_A_Store, Bytes("")},
+                    Bad_File{"Text", Reason::Not_A_Store, Bytes("From: you\n")},
+                    Bad_File{"Random", Reason::Not_A_Store, Bytes(Random_Bytes())},
+                    Bad_File{"Other_Database", Reason::Not_A_Store,
+                             [](const fs::path& file) {
+                               Run_Sql(file, "CREATE TABLE item (id); PRAGMA user_version = 1");
+                             }},
+                    Bad_File{"Newer", Reason::Newer_Version, After("PRAGMA user_version = 2")},
+                    Bad_File{"Cut_In_The_Header", Reason::Not_A_Store, Cut(50)},
+                    Bad_File{"Cut_In_The_First_Page", Reason::Damaged, Cut(1000)},
+                    Bad_File{"Cut_In_Half", Reason::Damaged, Cut(20000)},
+                    Bad_File{"No_Item_Table", Reason::Damaged, After("DROP TABLE item")},
+                    Bad_File{"No_Index", Reason::Damaged, After("DROP INDEX item_by_position")},
+                    Bad_File{"No_Identity", Reason::Damaged, After("DELETE FROM store")},
+                    Bad_File{"Two_Top_Folders", Reason::Damaged, After("UPDATE folder SET parent = NULL")},
+                    Bad_File{"No_Top_Folder", Reason::Damaged, After("UPDATE folder SET parent = 1")}),
     [](const auto& one) { return one.param.name; });
 
 // Not a scan: what lies on a damaged page may be found out only when it is read, but always by an error.

@@ -2,17 +2,20 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <sqlite3.h>
+#include <stdlib.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <iterator>
 #include <map>
 #include <memory>
 #include <sstream>
+#include <stdexcept>
 #include <string>
-#include <utility>
 
 #include "errors/automation_error.h"
 #include "stores/sqlite/embedded_store.h"
@@ -21,7 +24,11 @@ namespace tidyfold {
 
 class Temporary_Directory {
  public:
-  Temporary_Directory();
+  Temporary_Directory() {
+    std::string name = (std::filesystem::temp_directory_path() / "tidyfold-test-XXXXXX").string();
+    if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary directory: " + name);
+    path_ = name;
+  }
   Temporary_Directory(const Temporary_Directory&) = delete;
   Temporary_Directory& operator=(const Temporary_Directory&) = delete;
   ~Temporary_Directory() { std::filesystem::remove_all(path_); }
@@ -32,31 +39,82 @@ class Temporary_Directory {
   std::filesystem::path path_;
 };
 
+inline std::string Bytes_Of(const std::filesystem::path& file) {
+  std::ostringstream bytes;
+  bytes << std::ifstream(file, std::ios::binary).rdbuf();
+  return bytes.str();
+}
+
+inline void Write_Bytes(const std::filesystem::path& file, const std::string& bytes) {
+  std::ofstream(file, std::ios::binary) << bytes;
+}
+
 // Every file of a directory, name and bytes.
-std::map<std::string, std::string> All_Files(const std::filesystem::path& directory);
-std::string Bytes_Of(const std::filesystem::path& file);
-void Write_Bytes(const std::filesystem::path& file, const std::string& bytes);
+inline std::map<std::string, std::string> All_Files(const std::filesystem::path& directory) {
+  std::map<std::string, std::string> files;
+  for (const auto& entry : std::filesystem::directory_iterator(directory)) {
+    files[entry.path().filename().string()] = Bytes_Of(entry.path());
+  }
+  return files;
+}
 
 // By a connection of another program's.
-int Run_Sql(const std::filesystem::path& file, const std::string& sql);
+inline int Run_Sql(const std::filesystem::path& file, const std::string& sql,
+                   std::int64_t* number = nullptr) {
+  sqlite3* connection = nullptr;
+  sqlite3_open(file.c_str(), &connection);
+  const auto first_value = [](void* target, int, char** values, char**) {
+    if (target != nullptr) *static_cast<std::int64_t*>(target) = std::stoll(values[0]);
+    return 0;
+  };
+  const int code = sqlite3_exec(connection, sql.c_str(), first_value, number, nullptr);
+  sqlite3_close(connection);
+  return code;
+}
 
-std::int64_t Number_By_Sql(const std::filesystem::path& file, const std::string& sql);
+inline std::int64_t Number_By_Sql(const std::filesystem::path& file, const std::string& sql) {
+  std::int64_t number = -1;
+  EXPECT_EQ(Run_Sql(file, sql, &number), SQLITE_OK);
+  return number;
+}
 
 // Another process that has done some work and then does nothing more until it is killed: nothing of it is
 // closed or tidied up.
 class Other_Process {
  public:
   // Returns when `work` has ended.
-  explicit Other_Process(const std::function<int()>& work);
+  explicit Other_Process(const std::function<int()>& work) {
+    int ends[2];
+    if (pipe(ends) != 0) return;
+    process_ = fork();
+    if (process_ == 0) {
+      unsigned char result = 255;
+      try {
+        result = static_cast<unsigned char>(work());
+      } catch (...) {
+      }
+      if (write(ends[1], &result, 1) != 1) _exit(1);
+      for (;;) pause();
+    }
+    close(ends[1]);
+    unsigned char result = 0;
+    if (read(ends[0], &result, 1) == 1) result_ = result;
+    close(ends[0]);
+  }
   Other_Process(const Other_Process&) = delete;
   Other_Process& operator=(const Other_Process&) = delete;
   ~Other_Process() { Kill(); }
-  // What `work` returned; 255 after an exception.
+  // What `work` returned; 255 after an exception, -1 where it crashed.
   int Result() const { return result_; }
-  void Kill();
+  void Kill() {
+    if (process_ <= 0) return;
+    kill(process_, SIGKILL);
+    waitpid(process_, nullptr, 0);
+    process_ = -1;
+  }
 
  private:
-  int process_ = -1;
+  pid_t process_ = -1;
   int result_ = -1;
 };
 
@@ -64,13 +122,40 @@ inline int In_Killed_Process(const std::function<int()>& work) {
   return Other_Process(work).Result();
 }
 
-MAPIFolder_Ptr Folder_Named(Embedded_Store& store, const std::string& name);
+inline MAPIFolder_Ptr Folder_Named(Embedded_Store& store, const std::string& name) {
+  const auto folders = store.Top_Folder()->Folders();
+  for (std::int32_t i = 1; i <= folders->Count(); ++i) {
+    if (folders->Item(i)->Name() == name) return folders->Item(i);
+  }
+  throw std::runtime_error("no folder " + name);
+}
+
 // Adds `count` items with the subjects "1" and so on.
-void Add_Numbered(Embedded_Store& store, const std::string& folder, int count);
+inline void Add_Numbered(Embedded_Store& store, const std::string& folder, int count) {
+  const auto target = Folder_Named(store, folder);
+  store.Writer().Begin();
+  for (int number = 1; number <= count; ++number) {
+    New_Item item;
+    item.subject = std::to_string(number);
+    item.body = "Body of " + item.subject;
+    item.raw_message = "Subject: " + item.subject + "\r\n\r\n" + item.body;
+    item.attachments = {{"file.txt", number}};
+    store.Writer().Add_Item(*target, item);
+  }
+  store.Writer().Commit();
+}
+
 // Every subject, parted by blanks.
-std::string Subjects_Of(Embedded_Store& store, const std::string& folder);
+inline std::string Subjects_Of(Embedded_Store& store, const std::string& folder) {
+  std::string all;
+  const auto items = Folder_Named(store, folder)->Items();
+  for (std::int32_t i = 1; i <= items->Count(); ++i) all += (i > 1 ? " " : "") + items->Item(i)->Subject();
+  return all;
+}
 
 // A store with three items in its Inbox, closed.
-void Make_Small_Store(const std::filesystem::path& path);
+inline void Make_Small_Store(const std::filesystem::path& path) {
+  Add_Numbered(*Embedded_Store::Create(path, "Small"), "Inbox", 3);
+}
 
 }  // namespace tidyfold
