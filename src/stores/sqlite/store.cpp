@@ -26,7 +26,7 @@ constexpr std::int64_t items_per_clearing = 100;
 Store::Store(std::filesystem::path path, Store_Mode mode) : path_(std::move(path)), mode_(mode) {}
 
 Store::~Store() {
-  if (database_ == nullptr) return;
+  if (database_ == nullptr || mode_ == Store_Mode::Read_Only) return;
   try {
     if (writing_) Roll_Back();
     Commit_Pending();
