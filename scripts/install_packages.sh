@@ -21,6 +21,7 @@ to_build=(
   libutf8proc-dev      # case mapping
   libcli11-dev         # the command line
   nlohmann-json3-dev
+  fp-utils             # chmcmd, which compiles the help book
 )
 to_show=(
   adwaita-icon-theme   # icons
@@ -34,9 +35,7 @@ to_test=(
   python3              # the check of the includes
   xvfb                 # a screen for the window's tests
   openbox              # a window manager on it
-  xdotool              # hands: clicks and keys
-  x11-utils
-  imagemagick          # eyes: pictures of the window
+  xdotool              # clicks and keys
 )
 
 usage() { sed -n '2,8s/^# \{0,1\}//p' "$0"; }
