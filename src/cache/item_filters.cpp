@@ -60,11 +60,9 @@ bool Item_Filters::Check_Subject(std::string_view subject) {
     const std::string_view wanted = Trim_Right(window_.txtSelectSubject.Text());
     const std::string_view given = Trim_Right(subject);
     const bool word = window_.chkMatchWord.Checked();
-    const auto matches = [&](std::string_view text, std::string_view in) {
-      return word ? in == text : in.starts_with(text);
-    };
-    if (window_.chkMatchCase.Checked()) return matches(wanted, given);
-    return matches(Upper_Case(Trim(wanted)), Upper_Case(Trim(given)));
+    if (window_.chkMatchCase.Checked()) return word ? given == wanted : given.starts_with(wanted);
+    const std::string_view text = Trim(wanted), in = Trim(given);
+    return Begins_Ignoring_Case(in, text) && (!word || Begins_Ignoring_Case(text, in));
   });
 }
 

@@ -49,16 +49,6 @@ std::string Upper_Case(std::string_view text) {
   return upper;
 }
 
-std::string_view Trim_Right(std::string_view text) {
-  const auto last = text.find_last_not_of(' ');
-  return last == std::string_view::npos ? std::string_view{} : text.substr(0, last + 1);
-}
-
-std::string_view Trim(std::string_view text) {
-  const auto first = text.find_first_not_of(' ');
-  return first == std::string_view::npos ? std::string_view{} : Trim_Right(text.substr(first));
-}
-
 std::string_view First_Characters(std::string_view text, std::size_t count) {
   std::size_t at = 0;
   while (count > 0 && at < text.size()) {
@@ -66,6 +56,19 @@ std::string_view First_Characters(std::string_view text, std::size_t count) {
     --count;
   }
   return text.substr(0, at);
+}
+
+bool Begins_Ignoring_Case(std::string_view text, std::string_view beginning) {
+  std::size_t i = 0, j = 0;
+  while (j < beginning.size()) {
+    if (i >= text.size()) return false;
+    const auto a = Decode(text, i), b = Decode(beginning, j);
+    if (Upper(a.character) != Upper(b.character) || (a.character < 0 && text[i] != beginning[j]))
+      return false;
+    i += a.length;
+    j += b.length;
+  }
+  return true;
 }
 
 int Compare_Ignoring_Case(std::string_view left, std::string_view right) {

@@ -32,19 +32,9 @@ void Current_Error::Set(std::exception_ptr failure) {
 ErrorStack::ErrorStack(Message_Box& message_box, Current_Error& error)
     : message_box_(message_box), error_(error), entries_(static_cast<std::size_t>(capacity_)) {}
 
-StackEntry& ErrorStack::Next() {
-  if (capacity_ <= count_ + 1) {
-    entries_.resize(static_cast<std::size_t>(capacity_ + 10));
-    capacity_ += 10;
-  }
-  return entries_[static_cast<std::size_t>(count_++)];
-}
-
-void ErrorStack::PUSH(Literal label, std::int32_t kind) {
-  StackEntry& entry = Next();
-  entry.literal = label.Text();
-  if (!entry.text.empty()) entry.text.clear();
-  entry.Kind = kind;
+void ErrorStack::Enlarge() {
+  entries_.resize(static_cast<std::size_t>(capacity_ + 10));
+  capacity_ += 10;
 }
 
 void ErrorStack::Push_Text(std::string label, std::int32_t kind) {
@@ -52,10 +42,6 @@ void ErrorStack::Push_Text(std::string label, std::int32_t kind) {
   entry.literal = {};
   entry.text = std::move(label);
   entry.Kind = kind;
-}
-
-void ErrorStack::POP(std::int32_t n) {
-  if (n > 0) count_ = n < count_ ? count_ - n : 0;
 }
 
 const StackEntry& ErrorStack::Entry(std::int32_t index) const {

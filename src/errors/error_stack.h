@@ -50,13 +50,20 @@ class ErrorStack {
   ErrorStack(Message_Box& message_box, Current_Error& error);
 
   // Kind 1 marks work on folders or items that may disappear meanwhile; it changes the report's words.
-  void PUSH(Literal label, std::int32_t kind = 0);
+  void PUSH(Literal label, std::int32_t kind = 0) {
+    StackEntry& entry = Next();
+    entry.literal = label.Text();
+    if (!entry.text.empty()) entry.text.clear();
+    entry.Kind = kind;
+  }
   template <std::same_as<std::string> Text>
   void PUSH(Text label, std::int32_t kind = 0) {
     Push_Text(std::move(label), kind);
   }
   // Popping more than there is empties the stack.
-  void POP(std::int32_t n);
+  void POP(std::int32_t n) {
+    if (n > 0) count_ = n < count_ ? count_ - n : 0;
+  }
   void Clear() { count_ = 0; }
   // Shows the labels, outermost first.
   void DisplayStack() const;
@@ -69,7 +76,12 @@ class ErrorStack {
   const StackEntry& Entry(std::int32_t index) const;
 
  private:
-  StackEntry& Next();
+  // Here, with pushing and popping, because predicates that run a million times stand in it.
+  StackEntry& Next() {
+    if (capacity_ <= count_ + 1) Enlarge();
+    return entries_[static_cast<std::size_t>(count_++)];
+  }
+  void Enlarge();
   void Push_Text(std::string label, std::int32_t kind);
 
   Message_Box& message_box_;

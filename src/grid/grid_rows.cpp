@@ -146,7 +146,10 @@ void Grid_Rows::Mark_Or_Unmark_Filtered_Rows() {
   errors_.Run("Mark_Or_Unmark_Filtered_Rows", [&] {
     for (int row = 1; row < grid_.Rows(); ++row) {
       const GridRow& at = grid_.Row_At(row);
-      grid_.Set_Mark(row, filters_.Check_Filtered_Record(at.row_data, at.row_data, at.item));
+      const bool was_marked = at.marked;
+      const bool marked = filters_.Check_Filtered_Record(at.row_data, at.row_data, at.item);
+      if (marked == was_marked) continue;
+      grid_.Set_Mark(row, marked);
       Paint_Row(row);
     }
   });
