@@ -116,7 +116,9 @@ void Cleaning_Run::Rebuild_Window() {
     return;
   }
   const int selected = tree_.Selected_Item();
-  if (rows_.CurrentNodeIndex == 0) {
+  // The current folder may have gone, and a refused tick selects a folder without making it the current one;
+  // the rows belong to the folder that the label names.
+  if (rows_.CurrentNodeIndex != selected) {
     rows_.CurrentNodeIndex = selected;
     marking_.Fit_Columns_To_Folder(folder_tree_.Get_Node_Index(selected));
   }
