@@ -177,7 +177,7 @@ void App::Parts::Load_Interface() {
     interface_loading = false;
     if (!cache.AllFoldersCached || !window.frmRemoveItems.Loaded()) return;
     panes.Apply_Bars_If_Needed();
-    message_box.Show(all_folders_loaded);
+    message_box.Show("All Folders Loaded");
   });
 }
 

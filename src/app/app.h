@@ -14,9 +14,6 @@ namespace tidyfold {
 class FolderData_Array;
 struct Run_State;
 
-// Says that loading has come to its end; front ends that have nobody waiting for it need not show it.
-inline constexpr const char* all_folders_loaded = "All Folders Loaded";
-
 // Everything that the program does to one main window. All calls come from one thread; every handler may run
 // inside a yield of a longer one. The object must outlive the last of them: a front end destroys it only
 // after its event loop has unwound.
