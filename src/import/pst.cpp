@@ -43,8 +43,9 @@ void Check_Header(const fs::path& source) {
   const std::string header = file.Read(0, header_size);
   std::uint64_t length = header_size;
   if (header.size() == header_size) {
+    // PST, OST and PAB
     const std::string_view kind = std::string_view(header).substr(8, 2);
-    if (kind != "SM" && kind != "SO" && kind != "AB") {
+    if (kind != "SM" && kind != "SO" && kind != "BA") {
       throw Import_Error(source.string() +
                          ": the file begins like an Outlook data file, but its header is damaged." +
                          std::string(repair));
@@ -124,7 +125,26 @@ class Pst_Importer {
     }
     found = nullptr;
     if (libpff_file_get_root_folder(file_.get(), &found, error.Out()) != 1) Refuse("it has no folders");
-    return Pff_Item(found);
+    Pff_Item root(found);
+    Pff_Item top = Named_Top(found, 2);
+    return top ? std::move(top) : std::move(root);
+  }
+
+  // Offline files and address books may not say which folder is their top; then its name does.
+  static Pff_Item Named_Top(libpff_item_t* parent, int levels) {
+    Pff_Error error;
+    int count = 0;
+    Check_Pff(libpff_folder_get_number_of_sub_folders(parent, &count, error.Out()), error);
+    for (int i = 0; i < count; ++i) {
+      libpff_item_t* found = nullptr;
+      if (libpff_folder_get_sub_folder(parent, i, &found, error.Out()) != 1) continue;
+      Pff_Item child(found);
+      const std::string name = Pst_Properties(found).Text(pst_property::display_name);
+      if (name.starts_with("Top of ") || name == "IPM_SUBTREE") return child;
+      if (levels == 1) continue;
+      if (Pff_Item below = Named_Top(found, levels - 1)) return below;
+    }
+    return nullptr;
   }
 
   // Parents before children, without what Outlook does not show in its tree.

@@ -94,6 +94,30 @@ TEST_F(Pst_Test, Calendar_And_Contacts) {
   EXPECT_DOUBLE_EQ(Item(4).end, Day(38218, 15, 30));
 }
 
+// The header's checksum: that of PNG and zip, begun with 0 and left as it is.
+std::string Checksum(std::string_view bytes) {
+  std::uint32_t sum = 0;
+  for (const char byte : bytes) {
+    sum ^= static_cast<unsigned char>(byte);
+    for (int bit = 0; bit < 8; ++bit) sum = (sum >> 1) ^ ((sum & 1) != 0 ? 0xEDB88320U : 0U);
+  }
+  std::string little_endian;
+  for (int i = 0; i < 4; ++i) little_endian += static_cast<char>(sum >> (8 * i) & 0xFF);
+  return little_endian;
+}
+
+TEST_F(Pst_Test, Offline_Files_And_Address_Books) {
+  SHARED_FILE_OR_SKIP(source, "dist-list.pst");
+  for (const char* kind : {"SO", "BA"}) {
+    std::string content = Content_Of(source);
+    content.replace(8, 2, kind);
+    content.replace(4, 4, Checksum(std::string_view(content).substr(8, 471)));
+    content.replace(524, 4, Checksum(std::string_view(content).substr(8, 516)));
+    EXPECT_EQ(Import(Write("other", content)).imported, 3) << kind;
+  }
+  EXPECT_EQ(Items_In({"Contacts"}), 4);
+}
+
 TEST_F(Pst_Test, Posts_And_Those_In_The_Top_Folder) {
   SHARED_FILE_OR_SKIP(source, "test_unicode.pst");
   EXPECT_EQ(Import(source).found, 2);
