@@ -52,7 +52,7 @@ void Folder_Tree::Build_Folder_Tree() {
       // What lies below can be cleaned though the top folder does not answer.
       errors_.Run("Build_Folder_Tree - Configure Root Node", [&] {
         tree_.Set_Text(root, top->Name());
-        records_[root].Loaded = top->Items()->Count() == 0;
+        records_[root].Loaded = Own_Item_Count(root) == 0;
       });
       procedure.Step("Build_Folder_Tree - Get Root Folder's Folders");
       children = top->Folders();

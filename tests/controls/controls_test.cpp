@@ -1,0 +1,173 @@
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "controls/dates.h"
+#include "controls/flex_grid.h"
+#include "controls/text.h"
+#include "controls/tree_view.h"
+#include "controls/widgets.h"
+
+namespace tidyfold {
+namespace {
+
+TEST(Text, Upper_Case_Maps_One_Character_To_One) {
+  EXPECT_EQ(Upper_Case("Grüße an ŷ, дом, ŉ"), "GRÜẞE AN Ŷ, ДОМ, ŉ");
+  EXPECT_EQ(Upper_Case("a\xFF\xC3z"), "A\xFF\xC3Z") << "what is no UTF-8 stays";
+}
+
+TEST(Text, Trims_Blanks_Only) {
+  EXPECT_EQ(Trim("  \ta b\r\n  "), "\ta b\r\n");
+  EXPECT_EQ(Trim("   "), "");
+  EXPECT_EQ(Trim_Right("  a  "), "  a");
+}
+
+TEST(Text, First_Characters_Cuts_None_In_Half) {
+  EXPECT_EQ(First_Characters("äöü€𝄞x", 5), "äöü€𝄞");
+  EXPECT_EQ(First_Characters("ab\xE2\x82", 3), "ab\xE2");
+  EXPECT_EQ(First_Characters("ab", 20), "ab");
+  EXPECT_EQ(Valid_Utf8("a\xE2\x82ö"), "a\xEF\xBF\xBD\xEF\xBF\xBDö");
+}
+
+TEST(Text, Beginnings_Without_Case_Are_Those_Of_The_Upper_Cases) {
+  for (const std::string text : {"", "Re", "RE: x", "Ärger", "ärger",
+                                 "\xFF"
+                                 "a",
+                                 "\xFE"
+                                 "a",
+                                 "a\xC3"}) {
+    for (const std::string beginning : {"", "re", "ÄR", "\xFF",
+                                        "\xFE"
+                                        "A",
+                                        "A\xC3", "re: xy"}) {
+      EXPECT_EQ(Begins_Ignoring_Case(text, beginning), Upper_Case(text).starts_with(Upper_Case(beginning)))
+          << text << " begins with " << beginning;
+    }
+  }
+}
+
+TEST(Dates, Are_Written_And_Read_Alike) {
+  for (const auto& [day, text] : {std::pair<Date, const char*>{0, "1899-12-30"},
+                                  {36526.75, "2000-01-01"},
+                                  {-0.25, "1899-12-29"},
+                                  {949998, "4501-01-01"},
+                                  {2958465, "9999-12-31"}}) {
+    EXPECT_EQ(Format_Date(day), text);
+    EXPECT_EQ(Parse_Date(text), std::floor(day));
+  }
+  for (const Date none : {1e300, -1e300, std::numeric_limits<Date>::quiet_NaN(), 2958466.0})
+    EXPECT_EQ(Format_Date(none), "");
+  for (const char* none : {"", "2003-02-29", "2003-13-01", "2003-1-01", "2003-01-01 ", "+003-01-01"})
+    EXPECT_EQ(Parse_Date(none), std::nullopt) << none;
+}
+
+// Texts by item number.
+class Cells : public Cell_Source {
+ public:
+  std::string Cell_Text(const GridRow& row, int) const override {
+    return texts.at(static_cast<std::size_t>(row.item - 1));
+  }
+  std::string_view Sort_Text(const GridRow& row, int column, std::string& room) const override {
+    return room = Cell_Text(row, column);
+  }
+  std::vector<std::string> texts;
+};
+
+class Grid_Model : public testing::Test {
+ protected:
+  Grid_Model() {
+    grid_.cells = &cells_;
+    grid_.Set_Cols(3);
+  }
+  void Add(std::initializer_list<const char*> texts) {
+    for (const char* text : texts) {
+      cells_.texts.emplace_back(text);
+      GridRow row;
+      row.row_data = 1;
+      row.item = static_cast<std::int32_t>(cells_.texts.size());
+      grid_.Add_Item(row);
+    }
+  }
+  std::string Order() const {
+    std::string order;
+    for (int row = 1; row < grid_.Rows(); ++row) order += std::to_string(grid_.Row_At(row).item);
+    return order;
+  }
+  Cells cells_;
+  FlexGrid grid_{"grdItems"};
+};
+
+TEST_F(Grid_Model, Sorts_By_Bytes_And_Keeps_Equal_Rows_In_Order) {
+  Add({"same beginning b", "B", "a", "same beginning a", "a", "", "ä", "same beg"});
+  grid_.Sort(2, Sort_Mode::String_Ascending);
+  EXPECT_EQ(Order(), "62358417");
+  const std::uint64_t version = grid_.Row_Version();
+  grid_.Sort(2, Sort_Mode::String_Ascending);
+  EXPECT_EQ(grid_.Row_Version(), version) << "what is in order does not move";
+  grid_.Sort(2, Sort_Mode::String_Descending);
+  EXPECT_EQ(Order(), "71483526") << "rows 3 and 5 stay as they were";
+  EXPECT_FALSE(grid_.Sorted_Ascending());
+}
+
+TEST_F(Grid_Model, Counts_Marks_And_Forgets_A_Current_Row_That_Went) {
+  Add({"a", "b", "c", "d"});
+  for (const int row : {2, 3, 4}) grid_.Set_Mark(row, true);
+  grid_.Set_Row(4);
+  grid_.Remove_Rows_If([](const GridRow& row) { return row.item == 3; });
+  EXPECT_EQ(grid_.Marked_Rows(), 2);
+  EXPECT_EQ(grid_.Row(), 0);
+  EXPECT_EQ(Order(), "124");
+  grid_.Set_Rows(3);
+  EXPECT_EQ(grid_.Marked_Rows(), 1);
+  EXPECT_EQ(grid_.TextMatrix(2, 1) + grid_.TextMatrix(1, 1) + grid_.TextMatrix(2, 2), "10b");
+}
+
+TEST_F(Grid_Model, Tells_Nothing_While_Redraw_Is_Off_And_Everything_At_Once_Afterwards) {
+  int told = 0;
+  grid_.changed = [&] { ++told; };
+  grid_.Set_Redraw(false);
+  grid_.Set_Capacity(3);
+  Add({"a", "b", "c"});
+  EXPECT_EQ(grid_.Rows(), 3) << "the header counts";
+  EXPECT_EQ(told, 0);
+  grid_.Set_Redraw(true);
+  grid_.Set_Redraw(true);
+  EXPECT_EQ(told, 1);
+}
+
+TEST(Row_Keys, Grow_Beyond_Their_Digits) {
+  EXPECT_EQ(Row_Key(5, 123), "005-00123");
+  EXPECT_EQ(Row_Key(12, -1), "012");
+  EXPECT_EQ(Row_Key(1234, 123456), "1234-123456");
+}
+
+TEST(Tree, Sorts_Children_Ignoring_Case_And_Never_Reuses_An_Index) {
+  TreeView tree{"trvFolders"};
+  const int root = tree.Add(0, "OUTLOOK", "Outlook");
+  tree.Set_Sorted(root, true);
+  const int b = tree.Add(root, "kb", "b - (3)"), a = tree.Add(root, "ka", "A"), c = tree.Add(root, "kc", "C"),
+            second_b = tree.Add(root, "kb2", "B");
+  EXPECT_EQ(tree.Child(root), a);
+  EXPECT_EQ(tree.Next(a), second_b) << "a bare name stands before one with a count";
+  EXPECT_EQ(tree.Next(second_b), b);
+  const int below = tree.Add(b, "kx", "x");
+  tree.Set_Selected_Item(below);
+  tree.Remove(b);
+  EXPECT_EQ(tree.Selected_Item(), root);
+  EXPECT_EQ(tree.Next(second_b), c);
+  EXPECT_EQ(tree.Children(root), 3);
+  EXPECT_FALSE(tree.Exists(b) || tree.Exists(below) || tree.Find_Key("kx") != 0);
+  EXPECT_EQ(tree.Add(root, "kd", "d"), 7);
+  EXPECT_THROW(tree.Text(b), std::out_of_range);
+}
+
+TEST(Check_Boxes, Run_Their_Click_For_Changes_Only) {
+  CheckBox box{"chkTurbo"};
+  int clicks = 0;
+  box.Click = [&] { ++clicks; };
+  for (const int value : {1, 1, 0}) box.Set_Value(value);
+  EXPECT_EQ(clicks, 2);
+}
+
+}  // namespace
+}  // namespace tidyfold

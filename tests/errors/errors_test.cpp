@@ -1,0 +1,157 @@
+#include <gtest/gtest.h>
+
+#include <new>
+#include <stdexcept>
+
+#include "doubles/scripted_message_box.h"
+#include "errors/automation_error.h"
+#include "errors/procedure.h"
+
+namespace tidyfold {
+namespace {
+
+class Errors : public testing::Test {
+ protected:
+  Errors() { handler_.Trap_Errors = true; }
+  void Expect_Report(const std::string& text, const std::string& stack) {
+    box_.Expect(Exact(text), Buttons::OK_Only, Answer::OK);
+    box_.Expect(Exact(stack), Buttons::OK_Only, Answer::OK);
+  }
+  [[noreturn]] static void Fail() {
+    throw Automation_Error(automation_error::not_found, "Not found.", "Store");
+  }
+  static std::string Rest(const std::string& trap, const std::string& location) {
+    return "Source:    \tStore\r\nTrap:      \t\t" + trap +
+           (location.empty() ? "" : "\r\nLocation:  \t" + location) +
+           "\r\nDescripton:\tNot found.\r\nNumber:    \t-2147221233";
+  }
+  const std::string support_ = "Tidyfold Support (support@tidyfold.example)\r\n\r\n";
+  Scripted_Message_Box box_;
+  Error_Handler handler_{box_};
+  ErrorStack& stack_ = handler_.stack;
+};
+
+TEST_F(Errors, The_Stack_Grows_One_Push_Early_And_Never_Shrinks) {
+  for (const auto& [pushes, capacity] : {std::pair{9, 10}, {10, 20}, {19, 20}, {20, 30}}) {
+    while (stack_.Count() < pushes) stack_.PUSH("label");
+    EXPECT_EQ(stack_.Capacity(), capacity) << pushes;
+  }
+  for (const auto& [n, left] : {std::pair{0, 20}, {-1, 20}, {18, 2}, {5, 0}, {1, 0}}) {
+    stack_.POP(n);
+    EXPECT_EQ(stack_.Count(), left) << n;
+  }
+  EXPECT_EQ(stack_.Capacity(), 30);
+}
+
+TEST_F(Errors, A_Label_Made_At_Run_Time_Leaves_Nothing_To_The_Literal_After_It) {
+  stack_.PUSH(std::string("made"));
+  stack_.POP(1);
+  stack_.PUSH("literal");
+  EXPECT_EQ(stack_.Entry(1).Label(), "literal");
+  EXPECT_THROW(stack_.Entry(2), std::out_of_range);
+}
+
+TEST_F(Errors, A_Failure_Is_Reported_With_Its_Step_And_The_Callers_Go_On) {
+  Expect_Report(
+      "An error has occurred.\r\n\r\n"
+      "Please note the following Source, Location and Description and notify\r\n" +
+          support_ + Rest("Inner", "Inner - Step"),
+      "\r\nOuter\r\nInner\r\nInner - Step");
+  Expect_Report(
+      "An un-referenced error has occurred.\r\n\r\n"
+      "Please note the following Source and Description and notify\r\n" +
+          support_ + Rest("Outer", ""),
+      "");
+  bool went_on = false;
+  const int result = handler_.Run("Outer", [&] {
+    EXPECT_FALSE(handler_.Run("Inner", [&](Procedure& procedure) {
+      procedure.Step("Inner - First");
+      procedure.Step("Inner - Step");
+      Fail();
+      return true;
+    }));
+    went_on = true;
+    // The stack was emptied: this failure stands without a reference.
+    Fail();
+    return 5;
+  });
+  EXPECT_TRUE(went_on);
+  EXPECT_EQ(result, 0);
+  EXPECT_EQ(stack_.Count(), 0);
+  EXPECT_EQ(handler_.error.Number, 0);
+  EXPECT_EQ(box_.Boxes()[0].icon, Icon::Critical);
+  EXPECT_EQ(box_.Boxes()[0].title, "Tidyfold");
+  EXPECT_EQ(box_.Boxes()[1].icon, Icon::None);
+}
+
+TEST_F(Errors, Work_On_What_May_Disappear_Is_Reported_As_Such) {
+  Expect_Report(
+      "An error has occurred.\r\n\r\n"
+      "A folder or item may have been deleted during processing.\r\n"
+      "The folder tree will be refreshed then please try again.\r\n\r\n" +
+          Rest("A", "A - step"),
+      "\r\nA\r\nA - step");
+  handler_.Run("A", [](Procedure& procedure) {
+    procedure.Step("A - step", 1);
+    Fail();
+  });
+}
+
+TEST_F(Errors, Nothing_That_Is_Thrown_Is_Lost) {
+  const std::pair<std::function<void()>, const char*> failures[] = {
+      {[] { throw std::bad_alloc(); }, "Descripton:\tOut of memory\r\nNumber:    \t7"},
+      {[] { throw std::overflow_error("Too much"); }, "Descripton:\tToo much\r\nNumber:    \t6"},
+      {[] { throw std::out_of_range("No such row"); }, "Descripton:\tNo such row\r\nNumber:    \t440"},
+      {[] { throw 1; }, "Descripton:\tAutomation error\r\nNumber:    \t440"}};
+  for (const auto& [failure, text] : failures) {
+    box_.Expect(text, Buttons::OK_Only, Answer::OK);
+    box_.Expect("Procedure", Buttons::OK_Only, Answer::OK);
+    handler_.Run(std::string("Procedure"), [&failure = failure] { failure(); });
+  }
+}
+
+TEST_F(Errors, Untrapped_A_Failure_Travels_To_The_Caller) {
+  handler_.Trap_Errors = false;
+  EXPECT_THROW(handler_.Run("Inner", [] { Fail(); }), Automation_Error);
+}
+
+TEST_F(Errors, What_A_Procedure_Pushed_It_Pops) {
+  stack_.PUSH("Outer");
+  handler_.Run("Inner", [&](Procedure& procedure) {
+    procedure.Step(std::string("Inner - a"));
+    EXPECT_FALSE(handler_.Try([] { Fail(); }));
+    EXPECT_EQ(handler_.error.Description, "Not found.");
+    EXPECT_TRUE(handler_.Try([] {}));
+    EXPECT_EQ(handler_.error.Number, 0);
+    procedure.Step("Inner - b");
+    EXPECT_EQ(stack_.Count(), 3);
+  });
+  EXPECT_EQ(stack_.Count(), 1);
+}
+
+TEST_F(Errors, Of_Many_Failures_The_First_Is_Let_Through) {
+  bool reported = false;
+  EXPECT_TRUE(handler_.Report_First(reported, [] {}));
+  EXPECT_THROW(handler_.Report_First(reported, [] { Fail(); }), Automation_Error);
+  EXPECT_FALSE(handler_.Report_First(reported, [] { Fail(); }));
+}
+
+TEST_F(Errors, Single_Items_Are_Reported_Until_The_Person_Has_Had_Enough) {
+  const std::string text =
+      "An processing error has occurred.\r\n\r\nThe following item could not be processed:\r\n"
+      "  Source:    \tStore\r\n  Process:   \tTurbo Delete - Unable to delete item\r\n"
+      "  Item:      \tFolder - Inbox\r\n  Descripton:\tNot found.\r\n  Number:    \t-2147221233\r\n\r\n"
+      "Suppress further messages?";
+  box_.Expect(Exact(text), Buttons::Yes_No, Answer::No);
+  box_.Expect(Exact(text), Buttons::Yes_No, Answer::Yes);
+  handler_.Try([] { Fail(); });
+  ProcessError process_error = handler_.Make_Process_Error();
+  for (int i = 0; i < 4; ++i)
+    process_error.DisplayProcessingError("Turbo Delete - Unable to delete item", "Folder - Inbox");
+  EXPECT_TRUE(process_error.SuppressMessages);
+  EXPECT_NE(handler_.error.Number, 0) << "the current error is the caller's to clear";
+  EXPECT_FALSE(handler_.Make_Process_Error().SuppressMessages);
+}
+
+}  // namespace
+}  // namespace tidyfold

@@ -1,0 +1,233 @@
+#include "doubles/core_window.h"
+
+namespace tidyfold {
+namespace {
+
+class Session : public Core_Window {};
+
+TEST_F(Session, Attaches_Or_Starts_And_Says_Which_Failed) {
+  struct Case {
+    bool running, startable, namespace_available, debug;
+    std::vector<const char*> messages;
+    int created;
+  };
+  for (const Case& c :
+       {Case{true, false, true, true, {}, 0}, Case{false, true, true, false, {}, 1},
+        Case{false, true, true, true, {"GetObject() Did Not Work"}, 1},
+        Case{false, false, true, false, {"Unable to initialize Outlook.  Please try again."}, 1},
+        Case{true, true, false, false, {"Unable to initialize Outlook Namespace.  Please try again."}, 0}}) {
+    outlook.running = c.running;
+    outlook.startable = c.startable;
+    outlook.namespace_available = c.namespace_available;
+    outlook.create_object_calls = 0;
+    session.debug = c.debug;
+    for (const char* message : c.messages) box.Expect(Exact(message), Buttons::OK_Only, Answer::OK);
+    window.frmMessageBox.Show();
+    const bool started = session.Start_Outlook();
+    EXPECT_EQ(started, c.namespace_available && (c.running || c.startable));
+    EXPECT_EQ(session.name_space != nullptr, started);
+    EXPECT_EQ(outlook.create_object_calls, c.created);
+    EXPECT_EQ(window.frmMessageBox.Loaded(), c.namespace_available);
+    EXPECT_EQ(window.lblMessage.Caption(), "Initializing Outlook.\r\n\r\nPlease wait ...");
+    box.Verify();
+  }
+}
+
+class Tree : public Core_Window {
+ protected:
+  // Every node as its caption, children in brackets.
+  std::string Picture(int node = 1) const {
+    std::string picture = tree.Text(node);
+    for (int child = tree.Child(node); child != 0; child = tree.Next(child))
+      picture += (child == tree.Child(node) ? "[" : ", ") + Picture(child);
+    return picture + (tree.Child(node) == 0 ? "" : "]");
+  }
+  Memory_Store& Small_Store(const char* name) {
+    Memory_Store& made = outlook.Add_Store(name, Memory_Outlook::Default_Folders::None);
+    const MAPIFolder_Ptr b = made.Add_Folder(*made.Top_Folder(), "b", 0);
+    made.Add_Folder(*made.Top_Folder(), "A", 0);
+    made.Add_Folder(*b, "c", 0);
+    made.Add_Item(*b, {});
+    return made;
+  }
+};
+
+TEST_F(Tree, One_Store_Is_The_Root) {
+  Add_Items(store.Folder({"Inbox"}), 3);
+  Build();
+  EXPECT_EQ(tree.Text(1), "Personal - (3)");
+  EXPECT_EQ(tree.Key(1), "OUTLOOK");
+  EXPECT_TRUE(records[1].Loaded && tree.Fore_Colour(1) == loaded_colour) << "it holds no items of its own";
+  EXPECT_EQ(tree.Fore_Colour(Node("Inbox")), unloaded_colour);
+  EXPECT_EQ(tree.Text(tree.Child(1)), "Calendar - (0)") << "sorted";
+  EXPECT_EQ(tree.Count(), 11);
+  EXPECT_FALSE(folder_tree.TopLevelIsRoot);
+  for (int node = 1; node <= tree.Upper_Bound(); ++node) EXPECT_EQ(tree.Node_Tag(node), std::to_string(node));
+  EXPECT_FALSE(tree.Visible());
+  EXPECT_EQ(window.lblMessage.Caption(), "Building Folder Tree.\r\n\r\nPlease wait ...");
+}
+
+TEST_F(Tree, Several_Stores_Hang_Below_A_Root_That_Is_No_Folder) {
+  Small_Store("Zoo");
+  Small_Store("Archive");
+  Build();
+  const std::string zoo = " - (1)[A - (0), b - (1)[c - (0)]]";
+  EXPECT_EQ(Picture().substr(0, 24), "Outlook - (2)[Personal -");
+  EXPECT_TRUE(Picture().ends_with(", Zoo" + zoo + ", Archive" + zoo + "]")) << Picture();
+  EXPECT_TRUE(folder_tree.TopLevelIsRoot && records[1].Loaded && records[1].Folder == nullptr);
+  // EntryIDs start anew in every store; only the StoreID tells them apart.
+  const int in_zoo = Node("Zoo"), in_archive = Node("Archive");
+  EXPECT_EQ(records[in_zoo].Folder->EntryID(), records[in_archive].Folder->EntryID());
+  EXPECT_EQ(tree.Key(in_zoo), "-:::-" + records[in_zoo].Folder->EntryID() + "-:::-STORE2");
+  EXPECT_NE(tree.Key(in_zoo), tree.Key(in_archive));
+
+  EXPECT_EQ(records[Node("Inbox")].DeletedItemsIndex, Node("Deleted Items"));
+  EXPECT_EQ(records[Node("Personal")].DeletedItemsIndex, Node("Deleted Items"));
+  EXPECT_EQ(records[Node("c")].DeletedItemsIndex, 0) << "a store without one";
+}
+
+TEST_F(Session, No_Store_Leaves_The_Root_Alone) {
+  Memory_Outlook empty;
+  Outlook_Session none{empty, window, box, errors};
+  none.Start_Outlook();
+  Folder_Tree bare{window, records, none, box, events, errors};
+  bare.Build_Folder_Tree();
+  EXPECT_EQ(tree.Count(), 1);
+  EXPECT_EQ(tree.Text(1), "Outlook - (0)");
+  EXPECT_TRUE(records[1].Loaded);
+  box.Expect(Exact("Error assigning startup folder"), Buttons::OK_Only, Answer::OK);
+  bare.Set_Start_Folder();
+  EXPECT_EQ(tree.Selected_Item(), 0);
+}
+
+TEST_F(Tree, Captions_Count_What_A_Collapsed_Node_Hides) {
+  const MAPIFolder_Ptr inbox = store.Folder({"Inbox"});
+  const MAPIFolder_Ptr below = store.Add_Folder(*inbox, "Below", 0);
+  Add_Items(inbox, 2);
+  Add_Items(below, 5);
+  Build();
+  const int node = Node("Inbox"), child = Node("Below");
+  struct Case {
+    bool checked, child_checked, expanded, bold;
+    const char* text;
+  };
+  for (const Case& c :
+       {Case{false, false, false, false, "Inbox - (7)"}, Case{true, false, false, true, "Inbox - (2)"},
+        Case{true, true, false, true, "Inbox - (7)"}, Case{false, true, false, true, "Inbox - (5)"},
+        Case{false, true, true, false, "Inbox - (2)"}, Case{true, true, true, true, "Inbox - (2)"}}) {
+    tree.Set_Checked(node, c.checked);
+    tree.Set_Checked(child, c.child_checked);
+    tree.Set_Expanded(node, c.expanded);
+    folder_tree.Set_Node_Text(node);
+    EXPECT_EQ(tree.Text(node), c.text);
+    EXPECT_EQ(tree.Bold(node), c.bold) << c.text;
+  }
+}
+
+TEST_F(Tree, Starts_At_The_Inbox) {
+  Build();
+  folder_tree.Set_Start_Folder();
+  EXPECT_EQ(tree.Selected_Item(), Node("Inbox"));
+  EXPECT_EQ(labelled, Node("Inbox"));
+  EXPECT_TRUE(tree.Expanded(1));
+}
+
+TEST_F(Tree, Default_And_Deleted_Items_Folders_Go_By_Name_Alone) {
+  const MAPIFolder_Ptr deeper = store.Add_Folder(*store.Folder({"Notes"}), "Deleted Items", 0);
+  const MAPIFolder_Ptr lower_case = store.Add_Folder(*deeper, "inbox", 0);
+  Build();
+  EXPECT_TRUE(folder_tree.Check_Default_Folder(deeper));
+  EXPECT_FALSE(folder_tree.Check_Default_Folder(lower_case));
+  EXPECT_FALSE(folder_tree.Check_Default_Folder(nullptr));
+  const int top = Node("Deleted Items"), nested = tree.Child(Node("Notes"));
+  EXPECT_EQ(records[nested].DeletedItemsIndex, top) << "the store's own is at its top level";
+  EXPECT_EQ(tree.Parent(top), 1);
+  for (const auto& [node, is_one] :
+       {std::pair{top, true}, {nested, true}, {Node("inbox"), false}, {1, false}}) {
+    EXPECT_EQ(deleted_items.Is_Deleted_Items_Folder(node), is_one);
+    tree.Set_Checked(node, true);
+    EXPECT_EQ(deleted_items.Allow_Deleted_Items_Folder(node), !is_one);
+    tree.Set_Checked(node, false);
+    EXPECT_TRUE(deleted_items.Allow_Deleted_Items_Folder(node));
+  }
+  window.chkPermanentDelete.Set_Value(1);
+  tree.Set_Checked(top, true);
+  EXPECT_TRUE(deleted_items.Allow_Deleted_Items_Folder(top));
+
+  plan.Fail_Always("MAPIFolder.Name", fault);
+  Expect_Report("Check_Default_Folder");
+  EXPECT_TRUE(folder_tree.Check_Default_Folder(records[Node("inbox")].Folder)) << "the safe answer";
+}
+
+// One call of each kind fails: one report, and all that does not hang on that call is in the tree.
+TEST_F(Tree, A_Failing_Call_Costs_One_Report_And_No_Sibling) {
+  session.Start_Outlook();
+  const MAPIFolder_Ptr inbox = store.Folder({"Inbox"});
+  for (const char* name : {"x", "y"}) store.Add_Folder(*inbox, name, 0);
+  struct Case {
+    const char* member;
+    int number, missing;
+    const char* location;
+  };
+  for (const Case& c :
+       {Case{"MAPIFolder.EntryID", 3, 0, nullptr}, Case{"Folders.Item", 3, 3, "Process all sub-Folders"},
+        Case{"Folders.Item", 4, 1, "Add_Tree_Node - Processing Children"},
+        Case{"MAPIFolder.Name", 2, 1, "Add_Tree_Node - Creating Node"},
+        Case{"MAPIFolder.Name", 1, 0, "Build_Folder_Tree - Configure Root Node"},
+        Case{"Items.Count", 1, 0, "Build_Folder_Tree - Configure Root Node"},
+        Case{"Items.Count", 2, 0, "Get_Folder_Item_Count"},
+        Case{"MAPIFolder.Folders", 3, 2, "Add_Tree_Node - Setting Folder Collection"},
+        Case{"Folders.Count", 4, 2, "Add_Tree_Node - Processing Children"}}) {
+    plan.Forget_Faults();
+    plan.Fail_Call(c.member, c.number, fault);
+    if (c.location != nullptr) Expect_Report(c.location);
+    folder_tree.Build_Folder_Tree();
+    EXPECT_EQ(tree.Count(), 13 - c.missing) << c.member << " " << c.number;
+    EXPECT_EQ(records.Upper_Bound(), tree.Upper_Bound());
+    EXPECT_EQ(errors.stack.Count(), 0);
+    box.Verify();
+  }
+}
+
+TEST_F(Tree, A_Call_That_Always_Fails_Costs_One_Report) {
+  session.Start_Outlook();
+  for (const char* member : {"Folders.Item", "Folders.Count", "MAPIFolder.Folders", "Items.Count"}) {
+    plan.Forget_Faults();
+    const int before = plan.Calls(member);
+    plan.Fail_Where(
+        [&](const Store_Call& call) { return call.member == member && plan.Calls(member) > before + 1; },
+        fault);
+    Expect_Report("Planned.");
+    folder_tree.Build_Folder_Tree();
+    EXPECT_GE(tree.Count(), 1) << member;
+    box.Verify();
+  }
+}
+
+TEST_F(Tree, A_Report_Of_A_Count_May_Rebuild_The_Tree_Under_The_Caption) {
+  Build();
+  plan.Fail_Call("Items.Count", 1, fault);
+  box.Expect("Planned.", Buttons::OK_Only, Answer::OK, [&] { Build(); });
+  box.Expect("", Buttons::OK_Only, Answer::OK);
+  folder_tree.Set_Node_Text(Node("Tasks"));
+  EXPECT_EQ(tree.Text(Node("Tasks")), "Tasks - (0)");
+}
+
+TEST_F(Tree, Goes_A_Thousand_Deep_And_Loses_A_Branch_Whole) {
+  MAPIFolder_Ptr at = store.Folder({"Tasks"});
+  for (int depth = 1; depth <= 1000; ++depth) at = store.Add_Folder(*at, "d" + std::to_string(depth), 0);
+  Add_Items(at, 1);
+  Build();
+  EXPECT_EQ(tree.Count(), 1011);
+  EXPECT_EQ(tree.Text(1), "Personal - (1)");
+  EXPECT_EQ(records[Node("d1000")].DeletedItemsIndex, Node("Deleted Items"));
+  const int gone = Node("d1"), wastebasket = Node("Deleted Items");
+  folder_tree.Remove_Folder_Node(gone);
+  EXPECT_EQ(tree.Count(), 11);
+  EXPECT_TRUE(records[gone + 500].Folder == nullptr && records[gone + 500].Loaded);
+  folder_tree.Remove_Folder_Node(wastebasket);
+  EXPECT_EQ(records[Node("Inbox")].DeletedItemsIndex, 0);
+}
+
+}  // namespace
+}  // namespace tidyfold
