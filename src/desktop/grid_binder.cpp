@@ -122,7 +122,8 @@ void Grid_Binder::Show_Row_Count() {
 
 void Grid_Binder::Show_Columns() {
   shown_columns_ = model_.Column_Version();
-  wxGridUpdateLocker freeze(&widget_);
+  const wxGridUpdateLocker freeze(&widget_);
+  widget_.UnsetSortingColumn();  // the one that bears the mark may go
   table_->Set_Columns(std::max(model_.Cols() - FlexGrid::first_item_column, 0));
   for (int column = 0; column < table_->GetNumberCols(); ++column) {
     const int width = scale_.Pixels(model_.Column_Width(Grid_Table::Model_Column(column)));

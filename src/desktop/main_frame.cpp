@@ -25,7 +25,7 @@ namespace {
 // Unscaled pixels. Title, menu and status bar of common desktops take less than this of the screen's height.
 constexpr int reserved_height = 90;
 constexpr int smallest_width = 480, smallest_height = 320;
-// Where the screen has the room, the window opens wider than it was designed; the program lays it out anew.
+// Where the screen has the room, the window opens larger than it was designed; start-up lays the panes out.
 constexpr int comfortable_width = 1200, comfortable_height = 740;
 
 }  // namespace
@@ -52,6 +52,7 @@ Main_Frame::Main_Frame(MainWindow& model, Repaint_Schedule& schedule, File_Comma
   size.DecTo(wxSize(screen.width, screen.height - FromDIP(reserved_height)));
   SetClientSize(size);
   Centre();
+  Tell_Size(size);
 
   model_.frmRemoveItems.changed = [this] { Show_Form(); };
   Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
@@ -204,7 +205,7 @@ void Main_Frame::Tell_Size(const wxSize& client) {
 }
 
 void Main_Frame::Take_Size() {
-  // Before the program lays the window out itself, the designed size stands.
+  // Before there is anyone to lay the panes out, they and the window stay as they are.
   if (!model_.frmRemoveItems.Resize || IsIconized()) return;
   const wxSize client = GetClientSize();
   if (client == Client_Size_Of_Model()) return;

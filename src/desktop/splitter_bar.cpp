@@ -55,13 +55,17 @@ void Splitter_Bar::Paint(wxPaintEvent&) {
 
 Splitter_Bar_Binder::Splitter_Bar_Binder(PictureBox& model, Splitter_Bar& widget, const Scale& scale)
     : Control_Binder(model, widget), model_(model), widget_(widget), scale_(scale) {
-  widget_.Bind(wxEVT_LEFT_DOWN, [this](wxMouseEvent& event) {
-    widget_.SetFocus();
-    widget_.Raise();
-    widget_.CaptureMouse();
-    grip_ = event.GetX();
-    Raise(model_.MouseDown, scale_.To_Twips(event.GetX()));
-  });
+  // A press soon after another one arrives as a double click.
+  for (const auto& press : {wxEVT_LEFT_DOWN, wxEVT_LEFT_DCLICK}) {
+    widget_.Bind(press, [this](wxMouseEvent& event) {
+      if (widget_.HasCapture()) return;
+      widget_.SetFocus();
+      widget_.Raise();
+      widget_.CaptureMouse();
+      grip_ = event.GetX();
+      Raise(model_.MouseDown, scale_.To_Twips(event.GetX()));
+    });
+  }
   widget_.Bind(wxEVT_MOTION, [this](wxMouseEvent&) {
     if (!widget_.HasCapture()) return;
     // Not the event's position: that one is told from where the bar stood when the pointer moved.

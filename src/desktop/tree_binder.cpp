@@ -118,18 +118,20 @@ Tree_Binder::Tree_Binder(TreeView& model, wxDataViewCtrl& widget, Repaint_Schedu
   widget_.Bind(wxEVT_DATAVIEW_ITEM_COLLAPSED,
                [this](wxDataViewEvent& event) { Expansion_Turned(Index_Of(event.GetItem()), false); });
   widget_.Bind(wxEVT_DATAVIEW_ITEM_ACTIVATED, [this](wxDataViewEvent& event) {
-    if (const int node = Index_Of(event.GetItem()); model_.Exists(node))
+    // Two quick ticks are no double click on the name.
+    if (const int node = Index_Of(event.GetItem()); model_.Exists(node) && !press_ticked_)
       model_.Set_Expanded(node, !model_.Expanded(node));
   });
   wxWindow& area = *widget_.GetMainWindow();
   area.Bind(wxEVT_LEFT_DOWN, [this](wxMouseEvent& event) {
-    press_told_ = false;
+    press_told_ = press_ticked_ = false;
     event.Skip();
   });
   area.Bind(wxEVT_LEFT_UP, &Tree_Binder::Mouse_Released, this);
   area.Bind(wxEVT_KEY_DOWN, &Tree_Binder::Key_Pressed, this);
   area.Bind(wxEVT_KEY_UP, [this](wxKeyEvent& event) {
     event.Skip();
+    if (event.GetKeyCode() == WXK_SPACE) space_held_ = false;
     widget_.CallAfter([this] { Raise(model_.KeyUp); });
   });
   model_.observer = this;
@@ -260,7 +262,7 @@ bool Tree_Binder::In_View(int index) const {
 void Tree_Binder::Ticked(int index) {
   From_User([&] {
     if (!model_.Enabled() || !model_.Exists(index)) return;
-    press_told_ = true;
+    press_told_ = press_ticked_ = true;
     model_.Tick(index, !model_.Checked(index));
   });
 }
@@ -304,7 +306,8 @@ void Tree_Binder::Key_Pressed(wxKeyEvent& event) {
   if (node == 0 || event.HasAnyModifiers() || !model_.Enabled()) return event.Skip();
   switch (event.GetKeyCode()) {
     case WXK_SPACE:
-      return event.IsAutoRepeat() ? void() : Ticked(node);
+      // A key that is held down repeats itself.
+      return std::exchange(space_held_, true) ? void() : Ticked(node);
     case WXK_RIGHT:
       return Move_Sideways(node, true);
     case WXK_LEFT:

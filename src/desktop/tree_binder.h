@@ -55,6 +55,8 @@ class Tree_Binder : public Control_Binder, public Late_Widget, private TreeView_
   int visible_due_ = 0;
   // The press under way has already raised an event of the model, or turned a branch.
   bool press_told_ = false;
+  bool press_ticked_ = false;
+  bool space_held_ = false;
 };
 
 }  // namespace tidyfold

@@ -1,7 +1,6 @@
 #include "desktop/welcome_dialog.h"
 
 #include <wx/button.h>
-#include <wx/commandlinkbutton.h>
 #include <wx/sizer.h>
 #include <wx/statbmp.h>
 #include <wx/stattext.h>
@@ -33,28 +32,31 @@ Welcome_Dialog::Welcome_Dialog(Store_Files& files)
            wxSizerFlags().CentreVertical().Border(wxRIGHT, gap * 3 / 2));
   top->Add(titles, wxSizerFlags(1).CentreVertical());
 
-  auto* const column = new wxBoxSizer(wxVERTICAL);
-  column->Add(top, wxSizerFlags().Expand().Border(wxALL, gap * 2));
+  auto* const offers = new wxFlexGridSizer(2, FromDIP(wxSize(16, 10)));
   const auto offer = [&](const wxString& name, const wxString& label, const wxString& note,
                          std::function<bool()> command) {
-    auto* const button = new wxCommandLinkButton(this, wxID_ANY, label, note);
+    auto* const button = new wxButton(this, wxID_ANY, label);
     button->SetName(name);
+    button->SetMinSize(wxSize(-1, FromDIP(40)));
     button->Bind(wxEVT_BUTTON, [this, command](wxCommandEvent&) {
       if (command()) EndModal(wxID_OK);
     });
-    column->Add(button, wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM, gap));
+    offers->Add(button, wxSizerFlags().Expand());
+    offers->Add(new wxStaticText(this, wxID_ANY, note), wxSizerFlags().CentreVertical());
   };
-  offer("cmdSample", "Try a &sample store",
-        "A store of invented mail, appointments and contacts to try everything on.",
+  offer("cmdSample", "&Sample Store...", "Invented mail, appointments and contacts, to try everything on.",
         [this, &files] { return files.Make_Sample_Store(this); });
-  offer("cmdOpenStore", "&Open a store", "One that Tidyfold has made before.",
+  offer("cmdOpenStore", "&Open Store...", "A store that Tidyfold has made before.",
         [this, &files] { return files.Ask_And_Open(this); });
-  offer("cmdImport", "&Import mail files", "PST, OST, PAB, mbox or EML files; they go into a new store.",
+  offer("cmdImport", "&Import Files...", "PST, OST, PAB, mbox or EML files. They go into a new store.",
         [this, &files] { return files.Import_Files(this); });
-  offer("cmdImportMaildir", "Import a &Maildir folder", "It goes into a new store.",
+  offer("cmdImportMaildir", "Import &Maildir...", "A Maildir folder. It goes into a new store.",
         [this, &files] { return files.Import_Maildir(this); });
-  auto* const quit = new wxButton(this, wxID_CANCEL, "&Quit");
-  column->Add(quit, wxSizerFlags().Right().Border(wxALL, gap));
+
+  auto* const column = new wxBoxSizer(wxVERTICAL);
+  column->Add(top, wxSizerFlags().Expand().Border(wxALL, gap * 2));
+  column->Add(offers, wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT, gap * 2));
+  column->Add(new wxButton(this, wxID_CANCEL, "&Quit"), wxSizerFlags().Right().Border(wxALL, gap * 2));
   SetSizerAndFit(column);
   Centre();
 }

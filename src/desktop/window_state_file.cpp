@@ -1,8 +1,13 @@
 #include "desktop/window_state_file.h"
 
+#include <wx/checkbox.h>
 #include <wx/dataview.h>
 #include <wx/grid.h>
 #include <wx/utils.h>
+
+#ifdef __WXGTK__
+#include <gtk/gtk.h>
+#endif
 
 #include <algorithm>
 #include <cstdint>
@@ -29,11 +34,29 @@ json Rectangle(const wxWindow& window, const wxRect& inside) {
 void Describe_Widgets(const wxWindow& window, json& widgets) {
   for (const wxWindow* const child : window.GetChildren()) {
     if (!child->IsShownOnScreen()) continue;
-    widgets[From_Wx(child->GetName())] = {{"rectangle", Rectangle(*child, child->GetClientRect())},
-                                          {"enabled", child->IsEnabled()},
-                                          {"label", From_Wx(child->GetLabel())}};
+    json& widget = widgets[From_Wx(child->GetName())];
+    widget["rectangle"] = Rectangle(*child, child->GetClientRect());
+    widget["enabled"] = child->IsEnabled();
+    widget["label"] = From_Wx(child->GetLabel());
+    if (const auto* const box = dynamic_cast<const wxCheckBox*>(child)) widget["checked"] = box->GetValue();
     Describe_Widgets(*child, widgets);
   }
+}
+
+// Which window the keyboard writes to.
+std::string Keyboard_Owner(const wxFrame& frame) {
+  std::string owner;
+#ifdef __WXGTK__
+  GList* const windows = gtk_window_list_toplevels();
+  for (const GList* at = windows; at != nullptr; at = at->next) {
+    if (!gtk_window_is_active(GTK_WINDOW(at->data))) continue;
+    owner = GTK_IS_MESSAGE_DIALOG(at->data) ? "box" : at->data == frame.GetHandle() ? "window" : "other";
+  }
+  g_list_free(windows);
+#else
+  if (frame.IsActive()) owner = "window";
+#endif
+  return owner;
 }
 
 json Describe_Tree(const TreeView& tree, const wxDataViewCtrl& widget) {
@@ -84,6 +107,7 @@ void Window_State_File::Box_Opened(const std::string& text) {
 
 void Window_State_File::Box_Closed() {
   boxes_.pop_back();
+  ++boxes_closed_;
 }
 
 std::string Window_State_File::Describe() const {
@@ -91,6 +115,8 @@ std::string Window_State_File::Describe() const {
   state["shown"] = frame_.IsShown();
   state["title"] = From_Wx(frame_.GetTitle());
   state["boxes"] = boxes_;
+  state["boxes_closed"] = boxes_closed_;
+  state["keyboard"] = Keyboard_Owner(frame_);
   json widgets = json::object();
   Describe_Widgets(frame_, widgets);
   state["widgets"] = std::move(widgets);

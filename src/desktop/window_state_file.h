@@ -34,6 +34,7 @@ class Window_State_File {
   std::string path_;
   std::string written_;
   std::vector<std::string> boxes_;
+  int boxes_closed_ = 0;
   wxTimer timer_;
 };
 

@@ -1,0 +1,90 @@
+// Drives the built program on a screen of its own, with a real mouse and keyboard.
+#pragma once
+
+#include <sys/types.h>
+
+#include <filesystem>
+#include <functional>
+#include <initializer_list>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tidyfold {
+
+// A process that ends with its owner.
+class Child_Process {
+ public:
+  // `output` names a file for what it prints. With `descriptor_name` given, that argument is replaced by the
+  // number of a pipe's writing end, whose first line First_Line reads.
+  Child_Process(const std::vector<std::string>& command, const std::vector<std::string>& environment,
+                const std::filesystem::path& output, const std::string& descriptor_name = {});
+  Child_Process(const Child_Process&) = delete;
+  Child_Process& operator=(const Child_Process&) = delete;
+  ~Child_Process();
+
+  std::string First_Line();
+  // The exit status, once it has ended by itself within the time that a test gives; negative for a signal.
+  std::optional<int> Wait_For_End();
+  bool Running();
+
+ private:
+  pid_t process_ = -1;
+  int pipe_ = -1;
+  std::optional<int> status_;
+};
+
+// One window on one screen. Every wait is for something to show on the screen and fails after a minute.
+class Window_Driver {
+ public:
+  // What the machine must have, or an empty text.
+  static std::string What_Is_Missing();
+
+  // `stores` are given with --store each.
+  Window_Driver(const std::filesystem::path& folder, const std::vector<std::filesystem::path>& stores);
+
+  using State = nlohmann::json;
+  // The first state for which the condition holds.
+  State Wait(const std::string& what, const std::function<bool(const State&)>& condition);
+  // A message box whose text holds `words` is open.
+  State Wait_For_Box(const std::string& words);
+  State Wait_For_No_Box();
+
+  void Click(const std::string& control);
+  void Tick_Option(const std::string& control);
+  // At the tick box of a tree's node; or beside it, on its name.
+  void Tick_Folder(const std::string& name);
+  void Click_Folder(const std::string& name);
+  void Click_Row(int row, const std::string& held_key = {}, int times = 1);
+  // To the window itself; a box has Press and Answer.
+  void Type(const std::string& text);
+  void Key(const std::string& key);
+  void Drag(const std::string& control, int by_x);
+  // As the window manager does when its close button is pressed.
+  void Close_Window();
+  // Presses a key in the box that says `words`; returns how many boxes had been closed before.
+  int Press(const std::string& words, const std::string& key);
+  // The same, and waits until the box has gone.
+  void Answer(const std::string& words, const std::string& key);
+
+  Child_Process& Program() { return *program_; }
+
+ private:
+  struct Place {
+    int x, y;
+  };
+  void Click_At(Place place, int times = 1);
+  void Wait_For_Keyboard();
+  void Xdotool(std::initializer_list<std::string> arguments);
+  // Whether the condition comes to hold; looks again whenever a file in the test's folder is replaced.
+  bool Wait_In_Folder(const std::function<bool()>& condition) const;
+  std::optional<State> Read() const;
+  State Node(const std::string& name);
+
+  std::filesystem::path folder_, state_file_, output_;
+  std::vector<std::string> environment_;
+  std::optional<Child_Process> screen_, manager_, program_;
+};
+
+}  // namespace tidyfold
