@@ -74,7 +74,7 @@ class Item {
   virtual Date End() = 0;
   virtual bool UnRead() = 0;
   // Bytes of the whole item; 0 where saying it would cost a call of its own.
-  virtual std::int64_t Size() { return 0; }
+  virtual std::int64_t Size() = 0;
   virtual MAPIFolder_Ptr Parent() = 0;
   // Moves the item to its store's "Deleted Items", or removes it for good when it lies there already.
   virtual void Delete() = 0;

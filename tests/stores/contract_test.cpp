@@ -98,6 +98,7 @@ TEST_P(Store_Contract, Items_Of_Every_Class_Keep_Every_Property) {
     item.subject = "Subject " + std::to_string(item_class);
     item.body = "Text";
     item.unread = item_class % 2 == 0;
+    item.size = 1000 + item_class;
     // Each date is missing in some class, and no two are alike.
     Date* dates[] = {&item.received, &item.last_modified, &item.completed, &item.due, &item.end};
     for (int date = 0; date < 5; ++date) {
@@ -111,6 +112,7 @@ TEST_P(Store_Contract, Items_Of_Every_Class_Keep_Every_Property) {
     EXPECT_EQ(read->Subject(), item.subject);
     EXPECT_EQ(read->Body(), "Text");
     EXPECT_EQ(read->UnRead(), item.unread);
+    EXPECT_EQ(read->Size(), item.size);
     EXPECT_EQ(read->ReceivedTime(), item.received);
     EXPECT_EQ(read->LastModificationTime(), item.last_modified);
     EXPECT_EQ(read->DateCompleted(), item.completed);

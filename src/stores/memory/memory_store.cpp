@@ -139,6 +139,7 @@ class Memory_Item : public Item {
   Date DueDate() override { return Data().due; }
   Date End() override { return Data().end; }
   bool UnRead() override { return Data().unread; }
+  std::int64_t Size() override { return Data().size; }
   MAPIFolder_Ptr Parent() override { return Handle(Alive().folder->shared_from_this()); }
   void Delete() override {
     const auto deleted_items = Child(*Alive().folder->Top(), deleted_items_name);

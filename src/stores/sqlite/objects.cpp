@@ -52,6 +52,7 @@ class Embedded_Item : public Item, public Mapi_Object, public std::enable_shared
   Date DueDate() override { return Alive().due; }
   Date End() override { return Alive().end; }
   bool UnRead() override { return Alive().unread; }
+  std::int64_t Size() override { return Alive().size; }
   MAPIFolder_Ptr Parent() override {
     Alive();
     return Make_Folder(store_, place_.folder);

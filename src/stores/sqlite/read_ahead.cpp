@@ -15,8 +15,8 @@ constexpr std::size_t enough_text = std::size_t{4} << 20;
 // What a loop knows already, the folder, is not read again for every row.
 constexpr std::string_view columns =
     "SELECT id, position, class, unread, received, last_modified, completed, due, ended, sender_or_text, "
-    "subject";
-constexpr int folder_column = 11;  // where it is asked for
+    "subject, size";
+constexpr int folder_column = 12;  // where it is asked for
 
 std::string Select(std::string_view rest) {
   return std::string(columns).append(rest);
@@ -49,6 +49,7 @@ void Append_Row(const Statement& statement, std::int64_t folder, Item_Rows& rows
   row.subject_at = rows.text.size();
   rows.text += statement.Text(10);
   row.text_end = rows.text.size();
+  row.size = statement.Integer(11);
 }
 
 }  // namespace

@@ -24,6 +24,7 @@ struct Item_Row {
   std::int64_t id = 0;
   std::int64_t folder = 0, position = 0;  // as they were when the row was read
   Date received = no_date, last_modified = no_date, completed = no_date, due = no_date, end = no_date;
+  std::int64_t size = 0;
   std::int32_t item_class = 0;
   bool unread = false;
   std::size_t sender_or_text_at = 0, subject_at = 0, text_end = 0;  // in Item_Rows::text

@@ -13,7 +13,7 @@ struct Statements {
         save(database, "SAVEPOINT change"),
         release(database, "RELEASE change"),
         locate(database, "SELECT folder, position FROM item WHERE id = ?1"),
-        content(database, "SELECT size, sender, recipients, body FROM content WHERE item = ?1"),
+        content(database, "SELECT sender, recipients, body FROM content WHERE item = ?1"),
         message(database, "SELECT raw FROM message WHERE item = ?1"),
         attachments(database, "SELECT name, size FROM attachment WHERE item = ?1 ORDER BY number"),
         move(database, "UPDATE item SET folder = ?2, position = ?3 WHERE id = ?1"),
@@ -23,12 +23,12 @@ struct Statements {
                     "DELETE FROM item WHERE id IN (SELECT id FROM item WHERE folder = ?1 LIMIT ?2)"),
         clear_folder(database, "DELETE FROM folder WHERE id = ?1"),
         add_folder(database, "INSERT INTO folder (id, parent, name, item_type) VALUES (?1, ?2, ?3, ?4)"),
-        add_item(database,
-                 "INSERT INTO item (id, folder, position, class, unread, received, last_modified, completed, "
-                 "due, ended, sender_or_text, subject) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, "
-                 "?12)"),
-        add_content(database,
-                    "INSERT INTO content (item, size, sender, recipients, body) VALUES (?1, ?2, ?3, ?4, ?5)"),
+        add_item(
+            database,
+            "INSERT INTO item (id, folder, position, class, unread, received, last_modified, completed, "
+            "due, ended, sender_or_text, subject, size) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, "
+            "?11, ?12, ?13)"),
+        add_content(database, "INSERT INTO content (item, sender, recipients, body) VALUES (?1, ?2, ?3, ?4)"),
         add_message(database, "INSERT INTO message (item, raw) VALUES (?1, ?2)"),
         add_attachment(database,
                        "INSERT INTO attachment (item, number, name, size) VALUES (?1, ?2, ?3, ?4)") {}

@@ -54,7 +54,7 @@ std::string Store::Sender(std::int64_t id) {
   Statement& content = statements_->content;
   content.Bind(1, id);
   Reading reading(content);
-  return reading.Next() ? std::string(content.Text(1)) : std::string();
+  return reading.Next() ? std::string(content.Text(0)) : std::string();
 }
 
 std::string Store::Body(std::int64_t id) {
@@ -62,7 +62,7 @@ std::string Store::Body(std::int64_t id) {
   content.Bind(1, id);
   Reading reading(content);
   if (!reading.Next()) database_->Fail_Damaged("an item has lost its text");
-  return std::string(content.Text(3));
+  return std::string(content.Text(2));
 }
 
 void Store::Display(const Found_Item& item, std::int64_t folder) {
@@ -77,6 +77,7 @@ void Store::Display(const Found_Item& item, std::int64_t folder) {
   shown.folder_name = Find_Folder(folder).name;
   shown.subject = item.rows->Subject(row);
   shown.unread = row.unread;
+  shown.size = row.size;
   shown.received = row.received;
   shown.last_modified = row.last_modified;
   shown.completed = row.completed;
@@ -87,10 +88,9 @@ void Store::Display(const Found_Item& item, std::int64_t folder) {
     content.Bind(1, row.id);
     Reading reading(content);
     if (!reading.Next()) database_->Fail_Damaged("an item has lost its text");
-    shown.size = content.Integer(0);
-    shown.sender = row.item_class == item_class::mail ? item.rows->Sender_Or_Text(row) : content.Text(1);
-    shown.recipients = content.Text(2);
-    shown.body = content.Text(3);
+    shown.sender = row.item_class == item_class::mail ? item.rows->Sender_Or_Text(row) : content.Text(0);
+    shown.recipients = content.Text(1);
+    shown.body = content.Text(2);
   }
   {
     statements_->message.Bind(1, row.id);
@@ -168,12 +168,11 @@ void Store::Insert_Item(std::int64_t id, Item_Place place, const New_Item& item)
   Bind_Date(row, 9, item.due);
   Bind_Date(row, 10, item.end);
   row.Bind(11, mail ? std::string_view(item.sender) : First_Characters(item.body, row_characters));
-  row.Bind(12, item.subject).Run();
+  row.Bind(12, item.subject).Bind(13, item.size).Run();
   statements_->add_content.Bind(1, id)
-      .Bind(2, item.size)
-      .Bind(3, mail ? std::string_view() : std::string_view(item.sender))
-      .Bind(4, item.recipients)
-      .Bind(5, item.body)
+      .Bind(2, mail ? std::string_view() : std::string_view(item.sender))
+      .Bind(3, item.recipients)
+      .Bind(4, item.body)
       .Run();
   if (!item.raw_message.empty()) statements_->add_message.Bind(1, id).Bind_Blob(2, item.raw_message).Run();
   std::int64_t number = 0;

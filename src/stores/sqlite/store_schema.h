@@ -43,12 +43,12 @@ CREATE TABLE item (
   completed REAL,
   due REAL,
   ended REAL,
-  unread INTEGER NOT NULL
+  unread INTEGER NOT NULL,
+  size INTEGER NOT NULL
 );
 CREATE UNIQUE INDEX item_by_position ON item (folder, position);
 CREATE TABLE content (
   item INTEGER PRIMARY KEY REFERENCES item (id) ON DELETE CASCADE,
-  size INTEGER NOT NULL,
   sender TEXT NOT NULL,
   recipients TEXT NOT NULL,
   body TEXT NOT NULL
