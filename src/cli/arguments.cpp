@@ -1,0 +1,216 @@
+#include "cli/arguments.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <utility>
+
+#include "cli/failure.h"
+#include "controls/dates.h"
+#include "outlook/object_model.h"
+#include "stores/sqlite/sample_store.h"
+
+namespace tidyfold::cli {
+
+namespace {
+
+constexpr std::array<std::pair<const char*, Command>, 6> commands = {{{"sample", Command::Sample},
+                                                                      {"import", Command::Import},
+                                                                      {"folders", Command::Folders},
+                                                                      {"items", Command::Items},
+                                                                      {"clean", Command::Clean},
+                                                                      {"check", Command::Check}}};
+
+constexpr std::pair<const char*, int> types[] = {
+    {"mail", item_class::mail},        {"appointments", item_class::appointment},
+    {"contacts", item_class::contact}, {"journals", item_class::journal},
+    {"tasks", item_class::task},       {"notes", item_class::note}};
+
+// The same as a bare word after "import".
+constexpr const char* source_option = "--source";
+
+[[noreturn]] void Fail(const std::string& text) {
+  throw Failure(Exit_Status::Bad_Input, text);
+}
+
+bool Is_Command(const std::string& word) {
+  return std::any_of(commands.begin(), commands.end(),
+                     [&](const auto& known) { return known.first == word; });
+}
+
+// Puts a name before every value of a list: "--store A --store B" for "--store A B", "--source A" for a bare
+// "A". The library takes lists as well, but then it takes "[Gmail]" for a list of its own.
+std::vector<std::string> With_Every_Value_Named(const std::vector<std::string>& arguments) {
+  std::vector<std::string> named;
+  std::string command, list;
+  bool value_due = false, only_words = false;
+  for (const std::string& argument : arguments) {
+    if (value_due) {
+      value_due = false;
+    } else if (!only_words && argument == "--") {
+      only_words = true;
+      continue;
+    } else if (!only_words && argument.size() > 1 && argument.front() == '-') {
+      value_due = argument == "--store" || argument == "--folder";
+      const bool begins_list = argument == (command.empty() ? "--store" : "--folder") && command != "import";
+      list = begins_list ? argument : command == "import" ? source_option : "";
+    } else if (command.empty() && Is_Command(argument)) {
+      command = argument;
+      list = command == "import" ? source_option : "";
+    } else if (!list.empty()) {
+      named.push_back(list);
+    }
+    named.push_back(argument);
+  }
+  return named;
+}
+
+// The texts as they were given, before they are understood.
+struct Raw {
+  std::vector<std::string> stores, types, folders, sources;
+  std::string cutoff, subject, target, sample_file;
+  bool json = false, csv = false;
+};
+
+template <class List>
+CLI::Option* Add_List(CLI::App& app, const std::string& name, List& list, const std::string& description) {
+  return app.add_option(name, list, description)->allow_extra_args(false);
+}
+
+void Add_Filters(CLI::App& command, Arguments& arguments, Raw& raw) {
+  Filters& filters = arguments.filters;
+  Add_List(command, "--folder", raw.folders, "A folder, by its path; may be repeated")
+      ->required()
+      ->type_name("PATH");
+  command.add_flag("--sub-folders", arguments.sub_folders, "Mark what lies below as well");
+  Add_List(command, "--type", raw.types, "Items of this type only; may be repeated")
+      ->type_name("mail|appointments|contacts|journals|tasks|notes");
+  command.add_option("--cutoff", raw.cutoff, "Items of that day and older ones only")
+      ->type_name("YYYY-MM-DD");
+  command.add_option("--subject", raw.subject, "Items whose subject begins so only")->type_name("TEXT");
+  command.add_flag("--match-case", filters.match_case, "The subject's case must match");
+  command.add_flag("--match-word", filters.match_word, "The whole subject must match");
+  command.add_flag("--unread", filters.unread, "Unread items too");
+}
+
+void Add_Store_Commands(CLI::App& app, Arguments& arguments, Raw& raw) {
+  CLI::App& sample = *app.add_subcommand("sample", "Write a new store with made-up items");
+  sample.add_option("STORE", raw.sample_file, "The new store's file")->required();
+  sample.add_option("--items", arguments.sample_items, "How many items")
+      ->check(CLI::Range(0, std::numeric_limits<int>::max()))
+      ->type_name("N")
+      ->capture_default_str();
+  sample.add_option("--name", arguments.sample_name, "The top folder's name")
+      ->type_name("NAME")
+      ->capture_default_str();
+  sample.add_option("--seed", arguments.sample_seed, "The same seed gives the same store")
+      ->type_name("N")
+      ->capture_default_str();
+
+  CLI::App& import = *app.add_subcommand("import", "Bring PST, OST, PAB, mbox, Maildir and EML in");
+  Add_List(import, std::string("SOURCE,") + source_option, raw.sources,
+           "Files, and folders that are Maildirs")
+      ->required();
+  import.add_option("--folder", raw.target, "Where mail without folders of its own goes")->type_name("PATH");
+
+  CLI::App& folders = *app.add_subcommand("folders", "List the folders");
+  folders.add_flag("--json", raw.json, "As JSON");
+
+  app.add_subcommand("check", "Look for what is wrong with the stores");
+}
+
+void Add_Item_Commands(CLI::App& app, Arguments& arguments, Raw& raw) {
+  CLI::App& items = *app.add_subcommand("items", "List the items that pass the filters");
+  Add_Filters(items, arguments, raw);
+  CLI::Option* json = items.add_flag("--json", raw.json, "As JSON");
+  items.add_flag("--csv", raw.csv, "As comma-separated values")->excludes(json);
+
+  CLI::App& clean = *app.add_subcommand("clean", "Delete the items that pass the filters");
+  Add_Filters(clean, arguments, raw);
+  Options& options = arguments.options;
+  clean.add_flag("--permanent", options.permanent, "Delete for good, not into Deleted Items");
+  clean.add_flag("--turbo", options.turbo, "Delete every item of the folders for good, without filters");
+  clean.add_flag("--delete-folders", options.delete_folders, "Delete the folders themselves, for good");
+  clean.add_flag("--confirm-folders", options.confirm_folders, "Ask before each folder");
+  clean.add_flag("--confirm-items", options.confirm_items, "Ask before each item");
+  clean.add_flag("--dry-run", arguments.dry_run, "List what would be taken, and change nothing");
+  clean.add_flag("--yes", arguments.yes, "Answer Yes or OK to every question");
+  clean.add_flag("--json", raw.json, "As JSON");
+}
+
+int Item_Class_Of_Type(const std::string& name) {
+  for (const auto& [known, item_class] : types)
+    if (name == known) return item_class;
+  Fail("--type \"" + name +
+       "\" is no type. Choose from mail, appointments, contacts, journals, tasks and notes.");
+}
+
+void Understand(Arguments& arguments, const Raw& raw, const CLI::App& command) {
+  arguments.stores.assign(raw.stores.begin(), raw.stores.end());
+  arguments.folders = raw.folders;
+  arguments.sources.assign(raw.sources.begin(), raw.sources.end());
+  arguments.sample_file = raw.sample_file;
+  const auto given = [&](const char* name) {
+    const CLI::Option* option = command.get_option_no_throw(name);
+    return option != nullptr && option->count() > 0;
+  };
+  if (raw.json) arguments.form = Form::Json;
+  if (raw.csv) arguments.form = Form::Csv;
+  if (arguments.command == Command::Import && given("--folder")) arguments.target = raw.target;
+  if (given("--subject")) arguments.filters.subject = raw.subject;
+  for (const std::string& type : raw.types) arguments.filters.types.push_back(Item_Class_Of_Type(type));
+  if (given("--cutoff")) {
+    arguments.filters.cutoff = Parse_Date(raw.cutoff);
+    if (!arguments.filters.cutoff)
+      Fail("--cutoff \"" + raw.cutoff + "\" is no date. Give a day of the calendar as YYYY-MM-DD.");
+  }
+  const bool makes_store = arguments.command == Command::Sample;
+  if (makes_store && !arguments.stores.empty())
+    Fail("--store names stores that exist; the new one is named after \"sample\". Leave --store out.");
+  if (!makes_store && arguments.stores.empty())
+    Fail("No store is named. Name it with --store FILE before the command.");
+}
+
+}  // namespace
+
+Arguments Read_Arguments(std::vector<std::string> given) {
+  Arguments arguments;
+  arguments.sample_name = "Sample";
+  arguments.sample_items = sample_default_items;
+  arguments.sample_seed = sample_default_seed;
+  Raw raw;
+
+  CLI::App app("Clears out mail and calendar stores.", "tidyfold-cli");
+  app.allow_windows_style_options(false);
+  app.set_version_flag("--version", "tidyfold-cli " TIDYFOLD_VERSION);
+  app.require_subcommand(1);
+  app.fallthrough();
+  Add_List(app, "--store", raw.stores, "A store's file; repeat it for several stores")->type_name("STORE");
+  Add_Store_Commands(app, arguments, raw);
+  Add_Item_Commands(app, arguments, raw);
+  for (CLI::App* command : app.get_subcommands({}))
+    if (command->get_name() != "sample")
+      command->footer("Stores are named before the command: tidyfold-cli --store FILE " +
+                      command->get_name() + " ...");
+
+  given = With_Every_Value_Named(given);
+  // The library takes them from the end.
+  std::reverse(given.begin(), given.end());
+  try {
+    app.parse(std::move(given));
+  } catch (const CLI::CallForHelp&) {
+    throw Help{app.help()};
+  } catch (const CLI::CallForVersion& version) {
+    throw Help{std::string(version.what()) + "\n"};
+  } catch (const CLI::ParseError& error) {
+    Fail(std::string(error.what()) + ". See \"tidyfold-cli --help\".");
+  }
+  const CLI::App& command = *app.get_subcommands().front();
+  for (const auto& [name, which] : commands)
+    if (command.get_name() == name) arguments.command = which;
+  Understand(arguments, raw, command);
+  return arguments;
+}
+
+}  // namespace tidyfold::cli

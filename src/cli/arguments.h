@@ -1,0 +1,66 @@
+// What the program was asked to do.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "controls/values.h"
+
+namespace tidyfold::cli {
+
+enum class Command { Sample, Import, Folders, Items, Clean, Check };
+enum class Form { Text, Json, Csv };
+
+struct Filters {
+  std::vector<int> types;  // item classes; empty: every type
+  std::optional<Date> cutoff;
+  std::optional<std::string> subject;
+  bool match_case = false;
+  bool match_word = false;
+  bool unread = false;
+};
+
+struct Options {
+  bool permanent = false;
+  bool turbo = false;
+  bool delete_folders = false;
+  bool confirm_folders = false;
+  bool confirm_items = false;
+};
+
+struct Arguments {
+  Command command = Command::Check;
+  std::vector<std::filesystem::path> stores;
+  Form form = Form::Text;
+
+  // items, clean
+  std::vector<std::string> folders;  // paths
+  bool sub_folders = false;
+  Filters filters;
+  Options options;
+  bool dry_run = false;
+  bool yes = false;
+
+  // import
+  std::vector<std::filesystem::path> sources;
+  std::optional<std::string> target;  // a path
+
+  // sample
+  std::filesystem::path sample_file;
+  std::string sample_name;
+  std::int32_t sample_items = 0;
+  std::uint64_t sample_seed = 0;
+};
+
+// `arguments` without the program's name. Throws Failure for bad usage, Help where help was asked for.
+Arguments Read_Arguments(std::vector<std::string> arguments);
+
+// Not a failure: the text is what was asked for.
+struct Help {
+  std::string text;
+};
+
+}  // namespace tidyfold::cli

@@ -1,0 +1,149 @@
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+#include "cli/choice.h"
+#include "cli/commands.h"
+#include "cli/listing.h"
+#include "marking/run_state.h"
+
+namespace tidyfold::cli {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+class Clean_Command {
+ public:
+  Clean_Command(const Arguments& arguments, Terminal& terminal)
+      : arguments_(arguments),
+        terminal_(terminal),
+        json_(arguments.form == Form::Json),
+        answering_(Answering_For(arguments, terminal)),
+        session_(arguments.stores, arguments.dry_run ? Store_Mode::Read_Only : Store_Mode::Read_Write,
+                 terminal, answering_, json_) {}
+
+  Exit_Status Run() {
+    const std::vector<Store_Folder> folders = session_.Find(arguments_.folders);
+    session_.Load();
+    if (arguments_.dry_run && !json_) terminal_.Write("Dry run: nothing is changed.\n");
+    try {
+      Choose(folders);
+      return arguments_.dry_run ? Rehearse() : Clean();
+    } catch (const Failure& failure) {
+      // A refusal has a document; bad usage has none.
+      if (failure.Status() != Exit_Status::Refused) throw;
+      terminal_.Write_Error(failure.what());
+      Write_Document(0, false, false);
+      return failure.Status();
+    }
+  }
+
+ private:
+  static Answering Answering_For(const Arguments& arguments, const Terminal& terminal) {
+    if (arguments.dry_run) return Answering::Rehearse;
+    if (arguments.yes) return Answering::Agree;
+    return terminal.Can_Ask() ? Answering::Ask : Answering::Decline;
+  }
+
+  void Choose(const std::vector<Store_Folder>& folders) {
+    Choice choice(session_);
+    choice.Set(arguments_.options, arguments_.filters);
+    if (arguments_.sub_folders) choice.Mark_Sub_Folders();
+    for (const Store_Folder& folder : folders) choice.Mark(folder);
+  }
+
+  // A check says itself why; `otherwise` is for a question that was not answered Yes.
+  [[noreturn]] void Refuse(const char* otherwise) {
+    const auto& shown = session_.Messages().Shown();
+    const bool by_check = !shown.empty() && shown.back().icon == Icon::Critical;
+    const std::string why = by_check ? "The run was refused: " + shown.back().text : otherwise;
+    throw Failure(Exit_Status::Refused,
+                  why + " Nothing was changed." + (by_check ? " Choose other folders or options." : ""));
+  }
+
+  Exit_Status Rehearse() {
+    if (!session_.Program().Check_Screen()) Refuse("The run would not begin.");
+    std::int64_t folders = 0;
+    for (const Store_Folder& folder : session_.Folders())
+      if (session_.Program().Takes_Folder(session_.Node(folder))) ++folders;
+    const bool takes_folders = arguments_.options.delete_folders;
+    if (json_) {
+      std::int64_t items = 0;
+      for (const Store_Folder& folder : session_.Folders())
+        items += static_cast<std::int64_t>(session_.Program().Items_To_Take(session_.Node(folder)).size());
+      Write_Document(takes_folders ? folders : items, false, true);
+      return Exit_Status::Done;
+    }
+    const std::int64_t items = Item_Listing(session_, terminal_, Form::Text).Write();
+    terminal_.Write((takes_folders ? Counted(folders, "folder") + " with " : "") + Counted(items, "item") +
+                    " would be taken.\n");
+    return Exit_Status::Done;
+  }
+
+  Exit_Status Clean() {
+    // Where nobody can be asked, not even a run that asks nothing may begin.
+    if (answering_ == Answering::Decline) {
+      session_.Program().Check_Screen();
+      Refuse("There is no terminal to confirm the run on. Give --yes to confirm everything beforehand.");
+    }
+    const Run_State& run = session_.Program().Run();
+    Raise(session_.Window().cmdRun.Click);
+    if (run.RunTrace.empty()) Refuse("Not confirmed.");
+    bool trouble = run.NotAllDeleted;
+    try {
+      session_.Commit();
+    } catch (const std::exception& error) {
+      terminal_.Write_Error(error.what());
+      trouble = true;
+    }
+    Write_Document(run.ProcessedCount, trouble, false);
+    if (run.Cancelled) {
+      terminal_.Write_Error("Cancelled on the way; what had been done by then is done.");
+      return Exit_Status::Cancelled;
+    }
+    const auto& shown = session_.Messages().Shown();
+    trouble = trouble || std::any_of(shown.begin(), shown.end(),
+                                     [](const auto& message) { return message.icon == Icon::Critical; });
+    if (trouble) return Exit_Status::Not_All_Done;
+    const bool declined = std::any_of(shown.begin(), shown.end(),
+                                      [](const auto& message) { return message.answer == Answer::No; });
+    return run.ProcessedCount == 0 && declined ? Exit_Status::Refused : Exit_Status::Done;
+  }
+
+  // The document of --json; the items of a dry run are written into it one by one.
+  void Write_Document(std::int64_t processed, bool not_all_deleted, bool with_items) {
+    if (!json_) return;
+    Json messages = Json::array();
+    for (const Shown_Message& message : session_.Messages().Shown()) {
+      Json buttons = Json::array();
+      for (const Answer answer : Answers(message.buttons)) buttons.push_back(Answer_Name(answer));
+      messages.push_back(
+          {{"text", message.text}, {"buttons", buttons}, {"answer", Answer_Name(message.answer)}});
+    }
+    std::string document = To_Json({{"messages", messages},
+                                    {"processed", processed},
+                                    {"not_all_deleted", not_all_deleted},
+                                    {"dry_run", arguments_.dry_run}});
+    if (arguments_.dry_run) {
+      document.back() = ',';
+      terminal_.Write(document + "\"items\":");
+      if (with_items) Item_Listing(session_, terminal_, Form::Json).Write();
+      document = with_items ? "}" : "[]}";
+    }
+    terminal_.Write(document + "\n");
+  }
+
+  const Arguments& arguments_;
+  Terminal& terminal_;
+  bool json_;
+  Answering answering_;
+  Session session_;
+};
+
+}  // namespace
+
+Exit_Status Clean(const Arguments& arguments, Terminal& terminal) {
+  return Clean_Command(arguments, terminal).Run();
+}
+
+}  // namespace tidyfold::cli

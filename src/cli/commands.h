@@ -1,0 +1,23 @@
+// The commands. Each returns how it ended, or throws Failure, Store_Open_Error or Automation_Error.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cli/arguments.h"
+#include "cli/failure.h"
+#include "cli/terminal.h"
+
+namespace tidyfold::cli {
+
+Exit_Status Sample(const Arguments& arguments, Terminal& terminal);
+Exit_Status Import(const Arguments& arguments, Terminal& terminal);
+Exit_Status Folders(const Arguments& arguments, Terminal& terminal);
+Exit_Status Items(const Arguments& arguments, Terminal& terminal);
+Exit_Status Clean(const Arguments& arguments, Terminal& terminal);
+Exit_Status Check(const Arguments& arguments, Terminal& terminal);
+
+// Runs what `words` (without the program's name) ask for, errors included.
+Exit_Status Run(const std::vector<std::string>& words);
+
+}  // namespace tidyfold::cli

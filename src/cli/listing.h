@@ -1,0 +1,42 @@
+// Folders and items as text, JSON and comma-separated values.
+#pragma once
+
+#include <cstdint>
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+#include <vector>
+
+#include "cli/arguments.h"
+#include "cli/session.h"
+
+namespace tidyfold::cli {
+
+// UTF-8 whatever the texts hold.
+std::string To_Json(const nlohmann::ordered_json& value);
+
+// "1 item", "2 items".
+std::string Counted(std::int64_t count, const std::string& word);
+
+void List_Folders(Session& session, Terminal& terminal, Form form);
+
+// Writes items one by one; a store may hold more than fit into memory twice.
+class Item_Listing {
+ public:
+  Item_Listing(Session& session, Terminal& terminal, Form form)
+      : session_(session), terminal_(terminal), form_(form) {}
+
+  // What a run with the marks and options of the window would take, folder by folder. Returns how many.
+  std::int64_t Write();
+
+ private:
+  void Begin();
+  void Write_Item(const Store_Folder& folder, const ItemData& item);
+  void End();
+
+  Session& session_;
+  Terminal& terminal_;
+  Form form_;
+  std::int64_t count_ = 0;
+};
+
+}  // namespace tidyfold::cli

@@ -1,0 +1,89 @@
+#include "cli/session.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "cli/failure.h"
+#include "controls/widgets.h"
+#include "marking/run_state.h"
+
+namespace tidyfold::cli {
+
+namespace {
+
+std::string Identity(MAPIFolder& folder) {
+  return folder.StoreID() + "/" + folder.EntryID();
+}
+
+}  // namespace
+
+Session::Session(const std::vector<std::filesystem::path>& stores, Store_Mode mode, Terminal& terminal,
+                 Answering answering, bool quiet)
+    : terminal_(terminal),
+      message_box_(terminal, answering, quiet),
+      app_(window_, outlook_, message_box_, events_, clock_) {
+  outlook_.Open(stores, mode);
+  folders_ = List_Folders(outlook_);
+  events_.due = [this] { Events_Due(); };
+  events_.urgent = [this] { return !interrupt_handled_ && terminal_.Interrupted(); };
+}
+
+void Session::Events_Due() {
+  outlook_.Commit_Pending();
+  if (terminal_.Interrupted() && !std::exchange(interrupt_handled_, true)) {
+    if (loading_) {
+      Raise(window_.frmRemoveItems.Close);
+    } else if (app_.Run().Processing) {
+      message_box_.Agree_During([this] { Raise(window_.cmdRun.Click); });
+    }
+  }
+  if (terminal_.Progress_Due()) {
+    const StatusBar& bar = window_.sbStatusBar;
+    terminal_.Progress(bar.Panel_Text(1) + "  " + bar.Panel_Text(2));
+  }
+}
+
+void Session::Load() {
+  loading_ = true;
+  message_box_.Begin_Loading();
+  app_.Form_Load();
+  message_box_.End_Loading();
+  loading_ = false;
+  terminal_.End_Progress();
+  if (terminal_.Interrupted())
+    throw Failure(Exit_Status::Cancelled, "Cancelled while the stores were read; nothing was changed.");
+  const bool closed = !window_.frmRemoveItems.Loaded();
+  // The first failure says it; the labels of the procedures follow, and that not all is loaded. What is no
+  // failure concerns the window alone.
+  std::string failure;
+  for (const Shown_Message& message : message_box_.Shown_While_Loading())
+    if (failure.empty() && (closed || message.icon == Icon::Critical)) failure = message.text;
+  if (closed || !failure.empty()) {
+    std::string files;
+    for (const auto& store : outlook_.Stores())
+      files += (files.empty() ? "\"" : ", \"") + store->Path().string() + "\"";
+    throw Failure(Exit_Status::Bad_Input,
+                  "Not everything could be read in " + files +
+                      "; nothing was changed. Run the command \"check\" on it, and restore what is damaged "
+                      "from a backup copy. What went wrong: " +
+                      failure);
+  }
+  for (int node = 1; node <= Records().Upper_Bound(); ++node)
+    if (const MAPIFolder_Ptr& folder = Records()[node].Folder) nodes_.emplace(Identity(*folder), node);
+}
+
+void Session::Commit() {
+  outlook_.Commit_Pending();
+}
+
+std::vector<Store_Folder> Session::Find(const std::vector<std::string>& paths) const {
+  std::vector<Store_Folder> found;
+  for (const std::string& path : paths) found.push_back(Find_Folder(folders_, path));
+  return found;
+}
+
+int Session::Node(const Store_Folder& folder) const {
+  return nodes_.at(Identity(*folder.folder));
+}
+
+}  // namespace tidyfold::cli

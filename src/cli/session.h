@@ -1,0 +1,60 @@
+// The program at work on the stores that the command line names, without a window on a screen.
+#pragma once
+
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "app/app.h"
+#include "cli/arguments.h"
+#include "cli/cli_events.h"
+#include "cli/store_folders.h"
+#include "cli/terminal.h"
+#include "cli/terminal_message_box.h"
+#include "controls/main_window.h"
+#include "controls/system_clock.h"
+#include "outlook/folder_data.h"
+#include "stores/sqlite/embedded_outlook.h"
+
+namespace tidyfold::cli {
+
+class Session {
+ public:
+  // Opens the stores and looks at their folders. Throws Store_Open_Error.
+  Session(const std::vector<std::filesystem::path>& stores, Store_Mode mode, Terminal& terminal,
+          Answering answering, bool quiet);
+
+  // Builds the tree and reads every item, as the window does when it opens. Throws Failure when that was
+  // broken off, or not everything could be read: what is not known must not be decided on.
+  void Load();
+  // Ends the changes under way. Throws Automation_Error when they could not be kept.
+  void Commit();
+
+  const std::vector<Store_Folder>& Folders() const { return folders_; }
+  // In the order of the paths. Throws Failure where one of them does not lead to exactly one folder.
+  std::vector<Store_Folder> Find(const std::vector<std::string>& paths) const;
+  const FolderData_Array& Records() const { return app_.Folder_Data(); }
+  // The tree's node, and the record, of a folder.
+  int Node(const Store_Folder& folder) const;
+
+  MainWindow& Window() { return window_; }
+  App& Program() { return app_; }
+  const Terminal_Message_Box& Messages() const { return message_box_; }
+
+ private:
+  void Events_Due();
+
+  Terminal& terminal_;
+  Embedded_Outlook outlook_;
+  std::vector<Store_Folder> folders_;
+  Terminal_Message_Box message_box_;
+  Cli_Events events_;
+  System_Clock clock_;
+  MainWindow window_;
+  App app_;
+  std::unordered_map<std::string, int> nodes_;  // by the folder's identifiers
+  bool loading_ = false;
+  bool interrupt_handled_ = false;
+};
+
+}  // namespace tidyfold::cli

@@ -1,0 +1,174 @@
+// What makes and fills stores: sample, import.
+#include <algorithm>
+#include <optional>
+
+#include "cli/commands.h"
+#include "cli/folder_path.h"
+#include "errors/automation_error.h"
+#include "import/import.h"
+#include "stores/sqlite/embedded_store.h"
+#include "stores/sqlite/sample_store.h"
+#include "stores/sqlite/store_file.h"
+
+namespace tidyfold::cli {
+
+namespace {
+
+class Import_Command {
+ public:
+  Import_Command(const Arguments& arguments, Terminal& terminal)
+      : arguments_(arguments), terminal_(terminal) {}
+
+  Exit_Status Run() {
+    // What can be seen to be no source is refused before a store is made for it.
+    for (const std::filesystem::path& source : arguments_.sources) Detect_Source(source);
+    Find_Target();
+    try {
+      Check_Target();
+      for (const std::filesystem::path& source : arguments_.sources) {
+        Import(source);
+        if (cancelled_) break;
+      }
+    } catch (...) {
+      Put_Away();
+      throw;
+    }
+    if (!imported_any_) Put_Away();
+    Report();
+    if (cancelled_) {
+      terminal_.Write_Error("Cancelled; what was imported from the sources before stays in the store.");
+      return Exit_Status::Cancelled;
+    }
+    if (!imported_any_) return Exit_Status::Bad_Input;
+    return failed_any_ ? Exit_Status::Not_All_Done : Exit_Status::Done;
+  }
+
+ private:
+  // With several stores the path's first name tells which; without a path it is the first.
+  void Find_Target() {
+    if (arguments_.target) names_ = Parse_Folder_Path(*arguments_.target);
+    for (const std::filesystem::path& path : arguments_.stores) {
+      if (arguments_.stores.size() == 1 || !arguments_.target) return Open(path);
+      if (names_.empty()) break;
+      const bool there = std::filesystem::exists(path);
+      const auto candidate = there ? Embedded_Store::Open(path, Store_Mode::Read_Only) : nullptr;
+      const std::string name = there ? candidate->Top_Folder()->Name() : path.stem().string();
+      if (name != names_.front()) continue;
+      if (!target_path_.empty()) Fail_Target(" fits more than one store. Name a single store.");
+      target_path_ = path;
+    }
+    if (target_path_.empty())
+      Fail_Target(" names no store. With several stores it begins with the name of a store's top folder.");
+    names_.erase(names_.begin());
+    Open(target_path_);
+  }
+
+  void Open(const std::filesystem::path& path) {
+    target_path_ = path;
+    // Whatever lies there in another form is for Open to refuse.
+    created_ = !std::filesystem::exists(std::filesystem::symlink_status(path));
+    store_ = created_ ? Embedded_Store::Create(path, path.stem().string())
+                      : Embedded_Store::Open(path, Store_Mode::Read_Write);
+  }
+
+  [[noreturn]] void Fail_Target(const std::string& what) const {
+    throw Failure(Exit_Status::Bad_Input, "The folder path \"" + *arguments_.target + "\"" + what);
+  }
+
+  // Mail must not get into another folder of the same name than the person thinks.
+  void Check_Target() const {
+    MAPIFolder_Ptr folder = store_->Top_Folder();
+    for (const std::string& name : names_) {
+      const Folders_Ptr children = folder->Folders();
+      MAPIFolder_Ptr found;
+      for (std::int32_t i = children->Count(); i >= 1; --i) {
+        MAPIFolder_Ptr child = children->Item(i);
+        if (child->Name() != name) continue;
+        if (found != nullptr) Fail_Target(" leads to more than one folder. Choose another one.");
+        found = std::move(child);
+      }
+      if (found == nullptr) return;
+      folder = found;
+    }
+  }
+
+  void Import(const std::filesystem::path& source) {
+    Import_Options options;
+    if (arguments_.target) options.folder_path = names_;
+    options.progress = [&](std::int64_t found, std::optional<std::int64_t> total) {
+      if (terminal_.Progress_Due()) {
+        terminal_.Progress("Importing " + source.string() + "  " + std::to_string(found) +
+                           (total ? " of " + std::to_string(*total) : ""));
+      }
+      return !terminal_.Interrupted();
+    };
+    try {
+      const Import_Report report = Import_Source(source, store_->Writer(), options);
+      cancelled_ = report.cancelled;
+      if (cancelled_) return;
+      imported_any_ = true;
+      failed_any_ = failed_any_ || report.failed > 0;
+      reports_.push_back(report);
+    } catch (const Import_Error& error) {
+      terminal_.Write_Error(error.what());
+      failed_any_ = true;
+    } catch (const Automation_Error& error) {
+      terminal_.Write_Error(source.string() + ": " + error.Description());
+      failed_any_ = true;
+    }
+  }
+
+  void Report() {
+    for (const Import_Report& report : reports_) {
+      const std::string source = Printable_Line(report.source) + ": ";
+      terminal_.Write(source + std::to_string(report.found) + " items found, " +
+                      std::to_string(report.imported) + " imported, " + std::to_string(report.failed) +
+                      " failed\n");
+      for (const Import_Failure& failure : report.failures)
+        terminal_.Write(source + Printable_Line(failure.where + ": " + failure.why) + "\n");
+    }
+  }
+
+  // A store that was made for nothing.
+  void Put_Away() {
+    store_.reset();
+    if (created_) sqlite::Remove_File(target_path_);
+  }
+
+  const Arguments& arguments_;
+  Terminal& terminal_;
+  std::filesystem::path target_path_;
+  std::vector<std::string> names_;  // of the target folder, below the store's top folder
+  std::shared_ptr<Embedded_Store> store_;
+  std::vector<Import_Report> reports_;
+  bool created_ = false;
+  bool imported_any_ = false;
+  bool failed_any_ = false;
+  bool cancelled_ = false;
+};
+
+}  // namespace
+
+Exit_Status Import(const Arguments& arguments, Terminal& terminal) {
+  return Import_Command(arguments, terminal).Run();
+}
+
+Exit_Status Sample(const Arguments& arguments, Terminal& terminal) {
+  const std::string file = arguments.sample_file.string();
+  const auto progress = [&](std::int32_t written) {
+    if (terminal.Progress_Due()) {
+      terminal.Progress("Writing " + file + "  " + std::to_string(written) + " of " +
+                        std::to_string(arguments.sample_items));
+    }
+    return !terminal.Interrupted();
+  };
+  if (!Make_Sample(arguments.sample_file, arguments.sample_name, arguments.sample_items,
+                   arguments.sample_seed, progress)) {
+    terminal.Write_Error("Cancelled; \"" + file + "\" was not written.");
+    return Exit_Status::Cancelled;
+  }
+  terminal.Write(Printable_Line(file) + ": " + std::to_string(arguments.sample_items) + " items written\n");
+  return Exit_Status::Done;
+}
+
+}  // namespace tidyfold::cli

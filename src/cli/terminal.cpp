@@ -1,0 +1,191 @@
+#include "cli/terminal.h"
+
+#include <csignal>
+#include <cstdio>
+#ifdef _WIN32
+#include <io.h>
+#else
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <array>
+#endif
+
+#include "cli/failure.h"
+#include "controls/text.h"
+
+namespace tidyfold::cli {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto before_progress = 1s;
+constexpr auto between_progress = 100ms;
+// Longer lines would wrap, and a wrapped line cannot be replaced.
+constexpr std::size_t progress_width = 79;
+constexpr const char* clear_line = "\r\x1B[K";
+
+// A handler of signals can reach nothing else than what stands here.
+volatile std::sig_atomic_t interrupted = 0;
+
+#ifdef _WIN32
+bool Is_Terminal(std::FILE* stream) {
+  return _isatty(_fileno(stream)) != 0;
+}
+
+extern "C" void Note_Interrupt(int) {
+  interrupted = 1;
+}
+
+void Catch_Interrupt() {
+  interrupted = 0;
+  std::signal(SIGINT, &Note_Interrupt);
+}
+
+int Read_Byte() {
+  return std::getc(stdin);
+}
+#else
+bool Is_Terminal(std::FILE* stream) {
+  return isatty(fileno(stream)) != 0;
+}
+
+// Wakes a question that is open, whenever the signal comes.
+std::array<int, 2> wake_up = {-1, -1};
+
+extern "C" void Note_Interrupt(int) {
+  interrupted = 1;
+  [[maybe_unused]] const auto written = write(wake_up[1], "", 1);
+}
+
+void Catch_Interrupt() {
+  interrupted = 0;
+  if (wake_up[0] < 0 && pipe(wake_up.data()) == 0)
+    for (const int end : wake_up) fcntl(end, F_SETFD, FD_CLOEXEC);
+  struct sigaction action {};
+  action.sa_handler = &Note_Interrupt;
+  action.sa_flags = static_cast<int>(SA_RESETHAND | SA_RESTART);
+  sigaction(SIGINT, &action, nullptr);
+}
+
+// -1 at the end of the input and on the signal.
+int Read_Byte() {
+  std::array<pollfd, 2> ready = {{{STDIN_FILENO, POLLIN, 0}, {wake_up[0], POLLIN, 0}}};
+  while (interrupted == 0 && poll(ready.data(), ready.size(), -1) < 0) {
+  }
+  unsigned char byte = 0;
+  return interrupted == 0 && read(STDIN_FILENO, &byte, 1) == 1 ? byte : -1;
+}
+#endif
+
+bool Steers_Terminal(char32_t character) {
+  return (character < 0x20 && character != '\t' && character != '\n') ||
+         (character >= 0x7F && character < 0xA0);
+}
+
+constexpr std::string_view replacement = "\xEF\xBF\xBD";
+
+}  // namespace
+
+std::string Printable(std::string_view text) {
+  const std::string valid = Valid_Utf8(text);
+  std::string printable;
+  printable.reserve(valid.size());
+  for (std::size_t at = 0; at < valid.size(); ++at) {
+    const auto byte = static_cast<unsigned char>(valid[at]);
+    if (byte == '\r' && at + 1 < valid.size() && valid[at + 1] == '\n') continue;
+    // U+0080 to U+009F are the only ones beyond ASCII.
+    const bool pair = byte == 0xC2 && at + 1 < valid.size();
+    const char32_t character = pair ? static_cast<unsigned char>(valid[at + 1]) : byte;
+    if ((byte < 0x80 || pair) && Steers_Terminal(character)) {
+      printable += replacement;
+      if (pair) ++at;
+    } else {
+      printable += valid[at];
+    }
+  }
+  return printable;
+}
+
+std::string Printable_Line(std::string_view text) {
+  std::string line;
+  for (const char character : Printable(text)) {
+    const bool blank = character == '\n' || character == '\t';
+    // Runs of line ends and tabs only lay the text out.
+    if (!blank || (!line.empty() && line.back() != ' ')) line += blank ? ' ' : character;
+  }
+  return line;
+}
+
+Terminal::Terminal()
+    : can_ask_(Is_Terminal(stdin)),
+      output_is_terminal_(Is_Terminal(stdout)),
+      error_is_terminal_(Is_Terminal(stderr)),
+      next_progress_(Clock::now() + before_progress) {
+  Catch_Interrupt();
+}
+
+void Terminal::Write(std::string_view text) {
+  End_Progress();
+  std::fwrite(text.data(), 1, text.size(), stdout);
+}
+
+void Terminal::Flush() {
+  std::fflush(stdout);
+}
+
+void Terminal::Check_Output() {
+  if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+    throw Failure(Exit_Status::Not_All_Done,
+                  "Standard output could not be written. Check the room on its disk.");
+  }
+}
+
+void Terminal::Write_Aside(std::string_view text) {
+  End_Progress();
+  // What was said before stands before.
+  std::fflush(stdout);
+  std::fwrite(text.data(), 1, text.size(), stderr);
+}
+
+void Terminal::Write_Error(std::string_view text) {
+  Write_Aside("tidyfold-cli: " + Printable_Line(text) + "\n");
+}
+
+std::optional<std::string> Terminal::Read_Line() {
+  std::string line;
+  for (;;) {
+    const int byte = Read_Byte();
+    if (byte < 0) return std::nullopt;
+    if (byte == '\n') return line;
+    if (byte != '\r') line += static_cast<char>(byte);
+  }
+}
+
+bool Terminal::Progress_Due() const {
+  return error_is_terminal_ && Clock::now() >= next_progress_;
+}
+
+void Terminal::Progress(std::string_view text) {
+  if (!Progress_Due()) return;
+  next_progress_ = Clock::now() + between_progress;
+  const std::string line = Printable_Line(text);
+  const std::string_view shown = First_Characters(line, progress_width);
+  std::fprintf(stderr, "%s%.*s", clear_line, static_cast<int>(shown.size()), shown.data());
+  std::fflush(stderr);
+  progress_shown_ = true;
+}
+
+void Terminal::End_Progress() {
+  if (!progress_shown_) return;
+  std::fputs(clear_line, stderr);
+  progress_shown_ = false;
+}
+
+bool Terminal::Interrupted() const {
+  return interrupted != 0;
+}
+
+}  // namespace tidyfold::cli
