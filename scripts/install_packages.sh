@@ -21,7 +21,8 @@ to_build=(
   libutf8proc-dev      # case mapping
   libcli11-dev         # the command line
   nlohmann-json3-dev
-  fp-utils             # chmcmd, which compiles the help book
+  libchm-dev           # the help book
+  fp-utils             # its compiler, chmcmd
 )
 to_show=(
   adwaita-icon-theme   # icons
