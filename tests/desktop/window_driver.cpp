@@ -296,9 +296,8 @@ void Window_Driver::Close_Window() {
 
 int Window_Driver::Press(const std::string& words, const std::string& key) {
   const int closed = Wait_For_Box(words)["boxes_closed"];
-  Wait("the keyboard to be the box's",
-       [](const State& state) { return state["box_has_keyboard"].get<bool>(); });
-  Key(key);
+  Wait("the keyboard to be the box's", [](const State& state) { return state["keyboard"] == "box"; });
+  Xdotool({"key", key});
   return closed;
 }
 

@@ -249,7 +249,7 @@ TEST_F(Window, The_Bars_Move_The_Panes) {
 }
 
 TEST_F(Window, Closing_It_While_It_Loads_Ends_The_Program) {
-  Make_Store(60000);
+  Make_Store(150000);  // so that loading takes longer than getting at the window
   const Content before = Read_Store();
   window_.emplace(folder_, std::vector{store_});
   window_->Wait("the window", [](const State& state) { return state["shown"].get<bool>(); });
