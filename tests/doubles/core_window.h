@@ -59,6 +59,10 @@ class Core_Window : public testing::Test {
     tree.Set_Selected_Item(Node(name));
     rows.CurrentNodeIndex = Node(name);
   }
+  void Build_And_Open(std::string_view name) {
+    Build();
+    Open(name);
+  }
   void Mark(std::string_view name) { tree.Set_Checked(Node(name), true); }
 
   // Adds items named "1", "2", ... to a folder; a later one is newer by a day.
@@ -78,6 +82,12 @@ class Core_Window : public testing::Test {
     std::string all;
     for (int row = 1; row < grid.Rows(); ++row) all += (row > 1 ? " " : "") + grid.TextMatrix(row, column);
     return all;
+  }
+  // Every call of a member fails, for one item or folder or for all.
+  void Fail(const std::string& member, const std::string& id = {}) {
+    plan.Fail_Where(
+        [=](const Store_Call& call) { return call.member == member && (id.empty() || call.entry_id == id); },
+        fault);
   }
   // One failure, wherever it comes from: the report and the stack behind it.
   void Expect_Report(const std::string& part) {

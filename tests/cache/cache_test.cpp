@@ -1,0 +1,410 @@
+#include "cache/item_cache.h"
+
+#include <map>
+#include <tuple>
+
+#include "cache/item_dates.h"
+#include "doubles/core_window.h"
+
+namespace tidyfold {
+namespace {
+
+class Dates : public Core_Window {};
+
+TEST_F(Dates, Go_By_The_Class_Of_The_Item) {
+  struct Case {
+    std::int32_t item_class;
+    Date modified, completed, due, expected;
+  };
+  const Date none = no_date;
+  const Case cases[] = {{43, 20, 30, 40, 10},
+                        {52, 20.5, 30, 40, 20},
+                        {53, 20, 30, 40, 10},
+                        {57, 20, 30, 40, 10},
+                        {58, 20, 30, 40, 20},
+                        {26, 20, 30, 40, 50},
+                        {42, 20, 30, 40, 50},
+                        {40, 20, 30, 40, 20},
+                        {48, 20, 30, 40.5, 40},
+                        {48, 60.5, 30, 40, 60},
+                        {48, 37712, 37743, none, 37743},
+                        {48, 20, none + 0.5, none, 20},
+                        {48, none, 30, none, 30},
+                        {48, none, none, none, none}};
+  for (const Case& c : cases) {
+    New_Item item;
+    item.item_class = c.item_class;
+    item.received = 10.9;
+    item.last_modified = c.modified;
+    item.completed = c.completed;
+    item.due = c.due;
+    item.end = 50.75;
+    const Item_Ptr stored = store.Item(store.Add_Item(*store.Folder({"Tasks"}), item));
+    EXPECT_EQ(Get_Item_Date(*stored, c.item_class), c.expected) << c.item_class;
+  }
+}
+
+class Filters : public Core_Window {
+ protected:
+  Filters() {
+    tree.Set_Node_Tag(tree.Add(0, "OUTLOOK", "Outlook"), "1");
+    records.Recreate();
+    records[1].ItemCache.assign(3, {item_class::mail, "", "RE: invoice", 37802, false, "ID", 0});
+    tree.Set_Checked(1, true);
+  }
+  bool Passes() { return filters.Check_Filtered_Record(1, 1, 2); }
+};
+
+TEST_F(Filters, Compare_Subjects) {
+  struct Case {
+    const char *text, *subject, *match;  // "c": case, "w": word
+    bool passes;
+  };
+  const Case cases[] = {
+      {"re", "RE: invoice", "", true}, {"re", "Reply", "", true},       {"re", "Fw: re", "", false},
+      {"re", "RE: x", "w", false},     {" re  ", "  Re ", "w", true},   {"Re", "RE: x", "c", false},
+      {"RE", "RE: x", "c", true},      {"re", " re", "c", false},       {" re", " re ", "cw", true},
+      {"re ", "re", "cw", true},       {"", "anything", "", true},      {"", "any", "cw", false},
+      {"", "  ", "w", true},           {"ÄRGER", "ärger im", "", true}, {"ärger", "Ärger", "c", false},
+      {"re:", "re", "", false},        {"re", "re\t", "w", false}};
+  for (const Case& c : cases) {
+    window.chkSelectSubject.Set_Value(1);
+    window.txtSelectSubject.Set_Text(c.text);
+    window.chkMatchCase.Set_Value(std::string_view(c.match).starts_with('c') ? 1 : 0);
+    window.chkMatchWord.Set_Value(std::string_view(c.match).ends_with('w') ? 1 : 0);
+    EXPECT_EQ(filters.Check_Subject(c.subject), c.passes) << c.text << " / " << c.subject << " " << c.match;
+    window.chkSelectSubject.Set_Value(0);
+    EXPECT_TRUE(filters.Check_Subject(c.subject));
+  }
+}
+
+TEST_F(Filters, Compare_Dates_Types_And_What_Is_Unread) {
+  EXPECT_TRUE(filters.Check_Date(no_date) && filters.Check_Type(99));
+  window.chkSelectDate.Set_Value(1);
+  for (const Date cutoff : {37802.0, 37802.4}) {
+    window.dtpCutoffDate.Set_Value(cutoff);
+    EXPECT_TRUE(filters.Check_Date(37802) && filters.Check_Date(1));
+    EXPECT_FALSE(filters.Check_Date(37803) || filters.Check_Date(no_date));
+  }
+  window.chkSelectType.Set_Value(1);
+  EXPECT_FALSE(filters.Check_Type(item_class::mail)) << "no type is wanted";
+  window.chkType[0].box.Set_Value(1);
+  window.chkType[5].box.Set_Value(1);
+  for (const int passing : {item_class::mail, item_class::note}) EXPECT_TRUE(filters.Check_Type(passing));
+  for (const int failing : {53, 26, 45, 69}) EXPECT_FALSE(filters.Check_Type(failing)) << failing;
+  EXPECT_TRUE(Passes());
+  records[1].Cached(2).Unread = true;
+  EXPECT_FALSE(Passes());
+  window.chkSelectUnread.Set_Value(1);
+  EXPECT_TRUE(Passes());
+}
+
+TEST_F(Filters, Let_Nothing_Pass_That_Is_Not_Marked_Read_And_There) {
+  for (const std::int32_t outside : {-1, 0, 4}) EXPECT_FALSE(filters.Check_Filtered_Record(1, 1, outside));
+  records[1].Cached(1).ItemClass = 0;
+  records[1].Cached(2).ItemClass = ItemData::deleted;
+  EXPECT_FALSE(filters.Check_Filtered_Record(1, 1, 1) || Passes());
+  EXPECT_TRUE(filters.Check_Filtered_Record(1, 1, 3));
+  records[1].Cached(3).EntryID.clear();
+  EXPECT_FALSE(filters.Check_Filtered_Record(1, 1, 3)) << "it could not be read to its end";
+  records[1].Cached(3).EntryID = "ID";
+  tree.Set_Checked(1, false);
+  EXPECT_FALSE(filters.Check_Filtered_Record(1, 1, 3));
+}
+
+TEST_F(Filters, Change_The_Rows_Once_For_Each_Change) {
+  int changes = 0;
+  filters.Change_Filtered_Rows = [&] { ++changes; };
+  window.chkSelectSubject.Set_Value(1);
+  window.chkSelectDate.Set_Value(1);
+  window.chkSelectType.Set_Value(1);
+  EXPECT_TRUE(window.txtSelectSubject.Enabled() && window.chkMatchWord.Enabled() &&
+              window.dtpCutoffDate.Enabled() && window.chkType[3].box.Enabled());
+  EXPECT_EQ(window.txtSelectSubject.Back_Colour(), system_window_background);
+  EXPECT_EQ(changes, 3);
+  window.chkType[1].box.Set_Value(1);
+  window.txtSelectSubject.KeyPress(13);
+  window.dtpCutoffDate.KeyDown(13);
+  window.dtpCutoffDate.CloseUp();
+  window.txtSelectSubject.Set_Text("new");
+  window.txtSelectSubject.Validate();
+  EXPECT_EQ(changes, 8);
+  // Neither other keys nor a box that loses the focus as it was change anything.
+  window.txtSelectSubject.KeyPress('x');
+  window.dtpCutoffDate.KeyDown(9);
+  window.txtSelectSubject.Validate();
+  window.dtpCutoffDate.Validate();
+  EXPECT_EQ(changes, 8);
+  window.chkSelectSubject.Set_Value(0);
+  EXPECT_FALSE(window.txtSelectSubject.Enabled() || window.chkMatchCase.Enabled());
+  EXPECT_EQ(window.txtSelectSubject.Back_Colour(), system_button_face);
+  EXPECT_TRUE(grid.Redraw());
+}
+
+class Cache : public Core_Window {
+ protected:
+  Cache() {
+    plan.on_call = [this](const Store_Call& call) {
+      if (call.member == "Item.Subject") ++subjects_read_[call.entry_id];
+    };
+  }
+  MAPIFolder_Ptr Inbox() { return store.Folder({"Inbox"}); }
+  void Load() {
+    Build_And_Open("Inbox");
+    cache.Cache_Folder_Items();
+  }
+  // Cache, folder and grid agree about a folder that is in view; nothing is there twice.
+  void Expect_In_Step(std::string_view name, std::int32_t count) {
+    const FolderData& record = Record(name);
+    EXPECT_TRUE(record.Loaded);
+    EXPECT_EQ(record.CachedCount, count);
+    EXPECT_EQ(record.Cache_Bound(), count);
+    EXPECT_EQ(grid.Rows(), count + 1);
+    const Items_Ptr items = record.Folder->Items();
+    ASSERT_EQ(items->Count(), count);
+    for (std::int32_t i = 1; i <= count; ++i)
+      ASSERT_EQ(items->Item(i)->EntryID(), record.Cached(i).EntryID) << i;
+  }
+  int Most_Often_Read() const {
+    int most = 0;
+    for (const auto& [id, times] : subjects_read_) most = std::max(most, times);
+    return most;
+  }
+  std::map<std::string, int> subjects_read_;
+};
+
+TEST_F(Cache, Hands_Rows_Over_In_Hundreds) {
+  Add_Items(Inbox(), 250);
+  Build_And_Open("Inbox");
+  std::vector<int> seen;
+  cache.Add_Folder_Rows = [&](int folder) {
+    rows.Add_Folder_Rows(folder, Marker::None);
+    seen.push_back(grid.Rows());
+  };
+  cache.Cache_Folder_Items();
+  EXPECT_EQ(seen, (std::vector<int>{101, 201, 251}));
+  EXPECT_TRUE(cache.AllFoldersCached);
+  Expect_In_Step("Inbox", 250);
+  EXPECT_EQ(Most_Often_Read(), 1);
+  EXPECT_EQ(tree.Fore_Colour(Node("Inbox")), loaded_colour);
+  EXPECT_EQ(window.sbStatusBar.Panel_Text(1) + window.sbStatusBar.Panel_Text(2), "");
+  EXPECT_EQ(grid.TextMatrix(1, 0), Row_Key(Node("Inbox"), 250)) << "newest first";
+}
+
+TEST_F(Cache, Reads_Of_Each_Item_What_It_Shows) {
+  New_Item item;
+  item.sender = "Ann";
+  item.body = "zwölf Zeichen; und noch viel mehr";
+  item.unread = true;
+  item.size = 77;
+  item.received = 100.5;
+  store.Add_Item(*Inbox(), item);
+  item.item_class = item_class::note;
+  store.Add_Item(*Inbox(), item);
+  plan.Fail_Call("Item.UnRead", 2, fault);
+  Load();
+  EXPECT_EQ(Record("Inbox").Cached(1).SenderOrText, "Ann");
+  EXPECT_EQ(Record("Inbox").Cached(2).SenderOrText, "zwölf Zeichen; und n");
+  EXPECT_EQ(Record("Inbox").Cached(1).ItemDate, 100);
+  EXPECT_EQ(Record("Inbox").Cached(1).Size, 77);
+  EXPECT_TRUE(Record("Inbox").Cached(1).Unread);
+  EXPECT_FALSE(Record("Inbox").Cached(2).Unread) << "what does not say counts as read";
+  outlook.mapi_utils_available = false;
+  Expect_Report("Cache_Folder_Items - Create Companion");
+  Load();
+  EXPECT_EQ(Record("Inbox").Cached(1).SenderOrText, "");
+  EXPECT_EQ(Record("Inbox").Cached(1).Size, 77);
+}
+
+TEST_F(Cache, Turns_To_What_The_Person_Turns_To_And_Comes_Back) {
+  Add_Items(Inbox(), 150);
+  Add_Items(store.Folder({"Notes"}), 30);
+  Add_Items(store.Folder({"Tasks"}), 20);
+  Add_Items(store.Folder({"Drafts"}), 10);
+  Build_And_Open("Inbox");
+  Mark("Tasks");
+  std::vector<std::string> order;
+  plan.on_call = [&](const Store_Call& call) {
+    if (call.member != "Item.Subject") return;
+    const std::string folder = store.Item(call.entry_id)->Parent()->Name();
+    if (order.empty() || order.back() != folder) order.push_back(folder);
+    ++subjects_read_[call.entry_id];
+  };
+  events.When([&] { return Record("Inbox").CachedCount == 120; },
+              [&] {
+                EXPECT_EQ(window.sbStatusBar.Panel_Text(1), "Loading Folder \"Inbox\"");
+                EXPECT_EQ(window.sbStatusBar.Panel_Text(2), "100");
+                tree.Set_Selected_Item(Node("Notes"));
+              });
+  // Selecting what is loaded interrupts nothing.
+  events.When([&] { return Record("Drafts").CachedCount == 5; },
+              [&] { tree.Set_Selected_Item(Node("Inbox")); });
+  cache.Cache_Folder_Items();
+  EXPECT_EQ(order, (std::vector<std::string>{"Inbox", "Notes", "Tasks", "Inbox", "Drafts"}));
+  EXPECT_EQ(Most_Often_Read(), 1);
+  Expect_In_Step("Inbox", 150);
+}
+
+TEST_F(Cache, Broken_Off_Anywhere_It_Reads_Nothing_Twice_And_Loses_No_Row) {
+  Add_Items(Inbox(), 205);
+  for (const int at : {1, 99, 100, 101, 204, 205}) {
+    subjects_read_.clear();
+    Build_And_Open("Inbox");
+    events.When([&] { return Record("Inbox").CachedCount == at; }, [&] { cache.InterruptCaching = true; });
+    cache.Cache_Folder_Items();
+    Expect_In_Step("Inbox", 205);
+    EXPECT_EQ(Most_Often_Read(), 1) << at;
+    EXPECT_EQ(subjects_read_.size(), 205U);
+
+    Build_And_Open("Inbox");
+    events.When([&] { return Record("Inbox").CachedCount == at; },
+                [&] { cache.StopCaching = cache.InterruptCaching = true; });
+    cache.Cache_Folder_Items();
+    EXPECT_EQ(Record("Inbox").CachedCount, at);
+    EXPECT_FALSE(cache.AllFoldersCached || Record("Inbox").Loaded || cache.Running());
+    cache.Cache_Folder_Items();
+    Expect_In_Step("Inbox", 205);
+  }
+}
+
+// Another program at the same folder: the items that it takes away or puts in, and where the program has come
+// to by then.
+TEST_F(Cache, Keeps_In_Step_With_A_Folder_That_Changes) {
+  struct Case {
+    int at;
+    std::vector<int> removed;
+    int added;
+  };
+  for (const Case& c : {Case{130, {5}, 0}, Case{130, {130}, 0}, Case{130, {131}, 0}, Case{130, {250}, 0},
+                        Case{130, {1, 2, 200}, 0}, Case{249, {1, 249, 250}, 0}, Case{250, {250}, 0},
+                        Case{10, {}, 3}, Case{250, {}, 3}, Case{130, {60}, 1}, Case{130, {60, 240}, 1}}) {
+    const MAPIFolder_Ptr folder = store.Add_Folder(*store.Top_Folder(), "Busy", 0);
+    Add_Items(folder, 250);
+    Build_And_Open("Busy");
+    events.When([&] { return Record("Busy").CachedCount == c.at; },
+                [&] {
+                  for (auto gone = c.removed.rbegin(); gone != c.removed.rend(); ++gone)
+                    folder->Items()->Remove(*gone);
+                  events.At_Yield(events.Yields() + (c.removed.empty() ? 0 : 1),
+                                  [&] { Add_Items(folder, c.added); });
+                });
+    cache.Cache_Folder_Items();
+    Expect_In_Step("Busy", 250 + c.added - static_cast<int>(c.removed.size()));
+    store.Top_Folder()->Folders()->Remove(store.Top_Folder()->Folders()->Count());
+  }
+}
+
+TEST_F(Cache, Ends_Though_The_Folder_Never_Stands_Still) {
+  Add_Items(Inbox(), 50);
+  const Items_Ptr items = Inbox()->Items();
+  std::function<void()> change, again = [&] {
+    change();
+    events.At_Yield(events.Yields() + 1, again);
+  };
+  for (const auto& kind : {std::function<void()>([&] { Add_Items(Inbox(), 1); }), {[&] {
+                             if (items->Count() > 0) items->Remove(1);
+                           }}}) {
+    change = kind;
+    events.At_Yield(1, again);
+    Load();
+    events.Forget_Waiting();
+    EXPECT_TRUE(Record("Inbox").Loaded);
+    EXPECT_LE(Record("Inbox").CachedCount, items->Count());
+  }
+}
+
+TEST_F(Cache, An_Item_That_Fails_Is_Reported_Once_For_All_And_Keeps_No_Other_Out) {
+  const std::string bad = Add_Items(Inbox(), 3);
+  Add_Items(Inbox(), 2);
+  const std::tuple<std::string, std::string, int> cases[] = {{"Item.Subject", bad, 4},
+                                                             {"Item.EntryID", bad, 4},
+                                                             {"Mapi_Utils.HrGetOneProp", "", 5},
+                                                             {"Items.Item", "", 0}};
+  for (const auto& [member, id, passing] : cases) {
+    plan.Forget_Faults();
+    Build_And_Open("Inbox");
+    Mark("Inbox");
+    Fail(member, id);
+    Expect_Report("Trap:      \t\tCache_Current_Item");
+    cache.Cache_Folder_Items();
+    box.Verify();
+    EXPECT_TRUE(cache.AllFoldersCached);
+    EXPECT_EQ(grid.Marked_Rows(), passing);
+    EXPECT_EQ(grid.Rows(), 6) << "what could not be read is to be seen";
+  }
+}
+
+TEST_F(Cache, A_Folder_That_Fails_Is_Left_Alone_Until_The_Next_Run) {
+  for (const char* name : {"Inbox", "Tasks", "Notes"}) Add_Items(store.Folder({name}), 2);
+  const std::string bad = store.Folder({"Tasks"})->EntryID();
+  for (const char* member : {"MAPIFolder.Name", "MAPIFolder.Items", "Items.Count"}) {
+    for (const bool always : {false, true}) {
+      plan.Forget_Faults();
+      Build_And_Open("Inbox");
+      Mark("Tasks");
+      Fail(member, always ? "" : bad);
+      Expect_Report("Planned.");
+      cache.Cache_Folder_Items();
+      box.Verify();
+      EXPECT_FALSE(cache.AllFoldersCached || Record("Tasks").Loaded);
+      EXPECT_EQ(tree.Fore_Colour(Node("Tasks")), unloaded_colour);
+      EXPECT_EQ(Record("Notes").Loaded, !always) << member;
+      plan.Forget_Faults();
+      cache.Cache_Folder_Items();
+      EXPECT_TRUE(cache.AllFoldersCached);
+      Expect_In_Step("Inbox", 2);
+    }
+  }
+}
+
+TEST_F(Cache, A_Handler_Inside_A_Report_May_Reset_The_Folder) {
+  Add_Items(Inbox(), 5);
+  plan.Fail_Call("Item.Subject", 4, fault);
+  box.Expect("Planned.", Buttons::OK_Only, Answer::OK, [&] {
+    rows.Remove_Folder_Rows(Node("Inbox"));
+    folder_tree.Reset_Folder_Node(Node("Inbox"));
+    cache.Cache_Folder_Items();
+  });
+  box.Expect("", Buttons::OK_Only, Answer::OK);
+  Load();
+  Expect_In_Step("Inbox", 5);
+}
+
+TEST_F(Cache, A_Folder_That_Is_Deleted_While_It_Is_Read_Is_No_Failure) {
+  Add_Items(store.Folder({"Notes"}), 5);
+  Build_And_Open("Notes");
+  events.When([&] { return Record("Notes").CachedCount == 3; },
+              [&] {
+                store.Top_Folder()->Folders()->Remove(9);
+                const int node = Node("Notes");
+                rows.Remove_Folder_Rows(node);
+                folder_tree.Remove_Folder_Node(node);
+              });
+  cache.Cache_Folder_Items();
+  EXPECT_TRUE(cache.AllFoldersCached);
+  EXPECT_EQ(grid.Rows(), 1);
+}
+
+TEST(Packing, Closes_Holes_Among_What_Was_Read) {
+  struct Case {
+    std::vector<int> classes;
+    int cached;
+    std::vector<int> packed;
+  };
+  for (const Case& c : {Case{{1, -1, 2, -1, -1, 3}, 6, {1, 2, 3, -1, -1, -1}}, Case{{-1, -1}, 2, {-1, -1}},
+                        Case{{1, 2}, 2, {1, 2}}, Case{{-1, 1, 0, 0}, 2, {1, -1, 0, 0}}, Case{{}, 0, {}}}) {
+    FolderData record;
+    for (const int item_class : c.classes)
+      record.ItemCache.push_back({item_class, "", std::to_string(item_class), 0, false, "", 0});
+    record.CachedCount = c.cached;
+    Pack_Items_Array(record);
+    std::vector<int> packed;
+    for (const ItemData& data : record.ItemCache) packed.push_back(data.ItemClass);
+    EXPECT_EQ(packed, c.packed);
+    for (int i = 1; i <= record.CachedCount; ++i)
+      EXPECT_EQ(record.Cached(i).Subject, std::to_string(record.Cached(i).ItemClass));
+  }
+}
+
+}  // namespace
+}  // namespace tidyfold

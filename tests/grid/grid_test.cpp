@@ -1,0 +1,328 @@
+#include <array>
+
+#include "doubles/core_window.h"
+
+namespace tidyfold {
+namespace {
+
+class Grid : public Core_Window {
+ protected:
+  // A session in which the folder's items have been read and stand in the grid.
+  void Show(std::string_view name, int count, std::int32_t item_class = item_class::mail) {
+    Add_Items(store.Folder({name}), count, item_class);
+    Build_And_Open(name);
+    cache.Cache_Folder_Items();
+  }
+  std::string Marks() const {
+    std::string marks;
+    for (int row = 1; row < grid.Rows(); ++row) {
+      const GridRow& at = grid.Row_At(row);
+      marks += at.marked ? '1' : '0';
+      EXPECT_EQ(at.back_colour, at.marked ? selected_row_colour : system_window_background) << row;
+    }
+    return marks;
+  }
+  void Click(int row, int shift = 0, int button = 1) {
+    grid.Set_MouseRow(row);
+    grid.MouseUp(button, shift, 0, 0);
+    EXPECT_TRUE(grid.Redraw());
+  }
+};
+
+TEST(Types, Have_The_Names_Of_Their_Classes) {
+  std::string names;
+  for (const int item_class : {43, 26, 40, 48, 69, 42, 44, 49, 52, 53, 54, 55, 57, 58, 99})
+    names += Type_Name(item_class) + "|";
+  EXPECT_EQ(
+      names,
+      "Mail|Appointment|Contact|Task|Distribution List|Journal Entry|Note|Task Request|Task Request|Meeting "
+      "Notice|Meeting Notice|Meeting Response|Meeting Response|Undefined - 58|Undefined - 99|");
+}
+
+TEST_F(Grid, Shows_In_Each_View_What_Its_Headers_Say) {
+  New_Item entry;
+  entry.item_class = item_class::journal;
+  entry.subject = "Subject";
+  entry.body = "Text";
+  entry.end = 40001;
+  store.Add_Item(*store.Folder({"Journal"}), entry);
+  Show("Journal", 0);
+  Mark("Journal");
+  struct Case {
+    bool all_folders;
+    int item_type;
+    const char *headers, *cells;
+    std::array<int, 6> columns;  // of the six fields
+  };
+  const Case cases[] = {
+      {true,
+       4,
+       "|Folder|Type|Sender|Subject|Date",
+       "|Journal|Journal Entry|Text|Subject|2009-07-07",
+       {2, 3, 4, 5, 7, 6}},
+      {false, 0, "|Type|Sender|Subject|Date", "|Journal Entry|Text|Subject|2009-07-07", {6, 2, 3, 4, 6, 5}},
+      {false, 4, "|Type|Subject|Entry|Date", "|Journal Entry|Subject|Text|2009-07-07", {6, 2, 6, 3, 4, 5}},
+      {false, 3, "|Type|Subject|Date", "|Journal Entry|Subject|2009-07-07", {5, 2, 5, 3, 5, 4}}};
+  for (const Case& c : cases) {
+    columns.CurrentGridItemType = c.item_type;
+    window.chkShowAllFolders.Set_Value(c.all_folders);
+    columns.Set_Grid_Columns();
+    std::string headers, cells;
+    Twips width = 0;
+    for (int column = 2; column < grid.Cols(); ++column) {
+      headers += "|" + grid.TextMatrix(0, column);
+      cells += "|" + grid.TextMatrix(1, column);
+      width += grid.Column_Width(column);
+    }
+    EXPECT_EQ(headers, c.headers);
+    EXPECT_EQ(cells, c.cells);
+    EXPECT_LE(width, grid.Width());
+    EXPECT_EQ(grid.Header(1), "TYPE");
+    for (int field = 0; field < 6; ++field) {
+      const int column = columns.Get_Sort_Column(static_cast<Grid_Field>(field));
+      EXPECT_EQ(column, c.columns[static_cast<std::size_t>(field)]);
+      EXPECT_EQ(static_cast<int>(columns.Get_Sort_Field(column)), column < grid.Cols() ? field : 1);
+    }
+  }
+  // Neither a date that is none nor what a run has deleted is to be read.
+  Record("Journal").Cached(1).ItemDate = no_date;
+  EXPECT_EQ(grid.TextMatrix(1, 4), "");
+  Record("Journal").Cached(1).ItemClass = ItemData::deleted;
+  EXPECT_EQ(grid.TextMatrix(1, 2) + grid.TextMatrix(1, 3), "");
+}
+
+TEST_F(Grid, Sorts_By_The_Header_And_Remembers) {
+  Show("Inbox", 11);
+  EXPECT_EQ(Column(4), "11 10 9 8 7 6 5 4 3 2 1") << "newest first";
+  grid.Header_Click(4);
+  EXPECT_EQ(Column(4), "1 10 11 2 3 4 5 6 7 8 9") << "as texts";
+  grid.Header_Click(4);
+  EXPECT_EQ(Column(4), "9 8 7 6 5 4 3 2 11 10 1");
+  EXPECT_EQ(grid.Sort_Column(), 4);
+  rows.Remove_All_Rows();
+  rows.Add_All_Folders_Rows(Marker::None);
+  EXPECT_EQ(Column(4), "9 8 7 6 5 4 3 2 11 10 1");
+}
+
+TEST_F(Grid, Shows_The_Kinds_That_Are_Wanted_And_None_Twice) {
+  Show("Inbox", 6);
+  Mark("Inbox");
+  window.chkSelectDate.Set_Value(1);
+  window.dtpCutoffDate.Set_Value(40004);
+  window.dtpCutoffDate.CloseUp();
+  EXPECT_EQ(Marks(), "001111");
+  EXPECT_TRUE(grid.Redraw());
+  window.chkShowUnselectedItems.Set_Value(0);
+  EXPECT_EQ(Column(4), "4 3 2 1");
+  window.dtpCutoffDate.Set_Value(40002);
+  window.dtpCutoffDate.Validate();
+  EXPECT_EQ(Column(4), "2 1");
+  window.chkShowSelectedItems.Set_Value(0);
+  EXPECT_EQ(Column(4), "");
+  window.chkShowUnselectedItems.Set_Value(1);
+  EXPECT_EQ(Column(4), "6 5 4 3");
+  // Picking rows by hand needs every row; what comes is not picked yet.
+  window.chkSelectByRow.Set_Value(1);
+  EXPECT_EQ(Column(4), "6 5 4 3 2 1");
+  EXPECT_EQ(Marks(), "000000");
+  EXPECT_TRUE(window.chkShowSelectedItems.Checked());
+  window.chkSelectByRow.Set_Value(0);
+  EXPECT_EQ(Marks(), "000011") << "the filters choose again";
+}
+
+TEST_F(Grid, Follows_The_Current_And_The_Marked_Folders) {
+  Add_Items(store.Folder({"Tasks"}), 2, item_class::task);
+  Add_Items(store.Folder({"Notes"}), 1, item_class::note);
+  Show("Inbox", 2);
+  EXPECT_EQ(Column(4), "5 4");
+  for (const char* name : {"Tasks", "Notes"}) Mark(name);
+  window.chkShowAllFolders.Set_Value(1);
+  EXPECT_EQ(Column(2), "Notes Tasks Tasks");
+  EXPECT_EQ(Marks(), "111");
+  tree.Set_Checked(Node("Tasks"), false);
+  rows.Change_Folder_Rows(Node("Tasks"));
+  EXPECT_EQ(Column(2), "Notes");
+  window.chkShowAllFolders.Set_Value(0);
+  EXPECT_EQ(Column(4), "5 4");
+  Open("Tasks");
+  rows.Change_Folder_Rows(Node("Tasks"));
+  EXPECT_EQ(Column(4), "2 1");
+  rows.Change_Folder_Rows(Node("Tasks"));
+  EXPECT_EQ(Column(4), "2 1");
+}
+
+TEST_F(Grid, Says_Once_That_It_Is_Full) {
+  grid.Set_Capacity(151);
+  box.Expect(Exact("Insufficient memory to display all selected items.\r\n"
+                   "Select fewer folders or change Screen Options to diplay fewer items."),
+             Buttons::OK_Only, Answer::OK);
+  Show("Inbox", 350);
+  EXPECT_EQ(grid.Rows(), 151);
+  EXPECT_TRUE(Record("Inbox").Loaded);
+}
+
+TEST_F(Grid, Marks_Rows_By_Mouse) {
+  Show("Inbox", 8);
+  Click(3);
+  EXPECT_EQ(Marks(), "00000000") << "the option is off";
+  window.chkSelectByRow.Set_Value(1);
+  struct Case {
+    int row, shift, button;
+    const char* marks;
+  };
+  const Case clicks[] = {{4, 1, 1, "00010000"}, {5, 0, 1, "00001000"}, {2, 1, 1, "01111000"},
+                         {8, 1, 1, "00001111"}, {8, 2, 1, "00001110"}, {1, 2, 1, "10001110"},
+                         {2, 1, 1, "11000000"}, {0, 0, 1, "11000000"}, {3, 0, 2, "11000000"},
+                         {9, 0, 1, "11000000"}, {3, 3, 1, "11000000"}, {6, 0, 1, "00000100"}};
+  for (const Case& c : clicks) {
+    Click(c.row, c.shift, c.button);
+    EXPECT_EQ(Marks(), c.marks) << c.row << " " << c.shift;
+  }
+  // A Shift-click does not start where another item stands by now.
+  grid.Header_Click(5);
+  Click(2, 1);
+  EXPECT_EQ(Marks(), "01000000");
+  EXPECT_EQ(rows.Get_Rows_Selected_Count(), 1);
+  EXPECT_EQ(rows.Get_Rows_Selected_Count(Node("Deleted Items")), 1);
+  EXPECT_EQ(rows.Get_Rows_Selected_Count(Node("Inbox")), 0);
+}
+
+TEST_F(Grid, Marks_Deleted_Items_For_Good_Only) {
+  Add_Items(store.Folder({"Deleted Items"}), 1);
+  Add_Items(store.Folder({"Tasks"}), 1, item_class::task);
+  Add_Items(store.Folder({"Deleted Items"}), 2);
+  Show("Inbox", 1);
+  for (const char* name : {"Deleted Items", "Tasks", "Inbox"}) Mark(name);
+  window.chkShowAllFolders.Set_Value(1);
+  window.chkSelectByRow.Set_Value(1);
+  ASSERT_EQ(Column(5), "5 4 3 2 1");
+  Click(1, 0);
+  EXPECT_EQ(Marks(), "10000");
+  box.Expect(Exact("Cannot select \"Deleted Items\" items unless Permanent Delete is marked"),
+             Buttons::OK_Only, Answer::OK);
+  Click(3, 1);
+  EXPECT_EQ(Marks(), "10000");
+  box.Expect(Exact("Cannot select items in \"Deleted Items\" folder unless Permanent delete is marked."),
+             Buttons::OK_Only, Answer::OK);
+  Click(4, 1);
+  EXPECT_EQ(Marks(), "10010");
+  window.chkPermanentDelete.Set_Value(1);
+  Click(4, 1);
+  EXPECT_EQ(Marks(), "11110");
+  EXPECT_EQ(buttons_enabled, 5) << "after each click and the option itself";
+}
+
+TEST_F(Grid, Refuses_Picking_Rows_Until_They_Are_There) {
+  Show("Inbox", 3);
+  Record("Inbox").Loaded = false;
+  const auto refuse_row = [&] {
+    box.Expect(Exact("Cannot use \"Select By Row\" until folder is completely loaded (appears black in the "
+                     "Folder Tree)."),
+               Buttons::OK_Only, Answer::OK);
+  };
+  refuse_row();
+  window.chkSelectByRow.Set_Value(1);
+  EXPECT_FALSE(window.chkSelectByRow.Checked());
+  Record("Inbox").Loaded = true;
+  window.chkSelectByRow.Set_Value(1);
+  Click(2);
+  Record("Inbox").Loaded = false;
+  refuse_row();
+  Click(3);
+  selected_folders_loaded = false;
+  box.Expect(
+      Exact("Cannot select or use \"Show All Seleted Folders\" and \"Select By Row\" until all selected "
+            "folders have been loaded."),
+      Buttons::OK_Only, Answer::OK);
+  window.chkShowAllFolders.Set_Value(1);
+  EXPECT_FALSE(window.chkShowAllFolders.Checked());
+  EXPECT_EQ(Marks(), "010") << "what was picked stays picked";
+  EXPECT_EQ(grid.Cols(), 6);
+}
+
+TEST_F(Grid, Keeps_What_Was_Picked_When_A_Box_Loses_The_Focus) {
+  Show("Inbox", 3);
+  Mark("Inbox");
+  window.chkSelectByRow.Set_Value(1);
+  Click(2);
+  window.chkSelectSubject.Set_Value(1);
+  window.txtSelectSubject.Set_Text("3");
+  window.txtSelectSubject.Validate();
+  EXPECT_EQ(Marks(), "100") << "a filter that changes chooses anew";
+  Click(2, 2);
+  window.txtSelectSubject.Validate();
+  EXPECT_EQ(Marks(), "110");
+}
+
+TEST_F(Grid, Opens_The_Item_That_The_Row_Shows) {
+  Show("Inbox", 9);
+  const std::string shown = Record("Inbox").Cached(5).EntryID;
+  const auto press = [&](int row) {
+    grid.Set_Row(row);
+    grid.MouseDown(1);
+    grid.Set_MouseRow(row);
+  };
+  press(5);
+  grid.Set_Row(9);
+  grid.KeyPress(13);
+  EXPECT_EQ(outlook.displayed, std::vector{shown})
+      << "the row that was pressed, not where the keys have gone";
+  // Others went from in front of it meanwhile.
+  store.Folder({"Inbox"})->Items()->Remove(1);
+  grid.DblClick();
+  EXPECT_EQ(outlook.displayed, (std::vector{shown, shown}));
+  grid.Set_MouseRow(0);
+  grid.DblClick();
+  grid.KeyPress('x');
+  press(0);
+  grid.KeyPress(13);
+  EXPECT_EQ(outlook.displayed.size(), 2U);
+  press(9);
+  box.Expect(Exact("Item could not be retrieved"), Buttons::OK_Only, Answer::OK);
+  grid.DblClick();
+  EXPECT_EQ(box.Boxes().back().icon, Icon::Critical);
+  press(4);
+  Record("Inbox").Cached(6).EntryID.clear();
+  box.Expect(Exact("Item could not be retrieved"), Buttons::OK_Only, Answer::OK);
+  grid.DblClick();
+  Record("Inbox").Cached(6).ItemClass = ItemData::deleted;
+  grid.DblClick();
+  EXPECT_EQ(outlook.displayed.size(), 2U);
+}
+
+TEST_F(Grid, Tells_How_Much_Is_Selected_And_Why_Nothing_Is_There) {
+  const auto shown = [&] {
+    rows.Display_Selected_Items_Total();
+    return window.sbStatusBar.Panel_Text(3);
+  };
+  EXPECT_EQ(total.Empty_Text(), "Tick a folder in the tree to choose its items.");
+  Show("Inbox", 3);
+  EXPECT_EQ(shown(), "Total Selected:  0");
+  Mark("Inbox");
+  Record("Inbox").Cached(1).Size = 1500;
+  Record("Inbox").Cached(2).Size = 100;
+  EXPECT_EQ(shown(), "Total Selected:  3 (1.6 KB)");
+  window.chkSelectSubject.Set_Value(1);
+  window.txtSelectSubject.Set_Text("2");
+  EXPECT_EQ(shown(), "Total Selected:  1 (100 bytes)");
+  window.chkSelectByRow.Set_Value(1);
+  for (const auto& [row, text] :
+       {std::pair{3, "Total Selected:  1 (1.5 KB)"}, {2, "Total Selected:  1 (100 bytes)"}}) {
+    Click(row);
+    EXPECT_EQ(shown(), text);
+    EXPECT_EQ(shown(), text);
+  }
+  window.chkSelectByRow.Set_Value(0);
+  window.txtSelectSubject.Set_Text("none of them");
+  window.chkShowUnselectedItems.Set_Value(0);
+  window.txtSelectSubject.Validate();
+  EXPECT_EQ(total.Empty_Text(),
+            "No item to show. Of 3 items in the ticked folders:\r\n3 have another subject");
+  std::string sizes;
+  for (const std::int64_t bytes : {0ll, 1ll, 1023ll, 1024ll, 1'048'575ll, 5'000'000'000'000ll})
+    sizes += Format_Size(bytes) + ", ";
+  EXPECT_EQ(sizes, "0 bytes, 1 byte, 1023 bytes, 1.0 KB, 1.0 MB, 4.5 TB, ");
+}
+
+}  // namespace
+}  // namespace tidyfold
