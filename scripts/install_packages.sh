@@ -37,6 +37,7 @@ to_test=(
   xvfb                 # a screen for the window's tests
   openbox              # a window manager on it
   xdotool              # clicks and keys
+  p7zip-full           # a second reader of the help book
 )
 
 usage() { sed -n '2,8s/^# \{0,1\}//p' "$0"; }

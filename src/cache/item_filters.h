@@ -45,6 +45,8 @@ class Item_Filters {
   bool Check_Subject(std::string_view subject);
 
   Filter_State State() const;
+  // Brings the rows up to date with a date or text that was entered but not yet taken over.
+  void Focus_Lost();
 
   std::function<void()> Change_Filtered_Rows;
   std::function<void()> Enable_Command_Buttons;
@@ -52,7 +54,6 @@ class Item_Filters {
  private:
   void Apply();
   void Filter_Changed();
-  void Focus_Lost();
   void chkSelectDate_Click();
   void chkSelectSubject_Click();
   void chkSelectType_Click();

@@ -53,6 +53,9 @@ bool Safety_Checks::Ask(const std::string& question) {
 
 bool Safety_Checks::Check_Screen() {
   return errors_.Run("Check_Screen", [&] {
+    // What is shown and what is taken go by the same filters, also when a command's key came before the box
+    // that was being filled in has lost the focus.
+    if (!window_.chkSelectByRow.Checked()) filters_.Focus_Lost();
     if (!Confirm_Selection_Count() || !Check_Deleted_Items_Folder()) return false;
     if (window_.chkTurbo.Checked()) {
       return Ask(

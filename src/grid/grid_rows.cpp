@@ -119,6 +119,8 @@ void Grid_Rows::Change_Filtered_Rows() {
       Remove_All_Rows();
       Add_All_Folders_Rows(Marker::None);
     }
+    Display_Selected_Items_Total();
+    Display_Empty_Text();
   });
 }
 
