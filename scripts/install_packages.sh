@@ -34,6 +34,7 @@ to_test=(
   libgmock-dev
   libbenchmark-dev
   python3              # the check of the includes
+  p7zip-full           # a second reader of the help book
   xvfb                 # a screen for the window's tests
   openbox              # a window manager on it
   xdotool              # clicks and keys
