@@ -1,0 +1,91 @@
+// The built program, run as a script runs it: no terminal, output caught.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace tidyfold::cli {
+
+using Json = nlohmann::json;
+using Words = std::vector<std::string>;
+
+struct Outcome {
+  int status = -1;
+  std::string out, err;
+  Json Document() const { return Json::parse(out); }
+};
+
+inline std::string Bytes_Of(const std::filesystem::path& file) {
+  std::ifstream stream(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+// Each test has a folder of its own.
+class Program_Test : public testing::Test {
+ protected:
+  Program_Test() {
+    std::string form = (std::filesystem::temp_directory_path() / "tidyfold-cli-XXXXXX").string();
+    folder_ = mkdtemp(form.data());
+    store_ = Path("store.tidyfold");
+  }
+  ~Program_Test() override { std::filesystem::remove_all(folder_); }
+
+  std::string Path(const std::string& name) const { return (folder_ / name).string(); }
+
+  Outcome Run(const Words& words) const {
+    std::string line = "\"" TIDYFOLD_CLI "\"";
+    for (const std::string& word : words) {
+      EXPECT_EQ(word.find('\''), std::string::npos) << "The shell would not take " << word;
+      line += " '" + word + "'";
+    }
+    const int status = std::system((line + " </dev/null >" + Path("out") + " 2>" + Path("err")).c_str());
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, Bytes_Of(Path("out")), Bytes_Of(Path("err"))};
+  }
+  // On the test's store.
+  Outcome On_Store(Words words) const {
+    words.insert(words.begin(), {"--store", store_});
+    return Run(words);
+  }
+  void Make_Sample(int items = 600) const {
+    const Outcome made = Run({"sample", store_, "--items", std::to_string(items)});
+    ASSERT_EQ(made.status, 0) << made.err;
+  }
+  // What no command can do to a store.
+  void Alter(const char* sql) const {
+    sqlite3* connection = nullptr;
+    ASSERT_EQ(sqlite3_open(store_.c_str(), &connection), SQLITE_OK);
+    EXPECT_EQ(sqlite3_exec(connection, sql, nullptr, nullptr, nullptr), SQLITE_OK)
+        << sqlite3_errmsg(connection);
+    sqlite3_close(connection);
+  }
+  // Every item of the store, read or not.
+  Json All_Items() const {
+    return On_Store({"items", "--folder", "/", "--sub-folders", "--unread", "--json"}).Document();
+  }
+
+  std::filesystem::path folder_;
+  std::string store_;
+};
+
+inline Words operator+(Words left, const Words& right) {
+  left.insert(left.end(), right.begin(), right.end());
+  return left;
+}
+
+// At blanks.
+inline Words Split(const std::string& text) {
+  std::istringstream stream(text);
+  return {std::istream_iterator<std::string>(stream), {}};
+}
+
+}  // namespace tidyfold::cli
