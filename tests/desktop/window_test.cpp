@@ -129,7 +129,9 @@ TEST_F(Window, Deletes_The_Picked_Rows_For_Good_And_No_Other) {
   window_->Tick_Option("chkSelectByRow");
   window_->Click_Row(2);
   window_->Click_Row(4, "shift");
+  Wait_For_Total(3);
   window_->Click_Row(7, "ctrl");
+  Wait_For_Total(4);
   window_->Click_Row(3, "ctrl");
   const State picked = Wait_For_Total(3);
   std::multiset<std::string> subjects;
