@@ -28,11 +28,11 @@ class Core_Window : public testing::Test {
     cache.Set_Grid_Order = [this] { rows.Set_Grid_Order(); };
     cache.Display_Selected_Items_Total = [this] { rows.Display_Selected_Items_Total(); };
     filters.Change_Filtered_Rows = [this] { rows.Change_Filtered_Rows(); };
-    filters.Enable_Command_Buttons = [this] { ++buttons_enabled; };
+    filters.Enable_Command_Buttons = [] {};
     rows.Check_Select_By_Row = [this] { return selection.Check_Select_By_Row(); };
     selection.Check_Selected_Folders = [this] { return selected_folders_loaded; };
     selection.Enable_Check_Boxes = [] {};
-    selection.Enable_Command_Buttons = [this] { ++buttons_enabled; };
+    selection.Enable_Command_Buttons = [] {};
     filters.Wire();
     rows.Wire();
     selection.Wire();
@@ -41,11 +41,13 @@ class Core_Window : public testing::Test {
     window.chkShowUnselectedItems.Set_Value(1);
   }
 
-  void Build() {
+  // With a name, makes that folder the one that the grid shows.
+  void Build(std::string_view current = {}) {
     if (session.name_space == nullptr) session.Start_Outlook();
     folder_tree.Build_Folder_Tree();
     deleted_items.Assigne_Deleted_Items_Folders();
     columns.Set_Grid_Columns();
+    if (!current.empty()) Open(current);
   }
   // The node of a folder, by the name that its record keeps.
   int Node(std::string_view name) const {
@@ -54,14 +56,9 @@ class Core_Window : public testing::Test {
     return 0;
   }
   FolderData& Record(std::string_view name) { return records[Node(name)]; }
-  // Makes a folder the one that the grid shows.
   void Open(std::string_view name) {
     tree.Set_Selected_Item(Node(name));
     rows.CurrentNodeIndex = Node(name);
-  }
-  void Build_And_Open(std::string_view name) {
-    Build();
-    Open(name);
   }
   void Mark(std::string_view name) { tree.Set_Checked(Node(name), true); }
 
@@ -89,6 +86,7 @@ class Core_Window : public testing::Test {
         [=](const Store_Call& call) { return call.member == member && (id.empty() || call.entry_id == id); },
         fault);
   }
+  void Expect_Message(std::string text) { box.Expect(Exact(std::move(text)), Buttons::OK_Only, Answer::OK); }
   // One failure, wherever it comes from: the report and the stack behind it.
   void Expect_Report(const std::string& part) {
     box.Expect(part, Buttons::OK_Only, Answer::OK);
@@ -118,7 +116,7 @@ class Core_Window : public testing::Test {
   Row_Selection selection{window, records, folder_tree, deleted_items, rows, box, errors};
   Item_Display display{window, records, session, box, errors};
   bool selected_folders_loaded = true;
-  int labelled = 0, buttons_enabled = 0, items_added = 0;
+  int labelled = 0, items_added = 0;
 };
 
 }  // namespace tidyfold
