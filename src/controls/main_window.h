@@ -33,7 +33,7 @@ struct MainWindow {
   Line linOptions1{"linOptions1"};
   Line linOptions2{"linOptions2"};
   Label lblScreenOptions{"lblScreenOptions", "Screen Options"};
-  CheckBox chkMarkSubFolders{"chkMarkSubFolders", "Mark Su&b Folders"};
+  CheckBox chkMarkSubFolders{"chkMarkSubFolders", "Mar&k Sub Folders"};
   CheckBox chkCollapseFolders{"chkCollapseFolders", "Co&llapse Folders"};
   CheckBox chkShowAllFolders{"chkShowAllFolders", "Show &All Folders"};
   CheckBox chkShowSelectedItems{"chkShowSelectedItems", "Show Selected &Items"};

@@ -94,9 +94,14 @@ Item_Window::Item_Window(wxWindow* parent, const Displayed_Item& item)
   subject->SetFont(subject->GetFont().Bold().Scaled(1.2f));
   subject->SetLabelText(GetTitle());
 
-  auto* const text = new wxTextCtrl(surface, wxID_ANY, To_Lines(item_.body), wxDefaultPosition, wxDefaultSize,
-                                    wxTE_MULTILINE | wxTE_READONLY | wxTE_BESTWRAP);
+  auto* const page = new wxPanel(surface, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxBORDER_THEME);
+  page->SetBackgroundColour(wxSystemSettings::GetColour(wxSYS_COLOUR_LISTBOX));
+  auto* const text = new wxTextCtrl(page, wxID_ANY, To_Lines(item_.body), wxDefaultPosition, wxDefaultSize,
+                                    wxTE_MULTILINE | wxTE_READONLY | wxTE_BESTWRAP | wxBORDER_NONE);
   text->SetName("txtItemBody");
+  auto* const page_sizer = new wxBoxSizer(wxVERTICAL);
+  page_sizer->Add(text, wxSizerFlags(1).Expand().Border(wxALL, FromDIP(8)));
+  page->SetSizer(page_sizer);
 
   auto* const buttons = new wxBoxSizer(wxHORIZONTAL);
   if (!item_.raw_message.empty()) {
@@ -112,7 +117,7 @@ Item_Window::Item_Window(wxWindow* parent, const Displayed_Item& item)
   auto* const column = new wxBoxSizer(wxVERTICAL);
   column->Add(subject, wxSizerFlags().Expand().Border(wxALL, gap));
   column->Add(facts, wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM, gap));
-  column->Add(text, wxSizerFlags(1).Expand().Border(wxLEFT | wxRIGHT, gap));
+  column->Add(page, wxSizerFlags(1).Expand().Border(wxLEFT | wxRIGHT, gap));
   column->Add(buttons, wxSizerFlags().Expand().Border(wxALL, gap));
   surface->SetSizer(column);
   Bind(wxEVT_CHAR_HOOK, [this](wxKeyEvent& event) {
@@ -120,6 +125,7 @@ Item_Window::Item_Window(wxWindow* parent, const Displayed_Item& item)
     Close();
   });
   text->SetFocus();
+  CentreOnParent();
 }
 
 void Item_Window::Save_As_Eml() {

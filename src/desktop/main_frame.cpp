@@ -26,7 +26,7 @@ namespace {
 constexpr int reserved_height = 90;
 constexpr int smallest_width = 480, smallest_height = 320;
 // Where the screen has the room, the window opens larger than it was designed; start-up lays the panes out.
-constexpr int comfortable_width = 1200, comfortable_height = 740;
+constexpr Twips comfortable_width = 18000, comfortable_height = 11100;
 
 }  // namespace
 
@@ -48,7 +48,7 @@ Main_Frame::Main_Frame(MainWindow& model, Repaint_Schedule& schedule, File_Comma
 
   const wxRect screen = wxDisplay(wxDisplay::GetFromPoint(wxPoint(0, 0))).GetClientArea();
   wxSize size = Client_Size_Of_Model();
-  size.IncTo(FromDIP(wxSize(comfortable_width, comfortable_height)));
+  size.IncTo(wxSize(scale_.Pixels(comfortable_width), scale_.Pixels(comfortable_height)));
   size.DecTo(wxSize(screen.width, screen.height - FromDIP(reserved_height)));
   SetClientSize(size);
   Centre();
@@ -79,10 +79,10 @@ void Main_Frame::Build_Panes() {
   binders_.Add<Label_Binder>(model_.lblCurrentFolder, *label).Follow_Position(scale_);
 
   auto* const tree = new wxDataViewCtrl(surface_, wxID_ANY, wxDefaultPosition, wxDefaultSize,
-                                        wxDV_SINGLE | wxDV_NO_HEADER | wxBORDER_THEME);
+                                        wxDV_SINGLE | wxDV_NO_HEADER | wxBORDER_NONE);
   binders_.Add<Tree_Binder>(model_.trvFolders, *tree, schedule_).Follow_Position(scale_);
 
-  auto* const grid = new wxGrid(surface_, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxBORDER_THEME);
+  auto* const grid = new wxGrid(surface_, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxBORDER_NONE);
   auto* const hint = new wxStaticText(grid->GetGridWindow(), wxID_ANY, wxString(), wxDefaultPosition,
                                       wxDefaultSize, wxALIGN_CENTRE_HORIZONTAL);
   hint->SetForegroundColour(wxSystemSettings::GetColour(wxSYS_COLOUR_GRAYTEXT));

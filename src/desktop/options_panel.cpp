@@ -11,8 +11,9 @@ namespace {
 // Unscaled pixels.
 constexpr int margin = 10;
 constexpr int indent = 22;
-constexpr int line_gap = 1;
-constexpr int group_gap = 7;
+constexpr int line_gap = 0;
+constexpr int group_gap = 4;
+constexpr int text_box_padding = 10;
 
 }  // namespace
 
@@ -93,6 +94,7 @@ void Options_Panel::Add_Filters(wxBoxSizer& group) {
 
   Add_Option(group, model_.chkSelectSubject);
   auto* const subject = new wxTextCtrl(this, wxID_ANY);
+  subject->SetMinSize(wxSize(-1, subject->GetCharHeight() + FromDIP(text_box_padding)));
   subject_ = &binders_->Add<Text_Box_Binder>(model_.txtSelectSubject, *subject);
   group.Add(subject, below_option);
   auto* const match = new wxFlexGridSizer(2, FromDIP(wxSize(8, line_gap)));

@@ -14,11 +14,10 @@ constexpr double twips_per_inch = 1440;
 
 double Dots_Per_Inch(const wxWindow& window) {
 #ifdef __WXGTK__
-  // GTK counts in unscaled pixels; what grows is the text, by this setting (1024ths of a dot).
-  gint text_dpi = 0;
-  g_object_get(gtk_settings_get_default(), "gtk-xft-dpi", &text_dpi, nullptr);
+  // GTK counts in pixels that the screen's scaling leaves alone; what grows is the text, by this.
   (void)window;
-  return text_dpi > 0 ? text_dpi / 1024.0 : 96.0;
+  const double resolution = gdk_screen_get_resolution(gdk_screen_get_default());
+  return resolution > 0 ? resolution : 96;
 #else
   return window.GetDPI().x;
 #endif

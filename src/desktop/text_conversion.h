@@ -16,11 +16,18 @@ inline wxString To_Wx(std::string_view text) {
   return wxString::FromUTF8(valid.data(), valid.size());
 }
 
-// For one line of a list: line breaks and tabs show as blanks.
+// For one line of a list: line breaks and tabs show as one blank.
 inline wxString To_One_Line(std::string_view text) {
-  wxString line = To_Wx(text);
-  for (wxUniCharRef character : line) {
-    if (character == '\r' || character == '\n' || character == '\t') character = ' ';
+  const wxString lines = To_Wx(text);
+  if (lines.find_first_of("\r\n\t") == wxString::npos) return lines;
+  wxString line;
+  for (const wxUniChar character : lines) {
+    const bool gap = character == '\r' || character == '\n' || character == '\t';
+    if (!gap) {
+      line += character;
+    } else if (!line.empty() && line.Last() != ' ') {
+      line += ' ';
+    }
   }
   return line;
 }

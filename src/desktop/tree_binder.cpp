@@ -1,13 +1,7 @@
 #include "desktop/tree_binder.h"
 
-#ifdef __WXGTK__
-#include <gtk/gtk.h>
-#endif
-
 #include <algorithm>
-#include <cstdint>
 
-#include "controls/text.h"
 #include "controls/widgets.h"
 #include "desktop/check_text_renderer.h"
 #include "desktop/text_conversion.h"
@@ -17,17 +11,9 @@ namespace tidyfold {
 
 namespace {
 
-// More changes than this at a time are shown by building the widget's rows anew, which costs less than
-// looking each up.
+// More changes than this at a time are shown by painting everything anew, which costs less than looking each
+// row up.
 constexpr std::size_t most_single_changes = 100;
-
-wxDataViewItem Item_Of(int index) {
-  return wxDataViewItem(reinterpret_cast<void*>(static_cast<std::intptr_t>(index)));
-}
-
-int Index_Of(const wxDataViewItem& item) {
-  return static_cast<int>(reinterpret_cast<std::intptr_t>(item.GetID()));
-}
 
 }  // namespace
 
@@ -38,12 +24,12 @@ class Folder_Tree_Rows : public wxDataViewModel {
   Folder_Tree_Rows(TreeView& tree, Tick_Handler ticked) : tree_(tree), ticked_(std::move(ticked)) {}
 
   bool IsContainer(const wxDataViewItem& item) const override {
-    return !item.IsOk() || (Has(item) && tree_.Children(Index_Of(item)) > 0);
+    return !item.IsOk() || (Has(item) && tree_.Children(Node_Of(item)) > 0);
   }
   bool HasContainerColumns(const wxDataViewItem&) const override { return true; }
 
   wxDataViewItem GetParent(const wxDataViewItem& item) const override {
-    return Has(item) ? Item_Of(tree_.Parent(Index_Of(item))) : wxDataViewItem();
+    return Has(item) ? Item_Of(tree_.Parent(Node_Of(item))) : wxDataViewItem();
   }
 
   unsigned GetChildren(const wxDataViewItem& item, wxDataViewItemArray& children) const override {
@@ -52,14 +38,14 @@ class Folder_Tree_Rows : public wxDataViewModel {
         if (tree_.Exists(node) && tree_.Parent(node) == 0) children.Add(Item_Of(node));
       }
     } else if (Has(item)) {
-      for (int node = tree_.Child(Index_Of(item)); node != 0; node = tree_.Next(node))
+      for (int node = tree_.Child(Node_Of(item)); node != 0; node = tree_.Next(node))
         children.Add(Item_Of(node));
     }
     return static_cast<unsigned>(children.GetCount());
   }
 
   void GetValue(wxVariant& value, const wxDataViewItem& item, unsigned) const override {
-    const int node = Index_Of(item);
+    const int node = Node_Of(item);
     value << (Has(item) ? wxDataViewCheckIconText(To_One_Line(tree_.Text(node)), wxBitmapBundle(),
                                                   tree_.Checked(node) ? wxCHK_CHECKED : wxCHK_UNCHECKED)
                         : wxDataViewCheckIconText());
@@ -73,7 +59,7 @@ class Folder_Tree_Rows : public wxDataViewModel {
 
   bool GetAttr(const wxDataViewItem& item, unsigned, wxDataViewItemAttr& attr) const override {
     if (!Has(item)) return false;
-    const int node = Index_Of(item);
+    const int node = Node_Of(item);
     const Colour colour = tree_.Fore_Colour(node);
     if (!tree_.Bold(node) && colour == 0) return false;
     attr.SetBold(tree_.Bold(node));
@@ -82,44 +68,36 @@ class Folder_Tree_Rows : public wxDataViewModel {
   }
 
  private:
-  bool Has(const wxDataViewItem& item) const { return item.IsOk() && tree_.Exists(Index_Of(item)); }
+  bool Has(const wxDataViewItem& item) const { return item.IsOk() && tree_.Exists(Node_Of(item)); }
 
   TreeView& tree_;
   Tick_Handler ticked_;
 };
 
 Tree_Binder::Tree_Binder(TreeView& model, wxDataViewCtrl& widget, Repaint_Schedule& schedule)
-    : Control_Binder(model, widget), model_(model), widget_(widget), schedule_(schedule) {
-  const Tick_Handler ticked = [this](const wxDataViewItem& item) { Ticked(Index_Of(item)); };
+    : Control_Binder(model, widget),
+      model_(model),
+      widget_(widget),
+      tree_(widget, model),
+      schedule_(schedule) {
+  const Tick_Handler ticked = [this](const wxDataViewItem& item) { Ticked(Node_Of(item)); };
   rows_ = wxObjectDataPtr<Folder_Tree_Rows>(new Folder_Tree_Rows(model_, ticked));
   auto* const column = new wxDataViewColumn(wxString(), New_Check_Text_Renderer(ticked), 0,
                                             wxCOL_WIDTH_AUTOSIZE, wxALIGN_LEFT, 0);
   widget_.AppendColumn(column);
   widget_.SetExpanderColumn(column);
   widget_.AssociateModel(rows_.get());
-#ifdef __WXGTK__
-  auto* const view = GTK_TREE_VIEW(widget_.GtkGetTreeView());
-  gtk_tree_view_set_search_column(view, 0);
-  gtk_tree_view_set_search_equal_func(
-      view,
-      [](GtkTreeModel*, gint, const gchar* typed, GtkTreeIter* row, gpointer data) -> gboolean {
-        const auto& tree = *static_cast<TreeView*>(data);
-        const int node = Index_Of(wxDataViewItem(row->user_data));
-        // FALSE stands for a match here.
-        return !tree.Exists(node) || !Upper_Case(tree.Text(node)).starts_with(Upper_Case(typed));
-      },
-      &model_, nullptr);
-#endif
+  tree_.Search_By_Typing();
 
   widget_.Bind(wxEVT_DATAVIEW_SELECTION_CHANGED,
-               [this](wxDataViewEvent& event) { Selection_Moved(Index_Of(event.GetItem())); });
+               [this](wxDataViewEvent& event) { Selection_Moved(Node_Of(event.GetItem())); });
   widget_.Bind(wxEVT_DATAVIEW_ITEM_EXPANDED,
-               [this](wxDataViewEvent& event) { Expansion_Turned(Index_Of(event.GetItem()), true); });
+               [this](wxDataViewEvent& event) { Expansion_Turned(Node_Of(event.GetItem()), true); });
   widget_.Bind(wxEVT_DATAVIEW_ITEM_COLLAPSED,
-               [this](wxDataViewEvent& event) { Expansion_Turned(Index_Of(event.GetItem()), false); });
+               [this](wxDataViewEvent& event) { Expansion_Turned(Node_Of(event.GetItem()), false); });
   widget_.Bind(wxEVT_DATAVIEW_ITEM_ACTIVATED, [this](wxDataViewEvent& event) {
     // Two quick ticks are no double click on the name.
-    if (const int node = Index_Of(event.GetItem()); model_.Exists(node) && !press_ticked_)
+    if (const int node = Node_Of(event.GetItem()); model_.Exists(node) && !press_ticked_)
       model_.Set_Expanded(node, !model_.Expanded(node));
   });
   wxWindow& area = *widget_.GetMainWindow();
@@ -165,7 +143,7 @@ void Tree_Binder::Cleared() {
 }
 
 void Tree_Binder::Node_Changed(int index) {
-  if (changed_nodes_.size() <= most_single_changes) changed_nodes_.push_back(index);
+  if (changed_nodes_.empty() || changed_nodes_.back() != index) changed_nodes_.push_back(index);
   schedule_.Mark(*this);
 }
 
@@ -181,9 +159,8 @@ void Tree_Binder::Made_Visible(int index) {
 
 void Tree_Binder::Catch_Up() {
   if (!model_.Visible()) return;
-  const bool many = changed_nodes_.size() > most_single_changes;
   From_Program([&] {
-    if (stale_ || many) {
+    if (stale_) {
       Rebuild();
     } else {
       Show_Changed_Nodes();
@@ -191,7 +168,7 @@ void Tree_Binder::Catch_Up() {
     changed_nodes_.clear();
     if (std::exchange(selection_due_, false)) Show_Selection();
     if (const int node = std::exchange(visible_due_, 0); node != 0 && model_.Exists(node) && In_View(node))
-      widget_.EnsureVisible(Item_Of(node));
+      tree_.Scroll_To(node);
   });
 }
 
@@ -200,42 +177,38 @@ void Tree_Binder::Show_Selection() {
   if (selected == 0) {
     widget_.UnselectAll();
   } else if (In_View(selected) && widget_.GetSelection() != Item_Of(selected)) {
-    widget_.SetCurrentItem(Item_Of(selected));
+    tree_.Make_Current(selected);
   }
 }
 
 void Tree_Binder::Rebuild() {
   stale_ = false;
-#ifdef __WXGTK__
-  GtkAdjustment* const scroll = gtk_scrollable_get_vadjustment(GTK_SCROLLABLE(widget_.GtkGetTreeView()));
-  const double position = gtk_adjustment_get_value(scroll);
-#endif
+  const double position = tree_.Scroll_Position();
   rows_->Cleared();
   for (int node = 1; node <= model_.Upper_Bound(); ++node) {
     if (model_.Exists(node) && model_.Parent(node) == 0) Expand_Like_Model(node);
   }
   selection_due_ = true;
-#ifdef __WXGTK__
-  gtk_adjustment_set_value(scroll, position);
-#endif
+  tree_.Set_Scroll_Position(position);
 }
 
 void Tree_Binder::Show_Changed_Nodes() {
   std::sort(changed_nodes_.begin(), changed_nodes_.end());
   changed_nodes_.erase(std::unique(changed_nodes_.begin(), changed_nodes_.end()), changed_nodes_.end());
+  const bool many = changed_nodes_.size() > most_single_changes;
   for (const int node : changed_nodes_) {
     // The widget has no row for what lies in a closed branch, and asks for it when the branch is opened.
-    if (!model_.Exists(node) || !In_View(node)) continue;
-    const wxDataViewItem item = Item_Of(node);
-    if (widget_.IsExpanded(item) != model_.Expanded(node)) {
+    if (!model_.Exists(node) || (many && model_.Children(node) == 0) || !In_View(node)) continue;
+    if (tree_.Is_Expanded(node) != model_.Expanded(node)) {
       if (model_.Expanded(node)) {
         Expand_Like_Model(node);
       } else {
-        widget_.Collapse(item);
+        tree_.Collapse(node);
       }
     }
-    rows_->ItemChanged(item);
+    if (!many) rows_->ItemChanged(Item_Of(node));
   }
+  if (many) tree_.Show_All_Anew();
 }
 
 // Opens a node that is in view, and what is open below it; without recursion, for trees may be very deep.
@@ -245,7 +218,7 @@ void Tree_Binder::Expand_Like_Model(int index) {
     const int node = open.back();
     open.pop_back();
     if (!model_.Expanded(node) || model_.Children(node) == 0) continue;
-    widget_.Expand(Item_Of(node));
+    tree_.Expand(node);
     for (int child = model_.Child(node); child != 0; child = model_.Next(child)) open.push_back(child);
   }
 }
@@ -293,7 +266,7 @@ void Tree_Binder::Mouse_Released(wxMouseEvent& event) {
   wxDataViewItem item;
   wxDataViewColumn* column = nullptr;
   widget_.HitTest(event.GetPosition(), item, column);
-  const int node = Index_Of(item);
+  const int node = Node_Of(item);
   // The toolkit turns a check box only after this event.
   widget_.CallAfter([this, node] {
     if (!press_told_ && node != 0 && node == model_.Selected_Item()) model_.Click_Node(node);

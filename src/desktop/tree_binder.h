@@ -8,6 +8,7 @@
 #include "controls/tree_view.h"
 #include "desktop/control_binder.h"
 #include "desktop/repaint_schedule.h"
+#include "desktop/tree_widget.h"
 
 namespace tidyfold {
 
@@ -45,6 +46,7 @@ class Tree_Binder : public Control_Binder, public Late_Widget, private TreeView_
 
   TreeView& model_;
   wxDataViewCtrl& widget_;
+  Tree_Widget tree_;
   Repaint_Schedule& schedule_;
   wxObjectDataPtr<Folder_Tree_Rows> rows_;
 

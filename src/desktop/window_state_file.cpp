@@ -10,12 +10,12 @@
 #endif
 
 #include <algorithm>
-#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
 
 #include "desktop/text_conversion.h"
+#include "desktop/tree_widget.h"
 
 namespace tidyfold {
 
@@ -23,6 +23,7 @@ namespace {
 
 constexpr int pace = 30;       // milliseconds
 constexpr int most_rows = 40;  // of the grid
+constexpr std::size_t most_nodes = 100;
 
 using nlohmann::json;
 
@@ -61,17 +62,17 @@ std::string Keyboard_Owner(const wxFrame& frame) {
 
 json Describe_Tree(const TreeView& tree, const wxDataViewCtrl& widget) {
   json nodes = json::array();
-  for (int node = 1; node <= tree.Upper_Bound(); ++node) {
+  for (int node = 1; node <= tree.Upper_Bound() && nodes.size() < most_nodes; ++node) {
     if (!tree.Exists(node)) continue;
     bool in_view = true;
     for (int above = tree.Parent(node); above != 0; above = tree.Parent(above))
       in_view &= tree.Expanded(above);
     if (!in_view) continue;
-    const wxDataViewItem item(reinterpret_cast<void*>(static_cast<std::intptr_t>(node)));
-    nodes.push_back({{"text", tree.Text(node)},
-                     {"checked", tree.Checked(node)},
-                     {"bold", tree.Bold(node)},
-                     {"rectangle", Rectangle(widget, widget.GetItemRect(item, widget.GetColumn(0)))}});
+    nodes.push_back(
+        {{"text", tree.Text(node)},
+         {"checked", tree.Checked(node)},
+         {"bold", tree.Bold(node)},
+         {"rectangle", Rectangle(widget, widget.GetItemRect(Item_Of(node), widget.GetColumn(0)))}});
   }
   return nodes;
 }
