@@ -6,6 +6,7 @@
 #include <array>
 #include <cerrno>
 #include <memory>
+#include <mutex>
 #include <utility>
 
 #include "controls/text.h"
@@ -81,6 +82,8 @@ std::string To_Utf8(std::string_view bytes, std::string_view charset) {
   const bool declared = std::find(undeclared.begin(), undeclared.end(), name) == undeclared.end();
   const auto* known =
       std::find_if(wider.begin(), wider.end(), [&](const auto& pair) { return pair.first == name; });
+  static std::once_flag once;  // the library's own names of charsets stand in tables that it makes then
+  std::call_once(once, g_mime_init);
   const char* converter = known != wider.end() ? known->second : g_mime_charset_iconv_name(name.c_str());
   if (!declared || name.find('\0') != std::string::npos || !Convert(bytes, converter, text)) {
     text = Valid_Utf8(bytes);
