@@ -96,8 +96,9 @@ TEST_F(Clean_Run, is_not_begun_where_nobody_can_be_asked) {
     const Outcome outcome = On_Store(Split(std::string("clean --folder Inbox --json") + option));
     EXPECT_EQ(outcome.status, 3);
     EXPECT_NE(outcome.err.find("--yes"), std::string::npos) << outcome.err;
-    EXPECT_EQ(outcome.Document()["processed"], 0);
-    for (const Json& message : outcome.Document()["messages"]) EXPECT_NE(message["answer"], "Yes");
+    const Json document = outcome.Document();
+    EXPECT_EQ(document["processed"], 0);
+    for (const Json& message : document["messages"]) EXPECT_NE(message["answer"], "Yes");
     EXPECT_EQ(Bytes_Of(store_), before_);
   }
 }
