@@ -8,17 +8,12 @@
 
 namespace tidyfold {
 
-const TreeView::Node& TreeView::At(int index) const {
-  if (!Exists(index)) throw std::out_of_range("The folder tree has no node " + std::to_string(index) + ".");
-  return nodes_[static_cast<std::size_t>(index - 1)];
+void TreeView::Throw_No_Node(int index) {
+  throw std::out_of_range("The folder tree has no node " + std::to_string(index) + ".");
 }
 
 TreeView::Node& TreeView::At(int index) {
   return const_cast<Node&>(std::as_const(*this).At(index));
-}
-
-bool TreeView::Exists(int index) const {
-  return index >= 1 && index <= Upper_Bound() && nodes_[static_cast<std::size_t>(index - 1)].exists;
 }
 
 int TreeView::Find_Key(std::string_view key) const {

@@ -37,7 +37,9 @@ class TreeView : public Control {
   // Nodes that exist, and the highest index given.
   int Count() const { return count_; }
   int Upper_Bound() const { return static_cast<int>(nodes_.size()); }
-  bool Exists(int index) const;
+  bool Exists(int index) const {
+    return index >= 1 && index <= Upper_Bound() && nodes_[static_cast<std::size_t>(index - 1)].exists;
+  }
   int Find_Key(std::string_view key) const;
 
   int Parent(int index) const { return At(index).parent; }
@@ -86,7 +88,11 @@ class TreeView : public Control {
     Colour fore_colour = 0;
     bool exists = true, checked = false, bold = false, expanded = false, sorted = false;
   };
-  const Node& At(int index) const;
+  const Node& At(int index) const {
+    if (!Exists(index)) Throw_No_Node(index);
+    return nodes_[static_cast<std::size_t>(index - 1)];
+  }
+  [[noreturn]] static void Throw_No_Node(int index);
   Node& At(int index);
   void Link(int index, int parent);
   void Forget(int index);

@@ -1,5 +1,8 @@
 #include "grid/grid_rows.h"
 
+#include <utility>
+#include <vector>
+
 namespace tidyfold {
 
 Grid_Rows::Grid_Rows(MainWindow& window, FolderData_Array& records, Folder_Tree& folder_tree,
@@ -146,13 +149,29 @@ void Grid_Rows::Set_Grid_Order() {
 
 void Grid_Rows::Mark_Or_Unmark_Filtered_Rows() {
   errors_.Run("Mark_Or_Unmark_Filtered_Rows", [&] {
+    struct Found {
+      std::int32_t rows = 0;
+      std::int64_t passing = 0, bytes = 0;
+    };
+    std::vector<Found> folders(static_cast<std::size_t>(records_.Upper_Bound()) + 1);
     for (int row = 1; row < grid_.Rows(); ++row) {
-      const GridRow& at = grid_.Row_At(row);
-      const bool was_marked = at.marked;
+      const GridRow at = grid_.Row_At(row);
       const bool marked = filters_.Check_Filtered_Record(at.row_data, at.row_data, at.item);
-      if (marked == was_marked) continue;
+      Found& found = folders.at(static_cast<std::size_t>(at.row_data));
+      ++found.rows;
+      if (marked) {
+        ++found.passing;
+        found.bytes += records_[at.row_data].Cached(at.item).Size;
+      }
+      if (marked == at.marked) continue;
       grid_.Set_Mark(row, marked);
       Paint_Row(row);
+    }
+    // Where every record has its row, nobody need ask the filters again for the total.
+    for (int folder = 1; folder <= records_.Upper_Bound(); ++folder) {
+      const Found& found = folders[static_cast<std::size_t>(folder)];
+      if (found.rows > 0 && found.rows == records_[folder].RowCount)
+        total_.Take_Over(folder, {0, found.rows, found.passing, found.bytes});
     }
   });
 }

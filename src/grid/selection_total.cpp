@@ -46,13 +46,22 @@ void Selection_Total::Count_Marked_Rows() {
   marked_bytes_ = bytes_;
 }
 
-void Selection_Total::Count_Marked_Folders() {
+void Selection_Total::Follow_Filters() {
   // Turbo and Delete Folders have opened every filter, so the same count serves for them.
   Filter_State state = filters_.State();
-  if (state != last_state_) {
-    last_state_ = std::move(state);
-    ++filter_version_;
-  }
+  if (state == last_state_) return;
+  last_state_ = std::move(state);
+  ++filter_version_;
+}
+
+void Selection_Total::Take_Over(int folder, Passing_Items passing) {
+  Follow_Filters();
+  passing.filter_version = filter_version_;
+  records_[folder].Passing = passing;
+}
+
+void Selection_Total::Count_Marked_Folders() {
+  Follow_Filters();
   for (int node = 1; node <= tree_.Upper_Bound(); ++node) {
     if (!tree_.Exists(node) || !tree_.Checked(node)) continue;
     const int index = folder_tree_.Get_Node_Index(node);

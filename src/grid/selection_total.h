@@ -22,6 +22,9 @@ class Selection_Total {
         filters_(filters),
         errors_(errors) {}
 
+  // What others have found while they asked the filters as they are about a folder anyway; the version is set
+  // here.
+  void Take_Over(int folder, Passing_Items passing);
   // Brings the numbers up to date; looks only at what has been read or has changed since.
   void Count();
   std::int64_t Items() const { return items_; }
@@ -31,6 +34,7 @@ class Selection_Total {
   std::string Empty_Text();
 
  private:
+  void Follow_Filters();
   void Count_Marked_Folders();
   void Count_Marked_Rows();
 

@@ -21,34 +21,31 @@ const std::string two = "2 items in 1 folder identified for cleaning.",
                       "deleted.\r\n\r\nPress Yes to delete folders?";
 
 struct Gate {
-  const char *path, *options;
+  std::string steps;
   Window_Fixture::Script boxes;
   int processed;  // -1: the run does not begin
 };
 
 const Gate gates[] = {
-    {"Inbox", "", {{two, OK}, {two_moved, OK}}, 2},
-    {"Outbox", "", {{none, OK}, {"No items were processed.", OK}}, 0},
-    {"Projects",
-     "",
-     {{"1 item in 1 folder identified for cleaning.", OK},
-      {"1 item was moved to the \"Deleted Items\" folder.", OK}},
-     1},
-    {"Inbox", "PermanentDelete", {{two, OK}, {sure, Yes}, {" 2 items were deleted.", OK}}, 2},
-    {"Inbox", "PermanentDelete SelectDate", {{two, OK}, {sure, No}}, -1},
-    {"Inbox", "PermanentDelete SelectDate", {{two, OK}, {sure, Yes}, {today, No}}, -1},
-    {"Inbox", "SelectDate", {{two, OK}, {today, Yes}, {two_moved, OK}}, 2},
-    {"Inbox", "SelectDate yesterday", {{two, OK}, {two_moved, OK}}, 2},
-    {"Inbox", "SelectSubject", {{two, OK}, {"Subject required!", OK}}, -1},
-    {"Inbox", "SelectType", {{none, OK}, {"\r\nNo item type selected!", OK}}, -1},
-    {"Inbox",
-     "SelectSubject SelectType",
+    {"tick Inbox", {{two, OK}, {two_moved, OK}}, 2},
+    {"tick Outbox", {{none, OK}, {"No items were processed.", OK}}, 0},
+    {"tick Inbox; set PermanentDelete", {{two, OK}, {sure, Yes}, {" 2 items were deleted.", OK}}, 2},
+    {"tick Inbox; set PermanentDelete SelectDate", {{two, OK}, {sure, No}}, -1},
+    {"tick Inbox; set PermanentDelete SelectDate", {{two, OK}, {sure, Yes}, {today, No}}, -1},
+    {"tick Inbox; set SelectDate", {{two, OK}, {today, Yes}, {two_moved, OK}}, 2},
+    {"tick Inbox; set SelectDate; yesterday", {{two, OK}, {two_moved, OK}}, 2},
+    {"tick Inbox; set SelectSubject", {{two, OK}, {"Subject required!", OK}}, -1},
+    {"tick Inbox; set SelectType", {{none, OK}, {"\r\nNo item type selected!", OK}}, -1},
+    {"tick Inbox; set SelectSubject SelectType",
      {{none, OK}, {"Subject required!\r\nNo item type selected!", OK}},
      -1},
-    {"Inbox", "Turbo", {{three, OK}, {turbo, Yes}, {" 3 items were deleted.", OK}}, 3},
-    {"Inbox", "Turbo", {{three, OK}, {turbo, No}}, -1},
-    {"Projects", "DeleteFolders", {{one_folder, OK}, {whole, Yes}, {"1 item was deleted.", OK}}, 1},
-    {"Projects", "DeleteFolders", {{one_folder, OK}, {whole, No}}, -1},
+    {"tick Inbox; set Turbo", {{three, OK}, {turbo, Yes}, {" 3 items were deleted.", OK}}, 3},
+    {"tick Inbox; set Turbo", {{three, OK}, {turbo, No}}, -1},
+    {"set DeleteFolders; tick Projects", {{one_folder, OK}, {whole, Yes}, {"1 item was deleted.", OK}}, 1},
+    {"set DeleteFolders; tick Projects", {{one_folder, OK}, {whole, No}}, -1},
+    {"set DeleteFolders; tick Projects; set Turbo too",
+     {{"1 item in 1 folder identified for cleaning.", OK}, {turbo, No}},
+     -1},
 };
 
 std::string Overflow(int present, int selected) {
@@ -62,86 +59,56 @@ std::string Overflow(int present, int selected) {
 }  // namespace
 
 TEST(Gate, Asks_In_Order_And_Ends_At_The_First_No) {
-  for (const Gate& gate : gates) {
-    SCOPED_TRACE(&gate - gates);
-    Window_Fixture f;
-    for (const char* path : {"Inbox", "Inbox", "Projects"}) f.Add(path, "read");
-    f.Add("Inbox", "unread", true);
-    f.Load();
-    const std::string options = gate.options;
-    if (options.ends_with("yesterday")) f.window.dtpCutoffDate.Set_Value(44999);
-    f.Set(options);
-    f.Tick(gate.path);
+  for (const auto& [steps, boxes, processed] : gates) {
+    SCOPED_TRACE(steps);
+    Window_Fixture f("add Inbox/a; add Inbox/b; add Inbox/unread; add Projects/c; load");
+    if (steps.ends_with("yesterday")) f.window.dtpCutoffDate.Set_Value(44999);
+    if (steps.ends_with("too")) f.window.chkTurbo.Click = {};  // by hand the two exclude one another
+    f.Do(steps);
     const auto before = f.Everything();
     std::string panel;
     f.box.on_box = [&](int) { panel = f.window.sbStatusBar.Panel_Text(2); };
-    f.Clean(gate.boxes);
-    EXPECT_EQ(panel, gate.processed < 0 ? "" : "Total Processed:  " + std::to_string(gate.processed));
-    EXPECT_EQ(f.window.sbStatusBar.Panel_Text(2), "");
-    EXPECT_EQ(f.Everything() != before, gate.processed > 0);
-    const bool refused = gate.processed < 0 && gate.boxes.back().second == OK;
-    EXPECT_EQ(f.box.Boxes().back().icon == Icon::Critical, refused);
+    f.Clean(boxes);
+    EXPECT_EQ(panel, processed < 0 ? "" : "Total Processed:  " + std::to_string(processed));
+    EXPECT_EQ(f.Everything() != before, processed > 0);
+    EXPECT_EQ(f.box.Boxes().back().icon == Icon::Critical, processed < 0 && boxes.back().second == OK);
   }
 }
 
-// The two switch one another off, so they are never on together by hand.
-TEST(Gate, Turbo_Asks_Before_Delete_Folders) {
-  Window_Fixture f;
-  f.Load();
-  f.Set("DeleteFolders");
-  f.window.chkTurbo.Click = {};
-  f.Set("Turbo");
-  f.Clean({{"0 items in 0 folders identified for cleaning.", OK}, {turbo, No}});
-}
-
+// Each store by itself: the first one is full to the last place, the second one item over.
 TEST(Gate, Deleted_Items_May_Not_Grow_Beyond_Its_Limit) {
-  for (const auto& [present, selected] : {std::pair{16000, 383}, {16000, 384}, {16384, 0}}) {
-    Window_Fixture f;
-    f.Add_Many("Deleted Items", present);
-    f.Add_Many("Inbox", selected);
-    f.Load();
-    f.Tick("Inbox");
-    const std::string count = std::to_string(selected) + " items in 1 folder identified for cleaning.";
-    if (present + selected <= 16383) {
-      f.Clean({{count, OK}, {" 383 items were moved to the \"Deleted Items\" folder.", OK}});
-      continue;
-    }
-    f.Clean({{count, OK}, {Overflow(present, selected), OK}});
-    // A record that was reset has forgotten where its items go.
-    f.window.mnuRefreshCurrent.Click();
-    f.Clean({{count, OK}, {Overflow(present, selected), OK}});
-    // A folder that cannot be counted is not an empty one.
-    const std::string inbox = f.Folder("Inbox")->EntryID();
-    f.plan.Fail_Where(
-        [&](const Store_Call& call) { return call.member == "Items.Count" && call.entry_id == inbox; },
-        {1, "busy", "store"});
-    f.box.Answer_Anything();
-    f.window.cmdRun.Click();
-    EXPECT_EQ(f.Folder("Deleted Items")->Items()->Count(), present);
-    EXPECT_EQ(f.box.Count("Trap:      \t\tCheck_Deleted_Items_Folder"), 1);
-  }
-}
-
-TEST(Gate, Each_Store_Has_A_Limit_Of_Its_Own_And_Picked_Rows_Count_For_It) {
-  Window_Fixture f(2);
-  for (const std::size_t store : {1U, 2U}) {
-    f.Add_Many("Deleted Items", 16300, store);
-    f.Add_Many("Inbox", 100, store);
-  }
-  f.Load();
-  f.Set("ShowAllFolders");
-  for (const std::size_t store : {1U, 2U}) f.Tick(f.Node("Inbox", store));
-  f.Clean({{"200 items in 2 folders identified for cleaning.", OK},
-           {Overflow(16300, 100), OK},
-           {Overflow(16300, 100), OK}});
-  // 83 of the one store and 100 of the other: the rows stand in the order of the folders.
-  f.Set("SelectByRow");
-  f.Pick(18);
-  f.Pick(200, 1);
-  f.Clean({{"183 items identified for cleaning", OK}, {Overflow(16300, 100), OK}});
-  f.Pick(100, 1);
-  f.Clean({{"83 items identified for cleaning", OK},
-           {" 83 items were moved to the \"Deleted Items\" folder.", OK}});
+  Window_Fixture f("", 2);
+  f.Add("Deleted Items", "old", 16000);
+  f.Add("2:Deleted Items", "old", 16000);
+  f.Add("Inbox", "new", 383);
+  f.Add("2:Inbox", "new", 384);
+  f.Do("load; set ShowAllFolders; tick Inbox; tick 2:Inbox");
+  const Window_Fixture::Script refused = {{"767 items in 2 folders identified for cleaning.", OK},
+                                          {Overflow(16000, 384), OK}};
+  f.Clean(refused);
+  // A record that was reset has forgotten where its items go.
+  f.window.mnuRefreshCurrent.Click();
+  f.Clean(refused);
+  f.Add("Deleted Items", "one more");
+  f.Clean({refused[0], {Overflow(16001, 383), OK}, refused[1]});
+  // A folder that cannot be counted is not an empty one.
+  const std::string inbox = f.Folder("2:Inbox")->EntryID();
+  const auto counts_it = [&](const Store_Call& call) {
+    return call.member == "Items.Count" && call.entry_id == inbox;
+  };
+  f.Folder("Deleted Items")->Items()->Remove(1);
+  f.plan.Fail_Where(counts_it, {1, "busy", "store"});
+  f.Expect({refused[0]});
+  f.box.Expect("Trap:      \t\tCheck_Deleted_Items_Folder", Buttons::OK_Only, OK);
+  f.box.Expect("Check_Deleted_Items_Folder", Buttons::OK_Only, OK);
+  f.Clean({});
+  f.plan.Forget_Faults();
+  // Rows: one of the first store, then the one too many of the second.
+  f.Do("set SelectByRow; row 383; rows-to 767");
+  f.Clean({{"385 items identified for cleaning", OK}, refused[1]});
+  f.Do("rows-to 766");
+  f.Clean({{"384 items identified for cleaning", OK},
+           {" 384 items were moved to the \"Deleted Items\" folder.", OK}});
 }
 
 }  // namespace tidyfold

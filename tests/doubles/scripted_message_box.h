@@ -59,6 +59,9 @@ class Scripted_Message_Box : public Message_Box {
   // From now on a box that the script does not expect is answered Yes or OK instead of failing the test.
   void Answer_Anything() { answer_anything_ = true; }
 
+  // Runs when a box has been answered, before Show returns; numbers count from 1.
+  std::function<void(int number)> on_box;
+
   // Every box so far.
   const std::vector<Shown>& Boxes() const { return shown_; }
   int Count(std::string_view part) const {
@@ -75,6 +78,13 @@ class Scripted_Message_Box : public Message_Box {
 
   Answer Show(const std::string& text, Buttons buttons, Icon icon, const std::string& title) override {
     shown_.push_back({text, buttons, icon, title});
+    const Answer answer = Scripted_Answer(text, buttons);
+    if (on_box) on_box(static_cast<int>(shown_.size()));
+    return answer;
+  }
+
+ private:
+  Answer Scripted_Answer(const std::string& text, Buttons buttons) {
     if (script_.empty() || (answer_anything_ && !script_.front().text.Fits(text))) {
       if (answer_anything_) return Consenting(buttons);
       ADD_FAILURE() << "Unexpected message box: " << text;
@@ -91,7 +101,6 @@ class Scripted_Message_Box : public Message_Box {
     return step.answer;
   }
 
- private:
   struct Step {
     Expected_Text text;
     Buttons buttons;

@@ -4,36 +4,36 @@ namespace tidyfold {
 
 namespace {
 
-constexpr const char* no_default = "Cannot mark a default folder while \" Delete Folders\" is marked.";
-constexpr const char* no_root = "Cannot select a root folder while \" Delete Folders\" is marked.";
-constexpr const char* no_wastebasket =
+const std::string no_default = "Cannot mark a default folder while \" Delete Folders\" is marked.";
+const std::string no_root = "Cannot select a root folder while \" Delete Folders\" is marked.";
+const std::string no_wastebasket =
     "Cannot marked \"Deleted Items\" folder if Permanent Delete box is unchecked.";
-constexpr const char* with_parent =
+const std::string with_parent =
     "Cannot unmark a folder while its parent folder is marked and \"Delete Folders\" is also marked.";
+const std::string shown = "ShowSelectedItems ShowUnselectedItems";
 
 struct Rule {
   std::size_t stores;
-  const char *option, *first;  // ticked before
-  const char* path;            // "OUTLOOK": the root that stands for several stores
-  bool ticked;
-  const char* message;  // of the refusal
+  const char *before, *verb, *path;
+  std::string message;  // of the refusal
   bool after;
 };
 
 const Rule rules[] = {
-    {2, "DeleteFolders", nullptr, "OUTLOOK", true, nullptr, true},
-    {1, "DeleteFolders", nullptr, "Inbox", true, no_default, false},
-    {1, "DeleteFolders", nullptr, "Projects/Notes", true, no_default, false},
-    {1, "DeleteFolders", nullptr, "Deleted Items", true, no_default, false},
-    {1, "DeleteFolders", nullptr, "", true, no_root, false},
-    {1, "DeleteFolders", nullptr, "", false, no_root, false},
-    {2, "DeleteFolders", nullptr, "", true, no_root, false},
-    {1, "", nullptr, "Deleted Items", true, no_wastebasket, false},
-    {1, "", nullptr, "Projects/Deleted Items", true, no_wastebasket, false},
-    {1, "PermanentDelete", nullptr, "Deleted Items", true, nullptr, true},
-    {1, "DeleteFolders", "Projects", "Projects/Alpha", false, with_parent, true},
-    {1, "", "Projects/Alpha", "Projects/Alpha", false, nullptr, false},
-    {1, "DeleteFolders", "Projects/Alpha", "Projects/Alpha", false, nullptr, false},
+    {2, "set DeleteFolders", "tick", "OUTLOOK", "", true},
+    {1, "set DeleteFolders", "tick", "Inbox", no_default, false},
+    {1, "set DeleteFolders", "tick", "Projects/Notes", no_default, false},
+    {1, "set DeleteFolders", "tick", "Deleted Items", no_default, false},
+    {1, "set DeleteFolders", "tick", "", no_root, false},
+    {1, "set DeleteFolders", "untick", "", no_root, false},
+    {2, "set DeleteFolders", "tick", "", no_root, false},
+    {1, "", "tick", "Deleted Items", no_wastebasket, false},
+    {1, "", "tick", "Projects/Deleted Items", no_wastebasket, false},
+    {1, "set PermanentDelete", "tick", "Deleted Items", "", true},
+    {1, "set DeleteFolders; tick Projects", "untick", "Projects/Alpha", with_parent, true},
+    {1, "set DeleteFolders; tick Projects", "click", "Projects/Notes", "", false},
+    {1, "set DeleteFolders; tick Projects/Alpha", "untick", "Projects/Alpha", "", false},
+    {1, "tick Projects/Alpha", "untick", "Projects/Alpha", "", false},
 };
 
 }  // namespace
@@ -41,96 +41,142 @@ const Rule rules[] = {
 TEST(Marking, Rules_Allow_Or_Refuse_And_A_Refusal_Changes_Nothing) {
   for (const Rule& rule : rules) {
     SCOPED_TRACE(&rule - rules);
-    Window_Fixture f(rule.stores);
-    for (const char* path : {"Projects/Alpha", "Projects/Notes", "Projects/Deleted Items"}) f.Folder(path);
-    f.Add("Inbox", "shown");
-    f.Load();
-    f.Set(rule.option);
-    if (rule.first != nullptr) f.Tick(rule.first);
-    const int node = rule.path == std::string("OUTLOOK") ? 1 : f.Node(rule.path);
+    Window_Fixture f("folder Projects/Alpha; folder Projects/Notes; folder Projects/Deleted Items; load",
+                     rule.stores);
+    f.Do(rule.before);
     const auto state = [&] {
-      return std::tuple(f.window.lblCurrentFolder.Caption(), f.window.grdItems.Row_Version(),
-                        f.window.cmdRun.Enabled());
+      return std::tuple(f.window.lblCurrentFolder.Caption(), f.grid.Row_Version(), f.window.cmdRun.Enabled());
     };
     const auto before = state();
-    if (rule.message != nullptr) f.Expect({{rule.message, OK}});
-    f.Tick(node, rule.ticked);
+    if (!rule.message.empty()) f.Expect({{rule.message, OK}});
+    if ((&rule - rules) % 2 == 0) f.tree.MouseUp = f.tree.KeyUp;  // a key is a click
+    f.Do(rule.verb + std::string(" ") + rule.path);
     f.box.Verify();
-    EXPECT_EQ(f.tree.Checked(node), rule.after);
-    if (rule.message == nullptr) continue;
-    EXPECT_EQ(f.box.Boxes().back().icon, Icon::Critical);
-    EXPECT_EQ(state(), before);
+    EXPECT_EQ(f.Checked(rule.path), rule.after);
+    EXPECT_TRUE(rule.message.empty() || f.box.Boxes().back().icon == Icon::Critical);
+    EXPECT_TRUE(rule.message.empty() || state() == before);
   }
-}
-
-// A default name in a branch that goes: it stays unmarked, also when it is looked at.
-TEST(Marking, A_Click_Is_No_Untick_And_A_Key_Is_A_Click) {
-  Window_Fixture f;
-  f.Folder("Projects/Notes");
-  f.Load();
-  f.Set("DeleteFolders");
-  f.Tick("Projects");
-  f.Click("Projects/Notes");
-  EXPECT_FALSE(f.Checked("Projects/Notes"));
-  EXPECT_EQ(f.window.lblCurrentFolder.Caption(), "Current Folder: Notes");
-  f.tree.MouseUp();  // decides nothing without a click
-  f.tree.Tick(f.Node("Inbox"), true);
-  f.Expect({{no_default, OK}});
-  f.tree.KeyUp();
 }
 
 TEST(Marking, A_Branch_Takes_The_Mark_Where_It_May_And_Unmark_All_Takes_It_Away) {
   for (const bool delete_folders : {false, true}) {
-    Window_Fixture f(2);
-    f.Add("Projects/Alpha/Deep", "deep");
-    f.Folder("Deleted Items/Apart");
-    f.Load();
-    f.Set(delete_folders ? "ShowAllFolders DeleteFolders" : "ShowAllFolders MarkSubFolders");
-    f.Tick(1);
-    for (const char* path : {"", "Inbox", "Deleted Items", "Deleted Items/Apart", "Projects/Alpha/Deep"}) {
-      const std::string name = path;
-      const bool may =
-          name == "Deleted Items" ? false : !delete_folders || name.find('/') != std::string::npos;
-      EXPECT_EQ(f.Checked(path), may) << path;
-      EXPECT_EQ(f.tree.Bold(f.Node(path)), may) << path;
+    Window_Fixture f("add Projects/Alpha/Deep/a; folder Deleted Items/Apart; load; set ShowAllFolders", 2);
+    f.Do(delete_folders ? "set DeleteFolders; tick OUTLOOK" : "set MarkSubFolders; tick OUTLOOK");
+    for (const std::string path :
+         {"", "Inbox", "Deleted Items", "Deleted Items/Apart", "Projects/Alpha/Deep"}) {
+      const bool may = delete_folders ? path.find('/') != std::string::npos : path != "Deleted Items";
+      EXPECT_TRUE(f.Checked(path) == may && f.tree.Bold(f.Node(path)) == may) << path;
     }
     EXPECT_TRUE(f.tree.Expanded(f.Node("Projects/Alpha")));
-    EXPECT_EQ(f.window.grdItems.Rows(), 2) << "the deep item shows once";
-    f.Set("DeleteFolders", 0);
-    f.Tick(1, false);
+    EXPECT_EQ(f.grid.Rows(), 2) << "the deep item shows once";
+    f.Do("unset DeleteFolders; untick OUTLOOK");
     EXPECT_TRUE(f.Checked("Projects/Alpha")) << "unticking is for one node";
     EXPECT_TRUE(f.window.cmdRun.Enabled() && f.window.mnuClean.Enabled() && f.window.mnuUnmark.Enabled());
     f.window.mnuUnmark.Click();
     EXPECT_FALSE(f.window.cmdRun.Enabled() || f.window.mnuClean.Enabled() || f.window.mnuUnmark.Enabled());
-    EXPECT_FALSE(f.Checked("Projects/Alpha") || f.tree.Bold(f.Node("Projects")));
-    EXPECT_EQ(f.window.grdItems.Rows(), 1);
+    EXPECT_FALSE(f.Checked("Projects/Alpha") || f.tree.Bold(f.Node("Projects")) || f.grid.Rows() > 1);
   }
 }
 
 TEST(Marking, Moving_On_Unmarks_The_Folder_That_Was_Shown_For_Its_Rows) {
-  for (const char* options : {"", "SelectByRow", "ShowAllFolders", "ShowAllFolders SelectByRow"}) {
-    Window_Fixture f;
-    f.Load();
-    f.Tick("Inbox");
-    f.Set(options);
-    f.Click("Outbox");
-    EXPECT_EQ(f.Checked("Inbox"), options != std::string("SelectByRow")) << options;
+  for (const std::string options : {"", "SelectByRow", "ShowAllFolders", "ShowAllFolders SelectByRow"}) {
+    Window_Fixture f("load; tick Inbox; set " + options + "; click Outbox");
+    EXPECT_EQ(f.Checked("Inbox"), options != "SelectByRow") << options;
   }
 }
 
 TEST(Marking, Columns_Follow_The_Type_Of_The_Folder_Where_It_Is_Told) {
-  Window_Fixture f;
-  f.Load();
-  f.Click("Calendar");
-  EXPECT_EQ(f.window.grdItems.Cols(), 5);
+  Window_Fixture f("load; click Calendar");
+  EXPECT_EQ(f.grid.Cols(), 5);
   f.plan.Fail_Call("MAPIFolder.DefaultItemType", 1, {1, "gone", "store"});
   f.box.Expect("Trap:      \t\tNode_Click_Or_Check - changing folder types", Buttons::OK_Only, OK);
   f.box.Expect("Node_Click_Or_Check", Buttons::OK_Only, OK);
-  f.Click("Inbox");
-  EXPECT_EQ(f.window.grdItems.Cols(), 5) << "left as they are";
+  f.Do("click Inbox");
   EXPECT_EQ(f.window.lblCurrentFolder.Caption(), "Current Folder: Inbox");
-  f.Click("Outbox");
-  EXPECT_EQ(f.window.grdItems.Cols(), 6);
+  EXPECT_EQ(f.grid.Cols(), 5) << "left as they are";
+}
+
+TEST(Options, Turbo_And_Delete_Folders_Force_The_Others) {
+  const std::string others =
+      "SelectByRow CollapseFolders ConfirmFolders ConfirmItems SelectDate SelectSubject SelectType";
+  Window_Fixture f("load; set " + others + "; set Turbo");
+  EXPECT_EQ(f.On(), "CollapseFolders " + shown + " Turbo PermanentDelete ConfirmFolders SelectUnread");
+  f.Do("set " + others);
+  EXPECT_EQ(f.On().find("Turbo"), std::string::npos) << "rows are not picked for Turbo";
+  f.Do("unset PermanentDelete SelectUnread; set Turbo DeleteFolders");
+  EXPECT_EQ(f.On(), "MarkSubFolders " + shown + " PermanentDelete ConfirmFolders DeleteFolders SelectUnread");
+  f.Do("set Turbo");
+  EXPECT_EQ(f.On(), "MarkSubFolders " + shown + " Turbo PermanentDelete ConfirmFolders SelectUnread");
+  f.window.mnuResetOptions.Click();
+  EXPECT_EQ(f.On(), shown);
+}
+
+TEST(Options, Delete_Folders_Asks_And_Refuses) {
+  const std::string one = "There is currently 1 marked folder that will be deleted.  Unmark it?";
+  const std::string two = "There are currently 2 marked folders that will be deleted.  Unmark them?";
+  const std::string defaults = "Cannot mark \"Delete Folders\" while default folders are selected.";
+  const std::string orphans =
+      "Cannot mark \"Delete Folders\" while there is any unmarked child folder of a marked parent folder.";
+  const std::pair<std::string, Window_Fixture::Script> cases[] = {
+      {"tick Projects/Alpha", {{one, No}}},
+      {"tick Projects/Alpha", {{one, Yes}}},
+      {"tick Projects; tick Projects/Alpha", {{two, No}}},
+      {"tick Projects; tick Inbox", {{two, Yes}}},
+      {"tick Projects/Alpha; tick Inbox", {{two, No}, {defaults, OK}}},
+      {"tick ", {{one, No}, {defaults, OK}}},
+      {"tick Projects", {{one, No}, {orphans, OK}}},
+  };
+  for (const auto& [marks, script] : cases) {
+    Window_Fixture f("folder Projects/Alpha; load; " + marks);
+    f.Expect(script);
+    f.Do("set DeleteFolders");
+    f.box.Verify();
+    const bool refused = script.size() == 2, kept = script.front().second == No;
+    EXPECT_EQ(f.box.Boxes().back().icon == Icon::Critical, refused);
+    EXPECT_EQ(f.On() != shown, !refused);
+    EXPECT_EQ(f.window.mnuUnmark.Enabled(), kept);
+  }
+  // What ran while the question was open may have switched the option off.
+  Window_Fixture f("load; tick Inbox");
+  f.box.Expect("Unmark it?", Buttons::Yes_No, Yes, [&] { f.Do("unset DeleteFolders"); });
+  f.Do("set DeleteFolders");
+  EXPECT_EQ(f.On(), shown);
+}
+
+TEST(Options, Permanent_Delete_Stays_While_Deleted_Items_Is_Marked_And_Takes_Picked_Rows_With_It) {
+  Window_Fixture f("add Deleted Items/a; load; set PermanentDelete; tick Deleted Items");
+  f.Expect({{"Cannot unckeck Permanent Delete box while \"Deleted Items\" is selected.", OK}});
+  f.Do("unset PermanentDelete");
+  EXPECT_EQ(f.On(), shown + " PermanentDelete");
+  f.Do("untick Deleted Items; set SelectByRow; row 1");
+  EXPECT_TRUE(f.window.cmdRun.Enabled());
+  f.Do("unset PermanentDelete");
+  EXPECT_FALSE(f.window.cmdRun.Enabled() || f.grid.Marked_Rows() > 0);
+}
+
+TEST(Options, Enable_What_Can_Be_Used) {
+  Window_Fixture f("add Inbox/a; load; tick Inbox; set SelectByRow");
+  MainWindow& w = f.window;
+  EXPECT_TRUE(w.cmdRun.Enabled()) << "the row was marked by the filters";
+  f.Do("turn-row 1");
+  EXPECT_TRUE(!w.cmdRun.Enabled() && w.mnuUnmark.Enabled()) << "a folder is marked, but no row";
+  EXPECT_FALSE(w.chkShowSelectedItems.Enabled() || w.chkConfirmFolders.Enabled());
+  f.Do("row 1");
+  EXPECT_TRUE(w.cmdRun.Enabled());
+  w.mnuRefreshCurrent.Click();
+  EXPECT_FALSE(w.cmdRun.Enabled()) << "the picked row has gone";
+  f.Do("unset SelectByRow; set Turbo");
+  EXPECT_FALSE(w.chkPermanentDelete.Enabled() || w.chkConfirmItems.Enabled() || w.chkSelectDate.Enabled());
+  f.events.When([&] { return w.cmdRun.Caption() == "&Cancel"; },
+                [&] {
+                  for (const Control* control : w.controls)
+                    EXPECT_EQ(control->Enabled(), control == &w.cmdRun);
+                });
+  f.box.Answer_Anything();
+  w.cmdRun.Click();
+  EXPECT_TRUE(w.chkTurbo.Enabled() && w.mnuRefresh.Enabled() && !w.cmdRun.Enabled());
+  EXPECT_TRUE(
+      w.dtpCutoffDate.Tool_Tip_Text().starts_with("Click drop down box to pick date or \r\nuse arrow"));
 }
 
 }  // namespace tidyfold
