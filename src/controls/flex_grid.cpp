@@ -111,19 +111,29 @@ void FlexGrid::Set_Paint(int row, bool bold, Colour back_colour) {
 
 namespace {
 
-// The first eight bytes of a text as a number that orders as the text does; most comparisons end here.
-std::uint64_t Prefix(std::string_view text) {
-  unsigned char bytes[8] = {};
-  std::memcpy(bytes, text.data(), std::min<std::size_t>(text.size(), sizeof bytes));
-  std::uint64_t prefix = 0;
-  for (const unsigned char byte : bytes) prefix = prefix << 8 | byte;
-  return prefix;
-}
-
+// The beginning of a text as two numbers that order as its bytes do. Dates and most names fit whole, so that
+// comparing them never leaves the keys.
 struct Sort_Key {
-  std::uint64_t prefix;
-  std::uint64_t offset;  // of the rest of the text in the pool
-  std::uint32_t length;
+  static constexpr std::size_t prefix_size = 16;
+
+  Sort_Key(std::string_view text, bool ascending, std::uint32_t in_row) : row(in_row) {
+    unsigned char bytes[prefix_size] = {};
+    std::memcpy(bytes, text.data(), std::min(text.size(), prefix_size));
+    for (std::size_t i = 0; i < prefix_size; ++i) {
+      std::uint64_t& half = i < prefix_size / 2 ? first : second;
+      half = half << 8 | bytes[i];
+    }
+    if (ascending) return;
+    first = ~first;
+    second = ~second;
+  }
+  bool Same_Prefix(const Sort_Key& other) const { return first == other.first && second == other.second; }
+  bool operator<(const Sort_Key& other) const {
+    if (first != other.first) return first < other.first;
+    return second != other.second ? second < other.second : row < other.row;
+  }
+
+  std::uint64_t first = 0, second = 0;
   std::uint32_t row;
 };
 
@@ -133,9 +143,12 @@ void FlexGrid::Sort(int column, Sort_Mode mode) {
   const bool ascending = mode == Sort_Mode::String_Ascending;
   sort_column_ = column;
   sorted_ascending_ = ascending;
-  std::string pool, room;
   std::vector<Sort_Key> keys;
   keys.reserve(rows_.size());
+  // What of the texts is beyond the keys, one behind the other, and where each begins.
+  std::string pool, room;
+  std::vector<std::size_t> begins;
+  begins.reserve(rows_.size() + 1);
   for (std::size_t i = 0; i < rows_.size(); ++i) {
     std::string_view text;
     if (column < first_item_column) {
@@ -144,23 +157,29 @@ void FlexGrid::Sort(int column, Sort_Mode mode) {
     } else if (cells != nullptr) {
       text = cells->Sort_Text(rows_[i], column, room);
     }
-    // What the prefix holds whole need not be kept.
-    const bool short_text = text.size() <= 8;
-    keys.push_back({Prefix(text), pool.size(), static_cast<std::uint32_t>(short_text ? 0 : text.size() - 8),
-                    static_cast<std::uint32_t>(i)});
-    if (!short_text) pool.append(text.substr(8));
+    keys.emplace_back(text, ascending, static_cast<std::uint32_t>(i));
+    begins.push_back(pool.size());
+    pool.append(text.substr(std::min(text.size(), Sort_Key::prefix_size)));
   }
-  const auto rest = [&](const Sort_Key& key) {
-    return std::string_view(pool).substr(key.offset, key.length);
-  };
-  const auto before = [&](const Sort_Key& a, const Sort_Key& b) {
-    if (a.prefix != b.prefix) return (a.prefix < b.prefix) == ascending;
-    if (const int order = rest(a).compare(rest(b)); order != 0) return (order < 0) == ascending;
-    return a.row < b.row;
+  begins.push_back(pool.size());
+  const auto rest_of = [&](const Sort_Key& key) {
+    return std::string_view(pool).substr(begins[key.row], begins[key.row + 1] - begins[key.row]);
   };
   // Rows are put in order again and again, and mostly they stand in it.
+  const auto before = [&](const Sort_Key& a, const Sort_Key& b) {
+    if (!a.Same_Prefix(b)) return a < b;
+    const int order = rest_of(a).compare(rest_of(b));
+    return order == 0 ? a.row < b.row : (order < 0) == ascending;
+  };
   if (std::is_sorted(keys.begin(), keys.end(), before)) return Tell();
-  std::sort(keys.begin(), keys.end(), before);
+  std::sort(keys.begin(), keys.end());
+  // What the keys could not tell apart lies side by side now; only there must the rest be looked at.
+  for (auto run = keys.begin(); !pool.empty() && run != keys.end();) {
+    const auto end =
+        std::find_if(run, keys.end(), [&](const Sort_Key& key) { return !key.Same_Prefix(*run); });
+    std::sort(run, end, before);
+    run = end;
+  }
   std::vector<GridRow> sorted;
   sorted.reserve(rows_.size());
   for (const Sort_Key& key : keys) sorted.push_back(rows_[key.row]);
