@@ -14,6 +14,7 @@ to_build=(
   ninja-build
   pkg-config
   libwxgtk3.2-dev      # the window
+  libwxgtk-webview3.2-dev  # on-line help in a window of its own; without it, in the system's browser
   libgtk-3-dev         # what wxWidgets stands on, where the window reaches below it
   libsqlite3-dev       # the embedded store
   libpff-dev           # PST, OST, PAB
@@ -38,7 +39,6 @@ to_test=(
   xvfb                 # a screen for the window's tests
   openbox              # a window manager on it
   xdotool              # clicks and keys
-  p7zip-full           # a second reader of the help book
 )
 
 usage() { sed -n '2,8s/^# \{0,1\}//p' "$0"; }

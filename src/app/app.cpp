@@ -4,6 +4,7 @@
 #include "clean/cleaning_run.h"
 #include "grid/item_display.h"
 #include "grid/row_selection.h"
+#include "help/help.h"
 #include "marking/processing_options.h"
 
 namespace tidyfold {
@@ -29,13 +30,13 @@ class Window_Message_Box : public Message_Box {
 }  // namespace
 
 struct App::Parts {
-  Parts(MainWindow& w, Automation& automation, Message_Box& m, Events& e, Clock& c);
+  Parts(MainWindow& w, Automation& automation, Message_Box& m, Events& e, Clock& c,
+        Help_Environment* help_environment);
 
   void Wire();
   void Form_Load();
   void Form_Unload();
   void mnuQuit_Click();
-  void mnuAbout_Click();
   void Load_Interface();
   bool Build_Interface();
 
@@ -72,15 +73,19 @@ struct App::Parts {
   Cleaning_Run cleaning{window,  records, folder_tree, deleted_items, cache,       rows,   marking, enabling,
                         refresh, checks,  strategies,  run_state,     message_box, events, errors};
   Panes panes{window, columns, errors};
+  std::unique_ptr<Help> help;  // none in front ends without help
   bool interface_loading = false;
 };
 
-App::Parts::Parts(MainWindow& w, Automation& automation, Message_Box& m, Events& e, Clock& c)
+App::Parts::Parts(MainWindow& w, Automation& automation, Message_Box& m, Events& e, Clock& c,
+                  Help_Environment* help_environment)
     : window(w),
       window_message_box(w.frmRemoveItems, m),
       events(e),
       clock(c),
       session(automation, w, message_box, errors) {
+  if (help_environment != nullptr)
+    help = std::make_unique<Help>(window, *help_environment, message_box, errors);
   Wire();
 }
 
@@ -113,8 +118,8 @@ void App::Parts::Wire() {
   refresh.Wire();
   cleaning.Wire();
   panes.Wire();
+  if (help) help->Wire();
   window.mnuQuit.Click = [this] { mnuQuit_Click(); };
-  window.mnuAbout.Click = [this] { mnuAbout_Click(); };
   window.frmRemoveItems.Close = [this] { Form_Unload(); };
 }
 
@@ -127,6 +132,8 @@ void App::Parts::Form_Load() {
     // The grid's own highlight is invisible; only the rows' own colours show what is selected.
     grid.Back_Colour_Selected = grid.Back_Colour;
     grid.Fore_Colour_Selected = grid.Fore_Colour;
+    procedure.Step("Form_Load - Set HTML URLs");
+    if (help) help->Set_HTML_URLs();
     window.frmMessageBox.Show();
     if (!session.Start_Outlook()) {
       window.frmRemoveItems.Unload();
@@ -141,6 +148,8 @@ void App::Parts::Form_Load() {
     window.cmddebug.Set_Visible(false);
     enabling.Load_Tooltips();
     enabling.Set_Checkbox_Values();
+    procedure.Step("Form_Load - Initialize Help");
+    if (help) help->Initialize_Help();
     procedure.Step("Form_Load - Set Initialize Slide Bars");
     panes.Set_Up_Bars();
     procedure.Step("Form_Load - Align Lines");
@@ -215,23 +224,21 @@ void App::Parts::mnuQuit_Click() {
   });
 }
 
-void App::Parts::mnuAbout_Click() {
-  errors.Run("mnuAbout_Click", [&] { window.frmAbout.Show(); });
-}
-
 // Loops that are under way further out see the flags at their next yield and unwind.
 void App::Parts::Form_Unload() {
   errors.Run("Form_Unload", [&] {
     cache.StopCaching = cache.InterruptCaching = true;
     run_state.Processing = false;
+    if (help) help->Unload();
     window.frmMessageBox.Unload();
     window.frmAbout.Unload();
     window.frmRemoveItems.Unload();
   });
 }
 
-App::App(MainWindow& window, Automation& automation, Message_Box& message_box, Events& events, Clock& clock)
-    : parts_(std::make_unique<Parts>(window, automation, message_box, events, clock)) {}
+App::App(MainWindow& window, Automation& automation, Message_Box& message_box, Events& events, Clock& clock,
+         Help_Environment* help_environment)
+    : parts_(std::make_unique<Parts>(window, automation, message_box, events, clock, help_environment)) {}
 
 App::~App() = default;
 

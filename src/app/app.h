@@ -12,6 +12,7 @@
 namespace tidyfold {
 
 class FolderData_Array;
+struct Help_Environment;
 struct Run_State;
 
 // Everything that the program does to one main window. All calls come from one thread; every handler may run
@@ -19,7 +20,9 @@ struct Run_State;
 // after its event loop has unwound.
 class App {
  public:
-  App(MainWindow& window, Automation& automation, Message_Box& message_box, Events& events, Clock& clock);
+  // Front ends without help give no environment for it.
+  App(MainWindow& window, Automation& automation, Message_Box& message_box, Events& events, Clock& clock,
+      Help_Environment* help_environment = nullptr);
   ~App();
 
   // Start-up: reaches Outlook, lays the window out, builds the tree and loads the items. Returns when

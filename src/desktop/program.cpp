@@ -6,6 +6,7 @@
 #include <wx/utils.h>
 
 #include "app/app.h"
+#include "desktop/desktop_help.h"
 #include "desktop/item_window.h"
 #include "desktop/last_stores.h"
 #include "desktop/main_frame.h"
@@ -58,7 +59,10 @@ void Program::Build() {
   commands.New_Sample = [this] { Change_Stores([this] { return files_.Make_Sample_Store(frame_); }); };
   commands.Import_Files = [this] { Change_Stores([this] { return files_.Import_Files(frame_); }); };
   commands.Import_Maildir = [this] { Change_Stores([this] { return files_.Import_Maildir(frame_); }); };
-  frame_ = new Main_Frame(window_, *schedule_, std::move(commands), [this] { End_When_Unwound(); });
+  frame_ = new Main_Frame(window_, *schedule_, std::move(commands), [this] {
+    help_->Close_Book();
+    End_When_Unwound();
+  });
   SetTopWindow(frame_);
   message_window_ = new Message_Window(window_);
   state_file_ = Window_State_File::If_Asked_For(*frame_, window_);
@@ -76,7 +80,8 @@ void Program::Build() {
     event.Skip();
     Commit();
   });
-  app_ = std::make_unique<App>(window_, outlook_, message_box_, events_, clock_);
+  help_ = std::make_unique<Desktop_Help>(*frame_, window_, message_box_);
+  app_ = std::make_unique<App>(window_, outlook_, message_box_, events_, clock_, &help_->Environment());
 }
 
 void Program::Change_Stores(const std::function<bool()>& change) {
@@ -102,6 +107,7 @@ void Program::End_When_Unwound() {
 
 int Program::OnExit() {
   app_.reset();
+  help_.reset();
   state_file_.reset();
   if (message_window_ != nullptr) message_window_->Destroy();
   if (frame_ != nullptr) frame_->Destroy();

@@ -20,6 +20,7 @@
 namespace tidyfold {
 
 class App;
+class Desktop_Help;
 class Main_Frame;
 class Message_Window;
 class Window_State_File;
@@ -55,6 +56,7 @@ class Program : public wxApp {
   Main_Frame* frame_ = nullptr;
   Message_Window* message_window_ = nullptr;
   std::unique_ptr<Window_State_File> state_file_;
+  std::unique_ptr<Desktop_Help> help_;
   std::unique_ptr<App> app_;
 
   bool loading_ = false;

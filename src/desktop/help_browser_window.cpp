@@ -1,0 +1,212 @@
+#include "desktop/help_browser_window.h"
+
+#include <wx/app.h>
+#include <wx/artprov.h>
+#include <wx/display.h>
+#include <wx/panel.h>
+#include <wx/toolbar.h>
+#include <wx/utils.h>
+#ifdef TIDYFOLD_WEB_VIEW
+#include <wx/webview.h>
+#endif
+
+#include <memory>
+#include <utility>
+
+#include "desktop/application_icon.h"
+#include "desktop/control_binder.h"
+#include "desktop/text_conversion.h"
+
+namespace tidyfold {
+
+#ifdef TIDYFOLD_WEB_VIEW
+
+namespace {
+
+// Unscaled pixels. A window lower than this would not come back in its size.
+constexpr int smallest_width = 320, smallest_height = 334;
+
+}  // namespace
+
+class Help_Browser_Frame : public wxFrame {
+ public:
+  // None where the machine lacks what the toolkit's view stands on.
+  static Help_Browser_Frame* Make(Help_Browser_Window& model) {
+    if (!wxWebView::IsBackendAvailable(wxWebViewBackendDefault)) return nullptr;
+    auto* const frame = new Help_Browser_Frame(model);
+    if (frame->view_ != nullptr) return frame;
+    frame->End();
+    return nullptr;
+  }
+
+  // The frame itself goes a little later, when the model may have gone.
+  void End() {
+    binder_.reset();
+    Destroy();
+  }
+
+  void Load(const std::string& address) { view_->LoadURL(To_Wx(address)); }
+
+  void Show_Form() {
+    const wxSize wanted = Size_Of_Model();
+    if (!taking_size_ && wanted != GetClientSize()) {
+      // Cut down to the screen, and the model told, for its size is what is kept.
+      wxSize size = wanted;
+      size.DecTo(wxDisplay(this).GetClientArea().GetSize() - (GetSize() - GetClientSize()));
+      size.IncTo(GetMinClientSize());
+      SetClientSize(size);
+      if (size != wanted) Tell_Size(size);
+    }
+    if (model_.frmHelpBrowser.Visible() != IsShown()) Show(model_.frmHelpBrowser.Visible());
+  }
+
+ private:
+  explicit Help_Browser_Frame(Help_Browser_Window& model)
+      : wxFrame(nullptr, wxID_ANY, To_Wx(model.frmHelpBrowser.Caption())),
+        model_(model),
+        scale_(*this),
+        surface_(new wxPanel(this)),
+        view_(wxWebView::New(surface_, wxID_ANY, wxString())) {
+    SetName(To_Wx(model_.frmHelpBrowser.Name()));
+    SetIcons(Application_Icons());
+    if (view_ == nullptr) return;
+    Build_Tools();
+    SetMinClientSize(FromDIP(wxSize(smallest_width, smallest_height)));
+    SetClientSize(Size_Of_Model());
+    CentreOnScreen();
+    binder_ = std::make_unique<Control_Binder>(model_.WebBrowser1, *view_);
+    binder_->Follow_Position(scale_);
+
+    view_->Bind(wxEVT_WEBVIEW_ERROR, &Help_Browser_Frame::Failed, this);
+    view_->Bind(wxEVT_WEBVIEW_TITLE_CHANGED, [this](wxWebViewEvent& event) {
+      const wxString caption = To_Wx(model_.frmHelpBrowser.Caption()), title = event.GetString();
+      SetTitle(title.empty() || title == caption ? caption : title + " - " + caption);
+    });
+    view_->Bind(wxEVT_WEBVIEW_LOADED, [this](wxWebViewEvent&) { Enable_Tools(); });
+    Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
+      event.Skip();
+      Take_Size();
+    });
+    Bind(wxEVT_CLOSE_WINDOW, [this](wxCloseEvent& event) {
+      if (event.CanVeto()) event.Veto();
+      tidyfold::Raise(model_.frmHelpBrowser.Close);
+    });
+    Bind(wxEVT_CHAR_HOOK, [this](wxKeyEvent& event) {
+      event.GetKeyCode() == WXK_ESCAPE ? static_cast<void>(Close()) : event.Skip();
+    });
+  }
+
+  void Build_Tools() {
+    wxToolBar& tools = *CreateToolBar(wxTB_HORIZONTAL | wxTB_FLAT);
+    const auto add = [&](wxWindowID id, const wxString& label, const wxArtID& picture, const wxString& tip) {
+      tools.AddTool(id, label, wxArtProvider::GetBitmapBundle(picture, wxART_TOOLBAR), tip);
+    };
+    add(wxID_BACKWARD, "Back", wxART_GO_BACK, "Back to the page before");
+    add(wxID_FORWARD, "Forward", wxART_GO_FORWARD, "On to the page that was left");
+    add(wxID_REFRESH, "Load Again", wxART_REFRESH, "Load this page again");
+    tools.Realize();
+    Bind(
+        wxEVT_TOOL, [this](wxCommandEvent&) { view_->GoBack(); }, wxID_BACKWARD);
+    Bind(
+        wxEVT_TOOL, [this](wxCommandEvent&) { view_->GoForward(); }, wxID_FORWARD);
+    Bind(
+        wxEVT_TOOL, [this](wxCommandEvent&) { view_->LoadURL(view_->GetCurrentURL()); }, wxID_REFRESH);
+    Enable_Tools();
+  }
+
+  void Enable_Tools() {
+    GetToolBar()->EnableTool(wxID_BACKWARD, view_->CanGoBack());
+    GetToolBar()->EnableTool(wxID_FORWARD, view_->CanGoForward());
+  }
+
+  // The question that follows runs an event loop of its own, which must not run inside the view's handler.
+  void Failed(wxWebViewEvent& event) {
+    if (event.GetInt() == wxWEBVIEW_NAV_ERR_USER_CANCELLED) return;
+    const std::string address = From_Wx(event.GetURL()), reason = From_Wx(event.GetString());
+    CallAfter([this, address, reason] {
+      if (binder_ != nullptr) tidyfold::Raise(model_.WebBrowser1.NavigateError, address, reason);
+    });
+  }
+
+  wxSize Size_Of_Model() const {
+    return {scale_.Pixels(model_.frmHelpBrowser.Width()), scale_.Pixels(model_.frmHelpBrowser.Height())};
+  }
+
+  void Tell_Size(const wxSize& client) {
+    const bool outer = std::exchange(taking_size_, true);
+    model_.frmHelpBrowser.Set_Width(scale_.To_Twips(client.x));
+    model_.frmHelpBrowser.Set_Height(scale_.To_Twips(client.y));
+    taking_size_ = outer;
+  }
+
+  void Take_Size() {
+    if (!model_.frmHelpBrowser.Visible() || IsIconized() || GetClientSize() == Size_Of_Model()) return;
+    Tell_Size(GetClientSize());
+    tidyfold::Raise(model_.frmHelpBrowser.Resize);
+  }
+
+  Help_Browser_Window& model_;
+  Scale scale_;
+  wxPanel* surface_;
+  wxWebView* view_;
+  std::unique_ptr<Control_Binder> binder_;
+  bool taking_size_ = false;
+};
+
+#else
+
+class Help_Browser_Frame : public wxFrame {
+ public:
+  static Help_Browser_Frame* Make(Help_Browser_Window&) { return nullptr; }
+  void End() {}
+  void Load(const std::string&) {}
+  void Show_Form() {}
+};
+
+#endif
+
+Help_Browser_Binder::Help_Browser_Binder(Help_Browser_Window& model, Message_Box& message_box)
+    : model_(model), message_box_(message_box) {
+  model_.frmHelpBrowser.changed = [this] { Show_Form(); };
+  model_.WebBrowser1.Navigating = [this](const std::string& address) { Navigate(address); };
+}
+
+Help_Browser_Binder::~Help_Browser_Binder() {
+  model_.frmHelpBrowser.changed = nullptr;
+  model_.WebBrowser1.Navigating = nullptr;
+  if (frame_ != nullptr) frame_->End();
+}
+
+void Help_Browser_Binder::Show_Form() {
+  if (!model_.frmHelpBrowser.Loaded()) {
+    if (frame_ != nullptr) std::exchange(frame_, nullptr)->End();
+    return;
+  }
+  if (frame_ == nullptr) frame_ = Help_Browser_Frame::Make(model_);
+  if (frame_ != nullptr) frame_->Show_Form();
+}
+
+void Help_Browser_Binder::Navigate(const std::string& address) {
+  if (frame_ == nullptr) {
+    wxTheApp->CallAfter([this, address] { Show_In_System_Browser(address); });
+    return;
+  }
+  frame_->Load(address);
+  if (frame_->IsShown()) {
+    frame_->Restore();
+    frame_->Raise();
+  }
+}
+
+void Help_Browser_Binder::Show_In_System_Browser(const std::string& address) {
+  model_.frmHelpBrowser.Unload();
+  if (!wxLaunchDefaultBrowser(To_Wx(address))) {
+    Raise(model_.WebBrowser1.NavigateError, address, std::string("No Web browser could be started."));
+    return;
+  }
+  message_box_.Show(
+      "Tidyfold has no window of its own for Web pages here. The page opens in your Web browser:\r\n" +
+      address);
+}
+
+}  // namespace tidyfold

@@ -1,0 +1,108 @@
+#include "desktop/help_viewer.h"
+
+#include <wx/filesys.h>
+#include <wx/html/helpfrm.h>
+#include <wx/html/helpwnd.h>
+#include <wx/html/htmlwin.h>
+#include <wx/log.h>
+#include <wx/mstream.h>
+
+#include <filesystem>
+#include <optional>
+
+#include "desktop/application_icon.h"
+#include "desktop/text_conversion.h"
+#include "help/chm_book.h"
+
+namespace tidyfold {
+
+namespace {
+
+// The toolkit's viewer starts from a project file, which a compiled book no longer holds.
+constexpr const char* project_file = "book.hhp";
+
+// Addresses of the form "file:BOOK#chm:PAGE".
+class Book_Files : public wxFileSystemHandler {
+ public:
+  bool CanOpen(const wxString& location) override { return GetProtocol(location) == "chm"; }
+
+  wxFSFile* OpenFile(wxFileSystem&, const wxString& location) override {
+    const std::string book = From_Wx(wxFileName::URLToFileName(GetLeftLocation(location)).GetFullPath());
+    const std::string page =
+        std::filesystem::path(From_Wx(GetRightLocation(location))).lexically_normal().generic_string();
+    try {
+      if (book_ == nullptr || book != file_) {
+        book_ = std::make_unique<Chm_Book>(book);
+        file_ = book;
+      }
+      const std::optional<std::string> text =
+          page == project_file ? std::optional(book_->Project()) : book_->Read(page);
+      if (!text) return nullptr;
+      wxMemoryOutputStream bytes;
+      bytes.Write(text->data(), text->size());
+      return new wxFSFile(new wxMemoryInputStream(bytes), location, GetMimeTypeFromExt(location),
+                          GetAnchor(location), wxDateTime());
+    } catch (const Chm_Error& error) {
+      wxLogError("%s", To_Wx(error.what()));
+      return nullptr;
+    }
+  }
+
+ private:
+  std::string file_;
+  std::unique_ptr<Chm_Book> book_;
+};
+
+}  // namespace
+
+Help_Viewer::Help_Viewer() {
+  // The toolkit keeps handlers until the program ends; one serves every viewer.
+  if (!wxFileSystem::HasHandlerForPath("file:x#chm:x")) wxFileSystem::AddHandler(new Book_Files);
+}
+
+Help_Viewer::~Help_Viewer() {
+  Close();
+}
+
+bool Help_Viewer::Take_Book(const std::string& file) {
+  if (controller_ != nullptr && file == file_) return true;
+  Close();
+  const wxLogNull quiet;  // the caller says it in words of its own
+  auto controller = std::make_unique<wxHtmlHelpController>(wxHF_TOOLBAR | wxHF_CONTENTS | wxHF_INDEX |
+                                                           wxHF_SEARCH | wxHF_FRAME);
+  controller->SetTitleFormat("Help: %s");
+  controller->SetShouldPreventAppExit(false);
+  const wxString book = wxFileName::FileNameToURL(wxFileName(To_Wx(file)));
+  if (!controller->AddBook(book + "#chm:" + project_file)) return false;
+  controller_ = std::move(controller);
+  file_ = file;
+  return true;
+}
+
+bool Help_Viewer::Open(const std::string& file, const std::string& page) {
+  try {
+    const Chm_Book book(file);
+    if (!Take_Book(file)) return false;
+    if (!controller_->Display(To_Wx(page.empty() ? book.Default_Page() : page))) return false;
+  } catch (const Chm_Error&) {
+    return false;
+  }
+  wxHtmlHelpFrame& frame = *controller_->GetFrame();
+  if (frame.GetName() != "frmHelpViewer") {
+    frame.SetName("frmHelpViewer");
+    frame.SetIcons(Application_Icons());
+    frame.Bind(wxEVT_CHAR_HOOK, [&frame](wxKeyEvent& event) {
+      event.GetKeyCode() == WXK_ESCAPE ? static_cast<void>(frame.Close()) : event.Skip();
+    });
+  }
+  frame.Show();
+  frame.Raise();
+  return true;
+}
+
+void Help_Viewer::Close() {
+  if (controller_ != nullptr) controller_->Quit();
+  controller_.reset();
+}
+
+}  // namespace tidyfold
