@@ -3,6 +3,7 @@
 #
 #   scripts/install_packages.sh run          what ./run needs: build the programs and show the window
 #   scripts/install_packages.sh test         the same and what the tests need
+#   scripts/install_packages.sh windows      what ./test windows needs: build and test the Windows program here
 #   scripts/install_packages.sh --list run   only print the names
 #
 # Nothing is asked of apt, and nobody for a password, when nothing is missing.
@@ -40,8 +41,35 @@ to_test=(
   openbox              # a window manager on it
   xdotool              # clicks and keys
 )
+# The development packages of this machine say which versions the libraries for Windows are built in.
+for_windows=(
+  cmake
+  ninja-build
+  pkg-config
+  g++                  # puts SQLite's sources together, with tcl
+  tcl
+  make
+  dpkg-dev             # unpacks source packages
+  g++-mingw-w64-x86-64-posix
+  wine
+  wine64
+  nsis                 # the installer
+  libwxgtk3.2-dev
+  libsqlite3-dev
+  libutf8proc-dev
+  libcli11-dev
+  nlohmann-json3-dev
+  googletest
+  fp-utils             # the help book
+  imagemagick          # the icon, screenshots
+  python3
+  xvfb
+  openbox
+  xdotool
+  fonts-dejavu-core
+)
 
-usage() { sed -n '2,8s/^# \{0,1\}//p' "$0"; }
+usage() { sed -n '2,9s/^# \{0,1\}//p' "$0"; }
 
 only_list=no
 if [[ ${1:-} == --list ]]; then
@@ -51,6 +79,7 @@ fi
 case ${1:-} in
   run) needed=("${to_build[@]}" "${to_show[@]}") ;;
   test) needed=("${to_build[@]}" "${to_show[@]}" "${to_test[@]}") ;;
+  windows) needed=("${for_windows[@]}") ;;
   -h | --help) usage && exit 0 ;;
   *) usage >&2 && exit 2 ;;
 esac

@@ -82,6 +82,10 @@ void Roll_Back(Store_Writer& writer, const std::string& reason) {
 
 Import_Error::Import_Error(const std::string& text) : text_(Valid_Utf8(text)) {}
 
+bool Can_Import() {
+  return true;
+}
+
 Source_Kind Detect_Source(const fs::path& source) {
   std::error_code error;
   const fs::file_status status = fs::status(source, error);

@@ -53,6 +53,9 @@ struct Import_Options {
   Import_Progress progress;  // may be empty
 };
 
+// Whether this edition of the program has importers. Where it has none, each source is an Import_Error.
+bool Can_Import();
+
 // Tells by content, never by name. Throws Import_Error where the source is missing, empty or none of them.
 Source_Kind Detect_Source(const std::filesystem::path& source);
 

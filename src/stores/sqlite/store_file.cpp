@@ -65,11 +65,13 @@ sqlite3* Connect(const fs::path& path, const std::string& name, int flags) {
     sqlite3_extended_result_codes(connection, 1);
     return connection;
   }
-  const int reason = sqlite3_system_errno(connection);
+  // The system's own number: errno, or what Windows calls its last error.
+  const std::error_code reason(sqlite3_system_errno(connection), std::system_category());
   const std::string detail = sqlite3_errmsg(connection);
   sqlite3_close(connection);
-  if (reason == EACCES || reason == EPERM) Fail_Open(Reason::No_Permission, path);
-  if (reason == ENOENT) Fail_Open(Reason::Missing, path);
+  if (reason == std::errc::permission_denied || reason == std::errc::operation_not_permitted)
+    Fail_Open(Reason::No_Permission, path);
+  if (reason == std::errc::no_such_file_or_directory) Fail_Open(Reason::Missing, path);
   Fail_Open(Reason::Damaged, path, detail);
 }
 

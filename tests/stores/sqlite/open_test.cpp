@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "stores/sqlite/embedded_outlook.h"
+#include "stores/sqlite/other_process.h"
 #include "stores/sqlite/temporary_store.h"
 #include "stores/store_under_test.h"
 

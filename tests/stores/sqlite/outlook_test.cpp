@@ -1,5 +1,6 @@
 #include "stores/sqlite/embedded_outlook.h"
 
+#include "stores/sqlite/other_process.h"
 #include "stores/sqlite/temporary_store.h"
 #include "stores/store_under_test.h"
 

@@ -2,17 +2,14 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <signal.h>
 #include <sqlite3.h>
-#include <stdlib.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <map>
 #include <memory>
+#include <random>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -25,9 +22,10 @@ namespace tidyfold {
 class Temporary_Directory {
  public:
   Temporary_Directory() {
-    std::string name = (std::filesystem::temp_directory_path() / "tidyfold-test-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary directory: " + name);
-    path_ = name;
+    std::random_device random;
+    const auto name = "tidyfold-test-" + std::to_string(random()) + std::to_string(random());
+    path_ = std::filesystem::temp_directory_path() / name;
+    if (!std::filesystem::create_directory(path_)) throw std::runtime_error("no directory: " + name);
   }
   Temporary_Directory(const Temporary_Directory&) = delete;
   Temporary_Directory& operator=(const Temporary_Directory&) = delete;
@@ -62,7 +60,7 @@ inline std::map<std::string, std::string> All_Files(const std::filesystem::path&
 inline int Run_Sql(const std::filesystem::path& file, const std::string& sql,
                    std::int64_t* number = nullptr) {
   sqlite3* connection = nullptr;
-  sqlite3_open(file.c_str(), &connection);
+  sqlite3_open(file.string().c_str(), &connection);
   const auto first_value = [](void* target, int, char** values, char**) {
     if (target != nullptr) *static_cast<std::int64_t*>(target) = std::stoll(values[0]);
     return 0;
@@ -76,50 +74,6 @@ inline std::int64_t Number_By_Sql(const std::filesystem::path& file, const std::
   std::int64_t number = -1;
   EXPECT_EQ(Run_Sql(file, sql, &number), SQLITE_OK);
   return number;
-}
-
-// Another process that has done some work and then does nothing more until it is killed: nothing of it is
-// closed or tidied up.
-class Other_Process {
- public:
-  // Returns when `work` has ended.
-  explicit Other_Process(const std::function<int()>& work) {
-    int ends[2];
-    if (pipe(ends) != 0) return;
-    process_ = fork();
-    if (process_ == 0) {
-      unsigned char result = 255;
-      try {
-        result = static_cast<unsigned char>(work());
-      } catch (...) {
-      }
-      if (write(ends[1], &result, 1) != 1) _exit(1);
-      for (;;) pause();
-    }
-    close(ends[1]);
-    unsigned char result = 0;
-    if (read(ends[0], &result, 1) == 1) result_ = result;
-    close(ends[0]);
-  }
-  Other_Process(const Other_Process&) = delete;
-  Other_Process& operator=(const Other_Process&) = delete;
-  ~Other_Process() { Kill(); }
-  // What `work` returned; 255 after an exception, -1 where it crashed.
-  int Result() const { return result_; }
-  void Kill() {
-    if (process_ <= 0) return;
-    kill(process_, SIGKILL);
-    waitpid(process_, nullptr, 0);
-    process_ = -1;
-  }
-
- private:
-  pid_t process_ = -1;
-  int result_ = -1;
-};
-
-inline int In_Killed_Process(const std::function<int()>& work) {
-  return Other_Process(work).Result();
 }
 
 inline MAPIFolder_Ptr Folder_Named(Embedded_Store& store, const std::string& name) {

@@ -1,0 +1,20 @@
+# What a build for Windows needs beside its compiler.
+add_compile_definitions(NOMINMAX WIN32_LEAN_AND_MEAN)
+
+# Elsewhere, its programs run under Wine, in a Windows of their own that lies in the build tree. Wine's replacements
+# of .NET and the web browser are not asked for.
+if(CMAKE_CROSSCOMPILING)
+  find_program(WINE NAMES wine wine64 REQUIRED)
+  set(TIDYFOLD_WINE_PREFIX ${CMAKE_BINARY_DIR}/wine)
+  set(run_in_wine ${CMAKE_BINARY_DIR}/run_in_wine)
+  file(WRITE ${run_in_wine} "#!/bin/sh
+export WINEPREFIX='${TIDYFOLD_WINE_PREFIX}' WINEDEBUG=\${WINEDEBUG:--all} WINEDLLOVERRIDES='mscoree,mshtml='
+exec '${WINE}' \"$@\"
+")
+  file(CHMOD ${run_in_wine} PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
+  set(CMAKE_CROSSCOMPILING_EMULATOR ${run_in_wine})
+  if(NOT EXISTS ${TIDYFOLD_WINE_PREFIX}/system.reg)
+    message(STATUS "Making a Windows to run tests in: ${TIDYFOLD_WINE_PREFIX}")
+    execute_process(COMMAND ${run_in_wine} wineboot --init OUTPUT_QUIET ERROR_QUIET COMMAND_ERROR_IS_FATAL ANY)
+  endif()
+endif()

@@ -1,0 +1,171 @@
+#!/usr/bin/env bash
+# Builds the libraries that the Windows program stands on, from the distribution's own source packages, once.
+#
+#   scripts/build_windows_libraries.sh core   SQLite, utf8proc, GoogleTest and the libraries that are headers only
+#   scripts/build_windows_libraries.sh        these, and wxWidgets (about a quarter of an hour on two cores)
+#
+# They are kept in $TIDYFOLD_CACHE, by default ~/.cache/tidyfold, each in a folder named after its version and a key
+# of compiler and options: what lies there is not built again. build/windows-libraries/ leads to the ones to use.
+# The versions are those of the installed packages that Tidyfold is built with on this machine.
+set -euo pipefail
+
+home=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+case ${1:-} in
+  core) with_wxwidgets=no ;;
+  '') with_wxwidgets=yes ;;
+  -h | --help) sed -n '2,9s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" && exit 0 ;;
+  *) echo "${BASH_SOURCE[0]}: it knows no '$1'. Try --help." >&2 && exit 2 ;;
+esac
+
+cache=${TIDYFOLD_CACHE:-${XDG_CACHE_HOME:-$HOME/.cache}/tidyfold}/windows
+links=$home/build/windows-libraries
+host=x86_64-w64-mingw32
+export CC=$host-gcc-posix CXX=$host-g++-posix AR=$host-ar RANLIB=$host-ranlib
+jobs=${TIDYFOLD_JOBS:-$(nproc)}
+# Another compiler, or another edition of this script's recipes, makes another library.
+edition="1 $($CXX -dumpfullversion) $(dpkg-query -W -f='${Version}' mingw-w64-common)"
+
+scratch=$(mktemp -d "${TMPDIR:-/tmp}/tidyfold-libraries-XXXXXX")
+trap 'rm -rf "$scratch"' EXIT
+
+version_of() { dpkg-query -W -f="\${source:Version}" "$1"; }
+key_of() { printf '%s\n' "$edition" "$@" | sha256sum | cut -c1-10; }
+
+# Two builds at once would each make the same library.
+mkdir -p "$cache" "$links"
+exec 9>"$cache/lock"
+flock 9
+
+# Where apt keeps what it knows of source packages: a place of our own, from the sources that the machine has, so
+# that neither rights nor a change of its settings are needed. apt checks signatures and sums as it always does.
+apt_of_sources() {
+  apt-get -q -o Dir::Etc::SourceList=/dev/null -o Dir::Etc::SourceParts="$scratch/sources.list.d" \
+    -o Dir::State::Lists="$scratch/lists" -o Dir::Cache="$scratch/cache" -o APT::Sandbox::User="$(id -un)" \
+    -o Acquire::Retries=3 "$@"
+}
+know_source_packages() {
+  if [[ -d $scratch/lists ]]; then return; fi
+  mkdir -p "$scratch"/{sources.list.d,lists/partial,cache/archives/partial}
+  local file
+  for file in /etc/apt/sources.list.d/*.sources; do
+    if [[ -f $file ]]; then
+      sed 's/^Types:.*/Types: deb-src/' "$file" >"$scratch/sources.list.d/$(basename "$file")"
+    fi
+  done
+  cat /etc/apt/sources.list /etc/apt/sources.list.d/*.list 2>/dev/null |
+    sed -n 's/^deb[[:space:]]/deb-src /p' >"$scratch/sources.list.d/one-line.list" || true
+  apt_of_sources update || echo "Not every list of source packages could be read; going on with the others." >&2
+}
+# fetch PACKAGE VERSION: its source, unpacked and patched as the distribution does; says where.
+fetch() {
+  know_source_packages >&2
+  mkdir -p "$scratch/source"
+  (cd "$scratch/source" && apt_of_sources source "$1=$2" >&2) || {
+    echo "The source of $1 $2 could not be fetched. Is the installed package older than the archive's? Try" >&2
+    echo "apt-get update && apt-get upgrade, and then again." >&2
+    exit 1
+  }
+  find "$scratch/source" -maxdepth 1 -type d -name "$1-*" -print -quit
+}
+
+# begin NAME PREFIX: false when the library is there. Its folder counts only when `complete` stands in it.
+begin() {
+  if [[ -f $2/complete ]]; then
+    echo "$1: there, in $2"
+    return 1
+  fi
+  rm -rf "$2"
+  mkdir -p "$2"
+  started=$SECONDS
+  echo "$1: building in $2"
+}
+finish() {
+  touch "$2/complete"
+  echo "$1: built in $((SECONDS - started)) s"
+}
+
+build_core() {
+  local sqlite_version utf8proc_version prefix
+  sqlite_version=$(version_of libsqlite3-dev)
+  utf8proc_version=$(version_of libutf8proc-dev)
+  # What the distribution's SQLite is compiled with, as far as Tidyfold leans on it: deleted mail is overwritten.
+  local sqlite_options=(-DSQLITE_THREADSAFE=1 -DSQLITE_SECURE_DELETE -DSQLITE_OMIT_LOAD_EXTENSION)
+  prefix=$cache/core-$(key_of "$sqlite_version" "$utf8proc_version" "${sqlite_options[*]}" "$(version_of googletest)" \
+    "$(version_of libcli11-dev)" "$(version_of nlohmann-json3-dev)")
+  ln -sfn "$prefix" "$links/core"
+  begin "core libraries" "$prefix" || return 0
+  mkdir -p "$prefix"/{include,lib/pkgconfig,share/cmake}
+
+  # Headers only: this machine's own, without the rest of /usr/include.
+  cp -r /usr/include/CLI /usr/include/nlohmann "$prefix/include/"
+  cp -r /usr/share/cmake/CLI11 /usr/share/cmake/nlohmann_json "$prefix/share/cmake/"
+
+  local source
+  source=$(fetch sqlite3 "$sqlite_version")
+  mkdir "$scratch/sqlite"
+  (
+    cd "$scratch/sqlite"
+    # The one big C file is put together by this machine's tools.
+    CC=gcc AR=ar RANLIB=ranlib "$source/configure" --disable-shared --disable-readline >configure.log
+    CC=gcc AR=ar RANLIB=ranlib make sqlite3.c sqlite3.h >make.log
+    $CC -O2 "${sqlite_options[@]}" -c sqlite3.c -o sqlite3.o
+    $AR rcs "$prefix/lib/libsqlite3.a" sqlite3.o
+    cp sqlite3.h "$prefix/include/"
+  )
+
+  source=$(fetch utf8proc "$utf8proc_version")
+  (
+    cd "$source"
+    $CC -O2 -DUTF8PROC_STATIC -c utf8proc.c -o utf8proc.o
+    $AR rcs "$prefix/lib/libutf8proc.a" utf8proc.o
+    cp utf8proc.h "$prefix/include/"
+  )
+  cat >"$prefix/lib/pkgconfig/libutf8proc.pc" <<PC
+prefix=$prefix
+Name: libutf8proc
+Description: UTF8 processing
+Version: ${utf8proc_version%%-*}
+Libs: -L\${prefix}/lib -lutf8proc
+Cflags: -I\${prefix}/include -DUTF8PROC_STATIC
+PC
+
+  cmake -S /usr/src/googletest -B "$scratch/googletest" -G Ninja -DCMAKE_BUILD_TYPE=Release \
+    -DCMAKE_TOOLCHAIN_FILE="$home/cmake/mingw-w64.cmake" -DCMAKE_INSTALL_PREFIX="$prefix" >/dev/null
+  cmake --build "$scratch/googletest" --parallel "$jobs" --target install >"$scratch/googletest.log" ||
+    { tail -50 "$scratch/googletest.log" >&2 && return 1; }
+  finish "core libraries" "$prefix"
+}
+
+build_wxwidgets() {
+  local version prefix
+  version=$(version_of libwxgtk3.2-dev)
+  # Nothing that the program does not show: each of these would cost time here and room in the program.
+  local options=(
+    --disable-shared --enable-unicode --disable-precomp-headers --disable-tests --disable-sys-libs
+    --enable-html --enable-webview --enable-webviewie --disable-webviewedge
+    --without-libpng --without-libjpeg --without-libtiff --without-zlib --without-nanosvg --without-expat
+    --without-regex --without-opengl --without-liblzma --without-libmspack --without-libcurl --without-winhttp
+    --disable-propgrid --disable-stc --disable-ribbon --disable-richtext --disable-aui --disable-xrc
+    --disable-mediactrl --disable-sockets --disable-protocols --disable-webrequest --disable-ipc
+    --disable-debugreport --disable-joystick --disable-sound --disable-secretstore --disable-wizarddlg
+    --disable-docview --disable-mdi --disable-svg --disable-gif --disable-pcx --disable-tga --disable-iff
+    --disable-pnm --disable-dialupman
+  )
+  prefix=$cache/wxwidgets-${version%%[+-]*}-$(key_of "$version" "${options[*]}")
+  ln -sfn "$prefix" "$links/wxwidgets"
+  begin wxWidgets "$prefix" || return 0
+  local source
+  source=$(fetch wxwidgets3.2 "$version")
+  mkdir "$scratch/wxwidgets"
+  (
+    cd "$scratch/wxwidgets"
+    "$source/configure" --host=$host --build="$(dpkg-architecture -qDEB_BUILD_GNU_TYPE)" --prefix="$prefix" \
+      CFLAGS=-O2 CXXFLAGS=-O2 "${options[@]}" >configure.log || { tail -50 configure.log >&2 && exit 1; }
+    make -j"$jobs" >make.log 2>make.errors || { tail -50 make.errors >&2 && exit 1; }
+    make install >install.log 2>&1 || { tail -50 install.log >&2 && exit 1; }
+  )
+  finish wxWidgets "$prefix"
+}
+
+build_core
+if [[ $with_wxwidgets == yes ]]; then build_wxwidgets; fi
