@@ -25,7 +25,7 @@ FLOORS = {
     "app": 8,
 }
 BEHIND = ("stores", "import", "export")
-IN_FRONT = ("desktop", "cli")
+IN_FRONT = ("desktop", "cli", "companion")
 
 # The highest floor that a folder may include, where that is not simply the one below its own. Settings stand
 # beside the controls and share their texts and numbers.

@@ -112,7 +112,7 @@ TEST_P(Store_Contract, Items_Of_Every_Class_Keep_Every_Property) {
     EXPECT_EQ(read->Subject(), item.subject);
     EXPECT_EQ(read->Body(), "Text");
     EXPECT_EQ(read->UnRead(), item.unread);
-    EXPECT_EQ(read->Size(), item.size);
+    EXPECT_EQ(read->Size(), stores_->Tells_Sizes() ? item.size : 0);
     EXPECT_EQ(read->ReceivedTime(), item.received);
     EXPECT_EQ(read->LastModificationTime(), item.last_modified);
     EXPECT_EQ(read->DateCompleted(), item.completed);
@@ -120,7 +120,7 @@ TEST_P(Store_Contract, Items_Of_Every_Class_Keep_Every_Property) {
     EXPECT_EQ(read->End(), item.end);
     EXPECT_EQ(read->Parent()->EntryID(), folder->EntryID());
     EXPECT_EQ(utils->HrGetOneProp(*read->MAPIOBJECT(), sender_name_tag), "Zoë");
-    EXPECT_EQ(utils->HrGetOneProp(*read->MAPIOBJECT(), 0x12345678), "") << "an absent property";
+    EXPECT_EQ(utils->HrGetOneProp(*read->MAPIOBJECT(), 0x1234001E), "") << "an absent property";
   }
 }
 
@@ -234,7 +234,7 @@ TEST_P(Store_Contract, Texts_Come_Back_As_They_Were) {
     EXPECT_EQ(folder->Name(), text);
     EXPECT_EQ(read->Subject(), text);
     EXPECT_EQ(read->Body(), text);
-    EXPECT_EQ(read->MAPIOBJECT()->String_Property(sender_name_tag), text);
+    EXPECT_EQ(read->MAPIOBJECT()->String_Property(sender_name_tag), stores_->Sender_As_Kept(text));
     Open(1)->Folders()->Remove(1);
   }
   // Bytes that are no UTF-8 may be replaced, and the rest stays readable.

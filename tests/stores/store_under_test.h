@@ -31,6 +31,10 @@ class Store_Under_Test {
   virtual ~Store_Under_Test() = default;
   virtual Automation& Outlook() = 0;
   virtual Store_Writer& Writer(int number) = 0;  // 1 or 2, as in the session's Folders
+  // Whether Size says anything but 0.
+  virtual bool Tells_Sizes() const { return true; }
+  // What becomes of a sender's name in the store.
+  virtual std::string Sender_As_Kept(const std::string& sender) const { return sender; }
 };
 
 struct Store_Kind {
@@ -54,6 +58,10 @@ class Decorated_Store : public Store_Under_Test {
   }
   Automation& Outlook() override { return outlook_; }
   Store_Writer& Writer(int number) override { return inner_->Writer(number); }
+  bool Tells_Sizes() const override { return inner_->Tells_Sizes(); }
+  std::string Sender_As_Kept(const std::string& sender) const override {
+    return inner_->Sender_As_Kept(sender);
+  }
 
  private:
   std::unique_ptr<Store_Under_Test> inner_;

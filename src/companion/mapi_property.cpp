@@ -1,0 +1,87 @@
+#include "companion/mapi_property.h"
+
+#include <mapicode.h>
+#include <mapidefs.h>
+
+#include <array>
+#include <memory>
+
+namespace tidyfold::companion {
+
+namespace {
+
+// {00020303-0000-0000-C000-000000000046}; no import library has it.
+constexpr IID mapi_prop_interface = {
+    0x00020303, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
+
+// MAPI is loaded when it is first needed: the program starts without it as well.
+template <class Function>
+Function Mapi_Function(const char* name) {
+  static const HMODULE library = LoadLibraryW(L"mapi32.dll");
+  const FARPROC address = library == nullptr ? nullptr : GetProcAddress(library, name);
+  return reinterpret_cast<Function>(reinterpret_cast<void*>(address));
+}
+
+// What objects hand out is MAPI's to free, and MAPI wants to be told of every user before that.
+void Initialise_Mapi() {
+  static const bool done = [] {
+    const auto initialise = Mapi_Function<HRESULT(WINAPI*)(void*)>("MAPIInitialize");
+    return initialise != nullptr && SUCCEEDED(initialise(nullptr));
+  }();
+  static_cast<void>(done);
+}
+
+struct Mapi_Free {
+  void operator()(void* memory) const {
+    static const auto free_buffer = Mapi_Function<ULONG(WINAPI*)(void*)>("MAPIFreeBuffer");
+    if (free_buffer != nullptr) free_buffer(memory);
+  }
+};
+
+std::wstring From_Code_Page(const char* text) {
+  const int length = MultiByteToWideChar(CP_ACP, 0, text, -1, nullptr, 0);
+  if (length <= 1) return {};
+  std::wstring wide(static_cast<std::size_t>(length), L'\0');
+  MultiByteToWideChar(CP_ACP, 0, text, -1, wide.data(), length);
+  wide.pop_back();
+  return wide;
+}
+
+}  // namespace
+
+std::wstring Read_Text_Property(IUnknown& object, std::uint32_t property_tag) {
+  const std::uint32_t type = PROP_TYPE(property_tag);
+  if (type != PT_STRING8 && type != PT_UNICODE) com::Fail(MAPI_E_INVALID_TYPE);
+  Initialise_Mapi();
+  com::Ptr<IMAPIProp> properties;
+  com::Check(object.QueryInterface(mapi_prop_interface, reinterpret_cast<void**>(properties.Receive())));
+
+  // Both forms in one call.
+  SizedSPropTagArray(2, tags) = {2, {CHANGE_PROP_TYPE(property_tag, PT_UNICODE), property_tag}};
+  if (type == PT_UNICODE) tags.cValues = 1;
+  ULONG count = 0;
+  SPropValue* received = nullptr;
+  // Succeeds, with a warning, when some of them are absent.
+  const HRESULT result = properties->GetProps(reinterpret_cast<SPropTagArray*>(&tags), 0, &count, &received);
+  const std::unique_ptr<SPropValue, Mapi_Free> values(received);
+  com::Check(result);
+  HRESULT failure = S_OK;
+  for (ULONG i = 0; i < count; ++i) {
+    const SPropValue& value = received[i];
+    switch (PROP_TYPE(value.ulPropTag)) {
+      case PT_UNICODE:
+        return value.Value.lpszW;
+      case PT_STRING8:
+        return From_Code_Page(value.Value.lpszA);
+      case PT_ERROR:
+        if (value.Value.err != MAPI_E_NOT_FOUND) failure = value.Value.err;
+        break;
+      default:
+        break;
+    }
+  }
+  com::Check(failure);
+  return {};
+}
+
+}  // namespace tidyfold::companion

@@ -1,0 +1,116 @@
+#include "stores/automation/dispatch.h"
+
+#include <vector>
+
+namespace tidyfold::com {
+
+namespace {
+
+constexpr std::array<const wchar_t*, member_count> names = {
+    L"Body",
+    L"Class",
+    L"Count",
+    L"DateCompleted",
+    L"DefaultItemType",
+    L"Delete",
+    L"Display",
+    L"DueDate",
+    L"End",
+    L"EntryID",
+    L"Folders",
+    L"GetDefaultFolder",
+    L"GetItemFromID",
+    L"GetNamespace",
+    L"HrGetOneProp",
+    L"Item",
+    L"Items",
+    L"LastModificationTime",
+    L"MAPIOBJECT",
+    L"Name",
+    L"Parent",
+    L"ReceivedTime",
+    L"Remove",
+    L"StoreID",
+    L"Subject",
+    L"UnRead",
+};
+
+// What an item is asked for before its class is known.
+constexpr Member before_class[] = {Member::Class,   Member::Delete, Member::Display,
+                                   Member::EntryID, Member::Parent, Member::Subject};
+
+}  // namespace
+
+template <class Call>
+HRESULT Caller::Until_Answered(Call&& call) {
+  const ULONGLONG begin = GetTickCount64();
+  while (true) {
+    const HRESULT result = call();
+    if (!Is_Busy(result) || !filter_.Wait_To_Call_Again(static_cast<DWORD>(GetTickCount64() - begin))) {
+      return result;
+    }
+  }
+}
+
+DISPID Caller::Id_Of(IDispatch& object, Member member) {
+  LPOLESTR name = const_cast<LPOLESTR>(names[static_cast<std::size_t>(member)]);
+  DISPID id = DISPID_UNKNOWN;
+  Check(Until_Answered([&] { return object.GetIDsOfNames(IID_NULL, &name, 1, LOCALE_USER_DEFAULT, &id); }));
+  return id;
+}
+
+Variant Caller::Invoke(IDispatch& object, DISPID id, WORD kind,
+                       std::initializer_list<const Variant*> arguments) {
+  // They go from last to first. What they hold stays the caller's.
+  std::vector<VARIANT> reversed(arguments.size());
+  std::size_t place = arguments.size();
+  for (const Variant* argument : arguments) reversed[--place] = argument->Raw();
+  DISPPARAMS parameters{};
+  parameters.rgvarg = reversed.data();
+  parameters.cArgs = static_cast<UINT>(reversed.size());
+  Variant answer;
+  EXCEPINFO told{};
+  const HRESULT result = Until_Answered([&] {
+    return object.Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, kind, &parameters, &answer.Raw(), &told, nullptr);
+  });
+  if (FAILED(result)) Fail(result, &told);
+  return answer;
+}
+
+std::optional<DISPID> Item_Ids::Common(Member member) const {
+  std::optional<DISPID> common;
+  for (const auto& [item_class, ids] : classes_) {
+    const std::optional<DISPID> id = ids.Known(member);
+    if (!id || (common && *common != *id)) return std::nullopt;
+    common = id;
+  }
+  return common;
+}
+
+const Member_Ids& Item_Ids::Meet(Caller& caller, IDispatch& object, std::int32_t item_class) {
+  const auto found = classes_.find(item_class);
+  if (found != classes_.end()) return found->second;
+  Member_Ids ids;
+  for (const Member member : before_class) ids.Of(caller, object, member);
+  return classes_.emplace(item_class, ids).first->second;
+}
+
+DISPID Item_Ids::Of(Caller& caller, IDispatch& object, std::optional<std::int32_t> item_class,
+                    Member member) {
+  if (item_class) return classes_[*item_class].Of(caller, object, member);
+  const std::optional<DISPID> common = Common(member);
+  return common ? *common : caller.Id_Of(object, member);
+}
+
+std::int32_t Item_Ids::Read_Class(Caller& caller, IDispatch& object) {
+  const auto read = [&](DISPID id) { return caller.Invoke(object, id, DISPATCH_PROPERTYGET).Number(); };
+  const DISPID guess = Of(caller, object, std::nullopt, Member::Class);
+  const std::int32_t item_class = read(guess);
+  if (classes_.contains(item_class)) return item_class;
+  const DISPID asked = caller.Id_Of(object, Member::Class);
+  const std::int32_t its_class = asked == guess ? item_class : read(asked);
+  Meet(caller, object, its_class);
+  return its_class;
+}
+
+}  // namespace tidyfold::com

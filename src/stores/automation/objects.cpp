@@ -1,0 +1,251 @@
+#include "stores/automation/objects.h"
+
+#include <optional>
+#include <utility>
+
+#include "controls/interaction.h"
+#include "controls/text.h"
+#include "errors/automation_error.h"
+
+namespace tidyfold::com {
+
+namespace {
+
+// OlObjectClass of what stands above a store's top folder.
+constexpr std::int32_t namespace_class = 1;
+
+constexpr const char* companion_program = "TidyDll.TidyMAPIUtils";
+
+// An object of an interface that never changes, and its ids.
+class Object {
+ protected:
+  Object(Session_Ptr session, Member_Ids Session::*ids, Ptr<IDispatch> object)
+      : session_(std::move(session)), ids_(ids), object_(std::move(object)) {}
+
+  Variant Get(Member member) { return Invoke(member, DISPATCH_PROPERTYGET, {}); }
+  Variant Call(Member member, std::initializer_list<const Variant*> arguments) {
+    return Invoke(member, DISPATCH_METHOD, arguments);
+  }
+  // An object's property that takes an index is called as either.
+  Variant At(Member member, std::int32_t index) {
+    const Variant argument(index);
+    return Invoke(member, DISPATCH_METHOD | DISPATCH_PROPERTYGET, {&argument});
+  }
+  const Session_Ptr& Shared_Session() const { return session_; }
+
+ private:
+  Variant Invoke(Member member, WORD kind, std::initializer_list<const Variant*> arguments) {
+    const DISPID id = (*session_.*ids_).Of(session_->caller, *object_, member);
+    return session_->caller.Invoke(*object_, id, kind, arguments);
+  }
+
+  Session_Ptr session_;
+  Member_Ids Session::*ids_;
+  Ptr<IDispatch> object_;
+};
+
+// An answer in which an object was wanted, and none was given.
+Ptr<IDispatch> Object_In(const Variant& answer) {
+  Ptr<IDispatch> object = answer.Object();
+  if (!object) {
+    throw Automation_Error(automation_error::not_found, "Outlook gave no object where one was asked for.",
+                           "Outlook");
+  }
+  return object;
+}
+
+class Automation_Mapi_Object : public Mapi_Object {
+ public:
+  Automation_Mapi_Object(Session_Ptr session, Variant object)
+      : session_(std::move(session)), object_(std::move(object)) {}
+  std::string String_Property(std::uint32_t property_tag) override {
+    return Create_Companion(session_, companion_program)->HrGetOneProp(*this, property_tag);
+  }
+  const Variant& Value() const { return object_; }
+
+ private:
+  Session_Ptr session_;
+  Variant object_;
+};
+
+class Automation_Item : public Item {
+ public:
+  Automation_Item(Session_Ptr session, Ptr<IDispatch> object)
+      : session_(std::move(session)), object_(std::move(object)) {}
+
+  std::int32_t Class() override {
+    if (class_) return Get(Member::Class).Number();
+    class_ = session_->item.Read_Class(session_->caller, *object_);
+    return *class_;
+  }
+  std::string Subject() override { return Get(Member::Subject).Text(); }
+  std::string EntryID() override { return Get(Member::EntryID).Text(); }
+  std::string Body(std::size_t characters) override {
+    const std::string text = Get(Member::Body).Text();
+    return std::string(First_Characters(text, characters));
+  }
+  std::shared_ptr<Mapi_Object> MAPIOBJECT() override {
+    return std::make_shared<Automation_Mapi_Object>(session_, Get(Member::MAPIOBJECT));
+  }
+  Date ReceivedTime() override { return Get(Member::ReceivedTime).Day(); }
+  Date LastModificationTime() override { return Get(Member::LastModificationTime).Day(); }
+  Date DateCompleted() override { return Get(Member::DateCompleted).Day(); }
+  Date DueDate() override { return Get(Member::DueDate).Day(); }
+  Date End() override { return Get(Member::End).Day(); }
+  bool UnRead() override { return Get(Member::UnRead).Truth(); }
+  std::int64_t Size() override { return 0; }
+  MAPIFolder_Ptr Parent() override { return Make_Folder(session_, Object_In(Get(Member::Parent))); }
+  void Delete() override { Call(Member::Delete); }
+  void Display() override { Call(Member::Display); }
+
+ private:
+  Variant Get(Member member) { return Invoke(member, DISPATCH_PROPERTYGET); }
+  void Call(Member member) { Invoke(member, DISPATCH_METHOD); }
+  Variant Invoke(Member member, WORD kind) {
+    const DISPID id = session_->item.Of(session_->caller, *object_, class_, member);
+    return session_->caller.Invoke(*object_, id, kind);
+  }
+
+  Session_Ptr session_;
+  Ptr<IDispatch> object_;
+  std::optional<std::int32_t> class_;
+};
+
+Item_Ptr Make_Item(const Session_Ptr& session, const Variant& answer) {
+  return std::make_shared<Automation_Item>(session, Object_In(answer));
+}
+
+class Automation_Items : public Items, Object {
+ public:
+  Automation_Items(const Session_Ptr& session, Ptr<IDispatch> object)
+      : Object(session, &Session::items, std::move(object)) {}
+  std::int32_t Count() override { return Get(Member::Count).Number(); }
+  Item_Ptr Item(std::int32_t index) override { return Make_Item(Shared_Session(), At(Member::Item, index)); }
+  void Remove(std::int32_t index) override {
+    const Variant argument(index);
+    Call(Member::Remove, {&argument});
+  }
+};
+
+class Automation_Folders : public Folders, Object {
+ public:
+  Automation_Folders(const Session_Ptr& session, Ptr<IDispatch> object)
+      : Object(session, &Session::folders, std::move(object)) {}
+  std::int32_t Count() override { return Get(Member::Count).Number(); }
+  MAPIFolder_Ptr Item(std::int32_t index) override {
+    return Make_Folder(Shared_Session(), Object_In(At(Member::Item, index)));
+  }
+  void Remove(std::int32_t index) override {
+    const Variant argument(index);
+    Call(Member::Remove, {&argument});
+  }
+};
+
+Folders_Ptr Make_Folders(const Session_Ptr& session, const Variant& answer) {
+  return std::make_shared<Automation_Folders>(session, Object_In(answer));
+}
+
+class Automation_Folder : public MAPIFolder, Object {
+ public:
+  Automation_Folder(const Session_Ptr& session, Ptr<IDispatch> object)
+      : Object(session, &Session::folder, std::move(object)) {}
+
+  MAPIFolder_Ptr Parent() override {
+    Ptr<IDispatch> above = Get(Member::Parent).Object();
+    if (!above) return nullptr;
+    // Above a store's top folder stands the namespace. What has come may be either: its names are its own.
+    Caller& caller = Shared_Session()->caller;
+    const DISPID id = caller.Id_Of(*above, Member::Class);
+    if (caller.Invoke(*above, id, DISPATCH_PROPERTYGET).Number() == namespace_class) return nullptr;
+    return Make_Folder(Shared_Session(), std::move(above));
+  }
+  std::int32_t DefaultItemType() override { return Get(Member::DefaultItemType).Number(); }
+  // A folder object stands for one folder: its identifiers are asked for once.
+  std::string EntryID() override { return Once(entry_id_, Member::EntryID); }
+  std::string StoreID() override { return Once(store_id_, Member::StoreID); }
+  std::string Name() override { return Get(Member::Name).Text(); }
+  Folders_Ptr Folders() override { return Make_Folders(Shared_Session(), Get(Member::Folders)); }
+  Items_Ptr Items() override {
+    return std::make_shared<Automation_Items>(Shared_Session(), Object_In(Get(Member::Items)));
+  }
+
+ private:
+  const std::string& Once(std::string& kept, Member member) {
+    if (kept.empty()) kept = Get(member).Text();
+    return kept;
+  }
+
+  std::string entry_id_, store_id_;
+};
+
+class Automation_Name_Space : public NameSpace, Object {
+ public:
+  Automation_Name_Space(const Session_Ptr& session, Ptr<IDispatch> object)
+      : Object(session, &Session::name_space, std::move(object)) {}
+  Folders_Ptr Folders() override { return Make_Folders(Shared_Session(), Get(Member::Folders)); }
+  MAPIFolder_Ptr GetDefaultFolder(std::int32_t folder_type) override {
+    const Variant type(folder_type);
+    return Make_Folder(Shared_Session(), Object_In(Call(Member::GetDefaultFolder, {&type})));
+  }
+  Item_Ptr GetItemFromID(const std::string& entry_id, const std::string& store_id) override {
+    const Variant item(entry_id), store(store_id);
+    return Make_Item(Shared_Session(), Call(Member::GetItemFromID, {&item, &store}));
+  }
+};
+
+class Automation_Application : public Application, Object {
+ public:
+  Automation_Application(const Session_Ptr& session, Ptr<IDispatch> object)
+      : Object(session, &Session::application, std::move(object)) {}
+  std::shared_ptr<NameSpace> GetNamespace(const std::string& type) override {
+    const Variant name(type);
+    return std::make_shared<Automation_Name_Space>(Shared_Session(),
+                                                   Object_In(Call(Member::GetNamespace, {&name})));
+  }
+};
+
+class Automation_Mapi_Utils : public Mapi_Utils, Object {
+ public:
+  Automation_Mapi_Utils(const Session_Ptr& session, Ptr<IDispatch> object)
+      : Object(session, &Session::mapi_utils, std::move(object)) {}
+  std::string HrGetOneProp(Mapi_Object& object, std::uint32_t property_tag) override {
+    const auto* message = dynamic_cast<const Automation_Mapi_Object*>(&object);
+    if (message == nullptr) {
+      throw Automation_Error(automation_error::not_supported, "The message comes from another store.",
+                             companion_program);
+    }
+    const Variant tag(static_cast<std::int32_t>(property_tag));
+    return Call(Member::HrGetOneProp, {&message->Value(), &tag}).Text();
+  }
+};
+
+}  // namespace
+
+std::shared_ptr<Application> Make_Application(const Session_Ptr& session, Ptr<IDispatch> object) {
+  return std::make_shared<Automation_Application>(session, std::move(object));
+}
+
+MAPIFolder_Ptr Make_Folder(const Session_Ptr& session, Ptr<IDispatch> object) {
+  if (!object) return nullptr;
+  return std::make_shared<Automation_Folder>(session, std::move(object));
+}
+
+std::shared_ptr<Mapi_Utils> Create_Companion(const Session_Ptr& session, const std::string& program) {
+  CLSID id{};
+  Ptr<IDispatch> companion;
+  HRESULT result = CLSIDFromProgID(To_Wide(program).c_str(), &id);
+  if (SUCCEEDED(result)) {
+    result = CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch,
+                              reinterpret_cast<void**>(companion.Receive()));
+  }
+  if (FAILED(result)) {
+    throw Automation_Error(static_cast<std::int32_t>(result),
+                           "Mail is shown without its sender: " + program +
+                               " is not registered. Run \"regsvr32 TidyDll.dll\" in the folder of Tidyfold, "
+                               "and start it again.",
+                           application_title);
+  }
+  return std::make_shared<Automation_Mapi_Utils>(session, std::move(companion));
+}
+
+}  // namespace tidyfold::com

@@ -1,0 +1,27 @@
+// The object model over automation objects.
+#pragma once
+
+#include <memory>
+
+#include "outlook/object_model.h"
+#include "stores/automation/dispatch.h"
+
+namespace tidyfold::com {
+
+// What all objects of one session share. It belongs to the thread that made it, and so do they.
+struct Session {
+  Caller caller;
+  Member_Ids application, name_space, folders, folder, items, mapi_utils;
+  Item_Ids item;
+};
+using Session_Ptr = std::shared_ptr<Session>;
+
+std::shared_ptr<Application> Make_Application(const Session_Ptr& session, Ptr<IDispatch> object);
+// Empty for no object.
+MAPIFolder_Ptr Make_Folder(const Session_Ptr& session, Ptr<IDispatch> object);
+std::shared_ptr<Mapi_Utils> Make_Mapi_Utils(const Session_Ptr& session, Ptr<IDispatch> object);
+
+// Throws Automation_Error when there is no such companion.
+std::shared_ptr<Mapi_Utils> Create_Companion(const Session_Ptr& session, const std::string& program);
+
+}  // namespace tidyfold::com

@@ -1,0 +1,131 @@
+// A program that calls itself Outlook, for tests: it offers Outlook's published object model over stores in
+// memory.
+//
+//   outlook_server.exe /RegServer   writes itself into the registry (under Wine only)
+//   outlook_server.exe              serves until it is told to quit, or nobody has called for two minutes
+#include <array>
+#include <cstdio>
+#include <cstring>
+
+#include "served_outlook.h"
+#include "server_ids.h"
+
+namespace tidyfold::test_server {
+namespace {
+
+constexpr UINT look_every = 1000;  // milliseconds
+constexpr ULONGLONG longest_idle = 120000;
+
+std::wstring Text_Of(const CLSID& id) {
+  std::array<wchar_t, 39> text{};
+  StringFromGUID2(id, text.data(), static_cast<int>(text.size()));
+  return text.data();
+}
+
+bool Write(const std::wstring& key, const wchar_t* name, const std::wstring& text) {
+  return RegSetKeyValueW(HKEY_LOCAL_MACHINE, (L"Software\\Classes\\" + key).c_str(), name, REG_SZ,
+                         text.c_str(),
+                         static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t))) == ERROR_SUCCESS;
+}
+
+int Register() {
+  if (GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") == nullptr) {
+    std::fputs("This is a Windows whose Outlook may be a real one; nothing was registered.\n", stderr);
+    return 1;
+  }
+  std::array<wchar_t, MAX_PATH> buffer{};
+  GetModuleFileNameW(nullptr, buffer.data(), static_cast<DWORD>(buffer.size()));
+  const std::wstring program = buffer.data();
+  const std::wstring proxy = program.substr(0, program.rfind(L'\\') + 1) + L"message_proxy.dll";
+  bool written = true;
+  const std::pair<const wchar_t*, CLSID> classes[] = {{outlook_program, outlook_class},
+                                                      {control_program, control_class}};
+  for (const auto& [name, id] : classes) {
+    written = written && Write(std::wstring(name) + L"\\CLSID", nullptr, Text_Of(id)) &&
+              Write(L"CLSID\\" + Text_Of(id) + L"\\ProgID", nullptr, name) &&
+              Write(L"CLSID\\" + Text_Of(id) + L"\\LocalServer32", nullptr, L"\"" + program + L"\"");
+  }
+  const std::wstring proxy_key = L"CLSID\\" + Text_Of(message_proxy_class) + L"\\InprocServer32";
+  written = written && Write(proxy_key, nullptr, proxy) && Write(proxy_key, L"ThreadingModel", L"Both");
+  return written ? 0 : 1;
+}
+
+class Filter : public IMessageFilter {
+ public:
+  explicit Filter(World& world) : world_(world) {}
+  virtual ~Filter() = default;
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID wanted, void** object) override {
+    *object = nullptr;
+    if (!IsEqualIID(wanted, IID_IUnknown) && !IsEqualIID(wanted, IID_IMessageFilter)) return E_NOINTERFACE;
+    *object = static_cast<IMessageFilter*>(this);
+    return S_OK;
+  }
+  ULONG STDMETHODCALLTYPE AddRef() override { return 1; }
+  ULONG STDMETHODCALLTYPE Release() override { return 1; }
+  DWORD STDMETHODCALLTYPE HandleInComingCall(DWORD, HTASK, DWORD, LPINTERFACEINFO) override {
+    last_call = GetTickCount64();
+    if (world_.busy_calls <= 0) return SERVERCALL_ISHANDLED;
+    // By turns, as programs do.
+    return --world_.busy_calls % 2 == 0 ? SERVERCALL_RETRYLATER : SERVERCALL_REJECTED;
+  }
+  DWORD STDMETHODCALLTYPE RetryRejectedCall(HTASK, DWORD, DWORD) override { return static_cast<DWORD>(-1); }
+  DWORD STDMETHODCALLTYPE MessagePending(HTASK, DWORD, DWORD) override { return PENDINGMSG_WAITDEFPROCESS; }
+
+  ULONGLONG last_call = GetTickCount64();
+
+ private:
+  World& world_;
+};
+
+// One object for everybody.
+class Factory : public IClassFactory {
+ public:
+  explicit Factory(com::Ptr<IDispatch> object) : object_(std::move(object)) {}
+  virtual ~Factory() = default;
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID wanted, void** object) override {
+    *object = nullptr;
+    if (!IsEqualIID(wanted, IID_IUnknown) && !IsEqualIID(wanted, IID_IClassFactory)) return E_NOINTERFACE;
+    *object = static_cast<IClassFactory*>(this);
+    return S_OK;
+  }
+  ULONG STDMETHODCALLTYPE AddRef() override { return 1; }
+  ULONG STDMETHODCALLTYPE Release() override { return 1; }
+  HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown*, REFIID wanted, void** object) override {
+    return object_->QueryInterface(wanted, object);
+  }
+  HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return S_OK; }
+
+ private:
+  com::Ptr<IDispatch> object_;
+};
+
+int Serve() {
+  if (FAILED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) return 1;
+  World world;
+  world.outlooks.push_back(std::make_unique<Memory_Outlook>());
+  Filter filter(world);
+  CoRegisterMessageFilter(&filter, nullptr);
+  const com::Ptr<IDispatch> application = Make_Application(world);
+  Factory applications(application), controls(Make_Control(world));
+  DWORD cookie = 0;
+  RegisterActiveObject(application.Get(), outlook_class, ACTIVEOBJECT_STRONG, &cookie);
+  CoRegisterClassObject(control_class, &controls, CLSCTX_LOCAL_SERVER, REGCLS_MULTIPLEUSE, &cookie);
+  CoRegisterClassObject(outlook_class, &applications, CLSCTX_LOCAL_SERVER, REGCLS_MULTIPLEUSE, &cookie);
+  SetEvent(CreateEventW(nullptr, TRUE, FALSE, ready_event));
+  SetTimer(nullptr, 0, look_every, nullptr);
+  MSG message{};
+  while (GetMessageW(&message, nullptr, 0, 0) > 0) {
+    if (message.message == WM_TIMER && GetTickCount64() - filter.last_call > longest_idle) break;
+    DispatchMessageW(&message);
+  }
+  // Clients may hold objects; what they do with them now fails, and nothing is taken down under a call.
+  ExitProcess(0);
+}
+
+}  // namespace
+}  // namespace tidyfold::test_server
+
+int main(int count, char** arguments) {
+  using namespace tidyfold::test_server;
+  return count > 1 && std::strcmp(arguments[1], "/RegServer") == 0 ? Register() : Serve();
+}
