@@ -3,6 +3,7 @@
 #include <wx/checkbox.h>
 #include <wx/dataview.h>
 #include <wx/grid.h>
+#include <wx/textctrl.h>
 #include <wx/utils.h>
 
 #ifdef __WXGTK__
@@ -24,6 +25,7 @@ namespace {
 constexpr int pace = 30;       // milliseconds
 constexpr int most_rows = 40;  // of the grid
 constexpr std::size_t most_nodes = 100;
+constexpr std::size_t most_characters = 500;  // of a text box
 
 using nlohmann::json;
 
@@ -40,6 +42,8 @@ void Describe_Widgets(const wxWindow& window, json& widgets) {
     widget["enabled"] = child->IsEnabled();
     widget["label"] = From_Wx(child->GetLabel());
     if (const auto* const box = dynamic_cast<const wxCheckBox*>(child)) widget["checked"] = box->GetValue();
+    if (const auto* const box = dynamic_cast<const wxTextCtrl*>(child))
+      widget["text"] = From_Wx(box->GetValue().Left(most_characters));
     Describe_Widgets(*child, widgets);
   }
 }
@@ -58,6 +62,20 @@ std::string Keyboard_Owner(const wxFrame& frame) {
   if (frame.IsActive()) owner = "window";
 #endif
   return owner;
+}
+
+// The windows beside the main one, by name.
+json Describe_Windows(const wxFrame& frame) {
+  json windows = json::object();
+  for (const wxWindow* const window : wxTopLevelWindows) {
+    if (window == &frame || !window->IsShown()) continue;
+    json& described = windows[From_Wx(window->GetName())];
+    described["title"] = From_Wx(window->GetLabel());
+    described["rectangle"] = Rectangle(*window, window->GetClientRect());
+    described["widgets"] = json::object();
+    Describe_Widgets(*window, described["widgets"]);
+  }
+  return windows;
 }
 
 json Describe_Tree(const TreeView& tree, const wxDataViewCtrl& widget) {
@@ -118,6 +136,9 @@ std::string Window_State_File::Describe() const {
   state["boxes"] = boxes_;
   state["boxes_closed"] = boxes_closed_;
   state["keyboard"] = Keyboard_Owner(frame_);
+  state["beside"] = Describe_Windows(frame_);
+  // The pointer that asks What's This is the only one that the program changes.
+  state["pointer_asks"] = wxIsBusy();
   json widgets = json::object();
   Describe_Widgets(frame_, widgets);
   state["widgets"] = std::move(widgets);
