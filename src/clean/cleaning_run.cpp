@@ -43,6 +43,7 @@ void Cleaning_Run::cmdRun_Click() {
     under_way_ = true;
     errors_.Run("cmdRun_Click - Run", [&] { Start(); });
     under_way_ = false;
+    strategies_.Clear_Gauge();
     const bool broken_off = std::exchange(run_.Processing, false);
     if (!window_.frmRemoveItems.Loaded()) return;
     if (broken_off) {
@@ -79,6 +80,7 @@ void Cleaning_Run::Start() {
   rows_.Display_Selected_Items_Total();
   enabling_.Enable_All_Controls(false);
   deleted_items_.Assigne_Deleted_Items_Folders();
+  strategies_.Start_Gauge();
   if (window_.chkSelectByRow.Checked()) {
     strategies_.Delete_Filtered_Items_By_Row();
   } else {
@@ -94,6 +96,7 @@ void Cleaning_Run::Start() {
   if (run_.NotAllDeleted)
     message_box_.Show("Not all items could be deleted", Buttons::OK_Only, Icon::Critical);
   window_.sbStatusBar.Set_Panel_Text(2, "Total Processed:  " + std::to_string(run_.ProcessedCount));
+  strategies_.Clear_Gauge();
   message_box_.Show(Summary());
   for (int panel = 1; panel <= StatusBar::panel_count; ++panel) window_.sbStatusBar.Set_Panel_Text(panel, "");
   run_.Processing = false;
@@ -171,6 +174,7 @@ void Cleaning_Run::Process_Each_Node(int node, int depth) {
       if (confirmed && run_.Processing) {
         Clean_Marked_Node(node, index);
       } else if (run_.Processing) {
+        strategies_.Pass_Over(index);
         tree_.Set_Checked(node, false);
       }
     }

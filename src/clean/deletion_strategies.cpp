@@ -51,6 +51,30 @@ void Deletion_Strategies::Failed(ProcessError& process_error, std::string_view p
   errors_.error.Clear();
 }
 
+// Items to look at in a marked folder; one that is deleted counts once. What cannot be counted is reported
+// when its turn comes.
+std::int64_t Deletion_Strategies::Work_On(int index) {
+  const FolderData& record = records_[index];
+  if (record.Folder == nullptr) return 0;
+  if (window_.chkDeleteFolders.Checked()) return 1;
+  if (record.Loaded && !window_.chkTurbo.Checked()) return record.CachedCount;
+  std::int64_t items = 0;
+  errors_.Try([&] { items = record.Folder->Items()->Count(); });
+  errors_.error.Clear();
+  return items;
+}
+
+void Deletion_Strategies::Start_Gauge() {
+  std::int64_t total = 0;
+  if (window_.chkSelectByRow.Checked()) {
+    total = grid_.Rows() - 1;
+  } else {
+    for (int node = 1; node <= tree_.Upper_Bound(); ++node)
+      if (tree_.Exists(node) && tree_.Checked(node)) total += Work_On(folder_tree_.Get_Node_Index(node));
+  }
+  status_.Start_Gauge(total);
+}
+
 // The item is found by its identifiers and nothing else. It must still lie in the folder that the person saw
 // it in; one that lies in Deleted Items would be gone for good, so without Permanent Delete it is left there.
 Deletion_Strategies::Outcome Deletion_Strategies::Delete_Current_Item(int index, const std::string& entry_id,
@@ -164,6 +188,7 @@ void Deletion_Strategies::Delete_All_Items(int index) {
     };
     for (std::int32_t i = items->Count(); i >= 1 && run_.Processing; --i) {
       ++checked;
+      status_.Move_Gauge();
       if (errors_.Try([&] { items->Remove(i); })) {
         ++run_.ProcessedCount;
         ++records_[index].DeletedFromFolder;
@@ -191,6 +216,7 @@ void Deletion_Strategies::Delete_Selected_Items_By_MAPIFolder(int index) {
     records_[index].DeletedFromFolder = 0;
     for (std::int32_t i = items->Count(); i >= 1 && run_.Processing; --i) {
       ++checked;
+      status_.Move_Gauge();
       std::string subject, entry_id;
       bool passes = false;
       const bool read = errors_.Try([&] {
@@ -238,6 +264,7 @@ void Deletion_Strategies::Delete_Filtered_Items_By_FolderData_Array(int node, in
     const std::string name = records_[index].Folder->Name();
     records_[index].DeletedFromFolder = 0;
     for (std::int32_t item = 1; item <= records_[index].CachedCount && run_.Processing; ++item) {
+      status_.Move_Gauge();
       if (filters_.Check_Filtered_Record(node, index, item) &&
           Delete_Cached_Item(index, item, process_error).deleted)
         ++records_[index].DeletedFromFolder;
@@ -260,6 +287,7 @@ void Deletion_Strategies::Delete_Filtered_Items_By_Row() {
       if (row >= grid_.Rows()) continue;
       const GridRow at = grid_.Row_At(row);
       ++processed;
+      status_.Move_Gauge();
       const bool points_at_item = at.marked && at.item >= 1 && at.item <= records_[at.row_data].CachedCount &&
                                   records_[at.row_data].Cached(at.item).ItemClass != ItemData::deleted;
       if (points_at_item) {
@@ -282,6 +310,7 @@ void Deletion_Strategies::Delete_Filtered_Items_By_Row() {
 
 void Deletion_Strategies::Delete_Selected_Folder(int index, int node) {
   Run_Strategy("Delete_Selected_Folder", [&] {
+    status_.Move_Gauge();
     ProcessError process_error = errors_.Make_Process_Error();
     const MAPIFolder_Ptr folder = records_[index].Folder;
     MAPIFolder_Ptr parent;

@@ -18,6 +18,11 @@ class Deletion_Strategies {
                       Outlook_Session& session, Item_Filters& filters, Grid_Rows& rows, Safety_Checks& checks,
                       Status_Line& status, Run_State& run, Events& events, Error_Handler& errors);
 
+  // Show on the gauge how much the run that begins has to look at, and that a marked folder is passed over.
+  void Start_Gauge();
+  void Pass_Over(int index) { status_.Move_Gauge(Work_On(index)); }
+  void Clear_Gauge() { status_.Clear_Gauge(); }
+
   // Removes a folder that has no folders below it any more. A default folder, a store's top folder and one
   // that still holds folders are left alone.
   void Delete_Selected_Folder(int index, int node);
@@ -42,6 +47,7 @@ class Deletion_Strategies {
   // Runs a strategy's body; one that breaks off has left things undone.
   template <class Body>
   void Run_Strategy(Literal name, Body&& body);
+  std::int64_t Work_On(int index);
   Outcome Delete_Current_Item(int index, const std::string& entry_id, const std::string& subject,
                               ProcessError& process_error);
   void Remove_Item(int index, Item& item, const std::string& entry_id, Outcome& outcome);

@@ -1,5 +1,6 @@
 #include "clean/status_line.h"
 
+#include <algorithm>
 #include <string>
 
 #include "controls/text.h"
@@ -23,6 +24,15 @@ void Status_Line::Display_Delete_By_Selected_Status(std::int32_t processed, std:
     bar_.Set_Panel_Text(
         2, "Processed - " + std::to_string(processed) + ", Cleaned - " + std::to_string(cleaned));
   });
+}
+
+void Status_Line::Start_Gauge(std::int64_t total) {
+  bar_.Set_Gauge(0, total);
+}
+
+// Folders change while a run goes; the gauge then stands at its end for a while.
+void Status_Line::Move_Gauge(std::int64_t by) {
+  bar_.Set_Gauge(std::min(bar_.Gauge_Done() + by, bar_.Gauge_Total()), bar_.Gauge_Total());
 }
 
 }  // namespace tidyfold

@@ -52,8 +52,8 @@ MainWindow::MainWindow() {
   for (TypeBox& type : chkType) controls.push_back(&type.box);
   controls.insert(controls.end(), {&cmdRun, &picSlider, &picSlider2, &lblCurrentFolder, &lblScreenOptions,
                                    &lblProcessingOptions, &lblFilterOptions, &frmOptions, &mnuRefresh,
-                                   &mnuRefreshCurrent, &mnuClean, &mnuQuit, &mnuUnmark, &mnuResetOptions,
-                                   &mnuHelp, &mnuWhatsThis, &mnuOnlineHelp, &mnuAbout});
+                                   &mnuRefreshCurrent, &mnuClean, &mnuUnmark, &mnuResetOptions, &mnuHelp,
+                                   &mnuWhatsThis, &mnuOnlineHelp, &mnuAbout});
 }
 
 }  // namespace tidyfold

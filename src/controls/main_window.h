@@ -80,7 +80,8 @@ struct MainWindow {
 
   Form frmAbout{"frmAbout", "About Tidyfold"};
 
-  // Every control of the main window that can be enabled, in tab order.
+  // Every control of the main window that is switched off while a run goes, in tab order. Quit is not: it
+  // only tells the loops to end.
   std::vector<Control*> controls;
 };
 

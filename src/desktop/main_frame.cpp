@@ -130,7 +130,7 @@ void Main_Frame::Build_Menus() {
   auto* const help = new wxMenu;
   Add_Entry(*help, model_.mnuHelp, "F1", "Show the help");
   Add_Entry(*help, model_.mnuWhatsThis, "Shift+F1", "Point at something and learn what it is");
-  Add_Entry(*help, model_.mnuOnlineHelp, "Ctrl+H", "Show the help as pages in a window of their own");
+  Add_Entry(*help, model_.mnuOnlineHelp, "", "Show the help on the Web");
   help->AppendSeparator();
   Add_Entry(*help, model_.mnuAbout, "", "Show what this program is");
 
@@ -193,7 +193,10 @@ void Main_Frame::Resize_Like_Model() {
   wxSize size = Client_Size_Of_Model();
   size.DecTo(wxDisplay(this).GetClientArea().GetSize() - bars_and_frame);
   size.IncTo(GetMinClientSize());
+  // Whoever set it lays the panes out as well; told of the size on the way, they would be moved twice.
+  const bool outer = std::exchange(taking_size_, true);
   SetClientSize(size);
+  taking_size_ = outer;
   if (size != Client_Size_Of_Model()) Tell_Size(size);
 }
 
@@ -206,7 +209,7 @@ void Main_Frame::Tell_Size(const wxSize& client) {
 
 void Main_Frame::Take_Size() {
   // Before there is anyone to lay the panes out, they and the window stay as they are.
-  if (!model_.frmRemoveItems.Resize || IsIconized()) return;
+  if (!model_.frmRemoveItems.Resize || IsIconized() || taking_size_) return;
   const wxSize client = GetClientSize();
   if (client == Client_Size_Of_Model()) return;
   Tell_Size(client);
@@ -230,10 +233,34 @@ void Main_Frame::Key_Pressed(wxKeyEvent& event) {
   tidyfold::Raise(model_.cmdRun.Click);
 }
 
+// What is switched off loses the keyboard, and no key would reach the window any more: Cancel gets it, or the
+// tree, and what had it gets it back when it is on again.
+void Main_Frame::Keep_Keyboard() {
+  if (!IsActive()) return;
+  wxWindow* const focus = FindFocus();
+  const auto usable = [](const wxWindow* window) { return window != nullptr && window->IsEnabled(); };
+  if (usable(focus) && focus != stand_in_) {
+    keyboard_home_ = focus;
+    stand_in_ = nullptr;
+  } else if (usable(keyboard_home_)) {
+    if (focus != keyboard_home_) keyboard_home_->SetFocus();
+  } else if (!usable(focus)) {
+    wxWindow* const run = FindWindowByName(To_Wx(model_.cmdRun.Name()), surface_);
+    wxWindow* const tree = FindWindowByName(To_Wx(model_.trvFolders.Name()), surface_);
+    if (usable(run)) {
+      stand_in_ = run;
+      run->SetFocus();
+    } else if (usable(tree)) {
+      tree->SetFocus();
+    }
+  }
+}
+
 void Main_Frame::Idle(wxIdleEvent& event) {
   event.Skip();
   if (!model_.frmRemoveItems.Loaded()) return;
   Take_Size();
+  Keep_Keyboard();
   // A run must not find another store under its feet.
   for (const int entry : file_entries_) {
     if (GetMenuBar()->IsEnabled(entry) != model_.mnuRefresh.Enabled())

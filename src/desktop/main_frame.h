@@ -3,6 +3,7 @@
 
 #include <wx/frame.h>
 #include <wx/panel.h>
+#include <wx/weakref.h>
 
 #include <functional>
 #include <memory>
@@ -46,6 +47,7 @@ class Main_Frame : public wxFrame {
   void Take_Size();
   void Closed_By_User(wxCloseEvent& event);
   void Key_Pressed(wxKeyEvent& event);
+  void Keep_Keyboard();
   void Idle(wxIdleEvent& event);
   void Settle();
   wxSize Client_Size_Of_Model() const;
@@ -57,6 +59,9 @@ class Main_Frame : public wxFrame {
   Scale scale_;
   bool taking_size_ = false;
   bool was_loaded_ = false;
+
+  // What had the keyboard when it was last on, and what has it in its place.
+  wxWeakRef<wxWindow> keyboard_home_, stand_in_;
 
   wxPanel* surface_;
   Options_Panel* options_ = nullptr;

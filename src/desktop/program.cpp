@@ -67,7 +67,12 @@ void Program::Build() {
   message_window_ = new Message_Window(window_);
   state_file_ = Window_State_File::If_Asked_For(*frame_, window_);
 
-  outlook_.Set_Display([this](const Displayed_Item& item) { (new Item_Window(frame_, item))->Show(); });
+  outlook_.Set_Display([this](const Displayed_Item& item) {
+    auto* const window = new Item_Window(frame_, item);
+    window->Show();
+    // After the click that asked for it, which gives the keyboard to what was clicked.
+    window->CallAfter([window] { window->Raise(); });
+  });
   events_.before_yield = [this] { outlook_.Commit_Pending(); };
   message_box_.opening = [this](const std::string& text, Buttons) {
     schedule_->Flush();

@@ -3,7 +3,7 @@
 #include <wx/checkbox.h>
 #include <wx/dataview.h>
 #include <wx/grid.h>
-#include <wx/textctrl.h>
+#include <wx/toplevel.h>
 #include <wx/utils.h>
 
 #ifdef __WXGTK__
@@ -25,7 +25,6 @@ namespace {
 constexpr int pace = 30;       // milliseconds
 constexpr int most_rows = 40;  // of the grid
 constexpr std::size_t most_nodes = 100;
-constexpr std::size_t most_characters = 500;  // of a text box
 
 using nlohmann::json;
 
@@ -42,8 +41,6 @@ void Describe_Widgets(const wxWindow& window, json& widgets) {
     widget["enabled"] = child->IsEnabled();
     widget["label"] = From_Wx(child->GetLabel());
     if (const auto* const box = dynamic_cast<const wxCheckBox*>(child)) widget["checked"] = box->GetValue();
-    if (const auto* const box = dynamic_cast<const wxTextCtrl*>(child))
-      widget["text"] = From_Wx(box->GetValue().Left(most_characters));
     Describe_Widgets(*child, widgets);
   }
 }
@@ -64,18 +61,12 @@ std::string Keyboard_Owner(const wxFrame& frame) {
   return owner;
 }
 
-// The windows beside the main one, by name.
-json Describe_Windows(const wxFrame& frame) {
-  json windows = json::object();
-  for (const wxWindow* const window : wxTopLevelWindows) {
-    if (window == &frame || !window->IsShown()) continue;
-    json& described = windows[From_Wx(window->GetName())];
-    described["title"] = From_Wx(window->GetLabel());
-    described["rectangle"] = Rectangle(*window, window->GetClientRect());
-    described["widgets"] = json::object();
-    Describe_Widgets(*window, described["widgets"]);
-  }
-  return windows;
+// The titles of the windows that are open beside the main one.
+json Other_Windows(const wxFrame& frame) {
+  json titles = json::array();
+  for (const wxWindow* const window : wxTopLevelWindows)
+    if (window != &frame && window->IsShown()) titles.push_back(From_Wx(window->GetLabel()));
+  return titles;
 }
 
 json Describe_Tree(const TreeView& tree, const wxDataViewCtrl& widget) {
@@ -136,9 +127,7 @@ std::string Window_State_File::Describe() const {
   state["boxes"] = boxes_;
   state["boxes_closed"] = boxes_closed_;
   state["keyboard"] = Keyboard_Owner(frame_);
-  state["beside"] = Describe_Windows(frame_);
-  // The pointer that asks What's This is the only one that the program changes.
-  state["pointer_asks"] = wxIsBusy();
+  state["windows"] = Other_Windows(frame_);
   json widgets = json::object();
   Describe_Widgets(frame_, widgets);
   state["widgets"] = std::move(widgets);
@@ -146,10 +135,13 @@ std::string Window_State_File::Describe() const {
   for (int panel = 1; panel <= StatusBar::panel_count; ++panel)
     panels.push_back(window_.sbStatusBar.Panel_Text(panel));
   state["panels"] = std::move(panels);
+  state["done"] = window_.sbStatusBar.Gauge_Done();
+  state["to_do"] = window_.sbStatusBar.Gauge_Total();
   if (const auto* const tree =
           dynamic_cast<wxDataViewCtrl*>(wxWindow::FindWindowByName("trvFolders", &frame_)))
     state["tree"] = Describe_Tree(window_.trvFolders, *tree);
   state["rows"] = window_.grdItems.Rows() - 1;
+  state["row"] = window_.grdItems.Row();
   if (const auto* const grid = dynamic_cast<wxGrid*>(wxWindow::FindWindowByName("grdItems", &frame_)))
     state["grid"] = Describe_Grid(window_.grdItems, *grid);
   return state.dump(1, ' ', false, json::error_handler_t::replace);

@@ -14,8 +14,8 @@ namespace tidyfold {
 
 // When the environment variable TIDYFOLD_WINDOW_STATE names a file, that file holds, as JSON, every named
 // widget on the screen with its rectangle in screen pixels and whether it is enabled, the texts that are
-// shown, the first nodes of the tree and rows of the grid with their rectangles, and the message boxes that
-// are open. It is replaced as a whole whenever that has changed.
+// shown, the first nodes of the tree and rows of the grid with their rectangles, how far long work has come,
+// and the message boxes and other windows that are open. It is replaced as a whole whenever that has changed.
 class Window_State_File {
  public:
   // Nothing when the variable is not set.

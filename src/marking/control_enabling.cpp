@@ -7,9 +7,10 @@ namespace tidyfold {
 void Control_Enabling::Enable_All_Controls(bool enable) {
   errors_.Run("Enable_All_Controls", [&] {
     all_enabled_ = enable;
-    for (Control* control : window_.controls) control->Set_Enabled(enable);
+    // Cancel is never off, not even for a moment, in which it would lose the keyboard.
+    for (Control* control : window_.controls)
+      control->Set_Enabled(enable || (run_.Processing && control == &window_.cmdRun));
     if (run_.Processing) {
-      window_.cmdRun.Set_Enabled(true);
       window_.cmdRun.Set_Caption("&Cancel");
     } else {
       window_.cmdRun.Set_Caption("&Clean");

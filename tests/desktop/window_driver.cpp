@@ -95,6 +95,10 @@ std::optional<int> Child_Process::Wait_For_End() {
   return status_;
 }
 
+void Child_Process::Signal(int signal) const {
+  kill(process_, signal);
+}
+
 bool Window_Driver::Wait_In_Folder(const std::function<bool()>& condition) const {
   const int watch = inotify_init1(IN_CLOEXEC | IN_NONBLOCK);
   inotify_add_watch(watch, folder_.c_str(), IN_MOVED_TO | IN_CREATE);
@@ -277,6 +281,23 @@ void Window_Driver::Type(const std::string& text) {
 
 void Window_Driver::Key(const std::string& key) {
   Wait_For_Keyboard();
+  Xdotool({"key", key});
+}
+
+Window_Driver::State Window_Driver::Key_In_The_Middle(const std::string& what,
+                                                      const std::function<bool(const State&)>& condition,
+                                                      const std::string& key) {
+  const State state =
+      Wait(what, [&](const State& now) { return now["keyboard"] == "window" && condition(now); });
+  program_->Signal(SIGSTOP);
+  Xdotool({"key", key});
+  program_->Signal(SIGCONT);
+  return state;
+}
+
+void Window_Driver::Key_To_Other(const std::string& key) {
+  Wait("the keyboard to be another window's",
+       [](const State& state) { return state["keyboard"] == "other"; });
   Xdotool({"key", key});
 }
 

@@ -28,6 +28,7 @@ class Child_Process {
   // The exit status, once it has ended by itself within the time that a test gives; negative for a signal.
   std::optional<int> Wait_For_End();
   bool Running();
+  void Signal(int signal) const;
 
  private:
   pid_t process_ = -1;
@@ -60,6 +61,12 @@ class Window_Driver {
   // To the window itself; a box has Press and Answer.
   void Type(const std::string& text);
   void Key(const std::string& key);
+  // Presses a key as soon as the condition shows, and holds the program still until it is pressed, so that it
+  // comes in the middle of whatever goes on. Returns what showed.
+  State Key_In_The_Middle(const std::string& what, const std::function<bool(const State&)>& condition,
+                          const std::string& key);
+  // To the window in front, which is neither the main one nor a box.
+  void Key_To_Other(const std::string& key);
   void Drag(const std::string& control, int by_x);
   // As the window manager does when its close button is pressed.
   void Close_Window();
@@ -67,9 +74,6 @@ class Window_Driver {
   int Press(const std::string& words, const std::string& key);
   // The same, and waits until the box has gone.
   void Answer(const std::string& words, const std::string& key);
-
-  // What no other command does.
-  void Xdotool(std::initializer_list<std::string> arguments);
 
   Child_Process& Program() { return *program_; }
 
@@ -79,6 +83,7 @@ class Window_Driver {
   };
   void Click_At(Place place, int times = 1);
   void Wait_For_Keyboard();
+  void Xdotool(std::initializer_list<std::string> arguments);
   // Whether the condition comes to hold; looks again whenever a file in the test's folder is replaced.
   bool Wait_In_Folder(const std::function<bool()>& condition) const;
   std::optional<State> Read() const;

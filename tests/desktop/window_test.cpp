@@ -1,80 +1,11 @@
 // The built window under a real mouse and keyboard, from tick to summary, and what it leaves in the store.
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <map>
 #include <set>
 
 #include "controls/text.h"
-#include "desktop/window_driver.h"
-#include "stores/sqlite/embedded_outlook.h"
-#include "stores/sqlite/sample_store.h"
+#include "desktop/window_fixture.h"
 
 namespace tidyfold {
 namespace {
-
-using State = Window_Driver::State;
-
-struct Kept_Item {
-  std::string folder, subject;
-  std::int32_t item_class;
-  bool unread;
-  bool operator==(const Kept_Item&) const = default;
-};
-using Content = std::map<std::string, Kept_Item>;  // by EntryID
-
-void Read_Folder(MAPIFolder& folder, Content& content) {
-  const Items_Ptr items = folder.Items();
-  for (std::int32_t i = 1; i <= items->Count(); ++i) {
-    const Item_Ptr item = items->Item(i);
-    content[item->EntryID()] = {folder.Name(), item->Subject(), item->Class(), item->UnRead()};
-  }
-  const Folders_Ptr folders = folder.Folders();
-  for (std::int32_t i = 1; i <= folders->Count(); ++i) Read_Folder(*folders->Item(i), content);
-}
-
-class Window : public testing::Test {
- protected:
-  void SetUp() override {
-    if (const std::string missing = Window_Driver::What_Is_Missing(); !missing.empty())
-      GTEST_SKIP() << missing << " is not installed.";
-    std::string name = (std::filesystem::temp_directory_path() / "tidyfold-window-XXXXXX").string();
-    ASSERT_NE(mkdtemp(name.data()), nullptr);
-    folder_ = name;
-    store_ = folder_ / "sample.tidyfold";
-  }
-  void TearDown() override {
-    window_.reset();
-    if (!folder_.empty()) std::filesystem::remove_all(folder_);
-  }
-
-  void Make_Store(std::int32_t items) { ASSERT_TRUE(Make_Sample(store_, "Sample", items)); }
-  // Opens the window on the store, or on what it had open last, and waits until everything is loaded.
-  void Open(bool named = true) {
-    window_.emplace(folder_, named ? std::vector{store_} : std::vector<std::filesystem::path>{});
-    window_->Answer("All Folders Loaded", "Return");
-  }
-  void Quit() {
-    window_->Key("ctrl+q");
-    window_->Press("Quit Tidyfold?", "alt+y");
-    EXPECT_EQ(window_->Program().Wait_For_End(), 0);
-    window_.reset();
-  }
-  Content Read_Store() const {
-    Content content;
-    const auto store = Embedded_Store::Open(store_, Store_Mode::Read_Only);
-    Read_Folder(*store->Top_Folder(), content);
-    return content;
-  }
-  State Wait_For_Total(std::size_t total) {
-    return window_->Wait("a total of " + std::to_string(total), [&](const State& state) {
-      return state["panels"][2].get<std::string>().starts_with("Total Selected:  " + std::to_string(total));
-    });
-  }
-
-  std::filesystem::path folder_, store_;
-  std::optional<Window_Driver> window_;
-};
 
 TEST_F(Window, Cleans_Exactly_What_Was_Ticked_And_Filtered) {
   Make_Store(600);
@@ -86,6 +17,7 @@ TEST_F(Window, Cleans_Exactly_What_Was_Ticked_And_Filtered) {
         !Upper_Case(item.subject).starts_with("RE"))
       continue;
     item.folder = "Deleted Items";
+    item.path = "/Deleted Items";
     ++chosen;
   }
   ASSERT_GT(chosen, 1u);
@@ -103,9 +35,7 @@ TEST_F(Window, Cleans_Exactly_What_Was_Ticked_And_Filtered) {
   window_->Answer(std::to_string(chosen) + " items in 1 folder identified for cleaning.", "Return");
   window_->Answer(" " + std::to_string(chosen) + " items were moved to the \"Deleted Items\" folder.",
                   "Return");
-  window_->Wait("the window to be at rest", [](const State& state) {
-    return state["widgets"]["cmdRun"]["label"] == "&Clean" && state["boxes"].empty();
-  });
+  Wait_For_Rest();
   Quit();
   EXPECT_EQ(Read_Store(), expected);
 
@@ -119,27 +49,54 @@ TEST_F(Window, Cleans_Exactly_What_Was_Ticked_And_Filtered) {
   EXPECT_EQ(Read_Store(), expected);
 }
 
-TEST_F(Window, Deletes_The_Picked_Rows_For_Good_And_No_Other) {
-  Make_Store(600);
+TEST_F(Window, Picks_Rows_By_Mouse_And_Keys_And_Deletes_No_Other) {
+  Make_Store(300);
   const Content before = Read_Store();
-
   Open();
   window_->Click_Folder("Sent Items");
   window_->Tick_Option("chkPermanentDelete");
   window_->Tick_Option("chkSelectByRow");
-  window_->Click_Row(2);
-  window_->Click_Row(4, "shift");
-  Wait_For_Total(3);
-  window_->Click_Row(7, "ctrl");
-  Wait_For_Total(4);
-  window_->Click_Row(3, "ctrl");
+  struct Step {
+    int row;  // 0: none is clicked
+    const char* key;
+    std::size_t frame;  // the row that the keyboard is at then
+    const char* marks;  // of the first eight rows
+    bool rest = false;  // whether the others are marked
+  };
+  const Step steps[] = {{3, "", 3, "00100000"},
+                        {6, "shift", 6, "00111100"},
+                        {1, "shift", 1, "11100000"},
+                        {5, "ctrl", 5, "11101000"},
+                        {2, "ctrl", 2, "10101000"},
+                        {0, "Down", 3, "10101000"},
+                        {0, "Down", 4, "10101000"},
+                        {0, "space", 4, "00010000"},
+                        {0, "shift+Down", 5, "00011000"},
+                        {0, "ctrl+a", 0, "11111111", true},
+                        {0, "Home", 1, "11111111", true},
+                        {0, "ctrl+space", 1, "01111111", true},
+                        {0, "shift+End", 0, "11111111", true},
+                        {0, "Home", 1, "11111111", true},
+                        {2, "", 2, "01000000"},
+                        {4, "shift", 4, "01110000"},
+                        {7, "ctrl", 7, "01110010"},
+                        {3, "ctrl", 3, "01010010"}};
+  const auto is_marked = [](const State& row) { return row["texts"][1] == "1"; };
+  for (const Step& step : steps) {
+    if (step.row > 0) window_->Click_Row(step.row, step.key);
+    if (step.row == 0) window_->Key(step.key);
+    window_->Wait(step.marks + std::string(" after ") + step.key, [&](const State& state) {
+      const State& grid = state["grid"];
+      bool holds = step.frame == 0 ? state["row"] == state["rows"] : state["row"] == step.frame;
+      for (std::size_t row = 0; row < grid.size(); ++row)
+        holds &= is_marked(grid[row]) == (row < 8 ? step.marks[row] == '1' : step.rest);
+      return holds && grid.size() > 8;
+    });
+  }
   const State picked = Wait_For_Total(3);
   std::multiset<std::string> subjects;
-  for (const State& row : picked["grid"]) {
-    const auto number = &row - &picked["grid"][0] + 1;
-    EXPECT_EQ(row["texts"][1] == "1", number == 2 || number == 4 || number == 7) << number;
-    if (row["texts"][1] == "1") subjects.insert(row["texts"][4].get<std::string>());
-  }
+  for (const State& row : picked["grid"])
+    if (is_marked(row)) subjects.insert(row["texts"][4].get<std::string>());
 
   window_->Click("cmdRun");
   window_->Answer("3 items identified for cleaning", "Return");
@@ -164,6 +121,101 @@ TEST_F(Window, Deletes_The_Picked_Rows_For_Good_And_No_Other) {
   }
   EXPECT_EQ(after.size(), before.size() - 3);
   EXPECT_EQ(gone, subjects);
+}
+
+TEST_F(Window, Opens_The_Item_Of_A_Row) {
+  Make_Store(100);
+  Open();
+  window_->Click_Folder("Inbox");
+  for (const bool by_key : {false, true}) {
+    const int row = by_key ? 4 : 2;
+    window_->Click_Row(row, "", by_key ? 1 : 2);
+    if (by_key) window_->Key("Return");
+    const State state =
+        window_->Wait("the item", [](const State& now) { return now["windows"].size() == 1; });
+    EXPECT_EQ(state["windows"][0], state["grid"][static_cast<std::size_t>(row - 1)]["texts"][4]);
+    window_->Key_To_Other("Escape");
+    window_->Wait("no item", [](const State& now) { return now["windows"].empty(); });
+  }
+  Quit();
+}
+
+TEST_F(Window, Options_Force_And_Refuse_One_Another) {
+  Make_Store(100);
+  Open();
+  const std::string shown = "ShowSelectedItems ShowUnselectedItems";
+  const std::string forced = " PermanentDelete SelectUnread " + shown;
+  const char *unmark = "There is currently 1 marked folder that will be deleted.  Unmark it?", *none = "";
+  struct Case {
+    const char *first, *folder;                              // ticked in this order
+    const char* option;                                      // turned then
+    std::vector<std::pair<const char*, const char*>> boxes;  // and the keys that answer them
+    std::string on;
+  };
+  const Case cases[] = {
+      {none, "Inbox", "Turbo", {}, forced.substr(1) + " Turbo"},
+      {"DeleteFolders", none, "Turbo", {}, "MarkSubFolders" + forced + " Turbo"},
+      {"Turbo", none, "DeleteFolders", {}, "DeleteFolders MarkSubFolders" + forced},
+      {none,
+       "Inbox",
+       "DeleteFolders",
+       {{unmark, "alt+n"}, {"Cannot mark \"Delete Folders\" while default folders are selected.", "Return"}},
+       shown},
+      {none, "Inbox", "DeleteFolders", {{unmark, "alt+y"}}, "DeleteFolders MarkSubFolders" + forced},
+      {none, "Projects", "DeleteFolders", {{unmark, "Escape"}, {"unmarked child folder", "Return"}}, shown},
+      {"PermanentDelete",
+       "Deleted Items",
+       "PermanentDelete",
+       {{"Cannot unckeck Permanent Delete box while \"Deleted Items\" is selected.", "Return"}},
+       "PermanentDelete " + shown},
+      {"PermanentDelete", none, "PermanentDelete", {}, shown}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(&c - cases);
+    const std::string folder = c.folder;
+    if (*c.first != 0) window_->Tick_Option("chk" + std::string(c.first));
+    if (!folder.empty()) window_->Tick_Folder(folder);
+    window_->Wait("the folder ticked",
+                  [&](const State& state) { return folder.empty() == Ticked(state).empty(); });
+    window_->Click("chk" + std::string(c.option));
+    for (const auto& [words, key] : c.boxes) window_->Answer(words, key);
+    window_->Wait("the options " + c.on, [&](const State& state) {
+      const bool unmarked = !c.boxes.empty() && c.boxes.front().second == std::string("alt+y");
+      return On(state) == c.on && Ticked(state).empty() == (folder.empty() || unmarked);
+    });
+    window_->Key("ctrl+u");
+    window_->Key("ctrl+r");
+    window_->Wait("nothing chosen",
+                  [&](const State& state) { return Ticked(state).empty() && On(state) == shown; });
+  }
+  Quit();
+}
+
+TEST_F(Window, Asks_Before_It_Takes_Everything) {
+  Make_Store(400);
+  Content expected = Read_Store();
+  Open();
+  const auto run = [&](const char* option, const char* folder, const char* count, const char* question,
+                       const char* summary) {
+    window_->Tick_Option(option);
+    window_->Tick_Folder(folder);
+    for (const bool yes : {false, true}) {
+      window_->Click("cmdRun");
+      window_->Answer(count, "Return");
+      window_->Answer(question, yes ? "alt+y" : "alt+n");
+      if (yes) window_->Answer(summary, "Return");
+      Wait_For_Rest();
+    }
+  };
+  run("chkTurbo", "Notes", " in 1 folder identified for cleaning.",
+      "Turbo selected.\r\nALL items in selected folders will be deleted.", " deleted.");
+  window_->Key("ctrl+r");
+  run("chkDeleteFolders", "Family", "identified for deletion.", "ALL selected FOLDERS and their content",
+      " deleted.");
+  Quit();
+  std::erase_if(expected, [](const auto& entry) {
+    return entry.second.folder == "Notes" || entry.second.path.find("/Family") != std::string::npos;
+  });
+  EXPECT_EQ(Read_Store(), expected);
 }
 
 TEST_F(Window, Works_Without_A_Mouse) {
@@ -209,8 +261,10 @@ struct Panes {
         options(state, "frmOptions") {}
   // Each begins where its neighbour ends.
   bool Meet() const {
-    return (tree.width == 0 || tree.left + tree.width == bar.left) && bar.left + bar.width == grid.left &&
-           grid.left + grid.width == bar2.left && bar2.left + bar2.width == options.left;
+    const int grid_left = bar.left + bar.width;
+    return (tree.width == 0 || tree.left + tree.width == bar.left) &&
+           (grid.width == 0 || grid.left == grid_left) && grid_left + grid.width == bar2.left &&
+           bar2.left + bar2.width == options.left;
   }
   struct Pane {
     Pane(const State& state, const char* name) {
@@ -240,6 +294,10 @@ TEST_F(Window, The_Bars_Move_The_Panes) {
   window_->Drag("picSlider", -2000);
   wait("a closed tree",
        [&](const Panes& now) { return now.tree.width == 0 && now.bar.left == start.tree.left; });
+  window_->Drag("picSlider", 2000);
+  wait("a closed grid", [&](const Panes& now) { return now.grid.width == 0 && now.options.width > 0; });
+  window_->Drag("picSlider", -2000);
+  wait("a closed tree again", [&](const Panes& now) { return now.tree.width == 0; });
   window_->Drag("picSlider", 200);
   const Panes open = wait("an open tree", [&](const Panes& now) { return now.tree.width == 200; });
   // The second bar makes the window narrower; the options keep their width.
@@ -247,17 +305,14 @@ TEST_F(Window, The_Bars_Move_The_Panes) {
   wait("a narrower window", [&](const Panes& now) {
     return now.grid.width == open.grid.width - 100 && now.options.width == open.options.width;
   });
+  window_->Drag("picSlider2", 2000);
+  wait("a window as wide as the screen",
+       [&](const Panes& now) { return now.grid.width > open.grid.width && now.options.width > 0; });
+  window_->Drag("picSlider2", -2000);
+  wait("a window as narrow as it gets", [&](const Panes& now) {
+    return now.grid.width < open.grid.width - 100 && now.options.width == open.options.width;
+  });
   Quit();
-}
-
-TEST_F(Window, Closing_It_While_It_Loads_Ends_The_Program) {
-  Make_Store(150000);  // so that loading takes longer than getting at the window
-  const Content before = Read_Store();
-  window_.emplace(folder_, std::vector{store_});
-  window_->Wait("the window", [](const State& state) { return state["shown"].get<bool>(); });
-  window_->Close_Window();
-  EXPECT_EQ(window_->Program().Wait_For_End(), 0);
-  EXPECT_EQ(Read_Store(), before);
 }
 
 }  // namespace
