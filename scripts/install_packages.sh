@@ -16,6 +16,7 @@ to_build=(
   pkg-config
   libwxgtk3.2-dev      # the window
   libwxgtk-webview3.2-dev  # on-line help in a window of its own; without it, in the system's browser
+  libwebkit2gtk-4.0-dev    # what that window stands on
   libgtk-3-dev         # what wxWidgets stands on, where the window reaches below it
   libsqlite3-dev       # the embedded store
   libpff-dev           # PST, OST, PAB

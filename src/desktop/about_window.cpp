@@ -12,8 +12,8 @@ namespace tidyfold {
 
 namespace {
 
-constexpr int picture_side = 64, text_width = 560, notice_height = 96,
-              licences_height = 230;  // unscaled pixels
+constexpr int picture_side = 64;  // unscaled pixels
+constexpr int notice_lines = 6, licence_columns = 86, licence_lines = 16;
 
 }  // namespace
 
@@ -51,10 +51,14 @@ About_Window::About_Window(wxWindow* parent, Form& form, About_Controls& control
   notice_ =
       Add_Text(controls_.txtLegalNotice, wxTE_MULTILINE | wxTE_BESTWRAP | wxTE_NO_VSCROLL | wxBORDER_NONE);
   notice_->SetBackgroundColour(GetBackgroundColour());
-  notice_->SetMinSize(FromDIP(wxSize(text_width, notice_height)));
+  notice_->SetMinSize(wxSize(-1, notice_lines * notice_->GetCharHeight()));
   auto* const licences_label = new wxStaticText(this, wxID_ANY, "&Libraries and their licences:");
   licences_ = Add_Text(controls_.txtLicences, wxTE_MULTILINE | wxTE_BESTWRAP);
-  licences_->SetMinSize(FromDIP(wxSize(text_width, licences_height)));
+  // Licences are drawn with blanks.
+  licences_->SetFont(wxFont(wxFontInfo(licences_->GetFont().GetPointSize()).Family(wxFONTFAMILY_TELETYPE)));
+  licences_->SetMargins(FromDIP(6), -1);
+  licences_->SetMinSize(
+      wxSize(licence_columns * licences_->GetCharWidth(), licence_lines * licences_->GetCharHeight()));
 
   auto* const home = new wxButton(this, wxID_ANY, To_Wx(controls_.cmdHomePage.Caption()));
   home->SetName(To_Wx(controls_.cmdHomePage.Name()));
@@ -74,8 +78,8 @@ About_Window::About_Window(wxWindow* parent, Form& form, About_Controls& control
   column->Add(top, line);
   column->Add(notice_, line);
   column->Add(licences_label, line);
-  column->Add(licences_,
-              wxSizerFlags(1).Expand().Border(wxLEFT | wxRIGHT, gap * 3 / 2).Border(wxTOP, gap / 2));
+  column->AddSpacer(gap / 2);
+  column->Add(licences_, wxSizerFlags(1).Expand().Border(wxLEFT | wxRIGHT, gap * 3 / 2));
   column->Add(buttons, wxSizerFlags().Expand().Border(wxALL, gap * 3 / 2));
   SetSizerAndFit(column);
 

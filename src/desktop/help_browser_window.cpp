@@ -4,10 +4,14 @@
 #include <wx/artprov.h>
 #include <wx/display.h>
 #include <wx/panel.h>
+#include <wx/timer.h>
 #include <wx/toolbar.h>
 #include <wx/utils.h>
 #ifdef TIDYFOLD_WEB_VIEW
 #include <wx/webview.h>
+#ifdef __WXGTK__
+#include <webkit2/webkit2.h>
+#endif
 #endif
 
 #include <memory>
@@ -25,6 +29,8 @@ namespace {
 
 // Unscaled pixels. A window lower than this would not come back in its size.
 constexpr int smallest_width = 320, smallest_height = 334;
+// How long a question waits for the window that it belongs to, where that never comes to the front.
+constexpr int look_pace = 20, most_looks = 50;  // milliseconds
 
 }  // namespace
 
@@ -41,6 +47,7 @@ class Help_Browser_Frame : public wxFrame {
 
   // The frame itself goes a little later, when the model may have gone.
   void End() {
+    failure_.Stop();
     binder_.reset();
     Destroy();
   }
@@ -57,7 +64,9 @@ class Help_Browser_Frame : public wxFrame {
       SetClientSize(size);
       if (size != wanted) Tell_Size(size);
     }
-    if (model_.frmHelpBrowser.Visible() != IsShown()) Show(model_.frmHelpBrowser.Visible());
+    if (model_.frmHelpBrowser.Visible() == IsShown()) return;
+    Show(model_.frmHelpBrowser.Visible());
+    view_->SetFocus();
   }
 
  private:
@@ -70,6 +79,10 @@ class Help_Browser_Frame : public wxFrame {
     SetName(To_Wx(model_.frmHelpBrowser.Name()));
     SetIcons(Application_Icons());
     if (view_ == nullptr) return;
+#ifdef __WXGTK__
+    // Nothing is kept of earlier visits: what shows is what the site says now, or that it cannot be reached.
+    webkit_web_context_set_cache_model(webkit_web_context_get_default(), WEBKIT_CACHE_MODEL_DOCUMENT_VIEWER);
+#endif
     Build_Tools();
     SetMinClientSize(FromDIP(wxSize(smallest_width, smallest_height)));
     SetClientSize(Size_Of_Model());
@@ -83,6 +96,7 @@ class Help_Browser_Frame : public wxFrame {
       SetTitle(title.empty() || title == caption ? caption : title + " - " + caption);
     });
     view_->Bind(wxEVT_WEBVIEW_LOADED, [this](wxWebViewEvent&) { Enable_Tools(); });
+    failure_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { Tell_Failure(); });
     Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
       event.Skip();
       Take_Size();
@@ -119,13 +133,28 @@ class Help_Browser_Frame : public wxFrame {
     GetToolBar()->EnableTool(wxID_FORWARD, view_->CanGoForward());
   }
 
-  // The question that follows runs an event loop of its own, which must not run inside the view's handler.
+  // The question that follows runs an event loop of its own, which must not run inside the view's handler;
+  // and it belongs above this window, which may not be in front yet.
   void Failed(wxWebViewEvent& event) {
     if (event.GetInt() == wxWEBVIEW_NAV_ERR_USER_CANCELLED) return;
-    const std::string address = From_Wx(event.GetURL()), reason = From_Wx(event.GetString());
-    CallAfter([this, address, reason] {
-      if (binder_ != nullptr) tidyfold::Raise(model_.WebBrowser1.NavigateError, address, reason);
-    });
+    failed_address_ = From_Wx(event.GetURL());
+    failed_reason_ = From_Wx(event.GetString());
+    looks_left_ = most_looks;
+    failure_.Start(look_pace);
+  }
+
+  void Tell_Failure() {
+    if (!Is_In_Front() && --looks_left_ > 0) return;
+    failure_.Stop();
+    tidyfold::Raise(model_.WebBrowser1.NavigateError, failed_address_, failed_reason_);
+  }
+
+  bool Is_In_Front() {
+#ifdef __WXGTK__
+    return gtk_window_is_active(GTK_WINDOW(GetHandle())) != FALSE;  // the toolkit says so too early
+#else
+    return IsActive();
+#endif
   }
 
   wxSize Size_Of_Model() const {
@@ -151,6 +180,9 @@ class Help_Browser_Frame : public wxFrame {
   wxWebView* view_;
   std::unique_ptr<Control_Binder> binder_;
   bool taking_size_ = false;
+  wxTimer failure_;
+  int looks_left_ = 0;
+  std::string failed_address_, failed_reason_;
 };
 
 #else

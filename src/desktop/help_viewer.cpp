@@ -1,11 +1,14 @@
 #include "desktop/help_viewer.h"
 
+#include <wx/display.h>
 #include <wx/filesys.h>
 #include <wx/html/helpfrm.h>
 #include <wx/html/helpwnd.h>
 #include <wx/html/htmlwin.h>
 #include <wx/log.h>
 #include <wx/mstream.h>
+#include <wx/splitter.h>
+#include <wx/treectrl.h>
 
 #include <filesystem>
 #include <optional>
@@ -20,6 +23,9 @@ namespace {
 
 // The toolkit's viewer starts from a project file, which a compiled book no longer holds.
 constexpr const char* project_file = "book.hhp";
+
+constexpr const char* window_name = "frmHelpViewer";
+constexpr int wide = 920, high = 640, lists_wide = 300;  // unscaled pixels
 
 // Addresses of the form "file:BOOK#chm:PAGE".
 class Book_Files : public wxFileSystemHandler {
@@ -52,6 +58,26 @@ class Book_Files : public wxFileSystemHandler {
   std::string file_;
   std::unique_ptr<Chm_Book> book_;
 };
+
+// What the toolkit makes small and in a corner, with its lists cut off.
+void Prepare(wxHtmlHelpFrame& frame) {
+  frame.SetName(window_name);
+  frame.SetIcons(Application_Icons());
+  wxSize size = frame.FromDIP(wxSize(wide, high));
+  size.DecTo(wxDisplay(&frame).GetClientArea().GetSize());
+  frame.SetSize(size);
+  frame.CentreOnScreen();
+  if (auto* const panes = dynamic_cast<wxSplitterWindow*>(wxWindow::FindWindowByName("splitter", &frame)))
+    panes->SetSashPosition(frame.FromDIP(lists_wide));
+  if (auto* const contents = dynamic_cast<wxTreeCtrl*>(wxWindow::FindWindowByName("treeCtrl", &frame))) {
+    wxTreeItemIdValue cookie;
+    if (const wxTreeItemId book = contents->GetFirstChild(contents->GetRootItem(), cookie))
+      contents->Expand(book);
+  }
+  frame.Bind(wxEVT_CHAR_HOOK, [&frame](wxKeyEvent& event) {
+    event.GetKeyCode() == WXK_ESCAPE ? static_cast<void>(frame.Close()) : event.Skip();
+  });
+}
 
 }  // namespace
 
@@ -88,13 +114,7 @@ bool Help_Viewer::Open(const std::string& file, const std::string& page) {
     return false;
   }
   wxHtmlHelpFrame& frame = *controller_->GetFrame();
-  if (frame.GetName() != "frmHelpViewer") {
-    frame.SetName("frmHelpViewer");
-    frame.SetIcons(Application_Icons());
-    frame.Bind(wxEVT_CHAR_HOOK, [&frame](wxKeyEvent& event) {
-      event.GetKeyCode() == WXK_ESCAPE ? static_cast<void>(frame.Close()) : event.Skip();
-    });
-  }
+  if (frame.GetName() != window_name) Prepare(frame);
   frame.Show();
   frame.Raise();
   return true;

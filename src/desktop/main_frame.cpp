@@ -130,7 +130,7 @@ void Main_Frame::Build_Menus() {
   auto* const help = new wxMenu;
   Add_Entry(*help, model_.mnuHelp, "F1", "Show the help");
   Add_Entry(*help, model_.mnuWhatsThis, "Shift+F1", "Point at something and learn what it is");
-  Add_Entry(*help, model_.mnuOnlineHelp, "", "Show the help on the Web");
+  Add_Entry(*help, model_.mnuOnlineHelp, "Ctrl+H", "Show the help as pages in a window of their own");
   help->AppendSeparator();
   Add_Entry(*help, model_.mnuAbout, "", "Show what this program is");
 

@@ -3,6 +3,7 @@
 #include <wx/checkbox.h>
 #include <wx/dataview.h>
 #include <wx/grid.h>
+#include <wx/textctrl.h>
 #include <wx/toplevel.h>
 #include <wx/utils.h>
 
@@ -25,6 +26,7 @@ namespace {
 constexpr int pace = 30;       // milliseconds
 constexpr int most_rows = 40;  // of the grid
 constexpr std::size_t most_nodes = 100;
+constexpr std::size_t most_characters = 500;  // of a text box
 
 using nlohmann::json;
 
@@ -41,6 +43,8 @@ void Describe_Widgets(const wxWindow& window, json& widgets) {
     widget["enabled"] = child->IsEnabled();
     widget["label"] = From_Wx(child->GetLabel());
     if (const auto* const box = dynamic_cast<const wxCheckBox*>(child)) widget["checked"] = box->GetValue();
+    if (const auto* const box = dynamic_cast<const wxTextCtrl*>(child))
+      widget["text"] = From_Wx(box->GetValue().Left(most_characters));
     Describe_Widgets(*child, widgets);
   }
 }
@@ -67,6 +71,20 @@ json Other_Windows(const wxFrame& frame) {
   for (const wxWindow* const window : wxTopLevelWindows)
     if (window != &frame && window->IsShown()) titles.push_back(From_Wx(window->GetLabel()));
   return titles;
+}
+
+// The windows beside the main one, by name.
+json Describe_Windows(const wxFrame& frame) {
+  json windows = json::object();
+  for (const wxWindow* const window : wxTopLevelWindows) {
+    if (window == &frame || !window->IsShown()) continue;
+    json& described = windows[From_Wx(window->GetName())];
+    described["title"] = From_Wx(window->GetLabel());
+    described["rectangle"] = Rectangle(*window, window->GetClientRect());
+    described["widgets"] = json::object();
+    Describe_Widgets(*window, described["widgets"]);
+  }
+  return windows;
 }
 
 json Describe_Tree(const TreeView& tree, const wxDataViewCtrl& widget) {
@@ -128,6 +146,9 @@ std::string Window_State_File::Describe() const {
   state["boxes_closed"] = boxes_closed_;
   state["keyboard"] = Keyboard_Owner(frame_);
   state["windows"] = Other_Windows(frame_);
+  state["beside"] = Describe_Windows(frame_);
+  // The pointer that asks What's This is the only one that the program changes.
+  state["pointer_asks"] = wxIsBusy();
   json widgets = json::object();
   Describe_Widgets(frame_, widgets);
   state["widgets"] = std::move(widgets);

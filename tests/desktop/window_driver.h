@@ -75,6 +75,9 @@ class Window_Driver {
   // The same, and waits until the box has gone.
   void Answer(const std::string& words, const std::string& key);
 
+  // What no other command does.
+  void Xdotool(std::initializer_list<std::string> arguments);
+
   Child_Process& Program() { return *program_; }
 
  private:
@@ -83,7 +86,6 @@ class Window_Driver {
   };
   void Click_At(Place place, int times = 1);
   void Wait_For_Keyboard();
-  void Xdotool(std::initializer_list<std::string> arguments);
   // Whether the condition comes to hold; looks again whenever a file in the test's folder is replaced.
   bool Wait_In_Folder(const std::function<bool()>& condition) const;
   std::optional<State> Read() const;
