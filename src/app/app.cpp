@@ -35,6 +35,7 @@ struct App::Parts {
 
   void Wire();
   void Form_Load();
+  void End_Without_Store();
   void Form_Unload();
   void mnuQuit_Click();
   void Load_Interface();
@@ -91,6 +92,7 @@ App::Parts::Parts(MainWindow& w, Automation& automation, Message_Box& m, Events&
 
 // Everything that must be told upward, and every event, is joined to its procedure here.
 void App::Parts::Wire() {
+  errors.End_Without_Store = [this] { End_Without_Store(); };
   folder_tree.Set_Folder_Label = [this](int index) { marking.Set_Folder_Label(index); };
   cache.In_View = [this](int folder) { return rows.In_View(folder); };
   cache.Add_Folder_Rows = [this](int folder) { rows.Add_Folder_Rows(folder, Marker::None); };
@@ -199,7 +201,7 @@ bool App::Parts::Build_Interface() {
   folder_tree.Build_Folder_Tree();
   if (!window.frmRemoveItems.Loaded()) return false;
   if (window.trvFolders.Count() < 2) {
-    message_box.Show("No folders were loaded.", Buttons::OK_Only, Icon::Critical);
+    if (!errors.Store_Gone()) message_box.Show("No folders were loaded.", Buttons::OK_Only, Icon::Critical);
     Form_Unload();
     return false;
   }
@@ -224,7 +226,13 @@ void App::Parts::mnuQuit_Click() {
   });
 }
 
-// Loops that are under way further out see the flags at their next yield and unwind.
+// Loops that are under way further out see the flags and unwind.
+void App::Parts::End_Without_Store() {
+  cache.StopCaching = cache.InterruptCaching = true;
+  if (std::exchange(run_state.Processing, false)) run_state.NotAllDeleted = true;
+}
+
+// They do so at their next yield here as well.
 void App::Parts::Form_Unload() {
   errors.Run("Form_Unload", [&] {
     cache.StopCaching = cache.InterruptCaching = true;

@@ -1,6 +1,8 @@
 #include "cache/item_cache.h"
 
 #include <algorithm>
+#include <string_view>
+#include <unordered_set>
 #include <utility>
 
 #include "cache/item_dates.h"
@@ -47,13 +49,14 @@ Item_Cache::Item_Cache(MainWindow& window, FolderData_Array& records, Folder_Tre
 void Item_Cache::Cache_Folder_Items() {
   if (std::exchange(running_, true)) return;
   errors_.Run("Cache_Folder_Items", [&] {
-    StopCaching = InterruptCaching = AllFoldersCached = LoadFailed = false;
+    AllFoldersCached = LoadFailed = false;
+    // The command that found the store gone begins nothing new.
+    StopCaching = InterruptCaching = errors_.Store_Gone();
     item_failure_reported_ = folder_failure_reported_ = false;
     for (int index = 1; index <= records_.Upper_Bound(); ++index) records_[index].LoadError = false;
-    // Mail is shown without its sender where the companion is missing.
-    errors_.Run("Cache_Folder_Items - Create Companion", [&] { mapi_utils_ = session_.Create_Mapi_Utils(); });
+    Create_Companion();
     items_to_read_ = 0;
-    for (int index = 1; index <= records_.Upper_Bound(); ++index) {
+    for (int index = 1; index <= records_.Upper_Bound() && !StopCaching; ++index) {
       // What cannot be counted is reported when its folder's turn comes.
       const MAPIFolder_Ptr& folder = records_[index].Folder;
       errors_.Try([&] { items_to_read_ += folder == nullptr ? 0 : folder->Items()->Count(); });
@@ -61,7 +64,11 @@ void Item_Cache::Cache_Folder_Items() {
     bool found_work = true;
     while (!InterruptCaching && !AllFoldersCached && found_work) {
       found_work = Load_Next_Folders();
-      if (StopCaching) return;
+      if (StopCaching) {
+        // Whoever stops loading goes on to show something else, unless the store has gone.
+        if (!errors_.Store_Gone()) return;
+        break;
+      }
       InterruptCaching = false;
       AllFoldersCached = All_Folders_Cached();
     }
@@ -73,6 +80,19 @@ void Item_Cache::Cache_Folder_Items() {
     mapi_utils_.reset();
   });
   running_ = false;
+}
+
+// Mail is shown without its sender where the companion is missing, or Outlook does not let it look.
+void Item_Cache::Create_Companion() {
+  mapi_utils_.reset();
+  if (!errors_.Try([&] { mapi_utils_ = session_.Create_Mapi_Utils(); })) Say_That_Senders_Are_Missing();
+}
+
+// A person who can do nothing about it should not be told each time.
+void Item_Cache::Say_That_Senders_Are_Missing() {
+  if (errors_.Store_Gone() || std::exchange(missing_senders_told_, true)) return;
+  message_box_.Show("Mail is shown without its sender.\r\n\r\n" + errors_.error.Description,
+                    Buttons::OK_Only);
 }
 
 // One pass. False when there was nothing left that can be loaded.
@@ -178,19 +198,18 @@ bool Item_Cache::Cache_Selected_Folder(int folder, int node) {
 
 // Reads as many items as the folder holds when reading begins. False when loading was broken off; then
 // everything read so far counts, and reading goes on from there.
+//
+// To ask after every item whether another program has added something or taken something away would cost a
+// call each: it is asked after every batch, and wherever reading stops. A batch in which something moved is
+// read again.
 bool Item_Cache::Read_Items(Items& items, const std::string& name, int folder, int node) {
-  std::int32_t end = items.Count(), count = end;
-  Keep_What_Has_Its_Place(items, folder);
+  Extent extent = Extent_Of(items);
+  Keep_What_Has_Its_Place(items, folder, extent.count);
+  std::int32_t end = extent.count, checked = records_[folder].CachedCount;
   std::int64_t reads_left = std::int64_t{most_readings} * (end + batch);
   while (records_[folder].CachedCount < end) {
-    if (const std::int32_t now = items.Count(); now != count) {
-      // Another program has added something or taken something away.
-      count = now;
-      end = std::min(end, now);
-      Keep_What_Has_Its_Place(items, folder);
-      continue;
-    }
     if (--reads_left < 0) {
+      Keep(folder, checked);
       throw Automation_Error(automation_error::busy, "The folder changes faster than it can be read.",
                              application_title);
     }
@@ -200,54 +219,117 @@ bool Item_Cache::Read_Items(Items& items, const std::string& name, int folder, i
       folder_tree_.Set_Node_Text(node);
     }
     const bool read = Cache_Current_Item(items, i, folder);
-    // The report of a failure lets handlers run, and they may have done something to the folder.
-    if (records_[folder].Folder == nullptr || records_[folder].CachedCount != i - 1) return false;
-    if (!read && items.Count() != count) continue;
+    // The report of a failure and every yield let handlers run, and they may have done something to the
+    // folder.
+    if (Is_Touched(folder, i - 1)) return Leave_Touched(folder, i - 1 - checked);
     records_[folder].CachedCount = i;
     if (read) events_.Do_Events();
-    if (Broken_Off(folder, i)) return false;
-    if (const int selected = tree_.Selected_Item(); read && selected != LastSelectedNode) {
-      LastSelectedNode = selected;
-      if (selected != 0 && !records_[folder_tree_.Get_Node_Index(selected)].Loaded) return false;
+    if (Is_Touched(folder, i)) return Leave_Touched(folder, i - checked);
+    const bool stop = InterruptCaching || (read && Another_Folder_Is_Wanted());
+    if (stop || !read || i == end || i % batch == 0) {
+      if (!Nothing_Moved(items, folder, checked, extent)) {
+        Keep(folder, checked);
+        if (stop) return false;
+        extent = Extent_Of(items);
+        Keep_What_Has_Its_Place(items, folder, extent.count);
+        checked = records_[folder].CachedCount;
+        end = std::min(end, extent.count);
+        continue;
+      }
+      checked = i;
     }
+    if (stop) return false;
     if (i % batch == 0) {
       window_.grdItems.Set_Redraw(false);
       Add_100_New_Rows(folder);
       window_.grdItems.Set_Redraw(true);
       Display_Cache_Status(name, i);
-      if (Broken_Off(folder, i)) return false;
+      if (InterruptCaching || Is_Touched(folder, i)) return false;
     }
   }
   return true;
 }
 
-// After a yield: loading was interrupted, or a handler has changed what is known of the folder.
-bool Item_Cache::Broken_Off(int folder, std::int32_t item) {
-  return InterruptCaching || records_[folder].Folder == nullptr || records_[folder].CachedCount != item;
+// A handler has changed what is known of the folder.
+bool Item_Cache::Is_Touched(int folder, std::int32_t item) {
+  return records_[folder].Folder == nullptr || records_[folder].CachedCount != item;
+}
+
+// Whatever the handler did, items that have not been looked at again can only be the last that are left.
+bool Item_Cache::Leave_Touched(int folder, std::int32_t unchecked) {
+  if (records_[folder].Folder != nullptr) Keep(folder, std::max(0, records_[folder].CachedCount - unchecked));
+  return false;
+}
+
+bool Item_Cache::Another_Folder_Is_Wanted() {
+  const int selected = tree_.Selected_Item();
+  if (selected == LastSelectedNode) return false;
+  LastSelectedNode = selected;
+  return selected != 0 && !records_[folder_tree_.Get_Node_Index(selected)].Loaded;
+}
+
+// Empty for an item that does not say it.
+std::string Item_Cache::Id_At(Items& items, std::int32_t item) {
+  std::string id;
+  errors_.Try([&] { id = items.Item(item)->EntryID(); });
+  return id;
+}
+
+Item_Cache::Extent Item_Cache::Extent_Of(Items& items) {
+  const std::int32_t count = items.Count();
+  return {count, count > 0 ? Id_At(items, count) : std::string()};
+}
+
+// Whether what was read behind `checked` stands where it was read, and each item once. Whatever comes or goes
+// in front of the last item read or of the folder's last item moves one of these two, unless as many come as
+// go; then what was read twice tells it. Items added behind all others move nothing.
+bool Item_Cache::Nothing_Moved(Items& items, int folder, std::int32_t checked, Extent& extent) {
+  std::unordered_set<std::string_view> ids;
+  std::int32_t last = 0;
+  for (std::int32_t item = std::max(1, checked - batch); item <= records_[folder].CachedCount; ++item) {
+    const std::string& id = records_[folder].Cached(item).EntryID;
+    if (id.empty()) continue;
+    if (!ids.insert(id).second) return false;
+    last = item;
+  }
+  if (last > 0 && Id_At(items, last) != records_[folder].Cached(last).EntryID) return false;
+  bool same = false;
+  errors_.Try([&] {
+    const std::int32_t count = items.Count();
+    if (count < extent.count) return;
+    const std::string last_id =
+        last == extent.count ? records_[folder].Cached(last).EntryID : Id_At(items, extent.count);
+    same = last_id == extent.last_id;
+    if (same && count > extent.count) extent = Extent_Of(items);
+  });
+  return same;
 }
 
 // Whether a cached item still stands where it was read; 0 stands for the folder's beginning.
 bool Item_Cache::Has_Its_Place(Items& items, int folder, std::int32_t item) {
   if (item == 0) return true;
   const std::string& known = records_[folder].Cached(item).EntryID;
-  bool same = false;
-  errors_.Try([&] { same = !known.empty() && items.Item(item)->EntryID() == known; });
-  return same;
+  return !known.empty() && Id_At(items, item) == known;
 }
 
 // Everything in front of what came or went has kept its place; the rest is to be read again.
-void Item_Cache::Keep_What_Has_Its_Place(Items& items, int folder) {
-  const std::int32_t cached = records_[folder].CachedCount, count = items.Count();
+void Item_Cache::Keep_What_Has_Its_Place(Items& items, int folder, std::int32_t count) {
+  const std::int32_t cached = records_[folder].CachedCount;
   if (cached <= count && Has_Its_Place(items, folder, cached)) return;
   std::int32_t kept = 0, moved = std::min(cached, count + 1);
   while (moved - kept > 1) {
     const std::int32_t middle = kept + (moved - kept) / 2;
     (Has_Its_Place(items, folder, middle) ? kept : moved) = middle;
   }
-  Remove_Folder_Rows(folder);
+  Keep(folder, kept);
+}
+
+// Forgets what was read behind an item.
+void Item_Cache::Keep(int folder, std::int32_t kept) {
+  if (records_[folder].RowCount > kept) Remove_Folder_Rows(folder);
   FolderData& record = records_[folder];
   record.CachedCount = kept;
-  record.RowCount = 0;
+  if (record.RowCount > kept) record.RowCount = 0;
   record.Passing = {};
 }
 
@@ -266,8 +348,17 @@ void Item_Cache::Finish_Folder(int folder, int node) {
 
 bool Item_Cache::Cache_Current_Item(Items& items, std::int32_t item, int folder) {
   return errors_.Run("Cache_Current_Item", [&] {
-    return errors_.Report_First(item_failure_reported_, [&] {
-      const Item_Ptr object = items.Item(item);
+    bool there = true;
+    const bool read = errors_.Report_First(item_failure_reported_, [&] {
+      Item_Ptr object;
+      try {
+        object = items.Item(item);
+      } catch (const Automation_Error&) {
+        // What another program has taken away meanwhile has not failed.
+        if (item <= items.Count()) throw;
+        there = false;
+        return;
+      }
       ItemData& data = records_[folder].Cached(item);
       data = ItemData{};
       data.ItemClass = object->Class();
@@ -278,11 +369,14 @@ bool Item_Cache::Cache_Current_Item(Items& items, std::int32_t item, int folder)
       data.Size = object->Size();
       if (data.ItemClass != item_class::mail) {
         data.SenderOrText = object->Body(text_characters);
-      } else if (mapi_utils_ != nullptr) {
-        const std::shared_ptr<Mapi_Object> mapi_object = object->MAPIOBJECT();
-        data.SenderOrText = mapi_utils_->HrGetOneProp(*mapi_object, sender_name_tag);
+      } else if (mapi_utils_ != nullptr && !errors_.Try([&] {
+                   const std::shared_ptr<Mapi_Object> mapi_object = object->MAPIOBJECT();
+                   data.SenderOrText = mapi_utils_->HrGetOneProp(*mapi_object, sender_name_tag);
+                 })) {
+        Say_That_Senders_Are_Missing();
       }
     });
+    return read && there;
   });
 }
 

@@ -54,10 +54,23 @@ class Item_Cache {
   bool Load_Next_Folders();
   template <class Work>
   bool Attempt(int folder, Work&& work);
+  void Create_Companion();
+  void Say_That_Senders_Are_Missing();
   bool Read_Items(Items& items, const std::string& name, int folder, int node);
-  bool Broken_Off(int folder, std::int32_t item);
+  bool Is_Touched(int folder, std::int32_t item);
+  bool Leave_Touched(int folder, std::int32_t unchecked);
+  bool Another_Folder_Is_Wanted();
+  // Tells, without a look at them all, that among a folder's items some have come or gone.
+  struct Extent {
+    std::int32_t count = 0;
+    std::string last_id;
+  };
+  std::string Id_At(Items& items, std::int32_t item);
+  Extent Extent_Of(Items& items);
+  bool Nothing_Moved(Items& items, int folder, std::int32_t checked, Extent& extent);
   bool Has_Its_Place(Items& items, int folder, std::int32_t item);
-  void Keep_What_Has_Its_Place(Items& items, int folder);
+  void Keep_What_Has_Its_Place(Items& items, int folder, std::int32_t count);
+  void Keep(int folder, std::int32_t kept);
   void Finish_Folder(int folder, int node);
   void Show_Progress();
 
@@ -74,6 +87,7 @@ class Item_Cache {
   bool running_ = false;
   bool item_failure_reported_ = false;
   bool folder_failure_reported_ = false;
+  bool missing_senders_told_ = false;
 };
 
 }  // namespace tidyfold

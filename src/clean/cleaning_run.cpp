@@ -80,7 +80,7 @@ void Cleaning_Run::Start() {
   rows_.Display_Selected_Items_Total();
   enabling_.Enable_All_Controls(false);
   deleted_items_.Assigne_Deleted_Items_Folders();
-  strategies_.Start_Gauge();
+  strategies_.Begin_Run();
   if (window_.chkSelectByRow.Checked()) {
     strategies_.Delete_Filtered_Items_By_Row();
   } else {
@@ -90,11 +90,12 @@ void Cleaning_Run::Start() {
     run_.Processing = false;
     return;
   }
+  // What fails from here on deletes nothing any more.
+  const bool not_all_deleted = run_.NotAllDeleted;
   window_.grdItems.Set_Redraw(false);
   Rebuild_Window();
   window_.grdItems.Set_Redraw(true);
-  if (run_.NotAllDeleted)
-    message_box_.Show("Not all items could be deleted", Buttons::OK_Only, Icon::Critical);
+  if (not_all_deleted) message_box_.Show("Not all items could be deleted", Buttons::OK_Only, Icon::Critical);
   window_.sbStatusBar.Set_Panel_Text(2, "Total Processed:  " + std::to_string(run_.ProcessedCount));
   strategies_.Clear_Gauge();
   message_box_.Show(Summary());
@@ -159,6 +160,11 @@ void Cleaning_Run::Process_Each_Node(int node, int depth) {
     run_.RunTrace += "\r\n" + std::string(static_cast<std::size_t>(depth) + 1, '*') + tree_.Text(node);
     if (!tree_.Checked(node) || !run_.Processing) return;
     const int index = folder_tree_.Get_Node_Index(node);
+    // The mark goes also where the folder can no longer be asked for its name.
+    const auto make_caption = [&, caption = tree_.Text(node)] {
+      tree_.Set_Text(node, caption);
+      folder_tree_.Set_Node_Text(node);
+    };
     if (records_[index].Folder != nullptr) {
       tree_.Ensure_Visible(node);
       tree_.Set_Text(node, tree_.Text(node) + " <<<<");
@@ -166,7 +172,7 @@ void Cleaning_Run::Process_Each_Node(int node, int depth) {
       if (!window_.chkPermanentDelete.Checked() && wastebasket > 0) records_[wastebasket].Reload = true;
       events_.Do_Events();
       if (!run_.Processing) {
-        folder_tree_.Set_Node_Text(node);
+        make_caption();
         return;
       }
       const bool confirmed = checks_.Confirm_Current_Folder(index);
@@ -181,7 +187,7 @@ void Cleaning_Run::Process_Each_Node(int node, int depth) {
     if (!tree_.Exists(node)) return;
     if (!window_.chkDeleteFolders.Checked() && !window_.chkShowAllFolders.Checked())
       tree_.Set_Checked(node, false);
-    folder_tree_.Set_Node_Text(node);
+    make_caption();
   });
 }
 

@@ -64,12 +64,13 @@ std::int64_t Deletion_Strategies::Work_On(int index) {
   return items;
 }
 
-void Deletion_Strategies::Start_Gauge() {
+void Deletion_Strategies::Begin_Run() {
+  is_deleted_items_.clear();
   std::int64_t total = 0;
   if (window_.chkSelectByRow.Checked()) {
     total = grid_.Rows() - 1;
   } else {
-    for (int node = 1; node <= tree_.Upper_Bound(); ++node)
+    for (int node = 1; node <= tree_.Upper_Bound() && run_.Processing; ++node)
       if (tree_.Exists(node) && tree_.Checked(node)) total += Work_On(folder_tree_.Get_Node_Index(node));
   }
   status_.Start_Gauge(total);
@@ -105,18 +106,24 @@ Deletion_Strategies::Outcome Deletion_Strategies::Delete_Current_Item(int index,
   });
 }
 
+// A store may be asked across a network or another program: once for all items of a folder.
+bool Deletion_Strategies::Is_Deleted_Items(int index) {
+  auto known = is_deleted_items_.find(index);
+  if (known == is_deleted_items_.end())
+    known = is_deleted_items_.emplace(index, records_[index].Folder->Name() == deleted_items_name).first;
+  return known->second;
+}
+
 void Deletion_Strategies::Remove_Item(int index, Item& item, const std::string& entry_id, Outcome& outcome) {
   const MAPIFolder_Ptr folder = records_[index].Folder;
   const std::string store_id = folder->StoreID();
-  const MAPIFolder_Ptr parent = item.Parent();
-  const std::string parent_id = parent->EntryID();
-  if (parent_id != folder->EntryID()) {
+  if (item.Parent()->EntryID() != folder->EntryID()) {
     throw Automation_Error(automation_error::not_found,
                            "The item is no longer in this folder. Refresh, and look for it again.",
                            application_title);
   }
   const bool permanent = window_.chkPermanentDelete.Checked();
-  const bool already_in_deleted_items = parent->Name() == deleted_items_name;
+  const bool already_in_deleted_items = Is_Deleted_Items(index);
   if (already_in_deleted_items && !permanent) {
     throw Automation_Error(automation_error::no_access,
                            "Items in Deleted Items can only be deleted permanently.", application_title);

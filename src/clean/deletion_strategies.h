@@ -2,6 +2,7 @@
 // goes on, and stops at its next test once the run's Processing is false.
 #pragma once
 
+#include <map>
 #include <string>
 #include <unordered_set>
 
@@ -18,8 +19,9 @@ class Deletion_Strategies {
                       Outlook_Session& session, Item_Filters& filters, Grid_Rows& rows, Safety_Checks& checks,
                       Status_Line& status, Run_State& run, Events& events, Error_Handler& errors);
 
-  // Show on the gauge how much the run that begins has to look at, and that a marked folder is passed over.
-  void Start_Gauge();
+  // Forgets the run before, and shows on the gauge how much the one that begins has to look at.
+  void Begin_Run();
+  // Shows on the gauge that a marked folder is passed over.
   void Pass_Over(int index) { status_.Move_Gauge(Work_On(index)); }
   void Clear_Gauge() { status_.Clear_Gauge(); }
 
@@ -50,6 +52,7 @@ class Deletion_Strategies {
   std::int64_t Work_On(int index);
   Outcome Delete_Current_Item(int index, const std::string& entry_id, const std::string& subject,
                               ProcessError& process_error);
+  bool Is_Deleted_Items(int index);
   void Remove_Item(int index, Item& item, const std::string& entry_id, Outcome& outcome);
   Outcome Delete_Cached_Item(int index, std::int32_t item, ProcessError& process_error);
   void Note_Deleted_Records(int index, const std::unordered_set<std::string>& gone);
@@ -70,6 +73,7 @@ class Deletion_Strategies {
   Run_State& run_;
   Events& events_;
   Error_Handler& errors_;
+  std::map<int, bool> is_deleted_items_;  // as far as the run has asked
 };
 
 }  // namespace tidyfold

@@ -89,7 +89,8 @@ void ErrorStack::Display(std::string_view trap) {
 }
 
 void ProcessError::DisplayProcessingError(std::string_view process, std::string_view item) {
-  if (SuppressMessages) return;
+  // A store that has gone is told of once, and not item by item.
+  if (SuppressMessages || error_.Number == automation_error::unavailable) return;
   std::string text =
       "An processing error has occurred.\r\n\r\n"
       "The following item could not be processed:\r\n";

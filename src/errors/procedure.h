@@ -2,6 +2,8 @@
 // reported with the stack, and the procedure ends as though it had ended normally.
 #pragma once
 
+#include <functional>
+#include <string>
 #include <type_traits>
 #include <utility>
 
@@ -35,6 +37,9 @@ class Procedure {
 };
 
 // The window's error handling: its stack, the current error, and the switch that makes procedures trap.
+//
+// A store that has gone (automation_error::unavailable) is told of in its own words, once for everything that
+// fails until the command that met it has ended; then the next one tells it again.
 class Error_Handler {
  public:
   explicit Error_Handler(Message_Box& message_box) : stack(message_box, error), message_box_(message_box) {}
@@ -43,6 +48,11 @@ class Error_Handler {
   ErrorStack stack;
   // While off, a failure travels to the caller unreported.
   bool Trap_Errors = false;
+
+  // Ends what is under way; runs whenever a call finds the store gone.
+  std::function<void()> End_Without_Store;
+  // True until the command that found the store gone has ended.
+  bool Store_Gone() const { return store_gone_; }
 
   // Runs a procedure. The body takes nothing or a Procedure& to name its steps; what it returns is returned,
   // a value-initialised result after a failure.
@@ -66,21 +76,33 @@ class Error_Handler {
       call();
       return true;
     } catch (...) {
+      Record(std::current_exception());
+      return false;
+    }
+  }
+  // The same for a store that is only being looked for: one that is not there has not gone.
+  template <class Call>
+  bool Try_To_Reach(Call&& call) {
+    error.Clear();
+    try {
+      call();
+      return true;
+    } catch (...) {
       error.Set(std::current_exception());
       return false;
     }
   }
 
   // For work that is done for many folders or items: the first failure goes on, to be reported for all; false
-  // after each later one.
+  // after each later one. That the store has gone always goes on.
   template <class Work>
   bool Report_First(bool& reported, Work&& work) {
     try {
       work();
       return true;
     } catch (...) {
-      if (std::exchange(reported, true)) return false;
-      throw;
+      if (Is_Gone(std::current_exception()) || !std::exchange(reported, true)) throw;
+      return false;
     }
   }
 
@@ -91,6 +113,7 @@ class Error_Handler {
   template <class Push, class Body>
   auto Guarded(std::string_view trap, Push&& push, Body& body) {
     push();
+    const Running running(*this);
     Procedure procedure(stack);
     const auto call = [&] {
       if constexpr (std::is_invocable_v<Body&, Procedure&>) {
@@ -112,18 +135,35 @@ class Error_Handler {
       }
     } catch (...) {
       if (!Trap_Errors) throw;
-      error.Set(std::current_exception());
+      Record(std::current_exception());
     }
-    stack.Display(trap);
-    stack.Clear();
+    Report(trap);
     if constexpr (!std::is_void_v<Result>) return Result{};
   }
   void Leave(Procedure& procedure) {
     procedure.End_Step();
     stack.POP(1);
+    if (!untold_.empty()) Tell_Gone();
   }
+  // The outermost procedure is a command.
+  struct Running {
+    explicit Running(Error_Handler& the_handler) : handler(the_handler) { ++handler.running_; }
+    Running(const Running&) = delete;
+    Running& operator=(const Running&) = delete;
+    ~Running() {
+      if (--handler.running_ == 0) handler.store_gone_ = false;
+    }
+    Error_Handler& handler;
+  };
+  static bool Is_Gone(std::exception_ptr failure);
+  void Record(std::exception_ptr failure);
+  void Report(std::string_view trap);
+  void Tell_Gone();
 
   Message_Box& message_box_;
+  int running_ = 0;
+  bool store_gone_ = false;
+  std::string untold_;  // a box may stand only where every procedure expects one, when one of them ends
 };
 
 }  // namespace tidyfold

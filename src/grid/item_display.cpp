@@ -35,6 +35,7 @@ void Item_Display::Display_Current_Item() {
     if (!Trim(entry_id).empty())
       errors_.Try([&] { item = session_.name_space->GetItemFromID(entry_id, store_id); });
     errors_.error.Clear();
+    if (errors_.Store_Gone()) return;
     if (item == nullptr) {
       message_box_.Show("Item could not be retrieved", Buttons::OK_Only, Icon::Critical);
     } else {

@@ -65,7 +65,7 @@ void Folder_Tree::Build_Folder_Tree() {
     if (records_[root].Loaded) tree_.Set_Fore_Colour(root, loaded_colour);
 
     Add_Children(*children, root, "Build_Folder_Tree - Process all sub-Folders");
-    for (int node = 1; node <= tree_.Upper_Bound(); ++node) Set_Node_Text(node);
+    for (int node = 1; node <= tree_.Upper_Bound() && !errors_.Store_Gone(); ++node) Set_Node_Text(node);
   });
 }
 
@@ -106,7 +106,7 @@ void Folder_Tree::Add_Children(Folders& children, int parent, Literal step) {
   std::int32_t count = 0;
   errors_.Run(step,
               [&] { errors_.Report_First(adding_failure_reported_, [&] { count = children.Count(); }); });
-  for (std::int32_t i = 1; i <= count; ++i) {
+  for (std::int32_t i = 1; i <= count && !errors_.Store_Gone(); ++i) {
     errors_.Run(step, [&] {
       MAPIFolder_Ptr child;
       if (errors_.Report_First(adding_failure_reported_, [&] { child = children.Item(i); }))
@@ -126,7 +126,7 @@ void Folder_Tree::Set_Start_Folder() {
       Set_Folder_Label(Get_Node_Index(node));
     });
     errors_.error.Clear();
-    if (!found) message_box_.Show("Error assigning startup folder");
+    if (!found && !errors_.Store_Gone()) message_box_.Show("Error assigning startup folder");
   });
 }
 

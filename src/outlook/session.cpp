@@ -7,16 +7,16 @@ bool Outlook_Session::Start_Outlook() {
     window_.lblMessage.Set_Caption("Initializing Outlook.\r\n\r\nPlease wait ...");
     application.reset();
     name_space.reset();
-    errors_.Try([&] { application = automation_.GetObject("", "Outlook.Application"); });
+    errors_.Try_To_Reach([&] { application = automation_.GetObject("", "Outlook.Application"); });
     if (application == nullptr) {
       if (debug) message_box_.Show("GetObject() Did Not Work");
-      errors_.Try([&] { application = automation_.CreateObject("Outlook.Application"); });
+      errors_.Try_To_Reach([&] { application = automation_.CreateObject("Outlook.Application"); });
     }
     if (application == nullptr) {
       message_box_.Show("Unable to initialize Outlook.  Please try again.");
       return false;
     }
-    errors_.Try([&] { name_space = application->GetNamespace("MAPI"); });
+    errors_.Try_To_Reach([&] { name_space = application->GetNamespace("MAPI"); });
     if (name_space == nullptr) {
       errors_.error.Clear();
       message_box_.Show("Unable to initialize Outlook Namespace.  Please try again.");

@@ -46,8 +46,8 @@ TEST(App, Quit_Asks_And_A_Refresh_While_Loading_Starts_Over) {
   }
 }
 
-// The run works on live items and loading goes on where it was. Only the item in front of a break is looked
-// at again, to see that the folder is as it was.
+// The run works on live items and loading goes on where it was. Only the item in front of a break and
+// the folder's last one are looked at again, to see that the folder is as it was.
 TEST(App, Clean_While_Loading_Reads_Nothing_Twice) {
   const std::string count = "0 items in 1 folder identified for cleaning.";
   const Expected_Text warning = Exact(
@@ -73,7 +73,7 @@ TEST(App, Clean_While_Loading_Reads_Nothing_Twice) {
     f.app.Form_Load();
     EXPECT_LE(
         std::count_if(inbox.begin(), inbox.end(), [&](auto& id) { return f.outlook.Store(1).Reads(id) > 1; }),
-        2);
+        3);
     f.Expect_Agreement();
   }
 }

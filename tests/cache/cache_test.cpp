@@ -211,7 +211,8 @@ TEST_F(Cache, Reads_Of_Each_Item_What_It_Shows) {
   EXPECT_TRUE(cached[0].Unread);
   EXPECT_FALSE(cached[1].Unread) << "what does not say counts as read";
   outlook.mapi_utils_available = false;
-  Expect_Report("Cache_Folder_Items - Create Companion");
+  Expect_Message("Mail is shown without its sender.\r\n\r\nIt cannot be created: TidyDll.TidyMAPIUtils.");
+  Load();
   Load();
   EXPECT_EQ(Record("Inbox").Cached(1).SenderOrText, "");
   EXPECT_EQ(Record("Inbox").Cached(1).Size, 77);
@@ -260,23 +261,27 @@ TEST_F(Cache, Broken_Off_Anywhere_It_Reads_Nothing_Twice_And_Loses_No_Row) {
   }
 }
 
-// Another program at the same folder: which items it takes away, how many it puts in, and how far the folder
-// was read by then.
+// Another program at the same folder: which items it takes away, how many it puts in (in front of all others
+// where the number is negative), and how far the folder was read by then.
 TEST_F(Cache, Keeps_In_Step_With_A_Folder_That_Changes) {
   const std::tuple<int, std::vector<int>, int> cases[] = {
-      {130, {5}, 0},         {130, {130}, 0},         {130, {131}, 0},    {130, {250}, 0},
-      {130, {1, 2, 200}, 0}, {249, {1, 249, 250}, 0}, {250, {250}, 0},    {10, {}, 3},
-      {250, {}, 3},          {130, {60}, 1},          {130, {60, 240}, 1}};
+      {130, {5}, 0},           {130, {130}, 0},  {130, {131}, 0}, {130, {250}, 0}, {130, {1, 2, 200}, 0},
+      {249, {1, 249, 250}, 0}, {250, {250}, 0},  {10, {}, 3},     {250, {}, 3},    {130, {60}, 1},
+      {130, {60, 240}, 1},     {130, {240}, -1}, {199, {150}, 1}, {60, {}, -1}};
   for (const auto& [at, removed, added] : cases) {
     const MAPIFolder_Ptr folder = store.Add_Folder(*store.Top_Folder(), "Busy", 0);
     Add_Items(folder, 250);
     Build("Busy");
     When_Read("Busy", at, [&, &gone = removed, &come = added] {
       for (auto next = gone.rbegin(); next != gone.rend(); ++next) folder->Items()->Remove(*next);
-      events.At_Yield(events.Yields() + (gone.empty() ? 0 : 1), [&] { Add_Items(folder, come); });
+      events.At_Yield(events.Yields() + (gone.empty() ? 0 : 1), [&] {
+        Add_Items(folder, std::abs(come));
+        for (std::int32_t left = come < 0 ? folder->Items()->Count() + come : 0; left > 0; --left)
+          store.Move_Item(folder->Items()->Item(1)->EntryID(), *folder);
+      });
     });
     cache.Cache_Folder_Items();
-    Expect_In_Step("Busy", 250 + added - static_cast<int>(removed.size()));
+    Expect_In_Step("Busy", 250 + std::abs(added) - static_cast<int>(removed.size()));
     store.Top_Folder()->Folders()->Remove(store.Top_Folder()->Folders()->Count());
   }
 }
@@ -304,10 +309,8 @@ TEST_F(Cache, Ends_Though_The_Folder_Never_Stands_Still) {
 TEST_F(Cache, An_Item_That_Fails_Is_Reported_Once_For_All_And_Keeps_No_Other_Out) {
   const std::string bad = Add_Items(Inbox(), 3);
   Add_Items(Inbox(), 2);
-  const std::tuple<std::string, std::string, int> cases[] = {{"Item.Subject", bad, 4},
-                                                             {"Item.EntryID", bad, 4},
-                                                             {"Mapi_Utils.HrGetOneProp", "", 5},
-                                                             {"Items.Item", "", 0}};
+  const std::tuple<std::string, std::string, int> cases[] = {
+      {"Item.Subject", bad, 4}, {"Item.EntryID", bad, 4}, {"Items.Item", "", 0}};
   for (const auto& [member, id, passing] : cases) {
     plan.Forget_Faults();
     Build("Inbox");
@@ -319,6 +322,17 @@ TEST_F(Cache, An_Item_That_Fails_Is_Reported_Once_For_All_And_Keeps_No_Other_Out
     EXPECT_TRUE(cache.AllFoldersCached);
     EXPECT_EQ(grid.Marked_Rows(), passing);
     EXPECT_EQ(grid.Rows(), 6) << "what could not be read is to be seen";
+  }
+}
+
+TEST_F(Cache, Mail_Whose_Sender_Nobody_Tells_Is_There_Without_It) {
+  Add_Items(Inbox(), 3);
+  Expect_Message("Mail is shown without its sender.\r\n\r\nPlanned.");  // once for both, and for all items
+  for (const char* member : {"Item.MAPIOBJECT", "Mapi_Utils.HrGetOneProp"}) {
+    plan.Forget_Faults();
+    Fail(member);
+    Load();
+    Expect_In_Step("Inbox", 3);
   }
 }
 

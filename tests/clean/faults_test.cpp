@@ -102,6 +102,53 @@ TEST(Faults, A_Call_That_Fails_Costs_What_It_Was_About_And_No_More) {
   EXPECT_GT(met, 500);
 }
 
+// The program behind the store ends at every call of loading and of the run, or its file lies on a share that
+// is no longer there.
+TEST(Faults, A_Store_That_Vanishes_Is_Told_Of_Once_And_Ends_What_Is_Under_Way) {
+  const std::string gone = "Outlook was closed.";
+  for (const bool in_run : {false, true})
+    for (const Way& way : ways)
+      for (int number = 1, calls = number; calls >= number && !HasFailure(); ++number) {
+        if (!in_run && !(way == "cached")) break;
+        SCOPED_TRACE(way.name + (in_run ? " run " : " loading ") + std::to_string(number));
+        Way_Run f(way);
+        calls = 0;
+        int late = 0;
+        Way_Run::Contents then = f.expected;
+        const auto vanish = [&] {
+          f.plan.Fail_Where(
+              [&](const Store_Call& call) {
+                if (++calls == number) then = f.Everything();
+                if (calls > number && call.member != "MAPIFolder.Name") ++late;
+                return calls >= number;
+              },
+              {automation_error::unavailable, gone, "store"});
+        };
+        f.before_run = vanish;
+        in_run ? f.Run() : (vanish(), f.app.Form_Load());
+        const bool vanished = calls >= number, closed = !f.window.frmRemoveItems.Loaded();
+        const bool unreached = f.box.Count("Unable to initialize") == 1;
+        EXPECT_EQ(f.box.Count(gone), vanished && !unreached ? 1 : 0);
+        EXPECT_EQ(f.box.Count("rror") + f.box.Count("No folders") + f.box.Count("retrieved"), 0);
+        EXPECT_TRUE(!vanished || f.Everything() == then) << "deleted after the end";
+        EXPECT_LE(late, 3) << "asked on and on";
+        if (in_run) f.Expect_Nothing_Else();
+        EXPECT_TRUE(!closed || (!in_run && number < 10));
+        if (closed) continue;
+        EXPECT_TRUE(f.window.cmdRun.Caption() == "&Clean" && f.window.chkTurbo.Enabled());
+        EXPECT_FALSE(f.window.frmMessageBox.Visible());
+        EXPECT_EQ(f.window.sbStatusBar.Panel_Text(1), "");
+        for (int node = 1; node <= f.tree.Upper_Bound(); ++node)
+          EXPECT_TRUE(!f.tree.Exists(node) || f.tree.Text(node).find("<<<<") == std::string::npos);
+        if (!vanished) f.plan.Forget_Faults();
+        f.window.mnuRefreshCurrent.Click();
+        EXPECT_EQ(f.box.Count(gone), vanished ? 2 : 0) << "the next command says it again";
+        f.plan.Forget_Faults();
+        f.window.mnuRefresh.Click();
+        f.Expect_Agreement();
+      }
+}
+
 // At every yield of the run something is taken, moved or added.
 TEST(Faults, Another_Program_In_The_Same_Store_Never_Costs_A_Neighbour) {
   for (const Way& way : ways)
