@@ -3,9 +3,10 @@
 find_package(PkgConfig REQUIRED)
 
 add_library(tidyfold_warnings INTERFACE)
-target_compile_options(tidyfold_warnings INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+target_compile_options(tidyfold_warnings INTERFACE
+  $<$<COMPILE_LANGUAGE:C,CXX>:-Wall;-Wextra;-Wpedantic;-Wconversion;-Wshadow>)
 if(TIDYFOLD_WERROR)
-  target_compile_options(tidyfold_warnings INTERFACE -Werror)
+  target_compile_options(tidyfold_warnings INTERFACE $<$<COMPILE_LANGUAGE:C,CXX>:-Werror>)
 endif()
 if(TIDYFOLD_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)

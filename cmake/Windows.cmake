@@ -1,6 +1,25 @@
 # What a build for Windows needs beside its compiler.
 add_compile_definitions(NOMINMAX WIN32_LEAN_AND_MEAN)
 
+enable_language(RC)
+
+# tidyfold_windows_resources(PROGRAM DESCRIPTION [ICON_NAME ICON]): icon, manifest and version of a program, as a
+# source file in TIDYFOLD_RESOURCES.
+function(tidyfold_windows_resources program description)
+  set(TIDYFOLD_PROGRAM ${program})
+  set(TIDYFOLD_DESCRIPTION ${description})
+  set(TIDYFOLD_MANIFEST ${CMAKE_CURRENT_BINARY_DIR}/${program}.manifest)
+  set(TIDYFOLD_ICON_LINE "")
+  if(ARGC GREATER 3)
+    set(TIDYFOLD_ICON_LINE "${ARGV2} ICON \"${ARGV3}\"")
+  endif()
+  set(resources ${CMAKE_CURRENT_BINARY_DIR}/${program}.rc)
+  configure_file(${PROJECT_SOURCE_DIR}/packaging/program.manifest.in ${TIDYFOLD_MANIFEST} @ONLY)
+  configure_file(${PROJECT_SOURCE_DIR}/packaging/program.rc.in ${resources} @ONLY)
+  set_source_files_properties(${resources} PROPERTIES OBJECT_DEPENDS "${TIDYFOLD_MANIFEST};${ARGV3}")
+  set(TIDYFOLD_RESOURCES ${resources} PARENT_SCOPE)
+endfunction()
+
 # Elsewhere, its programs run under Wine, in a Windows of their own that lies in the build tree. Wine's replacements
 # of .NET and the web browser are not asked for.
 if(CMAKE_CROSSCOMPILING)
@@ -8,7 +27,7 @@ if(CMAKE_CROSSCOMPILING)
   set(TIDYFOLD_WINE_PREFIX ${CMAKE_BINARY_DIR}/wine)
   set(run_in_wine ${CMAKE_BINARY_DIR}/run_in_wine)
   file(WRITE ${run_in_wine} "#!/bin/sh
-export WINEPREFIX='${TIDYFOLD_WINE_PREFIX}' WINEDEBUG=\${WINEDEBUG:--all} WINEDLLOVERRIDES='mscoree,mshtml='
+export WINEPREFIX=\"\${WINEPREFIX:-${TIDYFOLD_WINE_PREFIX}}\" WINEDEBUG=\${WINEDEBUG:--all} WINEDLLOVERRIDES='mscoree,mshtml='
 exec '${WINE}' \"$@\"
 ")
   file(CHMOD ${run_in_wine} PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)

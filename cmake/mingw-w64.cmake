@@ -13,7 +13,12 @@ set(CMAKE_RC_COMPILER ${triplet}-windres)
 # this machine.
 set(TIDYFOLD_WINDOWS_PREFIX "" CACHE STRING "Where the libraries built for Windows lie")
 list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES TIDYFOLD_WINDOWS_PREFIX)
-set(CMAKE_FIND_ROOT_PATH /usr/${triplet} ${TIDYFOLD_WINDOWS_PREFIX})
+set(CMAKE_FIND_ROOT_PATH /usr/${triplet})
+foreach(folder IN LISTS TIDYFOLD_WINDOWS_PREFIX)
+  # wx-config tells its folders without links.
+  file(REAL_PATH ${folder} folder)
+  list(APPEND CMAKE_FIND_ROOT_PATH ${folder})
+endforeach()
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)

@@ -62,6 +62,7 @@ for_windows=(
   nlohmann-json3-dev
   googletest
   fp-utils             # the help book
+  librsvg2-bin         # the icon
   imagemagick          # the icon, screenshots
   python3
   xvfb

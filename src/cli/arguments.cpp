@@ -8,6 +8,7 @@
 
 #include "cli/failure.h"
 #include "controls/dates.h"
+#include "controls/file_path.h"
 #include "outlook/object_model.h"
 #include "stores/sqlite/sample_store.h"
 
@@ -147,10 +148,10 @@ int Item_Class_Of_Type(const std::string& name) {
 }
 
 void Understand(Arguments& arguments, const Raw& raw, const CLI::App& command) {
-  arguments.stores.assign(raw.stores.begin(), raw.stores.end());
+  for (const std::string& store : raw.stores) arguments.stores.push_back(File_Path(store));
   arguments.folders = raw.folders;
-  arguments.sources.assign(raw.sources.begin(), raw.sources.end());
-  arguments.sample_file = raw.sample_file;
+  for (const std::string& source : raw.sources) arguments.sources.push_back(File_Path(source));
+  arguments.sample_file = File_Path(raw.sample_file);
   const auto given = [&](const char* name) {
     const CLI::Option* option = command.get_option_no_throw(name);
     return option != nullptr && option->count() > 0;

@@ -1,5 +1,6 @@
 #include "cli/commands.h"
+#include "controls/program_arguments.h"
 
 int main(int count, char** words) {
-  return static_cast<int>(tidyfold::cli::Run({words + 1, words + count}));
+  return static_cast<int>(tidyfold::cli::Run(tidyfold::Program_Arguments(count, words)));
 }

@@ -5,6 +5,7 @@
 #include <wx/log.h>
 #include <wx/stdpaths.h>
 
+#include "controls/file_path.h"
 #include "desktop/text_conversion.h"
 
 namespace tidyfold {
@@ -32,7 +33,7 @@ std::vector<std::filesystem::path> Last_Stores() {
   std::vector<std::filesystem::path> paths;
   wxString path;
   while (configuration.Read(Entry(paths.size() + 1), &path) && !path.empty())
-    paths.emplace_back(From_Wx(path));
+    paths.push_back(File_Path(From_Wx(path)));
   return paths;
 }
 

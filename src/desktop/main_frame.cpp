@@ -108,12 +108,12 @@ void Main_Frame::Build_Menus() {
                  commands_.Open_Store);
   Add_File_Entry(*file, "New &Sample Store...", "Make a store of invented items to try the program on",
                  commands_.New_Sample);
-  file->AppendSeparator();
+  if (commands_.Import_Files) file->AppendSeparator();
   Add_File_Entry(*file, "&Import Files...\tCtrl+I", "Bring PST, OST, PAB, mbox or EML files into the store",
                  commands_.Import_Files);
   Add_File_Entry(*file, "Import &Maildir Folder...", "Bring a Maildir folder into the store",
                  commands_.Import_Maildir);
-  file->AppendSeparator();
+  if (file->GetMenuItemCount() > 0) file->AppendSeparator();
   Add_Entry(*file, model_.mnuQuit, "Ctrl+Q", "Leave Tidyfold");
 
   auto* const folders = new wxMenu;
@@ -148,6 +148,7 @@ void Main_Frame::Add_Entry(wxMenu& menu, MenuItem& model, const wxString& key, c
 
 void Main_Frame::Add_File_Entry(wxMenu& menu, const wxString& label, const wxString& help,
                                 std::function<void()>& command) {
+  if (!command) return;
   const int id = menu.Append(wxID_ANY, label, help)->GetId();
   file_entries_.push_back(id);
   Bind(

@@ -20,6 +20,7 @@ namespace tidyfold {
 class Options_Panel;
 
 // What the window offers beyond its model: commands on store files.
+// Those that are empty are not offered.
 struct File_Commands {
   std::function<void()> Open_Store, New_Sample, Import_Files, Import_Maildir;
 };

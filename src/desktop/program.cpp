@@ -11,9 +11,11 @@
 #include "desktop/last_stores.h"
 #include "desktop/main_frame.h"
 #include "desktop/message_window.h"
+#include "desktop/outlook_source.h"
 #include "desktop/text_conversion.h"
 #include "desktop/welcome_dialog.h"
 #include "desktop/window_state_file.h"
+#include "import/import.h"
 
 namespace tidyfold {
 
@@ -47,7 +49,11 @@ void Program::Start() {
 }
 
 bool Program::Open_First_Stores() {
-  if (first_stores_.empty()) first_stores_ = Last_Stores();
+  if (first_stores_.empty()) {
+    system_outlook_ = Make_Outlook_Source();
+    if (system_outlook_) return true;
+    first_stores_ = Last_Stores();
+  }
   if (!first_stores_.empty() && files_.Open(nullptr, first_stores_)) return true;
   return Welcome_Dialog(files_).ShowModal() == wxID_OK;
 }
@@ -55,10 +61,14 @@ bool Program::Open_First_Stores() {
 void Program::Build() {
   schedule_ = std::make_unique<Repaint_Schedule>();
   File_Commands commands;
-  commands.Open_Store = [this] { Change_Stores([this] { return files_.Ask_And_Open(frame_); }); };
-  commands.New_Sample = [this] { Change_Stores([this] { return files_.Make_Sample_Store(frame_); }); };
-  commands.Import_Files = [this] { Change_Stores([this] { return files_.Import_Files(frame_); }); };
-  commands.Import_Maildir = [this] { Change_Stores([this] { return files_.Import_Maildir(frame_); }); };
+  if (!system_outlook_) {
+    commands.Open_Store = [this] { Change_Stores([this] { return files_.Ask_And_Open(frame_); }); };
+    commands.New_Sample = [this] { Change_Stores([this] { return files_.Make_Sample_Store(frame_); }); };
+  }
+  if (!system_outlook_ && Can_Import()) {
+    commands.Import_Files = [this] { Change_Stores([this] { return files_.Import_Files(frame_); }); };
+    commands.Import_Maildir = [this] { Change_Stores([this] { return files_.Import_Maildir(frame_); }); };
+  }
   frame_ = new Main_Frame(window_, *schedule_, std::move(commands), [this] {
     help_->Close_Book();
     End_When_Unwound();
@@ -86,7 +96,8 @@ void Program::Build() {
     Commit();
   });
   help_ = std::make_unique<Desktop_Help>(*frame_, window_, message_box_);
-  app_ = std::make_unique<App>(window_, outlook_, message_box_, events_, clock_, &help_->Environment());
+  Automation& outlook = system_outlook_ ? *system_outlook_ : outlook_;
+  app_ = std::make_unique<App>(window_, outlook, message_box_, events_, clock_, &help_->Environment());
 }
 
 void Program::Change_Stores(const std::function<bool()>& change) {
@@ -112,6 +123,8 @@ void Program::End_When_Unwound() {
 
 int Program::OnExit() {
   app_.reset();
+  // The toolkit takes the system's automation away with itself.
+  system_outlook_.reset();
   help_.reset();
   state_file_.reset();
   if (message_window_ != nullptr) message_window_->Destroy();

@@ -44,6 +44,8 @@ class Program : public wxApp {
   void Commit();
 
   std::vector<std::filesystem::path> first_stores_;
+  // What the window works on: Outlook, when it is there and no store file was named, or store files.
+  std::unique_ptr<Automation> system_outlook_;
   Embedded_Outlook outlook_;
   Store_Files files_{outlook_};
   System_Clock clock_;

@@ -8,6 +8,7 @@
 
 #include <optional>
 
+#include "controls/file_path.h"
 #include "controls/interaction.h"
 #include "desktop/last_stores.h"
 #include "desktop/text_conversion.h"
@@ -30,7 +31,7 @@ void Show_Error(wxWindow* parent, const std::string& text) {
 }
 
 std::filesystem::path To_Path(const wxString& path) {
-  return std::filesystem::path(From_Wx(path));
+  return File_Path(From_Wx(path));
 }
 
 wxString File_Name(const std::filesystem::path& path) {

@@ -10,6 +10,7 @@
 #include "controls/interaction.h"
 #include "desktop/application_icon.h"
 #include "desktop/store_files.h"
+#include "import/import.h"
 
 namespace tidyfold {
 
@@ -48,10 +49,12 @@ Welcome_Dialog::Welcome_Dialog(Store_Files& files)
         [this, &files] { return files.Make_Sample_Store(this); });
   offer("cmdOpenStore", "&Open Store...", "A store that Tidyfold has made before.",
         [this, &files] { return files.Ask_And_Open(this); });
-  offer("cmdImport", "&Import Files...", "PST, OST, PAB, mbox or EML files. They go into a new store.",
-        [this, &files] { return files.Import_Files(this); });
-  offer("cmdImportMaildir", "Import &Maildir...", "A Maildir folder. It goes into a new store.",
-        [this, &files] { return files.Import_Maildir(this); });
+  if (Can_Import()) {
+    offer("cmdImport", "&Import Files...", "PST, OST, PAB, mbox or EML files. They go into a new store.",
+          [this, &files] { return files.Import_Files(this); });
+    offer("cmdImportMaildir", "Import &Maildir...", "A Maildir folder. It goes into a new store.",
+          [this, &files] { return files.Import_Maildir(this); });
+  }
 
   auto* const column = new wxBoxSizer(wxVERTICAL);
   column->Add(top, wxSizerFlags().Expand().Border(wxALL, gap * 2));

@@ -9,9 +9,12 @@
 
 #ifdef __WXGTK__
 #include <gtk/gtk.h>
+#elif defined(__WXMSW__)
+#include <windows.h>
 #endif
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
@@ -59,8 +62,14 @@ std::string Keyboard_Owner(const wxFrame& frame) {
     owner = GTK_IS_MESSAGE_DIALOG(at->data) ? "box" : at->data == frame.GetHandle() ? "window" : "other";
   }
   g_list_free(windows);
-#else
-  if (frame.IsActive()) owner = "window";
+#elif defined(__WXMSW__)
+  const HWND foreground = ::GetForegroundWindow();
+  std::array<wchar_t, 16> name{};
+  ::GetClassNameW(foreground, name.data(), static_cast<int>(name.size()));
+  if (foreground != nullptr)
+    owner = std::wstring(name.data()) == L"#32770" ? "box"
+            : foreground == frame.GetHandle()      ? "window"
+                                                   : "other";
 #endif
   return owner;
 }

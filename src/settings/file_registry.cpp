@@ -216,6 +216,7 @@ std::int32_t File_Registry::Read(Document& document) {
   if (status.type() != std::filesystem::file_type::regular || !stream) return registry_result::access_denied;
   const std::string text{std::istreambuf_iterator<char>(stream), {}};
   if (stream.bad()) return registry_result::access_denied;
+  stream.close();  // an open file cannot be set aside everywhere
   try {
     document.roots = json::parse(text);
     if (Is_Registry(document.roots)) return registry_result::success;

@@ -49,7 +49,7 @@ class Help_Test : public testing::Test {
 
   std::string Put(const char* file) {
     std::ofstream(folder_ / file) << "x";
-    return (folder_ / file).string();
+    return (folder_ / file).make_preferred().string();
   }
 
   std::filesystem::path folder_;

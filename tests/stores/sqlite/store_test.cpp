@@ -17,7 +17,11 @@ class Embedded_Store_Test : public testing::Test {
   Items_Ptr Items_Of(const std::string& folder) { return Folder_Named(*store_, folder)->Items(); }
 
   Temporary_Directory directory_;
+#ifdef _WIN32
+  const std::filesystem::path file_ = directory_ / "store # 50% \xC3\xA9.tfs";
+#else
   const std::filesystem::path file_ = directory_ / "store # 50% é?.tfs";
+#endif
   std::shared_ptr<Embedded_Store> store_ = Embedded_Store::Create(file_, "Personal Folders");
 };
 

@@ -1,0 +1,126 @@
+"""tidyfold.exe under Wine on a screen of its own, with a mouse and a keyboard."""
+
+import json
+import os
+import pathlib
+import shutil
+import subprocess
+import tempfile
+import time
+
+PATIENCE = 90  # seconds, for anything that is waited for
+
+
+def windows_path(path):
+    return "Z:" + str(path).replace("/", "\\")
+
+
+class Wine_Window:
+    def __init__(self, wine, program, arguments=(), screenshots=None, environment=None):
+        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="tidyfold-wine-"))
+        self.state_file = self.folder / "state.json"
+        self.screenshots = pathlib.Path(screenshots) if screenshots else None
+        self.children = []
+        read, write = os.pipe()
+        self.start(["Xvfb", "-displayfd", str(write), "-screen", "0", "1280x900x24", "-nolisten", "tcp"],
+                   pass_fds=[write])
+        os.close(write)
+        display = os.read(read, 20).decode().strip()
+        os.close(read)
+        # A Windows of its own: one that was started without a screen shows no windows later.
+        self.environment = dict(os.environ, DISPLAY=":" + display, WINEPREFIX=str(self.folder / "wine"),
+                                TIDYFOLD_WINDOW_STATE=windows_path(self.state_file), **(environment or {}))
+        self.start(["openbox", "--sm-disable"])
+        self.wait("a window manager", lambda: self.x("getactivewindow", check=False) is not None)
+        subprocess.run([wine, "wineboot", "--init"], env=self.environment, check=True, stdout=subprocess.DEVNULL,
+                       stderr=subprocess.DEVNULL)
+        self.program = self.start([str(wine), str(program), *arguments])
+
+    def start(self, command, **how):
+        environment = getattr(self, "environment", dict(os.environ))
+        child = subprocess.Popen(command, env=environment, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, **how)
+        self.children.append(child)
+        return child
+
+    def close(self):
+        subprocess.run(["wineserver", "-k"], env=self.environment, check=False)
+        for child in reversed(self.children):
+            if child.poll() is None:
+                child.terminate()
+            child.wait()
+        shutil.rmtree(self.folder, ignore_errors=True)
+
+    def x(self, *words, check=True):
+        run = subprocess.run(["xdotool", *map(str, words)], env=self.environment, check=check, capture_output=True,
+                             text=True)
+        return run.stdout.strip()
+
+    def wait(self, what, condition):
+        """Until the condition gives something true, which is returned."""
+        end = time.monotonic() + PATIENCE
+        while time.monotonic() < end:
+            found = condition()
+            if found:
+                return found
+            if hasattr(self, "program") and self.program.poll() is not None:
+                raise AssertionError(f"The program ended ({self.program.returncode}) before {what}.")
+            time.sleep(0.05)
+        self.picture("failed")
+        raise AssertionError(f"There was never {what}. The last state: {json.dumps(self.state())[:3000]}")
+
+    def state(self):
+        try:
+            return json.loads(self.state_file.read_text(encoding="utf-8"))
+        except (OSError, ValueError):
+            return {}
+
+    def picture(self, name):
+        if self.screenshots:
+            self.screenshots.mkdir(parents=True, exist_ok=True)
+            subprocess.run(["import", "-window", "root", self.screenshots / f"windows-{name}.png"],
+                           env=self.environment, check=True)
+
+    def click(self, rectangle, across=0.5):
+        left, top, width, height = rectangle
+        x = left + (width * across if across < 1 else across)
+        self.x("mousemove", round(x), round(top + height / 2), "click", 1)
+
+    def box(self, words):
+        """Waits for a message box with these words that the keyboard writes to."""
+
+        def there():
+            boxes = self.state().get("boxes")
+            return boxes and words in boxes[-1]
+        self.wait(f'the box "{words}"', there)
+        self.wait("its keyboard", lambda: self.state().get("keyboard") == "box")
+
+    def answer(self, words, key="Return"):
+        self.box(words)
+        closed = self.state()["boxes_closed"]
+        end = time.monotonic() + PATIENCE
+        while self.state().get("boxes_closed") == closed and time.monotonic() < end:
+            self.x("key", key)
+            pause = time.monotonic() + 1
+            while self.state().get("boxes_closed") == closed and time.monotonic() < pause:
+                time.sleep(0.05)
+        assert self.state()["boxes_closed"] > closed, f'The box "{words}" was never closed.'
+
+    def tick_option(self, name):
+        widget = self.wait(f"{name}, usable", lambda: self.widget(name))
+        was = widget["checked"]
+        self.click(widget["rectangle"], 8)
+        self.wait(f"{name}, turned", lambda: (self.widget(name) or {}).get("checked") == (not was))
+
+    def widget(self, name):
+        widget = self.state().get("widgets", {}).get(name)
+        return widget if widget and widget["enabled"] else None
+
+    def node(self, name):
+        return next((node for node in self.state().get("tree", []) if node["text"].startswith(name + " ")), None)
+
+    def tick_folder(self, name):
+        node = self.wait(f"the folder {name}", lambda: self.node(name))
+        left, top, width, height = node["rectangle"]
+        # The box stands a little into the node, at its text's left.
+        self.click((left, top, width, height), 12)
+        self.wait(f"{name}, ticked", lambda: self.node(name)["checked"])
