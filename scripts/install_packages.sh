@@ -54,6 +54,7 @@ for_windows=(
   g++-mingw-w64-x86-64-posix
   wine
   wine64
+  fonts-wine           # what Windows writes with
   nsis                 # the installer
   libwxgtk3.2-dev
   libsqlite3-dev

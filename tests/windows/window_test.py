@@ -40,8 +40,8 @@ def main():
             window.picture("confirmation")
             window.answer("identified for cleaning")
             window.answer("were moved to the \"Deleted Items\" folder")
-            window.wait("rest", lambda: not window.state()["boxes"] and window.widget("cmdRun")
-                        and window.widget("cmdRun")["label"] == "&Clean")
+            window.wait("rest", lambda: not window.state()["boxes"]
+                        and window.state()["widgets"]["cmdRun"]["label"] == "&Clean")
             window.picture("cleaned")
             window.x("key", "ctrl+q")
             window.answer("Quit Tidyfold?", "alt+y")

@@ -9,6 +9,7 @@ import tempfile
 import time
 
 PATIENCE = 90  # seconds, for anything that is waited for
+SCREEN = "1280x900"
 
 
 def windows_path(path):
@@ -16,24 +17,30 @@ def windows_path(path):
 
 
 class Wine_Window:
-    def __init__(self, wine, program, arguments=(), screenshots=None, environment=None):
+    def __init__(self, wine, program, arguments=(), screenshots=None, prepare=None):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="tidyfold-wine-"))
         self.state_file = self.folder / "state.json"
         self.screenshots = pathlib.Path(screenshots) if screenshots else None
         self.children = []
         read, write = os.pipe()
-        self.start(["Xvfb", "-displayfd", str(write), "-screen", "0", "1280x900x24", "-nolisten", "tcp"],
+        self.start(["Xvfb", "-displayfd", str(write), "-screen", "0", SCREEN + "x24", "-nolisten", "tcp"],
                    pass_fds=[write])
         os.close(write)
-        display = os.read(read, 20).decode().strip()
-        os.close(read)
+        with os.fdopen(read) as told:
+            display = told.readline().strip()
         # A Windows of its own: one that was started without a screen shows no windows later.
         self.environment = dict(os.environ, DISPLAY=":" + display, WINEPREFIX=str(self.folder / "wine"),
-                                TIDYFOLD_WINDOW_STATE=windows_path(self.state_file), **(environment or {}))
-        self.start(["openbox", "--sm-disable"])
-        self.wait("a window manager", lambda: self.x("getactivewindow", check=False) is not None)
+                                TIDYFOLD_WINDOW_STATE=windows_path(self.state_file))
         subprocess.run([wine, "wineboot", "--init"], env=self.environment, check=True, stdout=subprocess.DEVNULL,
                        stderr=subprocess.DEVNULL)
+        # A desktop of Wine's own: boxes stand where Windows puts them, not where a window manager does.
+        for key, name, value in ((r"HKCU\Software\Wine\Explorer", "Desktop", "Tests"),
+                                 (r"HKCU\Software\Wine\Explorer\Desktops", "Tests", SCREEN)):
+            subprocess.run([wine, "reg", "add", key, "/v", name, "/d", value, "/f"], env=self.environment, check=True,
+                           stdout=subprocess.DEVNULL)
+        subprocess.run(["wineserver", "--wait"], env=self.environment, check=True)  # the desktop comes with the next
+        if prepare:
+            prepare(self.environment)
         self.program = self.start([str(wine), str(program), *arguments])
 
     def start(self, command, **how):
