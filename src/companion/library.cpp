@@ -1,46 +1,28 @@
 // What the system calls in an in-process automation server.
 #include <array>
-#include <new>
 
 #include "companion/mapi_utils.h"
 #include "companion/registration.h"
+#include "stores/automation/com_object.h"
 
 namespace tidyfold::companion {
 namespace {
 
 HMODULE this_library = nullptr;
 
-class Class_Factory : public IClassFactory {
+// As long as anybody holds it, the library is kept.
+class Counted_Factory : public com::Class_Factory {
  public:
-  virtual ~Class_Factory() = default;
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID wanted, void** object) override {
-    if (object == nullptr) return E_POINTER;
-    *object = nullptr;
-    if (!IsEqualIID(wanted, IID_IUnknown) && !IsEqualIID(wanted, IID_IClassFactory)) return E_NOINTERFACE;
-    AddRef();
-    *object = static_cast<IClassFactory*>(this);
-    return S_OK;
-  }
-  // One for all, as long as the library is loaded.
+  using Class_Factory::Class_Factory;
   ULONG STDMETHODCALLTYPE AddRef() override { return static_cast<ULONG>(InterlockedIncrement(&users)); }
   ULONG STDMETHODCALLTYPE Release() override { return static_cast<ULONG>(InterlockedDecrement(&users)); }
-  HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID wanted, void** object) override {
-    if (object == nullptr) return E_POINTER;
-    *object = nullptr;
-    if (outer != nullptr) return CLASS_E_NOAGGREGATION;
-    try {
-      return Make_Mapi_Utils()->QueryInterface(wanted, object);
-    } catch (const std::bad_alloc&) {
-      return E_OUTOFMEMORY;
-    }
-  }
   HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) override {
     lock ? InterlockedIncrement(&users) : InterlockedDecrement(&users);
     return S_OK;
   }
 };
 
-Class_Factory factory;
+Counted_Factory factory([] { return Make_Mapi_Utils(); });
 
 }  // namespace
 }  // namespace tidyfold::companion

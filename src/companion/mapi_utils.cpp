@@ -4,6 +4,7 @@
 
 #include "companion/mapi_property.h"
 #include "errors/automation_error.h"
+#include "stores/automation/com_object.h"
 
 namespace tidyfold::companion {
 
@@ -42,25 +43,10 @@ IUnknown* Object_In(const VARIANT& argument) {
   }
 }
 
-class Mapi_Utils_Object : public IDispatch {
+class Mapi_Utils_Object : public com::Com_Object<IDispatch> {
  public:
   Mapi_Utils_Object() { InterlockedIncrement(&users); }
-  virtual ~Mapi_Utils_Object() { InterlockedDecrement(&users); }
-
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID wanted, void** object) override {
-    if (object == nullptr) return E_POINTER;
-    *object = nullptr;
-    if (!IsEqualIID(wanted, IID_IUnknown) && !IsEqualIID(wanted, IID_IDispatch)) return E_NOINTERFACE;
-    AddRef();
-    *object = static_cast<IDispatch*>(this);
-    return S_OK;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return static_cast<ULONG>(InterlockedIncrement(&references_)); }
-  ULONG STDMETHODCALLTYPE Release() override {
-    const LONG left = InterlockedDecrement(&references_);
-    if (left == 0) delete this;
-    return static_cast<ULONG>(left);
-  }
+  ~Mapi_Utils_Object() override { InterlockedDecrement(&users); }
 
   HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
     if (count == nullptr) return E_POINTER;
@@ -97,15 +83,12 @@ class Mapi_Utils_Object : public IDispatch {
       return E_OUTOFMEMORY;
     }
   }
-
- private:
-  LONG references_ = 1;
 };
 
 }  // namespace
 
-com::Ptr<IDispatch> Make_Mapi_Utils() {
-  return com::Ptr<IDispatch>(new Mapi_Utils_Object);
+com::Ptr<IUnknown> Make_Mapi_Utils() {
+  return com::Ptr<IUnknown>(new Mapi_Utils_Object);
 }
 
 }  // namespace tidyfold::companion

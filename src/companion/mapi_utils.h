@@ -9,6 +9,6 @@ namespace tidyfold::companion {
 extern LONG users;
 
 // Offers HrGetOneProp(object, property tag), by name.
-com::Ptr<IDispatch> Make_Mapi_Utils();
+com::Ptr<IUnknown> Make_Mapi_Utils();
 
 }  // namespace tidyfold::companion

@@ -1,6 +1,8 @@
 // What becomes of calls that Outlook turns away because it is busy: they are made again, for a while.
 #pragma once
 
+#include <chrono>
+
 #include "stores/automation/com.h"
 
 namespace tidyfold::com {
@@ -8,7 +10,8 @@ namespace tidyfold::com {
 // Registered with the thread for as long as it lives; the filter that stood there before is put back.
 class Busy_Filter {
  public:
-  Busy_Filter();
+  // Calls are made again for so long.
+  explicit Busy_Filter(std::chrono::milliseconds patience);
   Busy_Filter(const Busy_Filter&) = delete;
   Busy_Filter& operator=(const Busy_Filter&) = delete;
   ~Busy_Filter();

@@ -48,6 +48,7 @@ inline constexpr std::size_t member_count = static_cast<std::size_t>(Member::UnR
 // Makes the calls, and makes them again while the other side is busy.
 class Caller {
  public:
+  explicit Caller(std::chrono::milliseconds patience) : filter_(patience) {}
   DISPID Id_Of(IDispatch& object, Member member);
   // Arguments in the order in which they are written.
   Variant Invoke(IDispatch& object, DISPID id, WORD kind,

@@ -240,7 +240,7 @@ std::shared_ptr<Mapi_Utils> Create_Companion(const Session_Ptr& session, const s
   }
   if (FAILED(result)) {
     throw Automation_Error(static_cast<std::int32_t>(result),
-                           "Mail is shown without its sender: " + program +
+                           program +
                                " is not registered. Run \"regsvr32 TidyDll.dll\" in the folder of Tidyfold, "
                                "and start it again.",
                            application_title);

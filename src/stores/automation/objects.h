@@ -10,6 +10,7 @@ namespace tidyfold::com {
 
 // What all objects of one session share. It belongs to the thread that made it, and so do they.
 struct Session {
+  explicit Session(std::chrono::milliseconds patience) : caller(patience) {}
   Caller caller;
   Member_Ids application, name_space, folders, folder, items, mapi_utils;
   Item_Ids item;

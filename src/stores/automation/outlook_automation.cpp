@@ -14,9 +14,9 @@ CLSID Class_Of(const std::string& program) {
 
 }  // namespace
 
-Outlook_Automation::Outlook_Automation() {
+Outlook_Automation::Outlook_Automation(std::chrono::milliseconds patience) {
   com::Check(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE));
-  session_ = std::make_shared<com::Session>();
+  session_ = std::make_shared<com::Session>(patience);
 }
 
 Outlook_Automation::~Outlook_Automation() {

@@ -5,6 +5,7 @@
 // throw Automation_Error with the number automation_error::unavailable.
 #pragma once
 
+#include <chrono>
 #include <memory>
 #include <string>
 
@@ -18,8 +19,9 @@ struct Session;
 
 class Outlook_Automation : public Automation {
  public:
-  // Throws Automation_Error when the thread cannot be used for automation.
-  Outlook_Automation();
+  // By default calls are made again for so long that a send and receive, or a box that is answered at once,
+  // can end meanwhile. Throws Automation_Error when the thread cannot be used for automation.
+  explicit Outlook_Automation(std::chrono::milliseconds patience = std::chrono::seconds(20));
   Outlook_Automation(const Outlook_Automation&) = delete;
   Outlook_Automation& operator=(const Outlook_Automation&) = delete;
   // Nothing that came out of it may be left.

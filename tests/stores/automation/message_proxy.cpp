@@ -1,18 +1,24 @@
 // The proxy of the test server's messages: it comes into being in the process of whoever asks for an item's
 // MAPIOBJECT, offers IMAPIProp there, and fetches properties from the server.
-#include "served_outlook.h"
+#include <windows.h>
 
 #include <mapicode.h>
 #include <mapidefs.h>
 
 #include <cstring>
 
+#include "server_ids.h"
+#include "stores/automation/com_object.h"
+
 using tidyfold::com::Ptr;
 
-namespace {
+template <>
+const IID& tidyfold::com::Id_Of<IMAPIProp>() {
+  static constexpr IID id = {0x00020303, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
+  return id;
+}
 
-constexpr IID mapi_prop_interface = {
-    0x00020303, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
+namespace {
 
 template <class Function>
 Function Mapi_Function(const char* name) {
@@ -32,28 +38,8 @@ void* Allocate_With(void* parent, std::size_t size) {
   return memory;
 }
 
-class Message_Proxy : public IMAPIProp, public IMarshal {
+class Message_Proxy : public tidyfold::com::Com_Object<IMAPIProp, IMarshal> {
  public:
-  virtual ~Message_Proxy() = default;
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID wanted, void** object) override {
-    *object = nullptr;
-    if (IsEqualIID(wanted, IID_IMarshal)) {
-      *object = static_cast<IMarshal*>(this);
-    } else if (IsEqualIID(wanted, IID_IUnknown) || IsEqualIID(wanted, mapi_prop_interface)) {
-      *object = static_cast<IMAPIProp*>(this);
-    } else {
-      return E_NOINTERFACE;
-    }
-    AddRef();
-    return S_OK;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-  ULONG STDMETHODCALLTYPE Release() override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
-  }
-
   HRESULT STDMETHODCALLTYPE UnmarshalInterface(IStream* stream, REFIID wanted, void** object) override {
     const HRESULT result =
         CoUnmarshalInterface(stream, IID_IDispatch, reinterpret_cast<void**>(reader_.Receive()));
@@ -156,26 +142,11 @@ class Message_Proxy : public IMAPIProp, public IMarshal {
   }
 
   Ptr<IDispatch> reader_;
-  ULONG references_ = 1;
 };
 
-class Factory : public IClassFactory {
- public:
-  virtual ~Factory() = default;
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** object) override {
-    *object = static_cast<IClassFactory*>(this);
-    return S_OK;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return 1; }
-  ULONG STDMETHODCALLTYPE Release() override { return 1; }
-  HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown*, REFIID wanted, void** object) override {
-    const Ptr<IMAPIProp> proxy(new Message_Proxy);
-    return proxy->QueryInterface(wanted, object);
-  }
-  HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return S_OK; }
-};
-
-Factory factory;
+tidyfold::com::Class_Factory factory([] {
+  return Ptr<IUnknown>(static_cast<IMAPIProp*>(new Message_Proxy));
+});
 
 }  // namespace
 

@@ -1,10 +1,15 @@
 #include "served_object.h"
 
+#include <algorithm>
+#include <set>
+
 #include "errors/automation_error.h"
 
 namespace tidyfold::test_server {
 
 namespace {
+
+constexpr std::size_t most_names = 64, first_unlike = 1000;
 
 // Places of names are given as they come up.
 std::vector<std::string>& Names() {
@@ -13,40 +18,42 @@ std::vector<std::string>& Names() {
 }
 
 std::size_t Place(const std::string& name) {
-  std::size_t place = 0;
-  for (; place < Names().size(); ++place)
-    if (Names()[place] == name) return place;
-  Names().push_back(name);
+  const auto found = std::find(Names().begin(), Names().end(), name);
+  const auto place = static_cast<std::size_t>(found - Names().begin());
+  if (found == Names().end()) Names().push_back(name);
   return place;
 }
 
 }  // namespace
 
 void Switches::Before(const std::string& member) {
-  ++calls;
+  ++calls_of[""];
   ++calls_of[member];
   if (vanish_in > 0 && --vanish_in == 0) TerminateProcess(GetCurrentProcess(), 0);
-  if (member == fail_member && fail_in > 0 && --fail_in == 0)
+  if (member != fail_member || fail_in == 0) return;
+  if (fail_in < 0 || --fail_in == 0)
     throw Automation_Error(fail_number, "Outlook says no to " + member + ".", "Test Outlook");
 }
 
-HRESULT Served::QueryInterface(REFIID wanted, void** object) {
-  *object = nullptr;
-  if (!IsEqualIID(wanted, IID_IUnknown) && !IsEqualIID(wanted, IID_IDispatch)) return E_NOINTERFACE;
-  AddRef();
-  *object = static_cast<IDispatch*>(this);
-  return S_OK;
+Served::Served(Switches& switches, std::string type, std::int32_t item_class)
+    : switches_(switches), type_(std::move(type)), class_(static_cast<std::size_t>(item_class)) {
+  int& most = switches_.most_open[type_];
+  most = std::max(most, ++switches_.open[type_]);
 }
 
-ULONG Served::Release() {
-  const ULONG left = --references_;
-  if (left == 0) delete this;
-  return left;
+// Names that every item has bear the same id in all of them, the others one of their class's own.
+DISPID Served::Id_At(std::size_t place, const std::string& name) const {
+  static const std::set<std::string> shared = {"Class", "Delete", "Display", "EntryID", "Parent", "Subject"};
+  if (class_ > 0 && switches_.ids_unlike)
+    return static_cast<DISPID>(first_unlike + (place + class_) % most_names);
+  return static_cast<DISPID>(place + 1 + (shared.contains(name) ? 0 : 100 * class_));
 }
 
-HRESULT Served::GetTypeInfoCount(UINT* count) {
-  *count = 0;
-  return S_OK;
+std::size_t Served::Place_Of(DISPID id) const {
+  const auto number = static_cast<std::size_t>(id);
+  if (class_ > 0 && switches_.ids_unlike)
+    return (number - first_unlike + 2 * most_names - class_) % most_names;
+  return number <= most_names ? number - 1 : number - 1 - 100 * class_;
 }
 
 HRESULT Served::GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) {
@@ -61,15 +68,14 @@ HRESULT Served::GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID*
 HRESULT Served::Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS* parameters, VARIANT* answer,
                        EXCEPINFO* told, UINT*) {
   const std::size_t place = Place_Of(id);
-  if (place >= Names().size()) return DISP_E_MEMBERNOTFOUND;
-  const auto member = members_.find(Names()[place]);
-  if (member == members_.end()) return DISP_E_MEMBERNOTFOUND;
+  if (place >= Names().size() || !members_.contains(Names()[place])) return DISP_E_MEMBERNOTFOUND;
   try {
-    if (!type_.empty()) switches_.Before(type_ + "." + member->first);
+    const std::string& name = Names()[place];
+    if (!type_.empty()) switches_.Before(type_ + "." + name);
     Arguments arguments;
     for (UINT i = parameters->cArgs; i > 0; --i)
       arguments.push_back(com::Variant::Copy_Of(parameters->rgvarg[i - 1]));
-    com::Variant result = member->second(arguments);
+    com::Variant result = members_[name](arguments);
     if (answer != nullptr) *answer = result.Detach();
     return S_OK;
   } catch (const Automation_Error& error) {

@@ -7,16 +7,16 @@
 #include <utility>
 #include <vector>
 
-#include "stores/automation/com.h"
+#include "stores/automation/com_object.h"
 
 namespace tidyfold::test_server {
 
 // Every call into a served object passes here first.
 struct Switches {
-  int calls = 0;
-  std::map<std::string, int> calls_of;  // "Item.Subject", "Folders.Count", ...
+  std::map<std::string, int> calls_of;  // "Item.Subject", "Folders.Count", ..., "GetIDsOfNames", "" for all
+  std::map<std::string, int> open, most_open;  // objects, by type
   std::string fail_member;
-  int fail_in = 0;  // the how-manieth call of it from now on fails, once
+  int fail_in = 0;  // the how-manieth call of it from now on fails; all of them when negative
   std::int32_t fail_number = 0;
   int vanish_in = 0;        // the how-manieth call of anything from now on ends the process; 0: none
   bool ids_unlike = false;  // items of different classes share no ids, and one's id is another's name's
@@ -27,36 +27,30 @@ struct Switches {
 using Arguments = std::vector<com::Variant>;
 
 // Its members are those that it offers; called by name.
-class Served : public IDispatch {
+class Served : public com::Com_Object<IDispatch> {
  public:
+  using Body = std::function<com::Variant(const Arguments&)>;
   // `type` stands in front of the names in counts and faults; an empty one is neither counted nor failed.
-  Served(Switches& switches, std::string type) : switches_(switches), type_(std::move(type)) {}
-  virtual ~Served() = default;
+  // Items have a class.
+  Served(Switches& switches, std::string type, std::int32_t item_class = 0);
+  ~Served() override { --switches_.open[type_]; }
+  void Offer(const char* name, Body body) { members_[name] = std::move(body); }
 
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID wanted, void** object) override;
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-  ULONG STDMETHODCALLTYPE Release() override;
-  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override;
+  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override { return *count = 0, S_OK; }
   HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) override;
   HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD kind, DISPPARAMS* parameters,
                                    VARIANT* answer, EXCEPINFO* told, UINT*) override;
 
- protected:
-  using Body = std::function<com::Variant(const Arguments&)>;
-  void Offer(const char* name, Body body) { members_[name] = std::move(body); }
-  const Switches& The_Switches() const { return switches_; }
-  // From a name's place among all names to its id, and back.
-  virtual DISPID Id_At(std::size_t place, const std::string&) const { return static_cast<DISPID>(place) + 1; }
-  virtual std::size_t Place_Of(DISPID id) const { return static_cast<std::size_t>(id) - 1; }
-
  private:
+  // From a name's place among all names to its id, and back.
+  DISPID Id_At(std::size_t place, const std::string& name) const;
+  std::size_t Place_Of(DISPID id) const;
+
   Switches& switches_;
   std::string type_;
+  std::size_t class_;
   std::map<std::string, Body> members_;
-  ULONG references_ = 1;
 };
-
-inline constexpr std::size_t most_names = 64;
 
 }  // namespace tidyfold::test_server

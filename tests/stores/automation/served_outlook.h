@@ -19,17 +19,8 @@ struct World {
 };
 
 com::Ptr<IDispatch> Make_Application(World& world);
-com::Ptr<IDispatch> Make_Folder(World& world, MAPIFolder_Ptr folder);
+com::Ptr<IDispatch> Serve(World& world, const MAPIFolder_Ptr& folder);
 // Through which a test fills the stores and sets the switches. Not part of the object model.
 com::Ptr<IDispatch> Make_Control(World& world);
-
-// Marshals itself into a client's process as message_proxy.dll, which offers IMAPIProp there.
-com::Ptr<IUnknown> Make_Message(World& world, std::shared_ptr<Mapi_Object> message);
-
-// {0B2F0A4E-6D0B-4C58-9E43-6A1F5D6B7C01}: the proxy of messages.
-inline constexpr CLSID message_proxy_class = {
-    0x0B2F0A4E, 0x6D0B, 0x4C58, {0x9E, 0x43, 0x6A, 0x1F, 0x5D, 0x6B, 0x7C, 0x01}};
-// What the proxy calls: GetProps(number of the property), its text or nothing.
-inline constexpr const wchar_t* message_member = L"GetProps";
 
 }  // namespace tidyfold::test_server

@@ -50,18 +50,9 @@ int Register() {
   return written ? 0 : 1;
 }
 
-class Filter : public IMessageFilter {
+class Filter : public com::Com_Object<IMessageFilter> {
  public:
   explicit Filter(World& world) : world_(world) {}
-  virtual ~Filter() = default;
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID wanted, void** object) override {
-    *object = nullptr;
-    if (!IsEqualIID(wanted, IID_IUnknown) && !IsEqualIID(wanted, IID_IMessageFilter)) return E_NOINTERFACE;
-    *object = static_cast<IMessageFilter*>(this);
-    return S_OK;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return 1; }
-  ULONG STDMETHODCALLTYPE Release() override { return 1; }
   DWORD STDMETHODCALLTYPE HandleInComingCall(DWORD, HTASK, DWORD, LPINTERFACEINFO) override {
     last_call = GetTickCount64();
     if (world_.busy_calls <= 0) return SERVERCALL_ISHANDLED;
@@ -77,40 +68,22 @@ class Filter : public IMessageFilter {
   World& world_;
 };
 
-// One object for everybody.
-class Factory : public IClassFactory {
- public:
-  explicit Factory(com::Ptr<IDispatch> object) : object_(std::move(object)) {}
-  virtual ~Factory() = default;
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID wanted, void** object) override {
-    *object = nullptr;
-    if (!IsEqualIID(wanted, IID_IUnknown) && !IsEqualIID(wanted, IID_IClassFactory)) return E_NOINTERFACE;
-    *object = static_cast<IClassFactory*>(this);
-    return S_OK;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return 1; }
-  ULONG STDMETHODCALLTYPE Release() override { return 1; }
-  HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown*, REFIID wanted, void** object) override {
-    return object_->QueryInterface(wanted, object);
-  }
-  HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return S_OK; }
-
- private:
-  com::Ptr<IDispatch> object_;
-};
-
 int Serve() {
   if (FAILED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) return 1;
   World world;
   world.outlooks.push_back(std::make_unique<Memory_Outlook>());
   Filter filter(world);
   CoRegisterMessageFilter(&filter, nullptr);
-  const com::Ptr<IDispatch> application = Make_Application(world);
-  Factory applications(application), controls(Make_Control(world));
+  // One object for everybody.
+  const com::Ptr<IDispatch> application = Make_Application(world), control = Make_Control(world);
+  const auto factory = [](const com::Ptr<IDispatch>& object) {
+    return new com::Class_Factory([object] { return com::Ptr<IUnknown>::Share(object.Get()); });
+  };
   DWORD cookie = 0;
   RegisterActiveObject(application.Get(), outlook_class, ACTIVEOBJECT_STRONG, &cookie);
-  CoRegisterClassObject(control_class, &controls, CLSCTX_LOCAL_SERVER, REGCLS_MULTIPLEUSE, &cookie);
-  CoRegisterClassObject(outlook_class, &applications, CLSCTX_LOCAL_SERVER, REGCLS_MULTIPLEUSE, &cookie);
+  CoRegisterClassObject(control_class, factory(control), CLSCTX_LOCAL_SERVER, REGCLS_MULTIPLEUSE, &cookie);
+  CoRegisterClassObject(outlook_class, factory(application), CLSCTX_LOCAL_SERVER, REGCLS_MULTIPLEUSE,
+                        &cookie);
   SetEvent(CreateEventW(nullptr, TRUE, FALSE, ready_event));
   SetTimer(nullptr, 0, look_every, nullptr);
   MSG message{};

@@ -27,8 +27,7 @@ class Test_Outlook {
     return Tell_All(member, arguments);
   }
   com::Variant Tell_All(const char* member, std::vector<com::Variant>& arguments);
-  int Calls() { return Tell("Calls").Number(); }
-  int Calls_Of(const char* member) { return Tell("CallsOf", member).Number(); }
+  int Calls_Of(const std::string& member) { return Tell("CallsOf", member).Number(); }
   com::Session_Ptr Session() { return session_; }
 
   // Ends the server, if it runs, and waits until it has ended.
@@ -38,7 +37,7 @@ class Test_Outlook {
   static bool Register_Companion(bool there);
 
  private:
-  com::Session_Ptr session_ = std::make_shared<com::Session>();
+  com::Session_Ptr session_ = std::make_shared<com::Session>(std::chrono::seconds(1));
   com::Ptr<IDispatch> control_;
 };
 
