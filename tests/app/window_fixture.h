@@ -25,9 +25,16 @@ namespace tidyfold {
 constexpr Answer OK = Answer::OK, Yes = Answer::Yes, No = Answer::No, Cancel = Answer::Cancel;
 
 struct Window_Fixture {
+  // Where the program is to work on something else than the stores in memory, these are filled the same way
+  // and tell the identifiers.
+  struct Instead {
+    Automation* outlook = nullptr;
+    Store_Writer* store = nullptr;
+  };
+  const Instead instead;
   Memory_Outlook outlook;
   Fault_Plan plan;
-  Faulty_Automation automation{outlook, plan};
+  Faulty_Automation automation{instead.outlook != nullptr ? *instead.outlook : outlook, plan};
   MainWindow window;
   Scripted_Message_Box box;
   Fake_Events events;
@@ -36,7 +43,10 @@ struct Window_Fixture {
   TreeView& tree = window.trvFolders;
   FlexGrid& grid = window.grdItems;
 
-  explicit Window_Fixture(const std::string& steps = "", std::size_t stores = 1) {
+  explicit Window_Fixture(const std::string& steps = "", std::size_t stores = 1)
+      : Window_Fixture(Instead(), steps, stores) {}
+  explicit Window_Fixture(Instead instead_of_memory, const std::string& steps = "", std::size_t stores = 1)
+      : instead(instead_of_memory) {
     while (outlook.Stores() < stores) outlook.Add_Store("Store " + std::to_string(outlook.Stores() + 1));
     Do(steps);
   }
@@ -84,7 +94,11 @@ struct Window_Fixture {
       const Folders_Ptr below = folder->Folders();
       std::int32_t i = 1;
       while (i <= below->Count() && below->Item(i)->Name() != name) ++i;
-      folder = i <= below->Count() ? below->Item(i) : store.Add_Folder(*folder, name, item_type::mail);
+      if (i > below->Count()) {
+        if (instead.store != nullptr) instead.store->Add_Folder(*folder, name, item_type::mail);
+        store.Add_Folder(*folder, name, item_type::mail);
+      }
+      folder = below->Item(i);
     }
     return folder;
   }
@@ -92,7 +106,10 @@ struct Window_Fixture {
   std::string Add(const std::string& path, const New_Item& item, int count = 1) {
     const MAPIFolder_Ptr folder = Folder(path);
     std::string id;
-    while (--count >= 0) id = outlook.Store(path.starts_with("2:") ? 2 : 1).Add_Item(*folder, item);
+    while (--count >= 0) {
+      if (instead.store != nullptr) instead.store->Add_Item(*folder, item);
+      id = outlook.Store(path.starts_with("2:") ? 2 : 1).Add_Item(*folder, item);
+    }
     return folder->StoreID() + " " + id;
   }
   std::string Add(const std::string& path, const std::string& subject, int count = 1) {
@@ -138,7 +155,8 @@ struct Window_Fixture {
       for (std::int32_t i = 1; i <= folder.Folders()->Count(); ++i)
         collect(*folder.Folders()->Item(i), path + "/" + folder.Folders()->Item(i)->Name());
     };
-    for (std::size_t i = 1; i <= outlook.Stores(); ++i) collect(*outlook.Store(i).Top_Folder(), "");
+    for (std::size_t i = 1; i <= outlook.Stores(); ++i)
+      collect(instead.store != nullptr ? *instead.store->Top_Folder() : *outlook.Store(i).Top_Folder(), "");
     return all;
   }
   // Tree, records and rows show what the stores hold, once everything is loaded.

@@ -58,4 +58,69 @@ struct Run_Fixture : Window_Fixture {
   }
 };
 
+// One run of each kind over a small store.
+struct Way {
+  std::string name, before, after;  // steps before and after the folders are ticked
+  bool operator==(const char* other) const { return name == other; }
+};
+
+inline const Way ways[] = {{"cached", "", ""},
+                           {"permanent", "set PermanentDelete", ""},
+                           {"confirmed", "set ConfirmFolders ConfirmItems", ""},
+                           {"live", "", ""},  // Clean is pressed while the first folder is being read
+                           {"turbo", "set Turbo", ""},
+                           {"rows", "set ShowAllFolders", "set SelectByRow"},
+                           {"folders", "set DeleteFolders ConfirmFolders", ""}};
+
+struct Way_Run : Run_Fixture {
+  const Way way;
+  std::function<void()> before_run = [] {};  // the last moment before Clean is pressed
+
+  explicit Way_Run(const Way& the_way, int copies = 1, Instead instead_of_memory = {})
+      : Run_Fixture(instead_of_memory), way(the_way) {
+    New_Item item;
+    for (const char* path : {"Deleted Items", "Inbox", "Old", "Old/Deep", "Projects"})
+      for (int number = 1; number <= 4 * copies; ++number) {
+        item.unread = number % 4 == 3;
+        items[Add(path, item)] = item;
+      }
+    expected = before = Everything();
+    box.Answer_Anything();
+  }
+  void Run() {
+    const auto clean = [this] {
+      if (window.frmRemoveItems.Loaded())
+        Do(way.before + "; tick Inbox; tick Old/Deep; tick Old; " + way.after);
+      if (!window.frmRemoveItems.Loaded()) return;
+      Foresee();
+      before_run();
+      window.cmdRun.Click();
+    };
+    if (way == "live")
+      events.When([this] { return window.sbStatusBar.Panel_Text(1).starts_with("Loading"); }, clean);
+    app.Form_Load();
+    if (!(way == "live")) clean();
+    events.Forget_Waiting();
+  }
+  // `touched` are items that another program has moved or taken away.
+  void Expect_Nothing_Else(const std::set<std::string>& touched = {}) {
+    Contents now = Everything();
+    int done = 0, left = 0;
+    for (const auto& [id, path] : before) {
+      if (touched.contains(id)) continue;
+      const bool as_foreseen =
+          now.contains(id) ? expected.contains(id) && now[id] == expected[id] : !expected.contains(id);
+      const bool chosen = !expected.contains(id) || expected[id] != path;
+      EXPECT_TRUE(chosen || as_foreseen) << id << " of " << path << " was not chosen";
+      if (chosen && items.contains(id)) ++(as_foreseen ? done : left);
+    }
+    EXPECT_FALSE(app.Run().Processing);
+    const bool one_run = box.Count(" identified for ") == 1 && !(way == "folders");
+    const int processed = app.Run().ProcessedCount, most = done + static_cast<int>(touched.size());
+    EXPECT_TRUE(!one_run || (processed >= done && processed <= most)) << processed << " of " << done;
+    const bool summed_up = box.Count("item was ") + box.Count("items were ") > 0 && !app.Run().Cancelled;
+    EXPECT_TRUE(!summed_up || left == 0 || box.Count("Not all items could be deleted") == 1) << left;
+  }
+};
+
 }  // namespace tidyfold

@@ -117,7 +117,7 @@ void Fail(HRESULT result, EXCEPINFO* told) {
     if (told->pfnDeferredFillIn != nullptr) told->pfnDeferredFillIn(told);
     // Either of the two tells the failure.
     result = told->scode != 0 ? told->scode : static_cast<HRESULT>(told->wCode);
-    if (SUCCEEDED(result)) result = E_FAIL;
+    if (result == S_OK) result = E_FAIL;
     description = Take(told->bstrDescription);
     source = Take(told->bstrSource);
     Take(told->bstrHelpFile);

@@ -52,9 +52,10 @@ Ptr<IDispatch> Make_Control(World& world) {
   order("Reset", [&](auto&) {
     world.outlooks.push_back(std::make_unique<Memory_Outlook>());
     // Objects of an earlier test are still open.
-    auto open = std::move(switches.open);
+    const Switches before = std::move(switches);
     switches = {};
-    switches.most_open = switches.open = std::move(open);
+    switches.most_open = switches.open = before.open;
+    switches.vanish = before.vanish;
     world.busy_calls = 0;
   });
   order("AddStore", [&](auto& a) {

@@ -122,19 +122,14 @@ class Message_Proxy : public tidyfold::com::Com_Object<IMAPIProp, IMarshal> {
  private:
   HRESULT Ask(ULONG number, VARIANT& answer) {
     VariantInit(&answer);
-    static DISPID id = DISPID_UNKNOWN;
-    if (id == DISPID_UNKNOWN) {
-      LPOLESTR name = const_cast<LPOLESTR>(tidyfold::test_server::message_member);
-      const HRESULT found = reader_->GetIDsOfNames(IID_NULL, &name, 1, LOCALE_USER_DEFAULT, &id);
-      if (FAILED(found)) return found;
-    }
     VARIANT argument;
     argument.vt = VT_I4;
     argument.lVal = static_cast<LONG>(number);
     DISPPARAMS parameters{&argument, nullptr, 1, 0};
     EXCEPINFO told{};
-    const HRESULT result = reader_->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &parameters,
-                                           &answer, &told, nullptr);
+    const HRESULT result =
+        reader_->Invoke(tidyfold::test_server::message_member, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD,
+                        &parameters, &answer, &told, nullptr);
     if (result != DISP_E_EXCEPTION) return result;
     SysFreeString(told.bstrDescription);
     SysFreeString(told.bstrSource);

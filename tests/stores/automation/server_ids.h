@@ -19,7 +19,7 @@ inline constexpr CLSID control_class = {
 // {0B2F0A4E-6D0B-4C58-9E43-6A1F5D6B7C01}: the proxy of messages.
 inline constexpr CLSID message_proxy_class = {
     0x0B2F0A4E, 0x6D0B, 0x4C58, {0x9E, 0x43, 0x6A, 0x1F, 0x5D, 0x6B, 0x7C, 0x01}};
-// What the proxy calls: GetProps(number of the property), its text or nothing.
-inline constexpr const wchar_t* message_member = L"GetProps";
+// The id of what the proxy calls: GetProps(number of the property), its text or nothing.
+inline constexpr DISPID message_member = 1;
 
 }  // namespace tidyfold::test_server

@@ -56,8 +56,9 @@ class Filter : public com::Com_Object<IMessageFilter> {
   DWORD STDMETHODCALLTYPE HandleInComingCall(DWORD, HTASK, DWORD, LPINTERFACEINFO) override {
     last_call = GetTickCount64();
     if (world_.busy_calls <= 0) return SERVERCALL_ISHANDLED;
-    // By turns, as programs do.
-    return --world_.busy_calls % 2 == 0 ? SERVERCALL_RETRYLATER : SERVERCALL_REJECTED;
+    // Wine makes the call all the same where the answer is to try again later.
+    --world_.busy_calls;
+    return SERVERCALL_REJECTED;
   }
   DWORD STDMETHODCALLTYPE RetryRejectedCall(HTASK, DWORD, DWORD) override { return static_cast<DWORD>(-1); }
   DWORD STDMETHODCALLTYPE MessagePending(HTASK, DWORD, DWORD) override { return PENDINGMSG_WAITDEFPROCESS; }
@@ -79,11 +80,19 @@ int Serve() {
   const auto factory = [](const com::Ptr<IDispatch>& object) {
     return new com::Class_Factory([object] { return com::Ptr<IUnknown>::Share(object.Get()); });
   };
-  DWORD cookie = 0;
-  RegisterActiveObject(application.Get(), outlook_class, ACTIVEOBJECT_STRONG, &cookie);
-  CoRegisterClassObject(control_class, factory(control), CLSCTX_LOCAL_SERVER, REGCLS_MULTIPLEUSE, &cookie);
+  DWORD active = 0, classes[2] = {};
+  RegisterActiveObject(application.Get(), outlook_class, ACTIVEOBJECT_STRONG, &active);
+  CoRegisterClassObject(control_class, factory(control), CLSCTX_LOCAL_SERVER, REGCLS_MULTIPLEUSE,
+                        &classes[0]);
   CoRegisterClassObject(outlook_class, factory(application), CLSCTX_LOCAL_SERVER, REGCLS_MULTIPLEUSE,
-                        &cookie);
+                        &classes[1]);
+  // Wine does not notice that a process has gone, and would go on to send clients there. Clients may hold
+  // objects; what they do with them now fails, and nothing is taken down under a call.
+  world.switches.vanish = [&] {
+    RevokeActiveObject(active, nullptr);
+    for (const DWORD one : classes) CoRevokeClassObject(one);
+    TerminateProcess(GetCurrentProcess(), 0);
+  };
   SetEvent(CreateEventW(nullptr, TRUE, FALSE, ready_event));
   SetTimer(nullptr, 0, look_every, nullptr);
   MSG message{};
@@ -91,8 +100,8 @@ int Serve() {
     if (message.message == WM_TIMER && GetTickCount64() - filter.last_call > longest_idle) break;
     DispatchMessageW(&message);
   }
-  // Clients may hold objects; what they do with them now fails, and nothing is taken down under a call.
-  ExitProcess(0);
+  world.switches.vanish();
+  return 0;
 }
 
 }  // namespace

@@ -60,11 +60,21 @@ class Registered_Server : public testing::Environment {
 [[maybe_unused]] testing::Environment* const registered =
     testing::AddGlobalTestEnvironment(new Registered_Server);
 
+// A server that is to be busy turns away what a test needs of it as well.
+template <class Make_Call>
+HRESULT Until_Answered(Make_Call&& call) {
+  HRESULT result = call();
+  while (com::Is_Busy(result)) result = call();
+  return result;
+}
+
 com::Ptr<IDispatch> Running_Control() {
   com::Ptr<IDispatch> control;
   if (!Test_Outlook::Is_Running()) return control;
-  com::Check(CoCreateInstance(control_class, nullptr, CLSCTX_LOCAL_SERVER, IID_IDispatch,
-                              reinterpret_cast<void**>(control.Receive())));
+  com::Check(Until_Answered([&] {
+    return CoCreateInstance(control_class, nullptr, CLSCTX_LOCAL_SERVER, IID_IDispatch,
+                            reinterpret_cast<void**>(control.Receive()));
+  }));
   return control;
 }
 
@@ -72,15 +82,18 @@ com::Variant Call(IDispatch& control, const char* member, std::vector<com::Varia
   std::wstring name = com::To_Wide(member);
   LPOLESTR text = name.data();
   DISPID id = DISPID_UNKNOWN;
-  com::Check(control.GetIDsOfNames(IID_NULL, &text, 1, LOCALE_USER_DEFAULT, &id));
+  com::Check(
+      Until_Answered([&] { return control.GetIDsOfNames(IID_NULL, &text, 1, LOCALE_USER_DEFAULT, &id); }));
   std::vector<VARIANT> reversed;
   for (auto argument = arguments.rbegin(); argument != arguments.rend(); ++argument)
     reversed.push_back(argument->Raw());
   DISPPARAMS parameters{reversed.data(), nullptr, static_cast<UINT>(reversed.size()), 0};
   com::Variant answer;
   EXCEPINFO told{};
-  const HRESULT result = control.Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &parameters,
-                                        &answer.Raw(), &told, nullptr);
+  const HRESULT result = Until_Answered([&] {
+    return control.Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &parameters, &answer.Raw(),
+                          &told, nullptr);
+  });
   if (FAILED(result)) com::Fail(result, &told);
   return answer;
 }
@@ -97,7 +110,11 @@ bool Test_Outlook::Is_Running() {
   if (FAILED(GetActiveObject(outlook, nullptr, running.Receive()))) return false;
   // What has ended without a word is found all the same.
   com::Ptr<IDispatch> object;
-  return SUCCEEDED(running->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(object.Receive())));
+  UINT count = 0;
+  return SUCCEEDED(Until_Answered([&] {
+           return running->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(object.Receive()));
+         })) &&
+         SUCCEEDED(Until_Answered([&] { return object->GetTypeInfoCount(&count); }));
 }
 
 Test_Outlook::Test_Outlook() {

@@ -1,0 +1,192 @@
+// The whole program, and single calls, over real COM.
+#include <iostream>
+
+#include "clean/run_fixture.h"
+#include "errors/automation_error.h"
+#include "stores/store_under_test.h"
+#include "test_outlook.h"
+
+namespace tidyfold {
+namespace {
+
+using namespace std::chrono_literals;
+
+// A store of the test server, and Outlook as the program sees it.
+struct Served_Store {
+  explicit Served_Store(const char* name = "Personal") { server.Tell("AddStore", name, true); }
+  Window_Fixture::Instead Instead() { return {&outlook, &writer}; }
+  std::shared_ptr<NameSpace> Open() {
+    return outlook.GetObject("", "Outlook.Application")->GetNamespace("MAPI");
+  }
+  // Calls to Outlook so far, and those that ask for the id of a name.
+  std::pair<int, int> Calls() { return {server.Calls_Of(""), server.Calls_Of("GetIDsOfNames")}; }
+
+  Test_Outlook server;
+  Outlook_Automation outlook{300ms};
+  Test_Writer writer{server, 1};
+};
+
+}  // namespace
+
+TEST(Automation, Every_Kind_Of_Run_Takes_What_Was_Chosen) {
+  for (const Way& way : ways)
+    for (const bool ids_unlike : {false, true}) {
+      if (ids_unlike && !(way == "live")) continue;
+      SCOPED_TRACE(way.name);
+      Served_Store store;
+      if (ids_unlike) store.server.Tell("UnlikeIds");
+      Way_Run f(way, 1, store.Instead());
+      f.Run();
+      f.Expect_Nothing_Else();
+      EXPECT_EQ(f.Everything(), f.expected);
+      EXPECT_EQ(f.box.Count("rror") + f.box.Count("Not all items"), 0);
+      f.Expect_Agreement();
+    }
+}
+
+TEST(Automation, Attaches_To_What_Runs_And_Starts_What_Does_Not) {
+  for (const bool running : {true, false}) {
+    if (!running) Test_Outlook::Stop();
+    if (running) Test_Outlook();
+    ASSERT_EQ(Test_Outlook::Is_Running(), running);
+    Outlook_Automation outlook;
+    Window_Fixture f({&outlook, nullptr}, "", 0);
+    f.box.Answer_Anything();
+    f.app.Form_Load();
+    EXPECT_EQ(f.plan.Calls("Automation.CreateObject"), running ? 0 : 1);
+    EXPECT_EQ(f.box.Boxes().back().text, "No folders were loaded.") << "there is no store open in it";
+    EXPECT_TRUE(Test_Outlook::Is_Running());
+  }
+}
+
+// What it costs, with the fixed part of a folder taken out: a mail read, and one deleted for good.
+TEST(Automation, Calls_Stay_Within_Their_Budget) {
+  struct Cost {
+    int read, deleted, ids;
+  };
+  const auto measure = [](int items, const std::string& options) {
+    Served_Store store;
+    Way_Run f({"", options, ""}, 0, store.Instead());
+    f.Add("Inbox", "to go", items);
+    f.Add("Inbox", "unread", 2);  // stays
+    const int at_first = store.Calls().first;
+    f.app.Form_Load();
+    const int loaded = store.Calls().first;
+    f.Do(options + "; tick Inbox");
+    const int ticked = store.Calls().first;
+    f.window.cmdRun.Click();
+    const auto [calls, ids] = store.Calls();
+    EXPECT_EQ(f.app.Run().ProcessedCount, items);
+    EXPECT_LE(store.server.Tell("MostOpen", "Item").Number(), 2) << "items are released one by one";
+    return Cost{loaded - at_first, calls - ticked, ids};
+  };
+  for (const std::string options : {"", "set PermanentDelete"}) {
+    const Cost few = measure(20, options), more = measure(60, options);
+    const double read = (more.read - few.read) / 40.0, deleted = (more.deleted - few.deleted) / 40.0;
+    std::cout << "calls for a mail: " << read << " to read it, " << deleted << " for a run ("
+              << (options.empty() ? "moved, and read again" : "deleted for good") << ")\n";
+    EXPECT_LE(read, 8);
+    // What only moved is read once more, in Deleted Items.
+    EXPECT_LE(deleted, options.empty() ? 4 + 8 : 6);
+    EXPECT_EQ(few.ids, more.ids) << "ids of names are asked for once";
+  }
+}
+
+TEST(Automation, What_Is_Busy_Is_Asked_Again_For_A_While) {
+  Served_Store store;
+  const MAPIFolder_Ptr inbox = store.Open()->GetDefaultFolder(default_folder_inbox);
+  store.server.Tell("Busy", 3);
+  EXPECT_EQ(inbox->Name(), "Inbox");
+  store.server.Tell("Busy", 100);
+  try {
+    inbox->Name();
+    ADD_FAILURE();
+  } catch (const Automation_Error& error) {
+    EXPECT_EQ(error.Number(), automation_error::unavailable);
+    EXPECT_TRUE(error.Description().starts_with("Outlook is busy")) << error.Description();
+  }
+  store.server.Tell("Busy", 0);
+  EXPECT_EQ(inbox->Name(), "Inbox");
+}
+
+TEST(Automation, Failures_Come_As_They_Were_Told) {
+  Served_Store store;
+  Window_Fixture f(store.Instead(), "add Inbox/a");
+  const Item_Ptr item = store.Open()->GetDefaultFolder(default_folder_inbox)->Items()->Item(1);
+  store.server.Tell("Fail", "Item.Subject", 1, automation_error::no_access);
+  const auto expect = [](auto&& call, std::int32_t number, const char* description, const char* source) {
+    try {
+      call();
+      ADD_FAILURE() << "did not fail";
+    } catch (const Automation_Error& error) {
+      EXPECT_EQ(error.Number(), number);
+      EXPECT_NE(error.Description().find(description), std::string::npos) << error.Description();
+      EXPECT_NE(error.Description(), "");
+      EXPECT_EQ(error.Source(), source);
+    }
+  };
+  expect([&] { item->Subject(); }, automation_error::no_access, "Outlook says no to Item.Subject.",
+         "Test Outlook");
+  EXPECT_EQ(item->Subject(), "a");
+  expect([] { com::Fail(E_ACCESSDENIED); }, automation_error::no_access, "", "Outlook");
+  const auto told = [](SCODE scode, WORD code) {
+    EXCEPINFO info{};
+    info.scode = scode;
+    info.wCode = code;
+    info.bstrDescription = com::Variant("in words").Detach().bstrVal;
+    com::Fail(DISP_E_EXCEPTION, &info);
+  };
+  expect([&] { told(E_ACCESSDENIED, 0); }, automation_error::no_access, "in words", "Outlook");
+  expect([&] { told(0, 1004); }, 1004, "in words", "Outlook");
+  expect([&] { told(RPC_E_DISCONNECTED, 0); }, automation_error::unavailable, "closed", "Outlook");
+}
+
+TEST(Automation, Outlook_That_Ends_In_The_Middle_Is_Told_Of_Once) {
+  for (const Way& way : ways)
+    for (const int number : {1, 9, 17}) {
+      SCOPED_TRACE(way.name + " " + std::to_string(number));
+      Served_Store store;
+      Way_Run f(way, 1, store.Instead());
+      f.before_run = [&] { store.server.Tell("Vanish", number); };
+      f.Run();
+      EXPECT_FALSE(Test_Outlook::Is_Running());
+      EXPECT_EQ(f.box.Count("Outlook has been closed"), 1);
+      EXPECT_EQ(f.box.Count("rror"), 0);
+      EXPECT_TRUE(f.window.cmdRun.Caption() == "&Clean" && !f.app.Run().Processing);
+    }
+}
+
+TEST(Companion, Reads_Texts_Of_A_Message_Through_Its_Program_Id) {
+  Served_Store store;
+  Window_Fixture f(store.Instead());
+  New_Item mail;
+  mail.sender = "Zoë";
+  f.Add("Inbox", mail);
+  const auto message = store.Open()->GetDefaultFolder(default_folder_inbox)->Items()->Item(1)->MAPIOBJECT();
+  const auto companion = store.outlook.Create_Mapi_Utils("TidyDll.TidyMAPIUtils");
+  const std::tuple<std::uint32_t, bool, const char*> cases[] = {{sender_name_tag, false, "Zoë"},
+                                                                {sender_name_tag + 1, false, "Zoë"},
+                                                                {sender_name_tag, true, "Zoë"},
+                                                                {0x1234001E, false, ""},
+                                                                {0x1234001F, true, ""}};
+  for (const auto& [tag, eight_bit_only, text] : cases) {
+    SetEnvironmentVariableW(L"TIDYFOLD_TEST_8_BIT", eight_bit_only ? L"1" : nullptr);
+    EXPECT_EQ(companion->HrGetOneProp(*message, tag), text) << std::hex << tag;
+  }
+  EXPECT_NE(Error_Of([&] { companion->HrGetOneProp(*message, 0x0C1A0003); }), 0) << "a number is no text";
+}
+
+TEST(Companion, Without_It_Mail_Is_Shown_All_The_Same) {
+  Served_Store store;
+  Window_Fixture f(store.Instead(), "add Inbox/a");
+  f.box.Answer_Anything();
+  ASSERT_TRUE(Test_Outlook::Register_Companion(false));
+  f.app.Form_Load();
+  f.window.mnuRefresh.Click();
+  ASSERT_TRUE(Test_Outlook::Register_Companion(true));
+  EXPECT_EQ(f.box.Count("regsvr32 TidyDll.dll"), 1);
+  EXPECT_EQ(f.box.Count("rror"), 0);
+  EXPECT_EQ(f.grid.Rows(), 2);
+}
+
+}  // namespace tidyfold
