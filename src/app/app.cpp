@@ -65,7 +65,7 @@ struct App::Parts {
                          rows,   enabling, message_box, errors};
   Processing_Options options{window,  records,  folder_tree, deleted_items, rows,
                              marking, enabling, message_box, errors};
-  Refresh refresh{window, records, folder_tree, cache, rows, errors};
+  Refresh refresh{window, records, folder_tree, cache, rows, message_box, errors};
   Status_Line status{window, errors};
   Safety_Checks checks{window,  records,   folder_tree, deleted_items, filters, rows,
                        marking, run_state, message_box, clock,         errors};
@@ -105,6 +105,7 @@ void App::Parts::Wire() {
   selection.Check_Selected_Folders = [this] { return marking.Check_Selected_Folders(); };
   selection.Enable_Check_Boxes = [this] { enabling.Enable_Check_Boxes(); };
   selection.Enable_Command_Buttons = [this] { enabling.Enable_Command_Buttons(); };
+  enabling.Loading = [this] { return cache.Running(); };
   enabling.Count_Selected_Nodes = [this] { return marking.Count_Selected_Nodes(); };
   refresh.Load_Interface = [this] { Load_Interface(); };
   refresh.Interface_Loading = [this] { return interface_loading; };

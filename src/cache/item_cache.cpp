@@ -52,6 +52,7 @@ void Item_Cache::Cache_Folder_Items() {
     AllFoldersCached = LoadFailed = false;
     // The command that found the store gone begins nothing new.
     StopCaching = InterruptCaching = errors_.Store_Gone();
+    window_.mnuStopLoading.Set_Enabled(true);
     item_failure_reported_ = folder_failure_reported_ = false;
     for (int index = 1; index <= records_.Upper_Bound(); ++index) records_[index].LoadError = false;
     Create_Companion();
@@ -72,7 +73,8 @@ void Item_Cache::Cache_Folder_Items() {
       InterruptCaching = false;
       AllFoldersCached = All_Folders_Cached();
     }
-    if (LoadFailed) message_box_.Show("Not all items could be loaded.", Buttons::OK_Only, Icon::Critical);
+    if (LoadFailed && !StopCaching)
+      message_box_.Show("Not all items could be loaded.", Buttons::OK_Only, Icon::Critical);
     window_.sbStatusBar.Set_Panel_Text(1, "");
     window_.sbStatusBar.Set_Panel_Text(2, "");
     window_.sbStatusBar.Set_Gauge(0, 0);
@@ -80,6 +82,7 @@ void Item_Cache::Cache_Folder_Items() {
     mapi_utils_.reset();
   });
   running_ = false;
+  window_.mnuStopLoading.Set_Enabled(false);
 }
 
 // Mail is shown without its sender where the companion is missing, or Outlook does not let it look.

@@ -52,8 +52,12 @@ MainWindow::MainWindow() {
   for (TypeBox& type : chkType) controls.push_back(&type.box);
   controls.insert(controls.end(), {&cmdRun, &picSlider, &picSlider2, &lblCurrentFolder, &lblScreenOptions,
                                    &lblProcessingOptions, &lblFilterOptions, &frmOptions, &mnuRefresh,
-                                   &mnuRefreshCurrent, &mnuClean, &mnuUnmark, &mnuResetOptions, &mnuHelp,
-                                   &mnuWhatsThis, &mnuOnlineHelp, &mnuAbout});
+                                   &mnuRefreshCurrent, &mnuClean, &mnuQuit, &mnuUnmark, &mnuResetOptions,
+                                   &mnuHelp, &mnuWhatsThis, &mnuOnlineHelp, &mnuAbout});
+  controls.insert(controls.end(),
+                  {&mnuStopLoading, &mnuMark, &mnuUnmarkFolder, &mnuMarkBranch, &mnuSortReverse, &mnuOpenItem,
+                   &mnuSelectRow, &mnuSelectAllRows, &mnuCopyRows, &mnuNextPane, &mnuPreviousPane});
+  for (MenuItem& field : mnuSortBy) controls.push_back(&field);
 }
 
 }  // namespace tidyfold

@@ -65,10 +65,26 @@ struct MainWindow {
 
   MenuItem mnuRefresh{"mnuRefresh", "&Refresh"};
   MenuItem mnuRefreshCurrent{"mnuRefreshCurrent", "Refresh &Current"};
+  MenuItem mnuStopLoading{"mnuStopLoading", "&Stop Loading"};
+  MenuItem mnuMark{"mnuMark", "&Mark Folder"};
+  MenuItem mnuUnmarkFolder{"mnuUnmarkFolder", "U&nmark Folder"};
+  MenuItem mnuMarkBranch{"mnuMarkBranch", "Mark &Branch"};
   MenuItem mnuClean{"mnuClean", "C&lean"};
   MenuItem mnuQuit{"mnuQuit", "&Quit"};
   MenuItem mnuUnmark{"mnuUnmark", "&Unmark All Folders"};
   MenuItem mnuResetOptions{"mnuResetOptions", "&Reset Options"};
+  // By the numbers of the grid's logical fields.
+  std::array<MenuItem, 6> mnuSortBy{{MenuItem{"mnuSortBy", "&Folder"}, MenuItem{"mnuSortBy", "&Type"},
+                                     MenuItem{"mnuSortBy", "S&ender"}, MenuItem{"mnuSortBy", "&Subject"},
+                                     MenuItem{"mnuSortBy", "E&ntry"}, MenuItem{"mnuSortBy", "&Date"}}};
+  MenuItem mnuSortReverse{"mnuSortReverse", "&Reverse Order"};
+  MenuItem mnuOpenItem{"mnuOpenItem", "&Open Item"};
+  MenuItem mnuSelectRow{"mnuSelectRow", "Select &Row"};
+  MenuItem mnuSelectAllRows{"mnuSelectAllRows", "Select &All Rows"};
+  MenuItem mnuCopyRows{"mnuCopyRows", "&Copy as Text"};
+  MenuItem mnuNextPane{"mnuNextPane", "&Next Pane"};
+  MenuItem mnuPreviousPane{"mnuPreviousPane", "&Previous Pane"};
+
   MenuItem mnuHelp{"mnuHelp", "&Contents"};
   MenuItem mnuWhatsThis{"mnuWhatsThis", "&What's This?"};
   MenuItem mnuOnlineHelp{"mnuOnlineHelp", "&Online Help"};
@@ -80,8 +96,10 @@ struct MainWindow {
 
   Form frmAbout{"frmAbout", "About Tidyfold"};
 
-  // Every control of the main window that is switched off while a run goes, in tab order. Quit is not: it
-  // only tells the loops to end.
+  // Puts a text on the clipboard; lines end in CR LF.
+  std::function<void(const std::string& text)> Set_Clipboard_Text;
+
+  // Every control of the main window that can be enabled, in tab order.
   std::vector<Control*> controls;
 };
 

@@ -39,7 +39,13 @@ class CommandButton : public Captioned {
 class MenuItem : public Captioned {
  public:
   using Captioned::Captioned;
+  // Shown before an entry that stands for a state.
+  bool Checked() const { return checked_; }
+  void Set_Checked(bool checked) { Assign(checked_, checked); }
   std::function<void()> Click;
+
+ private:
+  bool checked_ = false;
 };
 
 class CheckBox : public Captioned {

@@ -207,6 +207,8 @@ void Grid_Binder::Released(wxMouseEvent& event) {
   model_.Set_MouseRow(Row_At(event.GetPosition()));
   Raise(model_.MouseUp, event.LeftUp() ? left_button : right_button, Shift_State(event),
         scale_.To_Twips(event.GetX()), scale_.To_Twips(event.GetY()));
+  if (event.RightUp() && model_.Enabled() && model_.MouseRow() >= 1)
+    Show_Context_Menu(*widget_.GetGridWindow(), context_menu, event.GetPosition());
 }
 
 void Grid_Binder::Make_Current(int row) {
@@ -219,6 +221,7 @@ void Grid_Binder::Make_Current(int row) {
 
 void Grid_Binder::Key_Pressed(wxKeyEvent& event) {
   const int row = model_.Row();
+  if (Asks_For_Context_Menu(event)) return Open_Menu_At_Row();
   switch (event.GetKeyCode()) {
     case WXK_RETURN:
     case WXK_NUMPAD_ENTER:
@@ -226,16 +229,22 @@ void Grid_Binder::Key_Pressed(wxKeyEvent& event) {
     case WXK_SPACE:
       if (row >= 1) Choose(row, event.ShiftDown() ? shift_key : event.ControlDown() ? control_key : 0);
       return;
-    case 'A':
-      if (!event.ControlDown() || model_.Rows() < 2) return event.Skip();
-      Choose(1, 0);
-      return Choose(model_.Rows() - 1, shift_key);
     case WXK_TAB:
       widget_.GetGridWindow()->Navigate(event.ShiftDown() ? wxNavigationKeyEvent::IsBackward
                                                           : wxNavigationKeyEvent::IsForward);
       return;
     default:
       if (!Move_By_Key(event)) event.Skip();
+  }
+}
+
+void Grid_Binder::Open_Menu_At_Row() {
+  if (const int row = model_.Row(); row >= 1 && model_.Enabled()) {
+    Show_Row_Count();
+    widget_.MakeCellVisible(row - 1, 0);
+    const wxPoint below =
+        widget_.CalcScrolledPosition(widget_.CellToRect(row - 1, 0).GetBottomLeft() + wxPoint(16, 0));
+    Show_Context_Menu(*widget_.GetGridWindow(), context_menu, below);
   }
 }
 

@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "controls/flex_grid.h"
+#include "desktop/context_menu.h"
 #include "desktop/control_binder.h"
 #include "desktop/repaint_schedule.h"
 #include "desktop/scale.h"
@@ -23,6 +24,8 @@ class Grid_Binder : public Control_Binder, public Late_Widget {
   ~Grid_Binder() override;
 
   void Catch_Up() override;
+  // What a right click, the menu key and Shift+F10 open.
+  Context_Menu context_menu;
 
  private:
   void Show_Model() override;
@@ -37,6 +40,7 @@ class Grid_Binder : public Control_Binder, public Late_Widget {
   void Pressed(wxMouseEvent& event);
   void Released(wxMouseEvent& event);
   void Key_Pressed(wxKeyEvent& event);
+  void Open_Menu_At_Row();
   void Choose(int row, int shift_state);
   void Make_Current(int row);
   bool Move_By_Key(const wxKeyEvent& event);

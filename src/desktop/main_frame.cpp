@@ -1,6 +1,7 @@
 #include "desktop/main_frame.h"
 
 #include <wx/button.h>
+#include <wx/clipbrd.h>
 #include <wx/display.h>
 #include <wx/menu.h>
 #include <wx/settings.h>
@@ -80,13 +81,26 @@ void Main_Frame::Build_Panes() {
 
   auto* const tree = new wxDataViewCtrl(surface_, wxID_ANY, wxDefaultPosition, wxDefaultSize,
                                         wxDV_SINGLE | wxDV_NO_HEADER | wxBORDER_NONE);
-  binders_.Add<Tree_Binder>(model_.trvFolders, *tree, schedule_).Follow_Position(scale_);
+  auto& tree_binder = binders_.Add<Tree_Binder>(model_.trvFolders, *tree, schedule_);
+  tree_binder.Follow_Position(scale_);
+  tree_binder.context_menu = {&model_.mnuMark, &model_.mnuUnmarkFolder,   &model_.mnuMarkBranch,
+                              nullptr,         &model_.mnuRefreshCurrent, &model_.mnuRefresh};
 
   auto* const grid = new wxGrid(surface_, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxBORDER_NONE);
   auto* const hint = new wxStaticText(grid->GetGridWindow(), wxID_ANY, wxString(), wxDefaultPosition,
                                       wxDefaultSize, wxALIGN_CENTRE_HORIZONTAL);
   hint->SetForegroundColour(wxSystemSettings::GetColour(wxSYS_COLOUR_GRAYTEXT));
-  binders_.Add<Grid_Binder>(model_.grdItems, *grid, *hint, schedule_).Follow_Position(scale_);
+  auto& grid_binder = binders_.Add<Grid_Binder>(model_.grdItems, *grid, *hint, schedule_);
+  grid_binder.Follow_Position(scale_);
+  grid_binder.context_menu = {&model_.mnuOpenItem,      nullptr, &model_.mnuSelectRow,
+                              &model_.mnuSelectAllRows, nullptr, &model_.mnuCopyRows};
+  model_.Set_Clipboard_Text = [](const std::string& text) {
+    const wxClipboardLocker lock;
+    if (!lock) return;
+    wxTheClipboard->SetData(new wxTextDataObject(To_Lines(text)));
+    // It stays when the window has gone.
+    wxTheClipboard->Flush();
+  };
 
   options_ = new Options_Panel(surface_, model_);
   options_->Bind_To_Model(binders_);
@@ -119,7 +133,11 @@ void Main_Frame::Build_Menus() {
   auto* const folders = new wxMenu;
   Add_Entry(*folders, model_.mnuRefresh, "F5", "Read all folders and their items again");
   Add_Entry(*folders, model_.mnuRefreshCurrent, "Ctrl+F5", "Read the current folder again");
+  Add_Entry(*folders, model_.mnuStopLoading, "Esc", "Stop reading items; what has been read can be used");
   folders->AppendSeparator();
+  Add_Entry(*folders, model_.mnuMark, "Ctrl+M", "Tick the current folder");
+  Add_Entry(*folders, model_.mnuUnmarkFolder, "Ctrl+Shift+M", "Take the tick off the current folder");
+  Add_Entry(*folders, model_.mnuMarkBranch, "Ctrl+B", "Tick the current folder and all folders below it");
   Add_Entry(*folders, model_.mnuUnmark, "Ctrl+U", "Take the ticks off all folders");
 
   auto* const options = new wxMenu;
@@ -138,12 +156,64 @@ void Main_Frame::Build_Menus() {
   bar->Append(file, "&File");
   bar->Append(folders, "F&olders");
   bar->Append(options, "Option&s");
+  bar->Append(New_View_Menu(), "&View");
   bar->Append(help, "&Help");
   SetMenuBar(bar);
 }
 
-void Main_Frame::Add_Entry(wxMenu& menu, MenuItem& model, const wxString& key, const wxString& help) {
-  menu_binders_.push_back(std::make_unique<Menu_Binder>(model, menu, *this, key, help, [this] { Settle(); }));
+wxMenu* Main_Frame::New_View_Menu() {
+  auto* const order = new wxMenu;
+  constexpr const char* fields[] = {"folder", "type", "sender", "subject", "entry", "date"};
+  for (std::size_t field = 0; field < model_.mnuSortBy.size(); ++field)
+    Add_Entry(*order, model_.mnuSortBy[field], wxString::Format("Ctrl+%d", static_cast<int>(field) + 1),
+              wxString("Put the rows in the order of their ") + fields[field], wxITEM_RADIO);
+  order->AppendSeparator();
+  Add_Entry(*order, model_.mnuSortReverse, "Ctrl+0", "Show the last row first", wxITEM_CHECK);
+
+  auto* const view = new wxMenu;
+  view->AppendSubMenu(order, "&Sort By", "Choose the order of the rows");
+  view->AppendSeparator();
+  Add_Entry(*view, model_.mnuOpenItem, "Alt+Return", "Open the item of the row that has the frame");
+  Add_Entry(*view, model_.mnuSelectRow, "Ctrl+Space", "Select the row that has the frame, or take it out");
+  Add_Entry(*view, model_.mnuSelectAllRows, "Ctrl+A", "Select every row that may be selected");
+  Add_Entry(*view, model_.mnuCopyRows, "Ctrl+C", "Copy the selected rows, or the one that has the frame");
+  view->AppendSeparator();
+  Add_Entry(*view, model_.mnuNextPane, "F6", "Go to the next part of the window");
+  Add_Entry(*view, model_.mnuPreviousPane, "Shift+F6", "Go to the part of the window before");
+  model_.mnuNextPane.Click = [this] { Go_To_Pane(1); };
+  model_.mnuPreviousPane.Click = [this] { Go_To_Pane(-1); };
+  return view;
+}
+
+// Folders, first bar, items, second bar, options, and round again.
+void Main_Frame::Go_To_Pane(int step) {
+  const Control* const panes[] = {&model_.trvFolders, &model_.picSlider, &model_.grdItems, &model_.picSlider2,
+                                  &model_.frmOptions};
+  constexpr int count = std::size(panes);
+  const auto widget = [&](int pane) {
+    return FindWindowByName(To_Wx(panes[static_cast<std::size_t>(pane)]->Name()), surface_);
+  };
+  int at = step > 0 ? count - 1 : 0;
+  for (int pane = 0; pane < count; ++pane)
+    if (const wxWindow* const window = widget(pane); window != nullptr && window->IsDescendant(FindFocus()))
+      at = pane;
+  for (int tried = 0; tried < count; ++tried) {
+    at = (at + step + count) % count;
+    wxWindow* const window = widget(at);
+    if (window == nullptr || !window->IsShown() || !window->IsEnabled()) continue;
+    if (auto* const grid = dynamic_cast<wxGrid*>(window)) {
+      grid->GetGridWindow()->SetFocus();
+    } else {
+      window->SetFocus();
+    }
+    return;
+  }
+}
+
+void Main_Frame::Add_Entry(wxMenu& menu, MenuItem& model, const wxString& key, const wxString& help,
+                           wxItemKind kind) {
+  menu_binders_.push_back(std::make_unique<Menu_Binder>(
+      model, menu, *this, key, help, [this] { Settle(); }, kind));
 }
 
 void Main_Frame::Add_File_Entry(wxMenu& menu, const wxString& label, const wxString& help,
@@ -230,8 +300,14 @@ void Main_Frame::Closed_By_User(wxCloseEvent& event) {
 void Main_Frame::Key_Pressed(wxKeyEvent& event) {
   // While a run is under way the button is its Cancel.
   const bool running = !model_.mnuClean.Enabled() && model_.cmdRun.Enabled();
-  if (event.GetKeyCode() != WXK_ESCAPE || !running) return event.Skip();
-  tidyfold::Raise(model_.cmdRun.Click);
+  if (event.GetKeyCode() != WXK_ESCAPE) return event.Skip();
+  if (running) {
+    tidyfold::Raise(model_.cmdRun.Click);
+  } else if (model_.mnuStopLoading.Enabled()) {
+    tidyfold::Raise(model_.mnuStopLoading.Click);
+  } else {
+    event.Skip();
+  }
 }
 
 // What is switched off loses the keyboard, and no key would reach the window any more: Cancel gets it, or the

@@ -38,7 +38,10 @@ class Main_Frame : public wxFrame {
   void Build_Panes();
   void Build_Menus();
   void Set_Tab_Order();
-  void Add_Entry(wxMenu& menu, MenuItem& model, const wxString& key, const wxString& help);
+  void Add_Entry(wxMenu& menu, MenuItem& model, const wxString& key, const wxString& help,
+                 wxItemKind kind = wxITEM_NORMAL);
+  wxMenu* New_View_Menu();
+  void Go_To_Pane(int step);
   void Add_File_Entry(wxMenu& menu, const wxString& label, const wxString& help,
                       std::function<void()>& command);
 

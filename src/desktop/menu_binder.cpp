@@ -5,8 +5,11 @@
 namespace tidyfold {
 
 Menu_Binder::Menu_Binder(MenuItem& model, wxMenu& menu, wxFrame& frame, const wxString& key,
-                         const wxString& help, std::function<void()> settle)
-    : model_(model), key_(key), item_(menu.Append(wxID_ANY, Label(), help)), settle_(std::move(settle)) {
+                         const wxString& help, std::function<void()> settle, wxItemKind kind)
+    : model_(model),
+      key_(key),
+      item_(menu.Append(wxID_ANY, Label(), help, kind)),
+      settle_(std::move(settle)) {
   frame.Bind(
       wxEVT_MENU,
       [this](wxCommandEvent&) {
@@ -14,6 +17,8 @@ Menu_Binder::Menu_Binder(MenuItem& model, wxMenu& menu, wxFrame& frame, const wx
         if (!model_.Enabled()) return;
         settle_();
         Raise(model_.Click);
+        // The toolkit has turned the mark by itself.
+        Show();
       },
       item_->GetId());
   model_.changed = [this] { Show(); };
@@ -31,6 +36,10 @@ wxString Menu_Binder::Label() const {
 
 void Menu_Binder::Show() {
   if (item_->IsEnabled() != model_.Enabled()) item_->Enable(model_.Enabled());
+  // Of radio items the toolkit takes the mark off the others.
+  if (item_->IsCheckable() && item_->IsChecked() != model_.Checked() &&
+      (item_->GetKind() != wxITEM_RADIO || model_.Checked()))
+    item_->Check(model_.Checked());
   if (const wxString label = Label(); label != item_->GetItemLabel()) item_->SetItemLabel(label);
 }
 

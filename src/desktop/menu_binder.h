@@ -13,9 +13,10 @@ namespace tidyfold {
 class Menu_Binder {
  public:
   // Adds the entry at the end of `menu`, which belongs to `frame`. `key` is written as the toolkit writes
-  // accelerators ("Ctrl+F5"); `settle` runs before every click.
+  // accelerators ("Ctrl+F5"); `settle` runs before every click. An entry that stands for a state is a check
+  // or radio item.
   Menu_Binder(MenuItem& model, wxMenu& menu, wxFrame& frame, const wxString& key, const wxString& help,
-              std::function<void()> settle);
+              std::function<void()> settle, wxItemKind kind = wxITEM_NORMAL);
   Menu_Binder(const Menu_Binder&) = delete;
   Menu_Binder& operator=(const Menu_Binder&) = delete;
   ~Menu_Binder();

@@ -1,5 +1,7 @@
 #include "desktop/status_bar_binder.h"
 
+#include <wx/numformatter.h>
+
 #include <algorithm>
 
 #include "desktop/text_conversion.h"
@@ -8,6 +10,8 @@ namespace tidyfold {
 
 namespace {
 
+// The panels, what is left of long work, and its gauge.
+constexpr int field_count = StatusBar::panel_count + 2;
 constexpr int gauge_range = 1000;
 constexpr int gauge_width = 140;  // unscaled pixels
 constexpr int gauge_margin = 3;
@@ -20,7 +24,7 @@ Status_Bar_Binder::Status_Bar_Binder(StatusBar& model, wxStatusBar& widget, Repa
       widget_(widget),
       gauge_(new wxGauge(&widget, wxID_ANY, gauge_range, wxDefaultPosition, wxDefaultSize, wxGA_SMOOTH)),
       schedule_(schedule) {
-  widget_.SetFieldsCount(StatusBar::panel_count + 1);
+  widget_.SetFieldsCount(field_count);
   gauge_->SetName("sbStatusBarGauge");
   gauge_->Hide();
   Give_Room_To_Gauge(false);
@@ -54,19 +58,26 @@ void Status_Bar_Binder::Show_Gauge() {
     gauge_->Show(total > 0);
     Place_Gauge();
   }
-  if (total <= 0) return;
+  if (total <= 0) {
+    widget_.SetStatusText(wxString(), StatusBar::panel_count);
+    return;
+  }
   const std::int64_t done = std::clamp<std::int64_t>(model_.Gauge_Done(), 0, total);
   gauge_->SetValue(static_cast<int>(done * gauge_range / total));
+  const wxString left = wxNumberFormatter::ToString(static_cast<long>(total - done)) + " left";
+  if (left != widget_.GetStatusText(StatusBar::panel_count))
+    widget_.SetStatusText(left, StatusBar::panel_count);
 }
 
 void Status_Bar_Binder::Give_Room_To_Gauge(bool shown) {
-  const int widths[] = {-3, -4, -3, shown ? widget_.FromDIP(gauge_width) : 1};
-  widget_.SetStatusWidths(StatusBar::panel_count + 1, widths);
+  const int left_width = widget_.GetTextExtent("88,888,888 left").x;
+  const int widths[] = {-3, -4, -3, shown ? left_width : 1, shown ? widget_.FromDIP(gauge_width) : 1};
+  widget_.SetStatusWidths(field_count, widths);
 }
 
 void Status_Bar_Binder::Place_Gauge() {
   wxRect field;
-  if (gauge_->IsShown() && widget_.GetFieldRect(StatusBar::panel_count, field))
+  if (gauge_->IsShown() && widget_.GetFieldRect(field_count - 1, field))
     gauge_->SetSize(field.Deflate(widget_.FromDIP(gauge_margin)));
 }
 

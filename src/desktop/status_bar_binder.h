@@ -11,8 +11,8 @@
 namespace tidyfold {
 
 // The panels' texts change with every item of a run; they are shown at the pace of the eye. The help of a
-// menu entry covers the first one while the menu is open. The gauge lies in a field of its own behind the
-// panels.
+// menu entry covers the first one while the menu is open. What is left of long work, and its gauge,
+// lie in fields of their own behind the panels.
 class Status_Bar_Binder : public Control_Binder, public Late_Widget {
  public:
   Status_Bar_Binder(StatusBar& model, wxStatusBar& widget, Repaint_Schedule& schedule);

@@ -1,5 +1,7 @@
 #include "desktop/tree_binder.h"
 
+#include <wx/utils.h>
+
 #include <algorithm>
 
 #include "controls/widgets.h"
@@ -99,6 +101,11 @@ Tree_Binder::Tree_Binder(TreeView& model, wxDataViewCtrl& widget, Repaint_Schedu
     // Two quick ticks are no double click on the name.
     if (const int node = Node_Of(event.GetItem()); model_.Exists(node) && !press_ticked_)
       model_.Set_Expanded(node, !model_.Expanded(node));
+  });
+  widget_.Bind(wxEVT_DATAVIEW_ITEM_CONTEXT_MENU, [this](wxDataViewEvent& event) {
+    // Once the toolkit has done with the click.
+    const wxPoint place = widget_.ScreenToClient(wxGetMousePosition());
+    widget_.CallAfter([this, node = Node_Of(event.GetItem()), place] { Menu_Asked_For(node, place); });
   });
   wxWindow& area = *widget_.GetMainWindow();
   area.Bind(wxEVT_LEFT_DOWN, [this](wxMouseEvent& event) {
@@ -274,8 +281,18 @@ void Tree_Binder::Mouse_Released(wxMouseEvent& event) {
   });
 }
 
+void Tree_Binder::Menu_Asked_For(int index, const wxPoint& place) {
+  if (!model_.Enabled() || !model_.Exists(index)) return;
+  // The folder that the menu is about is looked at, as by a click.
+  model_.Click_Node(index);
+  Raise(model_.MouseUp);
+  Show_Context_Menu(widget_, context_menu, place);
+}
+
 void Tree_Binder::Key_Pressed(wxKeyEvent& event) {
   const int node = model_.Selected_Item();
+  if (Asks_For_Context_Menu(event) && node != 0)
+    return Menu_Asked_For(node, widget_.GetItemRect(Item_Of(node)).GetBottomLeft() + wxPoint(40, 0));
   if (node == 0 || event.HasAnyModifiers() || !model_.Enabled()) return event.Skip();
   switch (event.GetKeyCode()) {
     case WXK_SPACE:

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "controls/tree_view.h"
+#include "desktop/context_menu.h"
 #include "desktop/control_binder.h"
 #include "desktop/repaint_schedule.h"
 #include "desktop/tree_widget.h"
@@ -20,6 +21,8 @@ class Tree_Binder : public Control_Binder, public Late_Widget, private TreeView_
   ~Tree_Binder() override;
 
   void Catch_Up() override;
+  // What a right click, the menu key and Shift+F10 open; it is about the selected node.
+  Context_Menu context_menu;
 
  private:
   void Show_Model() override;
@@ -41,6 +44,7 @@ class Tree_Binder : public Control_Binder, public Late_Widget, private TreeView_
   void Selection_Moved(int index);
   void Expansion_Turned(int index, bool expanded);
   void Mouse_Released(wxMouseEvent& event);
+  void Menu_Asked_For(int index, const wxPoint& place);
   void Key_Pressed(wxKeyEvent& event);
   void Move_Sideways(int index, bool in);
 

@@ -4,7 +4,6 @@
 #include <wx/dataview.h>
 #include <wx/grid.h>
 #include <wx/textctrl.h>
-#include <wx/toplevel.h>
 #include <wx/utils.h>
 
 #ifdef __WXGTK__
@@ -72,14 +71,6 @@ std::string Keyboard_Owner(const wxFrame& frame) {
                                                    : "other";
 #endif
   return owner;
-}
-
-// The titles of the windows that are open beside the main one.
-json Other_Windows(const wxFrame& frame) {
-  json titles = json::array();
-  for (const wxWindow* const window : wxTopLevelWindows)
-    if (window != &frame && window->IsShown()) titles.push_back(From_Wx(window->GetLabel()));
-  return titles;
 }
 
 // The windows beside the main one, by name.
@@ -154,7 +145,6 @@ std::string Window_State_File::Describe() const {
   state["boxes"] = boxes_;
   state["boxes_closed"] = boxes_closed_;
   state["keyboard"] = Keyboard_Owner(frame_);
-  state["windows"] = Other_Windows(frame_);
   state["beside"] = Describe_Windows(frame_);
   // The pointer that asks What's This is the only one that the program changes.
   state["pointer_asks"] = wxIsBusy();

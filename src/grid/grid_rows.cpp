@@ -29,6 +29,12 @@ void Grid_Rows::Wire() {
                 [&] { Show_Option_Click(window_.chkShowUnselectedItems, false); });
   };
   grid_.Header_Click = [this](int column) { Header_Click(column); };
+  for (std::size_t field = 0; field < window_.mnuSortBy.size(); ++field)
+    window_.mnuSortBy[field].Click = [this, field] { mnuSortBy_Click(static_cast<Grid_Field>(field)); };
+  window_.mnuSortReverse.Click = [this] {
+    // A field that the view does not show has no order to turn.
+    if (const int column = columns_.Get_Sort_Column(SortField); column < grid_.Cols()) Header_Click(column);
+  };
 }
 
 bool Grid_Rows::In_View(int folder) const {
@@ -231,6 +237,7 @@ void Grid_Rows::chkShowAllFolders_Click() {
     }
     showing_all_folders_ = all_folders;
     grid_.Set_Redraw(false);
+    Display_Sort_Menu();
     columns_.Set_Grid_Columns();
     Remove_All_Rows();
     Add_All_Folders_Rows(Marker::None);
@@ -253,9 +260,29 @@ void Grid_Rows::Header_Click(int column) {
     const Grid_Field field = columns_.Get_Sort_Field(column);
     SortAscending = field == SortField ? !SortAscending : true;
     SortField = field;
+    Display_Sort_Menu();
     grid_.Set_Redraw(false);
     Set_Grid_Order();
     grid_.Set_Redraw(true);
+  });
+}
+
+// Choosing the field again keeps the order; a header turns it.
+void Grid_Rows::mnuSortBy_Click(Grid_Field field) {
+  errors_.Run("mnuSortBy_Click", [&] {
+    const int column = columns_.Get_Sort_Column(field);
+    if (field != SortField && column < grid_.Cols()) Header_Click(column);
+  });
+}
+
+void Grid_Rows::Display_Sort_Menu() {
+  errors_.Run("Display_Sort_Menu", [&] {
+    for (std::size_t field = 0; field < window_.mnuSortBy.size(); ++field) {
+      MenuItem& entry = window_.mnuSortBy[field];
+      entry.Set_Enabled(columns_.Get_Sort_Column(static_cast<Grid_Field>(field)) < grid_.Cols());
+      entry.Set_Checked(static_cast<Grid_Field>(field) == SortField);
+    }
+    window_.mnuSortReverse.Set_Checked(!SortAscending);
   });
 }
 

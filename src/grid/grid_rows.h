@@ -49,6 +49,8 @@ class Grid_Rows {
   // A node became current or its mark has changed.
   void Change_Folder_Rows(int node);
   void Set_Grid_Order();
+  // Which fields the menu offers to sort by, and which one and way it is.
+  void Display_Sort_Menu();
 
   // Sets every row's mark by the filters.
   void Mark_Or_Unmark_Filtered_Rows();
@@ -69,6 +71,7 @@ class Grid_Rows {
   void chkShowAllFolders_Click();
   void Show_Option_Click(const CheckBox& box, bool selected);
   void Header_Click(int column);
+  void mnuSortBy_Click(Grid_Field field);
 
   MainWindow& window_;
   TreeView& tree_;

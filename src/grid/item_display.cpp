@@ -5,6 +5,7 @@
 namespace tidyfold {
 
 void Item_Display::Wire() {
+  window_.mnuOpenItem.Click = [this] { mnuOpenItem_Click(); };
   grid_.MouseDown = [this](int) { CurrentRow = grid_.Row(); };
   grid_.DblClick = [this] {
     errors_.Run("grdItems_DblClick", [&] {
@@ -19,29 +20,35 @@ void Item_Display::Wire() {
 }
 
 void Item_Display::Display_Current_Item() {
-  errors_.Run("Display_Current_Item", [&] {
-    if (CurrentRow < 1 || CurrentRow >= grid_.Rows()) return;
-    const GridRow row = grid_.Row_At(CurrentRow);
-    if (row.row_data <= 0 || row.item < 1) return;
-    const FolderData& record = records_[row.row_data];
-    if (record.Folder == nullptr || row.item > record.Cache_Bound()) return;
-    if (record.Cached(row.item).ItemClass == ItemData::deleted) return;
-    // The item that the row shows, though others may have come or gone before it in the folder since it was
-    // read. One that could not be read then has no EntryID, and is not looked for by its place.
-    const std::string entry_id = record.Cached(row.item).EntryID;
-    const std::string store_id = record.Folder->StoreID();
-    if (Trim(store_id).empty()) return;
-    Item_Ptr item;
-    if (!Trim(entry_id).empty())
-      errors_.Try([&] { item = session_.name_space->GetItemFromID(entry_id, store_id); });
-    errors_.error.Clear();
-    if (errors_.Store_Gone()) return;
-    if (item == nullptr) {
-      message_box_.Show("Item could not be retrieved", Buttons::OK_Only, Icon::Critical);
-    } else {
-      item->Display();
-    }
-  });
+  errors_.Run("Display_Current_Item", [&] { Display_Row(CurrentRow); });
+}
+
+void Item_Display::mnuOpenItem_Click() {
+  errors_.Run("mnuOpenItem_Click", [&] { Display_Row(grid_.Row()); });
+}
+
+void Item_Display::Display_Row(int at) {
+  if (at < 1 || at >= grid_.Rows()) return;
+  const GridRow row = grid_.Row_At(at);
+  if (row.row_data <= 0 || row.item < 1) return;
+  const FolderData& record = records_[row.row_data];
+  if (record.Folder == nullptr || row.item > record.Cache_Bound()) return;
+  if (record.Cached(row.item).ItemClass == ItemData::deleted) return;
+  // The item that the row shows, though others may have come or gone before it in the folder since it was
+  // read. One that could not be read then has no EntryID, and is not looked for by its place.
+  const std::string entry_id = record.Cached(row.item).EntryID;
+  const std::string store_id = record.Folder->StoreID();
+  if (Trim(store_id).empty()) return;
+  Item_Ptr item;
+  if (!Trim(entry_id).empty())
+    errors_.Try([&] { item = session_.name_space->GetItemFromID(entry_id, store_id); });
+  errors_.error.Clear();
+  if (errors_.Store_Gone()) return;
+  if (item == nullptr) {
+    message_box_.Show("Item could not be retrieved", Buttons::OK_Only, Icon::Critical);
+  } else {
+    item->Display();
+  }
 }
 
 }  // namespace tidyfold

@@ -12,21 +12,28 @@ class Item_Display {
  public:
   Item_Display(MainWindow& window, FolderData_Array& records, Outlook_Session& session,
                Message_Box& message_box, Error_Handler& errors)
-      : grid_(window.grdItems),
+      : window_(window),
+        grid_(window.grdItems),
         records_(records),
         session_(session),
         message_box_(message_box),
         errors_(errors) {}
 
-  // Sets the grid's handlers.
+  // Sets the handlers of the grid and of the menu's command.
   void Wire();
   // Opens the item of CurrentRow in a window of its own; a message when it is gone.
   void Display_Current_Item();
+
+  // The same for the row that the keyboard is at.
+  void mnuOpenItem_Click();
 
   // The row that the mouse was last pressed on; Enter opens this one too, wherever the keyboard has moved.
   int CurrentRow = 0;
 
  private:
+  void Display_Row(int at);
+
+  MainWindow& window_;
   FlexGrid& grid_;
   FolderData_Array& records_;
   Outlook_Session& session_;

@@ -21,6 +21,9 @@ Row_Selection::Row_Selection(MainWindow& window, FolderData_Array& records, Fold
 void Row_Selection::Wire() {
   window_.chkSelectByRow.Click = [this] { chkSelectByRow_Click(); };
   grid_.MouseUp = [this](int button, int shift, Twips, Twips) { grdItems_MouseUp(button, shift); };
+  window_.mnuSelectRow.Click = [this] { mnuSelectRow_Click(); };
+  window_.mnuSelectAllRows.Click = [this] { mnuSelectAllRows_Click(); };
+  window_.mnuCopyRows.Click = [this] { mnuCopyRows_Click(); };
 }
 
 void Row_Selection::chkSelectByRow_Click() {
@@ -135,6 +138,42 @@ void Row_Selection::Select_Or_Unselect(int row) {
     grid_.Set_Mark(row, !grid_.Row_At(row).marked);
     rows_.Paint_Row(row);
     Enable_Command_Buttons();
+  });
+}
+
+void Row_Selection::mnuSelectRow_Click() {
+  errors_.Run("mnuSelectRow_Click", [&] {
+    grid_.Set_MouseRow(grid_.Row());
+    grdItems_MouseUp(1, 2);
+  });
+}
+
+void Row_Selection::mnuSelectAllRows_Click() {
+  errors_.Run("mnuSelectAllRows_Click", [&] {
+    if (!window_.chkSelectByRow.Checked() || grid_.Rows() < 2 || !Check_Select_By_Row()) return;
+    grid_.Set_Redraw(false);
+    Mark_And_Unmark_Selected_Range(1, grid_.Rows() - 1);
+    Enable_Command_Buttons();
+    grid_.Set_Redraw(true);
+  });
+}
+
+void Row_Selection::mnuCopyRows_Click() {
+  errors_.Run("mnuCopyRows_Click", [&] {
+    const bool picked = window_.chkSelectByRow.Checked() && grid_.Marked_Rows() > 0;
+    std::string text;
+    for (int row = 1; row < grid_.Rows(); ++row) {
+      if (picked ? !grid_.Row_At(row).marked : row != grid_.Row()) continue;
+      for (int column = FlexGrid::first_item_column; column < grid_.Cols(); ++column) {
+        std::string cell = grid_.TextMatrix(row, column);
+        // A row is one line, whatever its texts hold.
+        std::replace_if(
+            cell.begin(), cell.end(), [](unsigned char letter) { return letter < ' '; }, ' ');
+        text += (column > FlexGrid::first_item_column ? "\t" : "") + cell;
+      }
+      text += "\r\n";
+    }
+    if (!text.empty() && window_.Set_Clipboard_Text) window_.Set_Clipboard_Text(text);
   });
 }
 

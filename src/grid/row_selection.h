@@ -14,7 +14,7 @@ class Row_Selection {
                 Deleted_Items_Folders& deleted_items, Grid_Rows& rows, Message_Box& message_box,
                 Error_Handler& errors);
 
-  // Sets the handlers of the option's box and of the grid's mouse.
+  // Sets the handlers of the option's box, of the grid's mouse and of the menu's commands on rows.
   void Wire();
 
   void chkSelectByRow_Click();
@@ -25,6 +25,13 @@ class Row_Selection {
   void Mark_And_Unmark_Selected_Range(int first, int last);
   // Turns the mark of one row.
   void Select_Or_Unselect(int row);
+  // The row that the keyboard is at, as by Ctrl-click.
+  void mnuSelectRow_Click();
+  // Every row that may be selected; a message when some may not.
+  void mnuSelectAllRows_Click();
+  // Puts the rows that are picked by hand, or the one that the keyboard is at, on the clipboard: columns
+  // parted by tabs.
+  void mnuCopyRows_Click();
   // Whether rows may be picked now; a message when they may not.
   bool Check_Select_By_Row();
 

@@ -65,6 +65,18 @@ inline constexpr Context_Topic context_topics[] = {
     {"mnuWhatsThis", -1, 1407, "controls/mnuWhatsThis.html"},
     {"mnuOnlineHelp", -1, 1408, "controls/mnuOnlineHelp.html"},
     {"mnuAbout", -1, 1409, "controls/mnuAbout.html"},
+    {"mnuStopLoading", -1, 1410, "controls/mnuStopLoading.html"},
+    {"mnuMark", -1, 1411, "controls/mnuMark.html"},
+    {"mnuUnmarkFolder", -1, 1412, "controls/mnuUnmarkFolder.html"},
+    {"mnuMarkBranch", -1, 1413, "controls/mnuMarkBranch.html"},
+    {"mnuSortBy", -1, 1414, "controls/mnuSortBy.html"},
+    {"mnuSortReverse", -1, 1415, "controls/mnuSortReverse.html"},
+    {"mnuOpenItem", -1, 1416, "controls/mnuOpenItem.html"},
+    {"mnuSelectRow", -1, 1417, "controls/mnuSelectRow.html"},
+    {"mnuSelectAllRows", -1, 1418, "controls/mnuSelectAllRows.html"},
+    {"mnuCopyRows", -1, 1419, "controls/mnuCopyRows.html"},
+    {"mnuNextPane", -1, 1420, "controls/mnuNextPane.html"},
+    {"mnuPreviousPane", -1, 1421, "controls/mnuPreviousPane.html"},
 };
 
 // The page of a context identifier; empty for one that no control has.

@@ -7,9 +7,11 @@ namespace tidyfold {
 void Control_Enabling::Enable_All_Controls(bool enable) {
   errors_.Run("Enable_All_Controls", [&] {
     all_enabled_ = enable;
-    // Cancel is never off, not even for a moment, in which it would lose the keyboard.
+    // Cancel is never off, not even for a moment, in which it would lose the keyboard. Quit only tells the
+    // loops to end.
     for (Control* control : window_.controls)
-      control->Set_Enabled(enable || (run_.Processing && control == &window_.cmdRun));
+      control->Set_Enabled(enable || control == &window_.mnuQuit ||
+                           (run_.Processing && control == &window_.cmdRun));
     if (run_.Processing) {
       window_.cmdRun.Set_Caption("&Cancel");
     } else {
@@ -55,6 +57,15 @@ void Control_Enabling::Enable_Command_Buttons() {
     window_.cmdRun.Set_Enabled(selected >= 1);
     window_.mnuClean.Set_Enabled(selected >= 1);
     window_.mnuUnmark.Set_Enabled(marked_folders >= 1);
+    const TreeView& tree = window_.trvFolders;
+    const int node = tree.Selected_Item();
+    window_.mnuMark.Set_Enabled(node != 0 && !tree.Checked(node));
+    window_.mnuUnmarkFolder.Set_Enabled(node != 0 && tree.Checked(node));
+    window_.mnuMarkBranch.Set_Enabled(node != 0 && tree.Children(node) > 0);
+    window_.mnuStopLoading.Set_Enabled(Loading());
+    for (MenuItem* entry : {&window_.mnuSelectRow, &window_.mnuSelectAllRows})
+      entry->Set_Enabled(window_.chkSelectByRow.Checked());
+    rows_.Display_Sort_Menu();
     rows_.Display_Selected_Items_Total();
     rows_.Display_Empty_Text();
   });

@@ -26,6 +26,8 @@ class Control_Enabling {
   void Set_Checkbox_Values();
 
   std::function<int()> Count_Selected_Nodes;
+  // Whether items are being loaded.
+  std::function<bool()> Loading;
 
  private:
   MainWindow& window_;

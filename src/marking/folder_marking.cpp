@@ -33,6 +33,9 @@ void Folder_Marking::Wire() {
     errors_.Run("trvFolders_Collapse", [&] { folder_tree_.Set_Node_Text(node); });
   };
   window_.mnuUnmark.Click = [this] { mnuUnmark_Click(); };
+  window_.mnuMark.Click = [this] { mnuMark_Click(); };
+  window_.mnuUnmarkFolder.Click = [this] { mnuUnmarkFolder_Click(); };
+  window_.mnuMarkBranch.Click = [this] { mnuMarkBranch_Click(); };
 }
 
 void Folder_Marking::trvFolders_MouseUp() {
@@ -75,11 +78,11 @@ bool Folder_Marking::Check_Node_Click(int node) {
 
 void Folder_Marking::Node_Click_Or_Check(int node) {
   errors_.Run("Node_Click_Or_Check", [&](Procedure& procedure) {
-    if (!Check_Node_Click(node)) return;
+    if (!Check_Node_Click(node)) return enabling_.Enable_Command_Buttons();
     // A message of the check may have let other handlers run.
     if (!tree_.Exists(node)) return;
     const bool checked = tree_.Checked(node);
-    if (checked && window_.chkMarkSubFolders.Checked() && tree_.Children(node) > 0)
+    if (checked && (window_.chkMarkSubFolders.Checked() || marking_branch_) && tree_.Children(node) > 0)
       Set_Children_Nodes_Checkboxes(tree_.Child(node), checked);
     if (checked) tree_.Set_Expanded(node, true);
     folder_tree_.Set_Node_Text(node);
@@ -212,6 +215,30 @@ void Folder_Marking::mnuUnmark_Click() {
     rows_.Mark_Or_Unmark_Filtered_Rows();
     enabling_.Enable_Command_Buttons();
     window_.grdItems.Set_Redraw(true);
+  });
+}
+
+void Folder_Marking::Mark_Selected_Folder(bool checked) {
+  errors_.Run("Mark_Selected_Folder", [&] {
+    const int node = tree_.Selected_Item();
+    if (node == 0 || tree_.Checked(node) == checked) return;
+    tree_.Tick(node, checked);
+    trvFolders_MouseUp();
+  });
+}
+
+void Folder_Marking::mnuMarkBranch_Click() {
+  errors_.Run("mnuMarkBranch_Click", [&] {
+    const int node = tree_.Selected_Item();
+    if (node == 0) return;
+    if (tree_.Checked(node)) {
+      NodeClicked = true;
+    } else {
+      tree_.Tick(node, true);
+    }
+    marking_branch_ = true;
+    trvFolders_MouseUp();
+    marking_branch_ = false;
   });
 }
 

@@ -36,11 +36,17 @@ class Folder_Marking {
   // Carries a mark to a node, the siblings after it and everything below them.
   void Set_Children_Nodes_Checkboxes(int node, bool checked);
   void mnuUnmark_Click();
+  // The selected folder, as by its tick.
+  void mnuMark_Click() { Mark_Selected_Folder(true); }
+  void mnuUnmarkFolder_Click() { Mark_Selected_Folder(false); }
+  // The selected folder and, whatever Mark Sub Folders says, all below it.
+  void mnuMarkBranch_Click();
   void Set_Folder_Label(int index);
   // The columns of the grid follow the type of the folder that it shows while it shows a single one.
   void Fit_Columns_To_Folder(int index);
 
  private:
+  void Mark_Selected_Folder(bool checked);
   bool Refuse(int node, bool checked, const char* message);
   bool May_Be_Marked_With_Its_Parent(int node);
 
@@ -57,6 +63,7 @@ class Folder_Marking {
   // Set by click and tick, cleared when the mouse-up that follows them has been handled.
   bool NodeClicked = false;
   bool NodeChecked = false;
+  bool marking_branch_ = false;
 };
 
 }  // namespace tidyfold

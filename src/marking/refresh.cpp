@@ -1,20 +1,24 @@
 #include "marking/refresh.h"
 
+#include <utility>
+
 namespace tidyfold {
 
 Refresh::Refresh(MainWindow& window, FolderData_Array& records, Folder_Tree& folder_tree, Item_Cache& cache,
-                 Grid_Rows& rows, Error_Handler& errors)
+                 Grid_Rows& rows, Message_Box& message_box, Error_Handler& errors)
     : window_(window),
       tree_(window.trvFolders),
       records_(records),
       folder_tree_(folder_tree),
       cache_(cache),
       rows_(rows),
+      message_box_(message_box),
       errors_(errors) {}
 
 void Refresh::Wire() {
   window_.mnuRefresh.Click = [this] { mnuRefresh_Click(); };
   window_.mnuRefreshCurrent.Click = [this] { mnuRefreshCurrent_Click(); };
+  window_.mnuStopLoading.Click = [this] { mnuStopLoading_Click(); };
 }
 
 void Refresh::mnuRefresh_Click() {
@@ -43,6 +47,17 @@ void Refresh::mnuRefreshCurrent_Click() {
     // Rows that were picked by hand went with the others.
     Enable_Command_Buttons();
     Load_What_Is_Missing();
+  });
+}
+
+void Refresh::mnuStopLoading_Click() {
+  errors_.Run("mnuStopLoading_Click", [&] {
+    if (!cache_.Running() || Run_Under_Way() || std::exchange(asking_to_stop_, true)) return;
+    const Answer answer = message_box_.Show(
+        "Stop loading items?\r\n\r\nWhat has been loaded can be used. Refresh Current goes on with the rest.",
+        Buttons::Yes_No);
+    asking_to_stop_ = false;
+    if (answer == Answer::Yes && cache_.Running()) cache_.StopCaching = cache_.InterruptCaching = true;
   });
 }
 

@@ -11,7 +11,7 @@ namespace tidyfold {
 class Refresh {
  public:
   Refresh(MainWindow& window, FolderData_Array& records, Folder_Tree& folder_tree, Item_Cache& cache,
-          Grid_Rows& rows, Error_Handler& errors);
+          Grid_Rows& rows, Message_Box& message_box, Error_Handler& errors);
 
   // Sets the menu commands' handlers.
   void Wire();
@@ -20,6 +20,8 @@ class Refresh {
   void mnuRefresh_Click();
   // Reads the selected folder again.
   void mnuRefreshCurrent_Click();
+  // Offers to stop loading; what has been read stays.
+  void mnuStopLoading_Click();
   // Resets every folder that is marked for reload.
   void Reload_Marked_Folders();
   // Loads what is not loaded; then rebuilds everything if that was asked for meanwhile.
@@ -41,6 +43,8 @@ class Refresh {
   Folder_Tree& folder_tree_;
   Item_Cache& cache_;
   Grid_Rows& rows_;
+  Message_Box& message_box_;
+  bool asking_to_stop_ = false;
   Error_Handler& errors_;
 };
 

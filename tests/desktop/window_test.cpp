@@ -132,10 +132,11 @@ TEST_F(Window, Opens_The_Item_Of_A_Row) {
     window_->Click_Row(row, "", by_key ? 1 : 2);
     if (by_key) window_->Key("Return");
     const State state =
-        window_->Wait("the item", [](const State& now) { return now["windows"].size() == 1; });
-    EXPECT_EQ(state["windows"][0], state["grid"][static_cast<std::size_t>(row - 1)]["texts"][4]);
+        window_->Wait("the item", [](const State& now) { return now["beside"].contains("frmItem"); });
+    EXPECT_EQ(state["beside"]["frmItem"]["title"],
+              state["grid"][static_cast<std::size_t>(row - 1)]["texts"][4]);
     window_->Key_To_Other("Escape");
-    window_->Wait("no item", [](const State& now) { return now["windows"].empty(); });
+    window_->Wait("no item", [](const State& now) { return now["beside"].empty(); });
   }
   Quit();
 }
