@@ -49,7 +49,7 @@ Item_Cache::Item_Cache(MainWindow& window, FolderData_Array& records, Folder_Tre
 void Item_Cache::Cache_Folder_Items() {
   if (std::exchange(running_, true)) return;
   errors_.Run("Cache_Folder_Items", [&] {
-    AllFoldersCached = LoadFailed = false;
+    AllFoldersCached = LoadFailed = LoadGivenUp = false;
     // The command that found the store gone begins nothing new.
     StopCaching = InterruptCaching = errors_.Store_Gone();
     window_.mnuStopLoading.Set_Enabled(true);
@@ -66,14 +66,14 @@ void Item_Cache::Cache_Folder_Items() {
     while (!InterruptCaching && !AllFoldersCached && found_work) {
       found_work = Load_Next_Folders();
       if (StopCaching) {
-        // Whoever stops loading goes on to show something else, unless the store has gone.
-        if (!errors_.Store_Gone()) return;
+        // Whoever stops loading goes on to show something else, unless the store has gone or it is given up.
+        if (!errors_.Store_Gone() && !LoadGivenUp) return;
         break;
       }
       InterruptCaching = false;
       AllFoldersCached = All_Folders_Cached();
     }
-    if (LoadFailed && !StopCaching)
+    if (LoadFailed && !LoadGivenUp)
       message_box_.Show("Not all items could be loaded.", Buttons::OK_Only, Icon::Critical);
     window_.sbStatusBar.Set_Panel_Text(1, "");
     window_.sbStatusBar.Set_Panel_Text(2, "");

@@ -38,6 +38,7 @@ class Item_Cache {
   bool Running() const { return running_; }
 
   bool StopCaching = false;       // end loading altogether
+  bool LoadGivenUp = false;       // and it does not start over
   bool InterruptCaching = false;  // stop loading the current folder now
   bool AllFoldersCached = false;
   bool LoadFailed = false;

@@ -2,26 +2,20 @@
 
 #include <wx/menu.h>
 
-#include "desktop/text_conversion.h"
-
 namespace tidyfold {
 
+// The entries bear the numbers that they have in the menu bar, so that the frame runs them, and shows their
+// help, as if they had been chosen there.
 void Show_Context_Menu(wxWindow& window, const Context_Menu& entries, const wxPoint& place) {
   wxMenu menu;
-  constexpr int first_id = 1;
-  for (std::size_t at = 0; at < entries.size(); ++at) {
-    if (entries[at] == nullptr) {
+  for (const Menu_Binder* const entry : entries) {
+    if (entry == nullptr) {
       menu.AppendSeparator();
     } else {
-      menu.Append(first_id + static_cast<int>(at), To_Wx(entries[at]->Caption()))
-          ->Enable(entries[at]->Enabled());
+      entry->Append_To(menu);
     }
   }
-  const int chosen = window.GetPopupMenuSelectionFromUser(menu, place);
-  if (chosen < first_id) return;
-  // It may have been switched off while the menu was open.
-  const MenuItem& entry = *entries[static_cast<std::size_t>(chosen - first_id)];
-  if (entry.Enabled()) Raise(entry.Click);
+  window.PopupMenu(&menu, place);
 }
 
 bool Asks_For_Context_Menu(const wxKeyEvent& event) {

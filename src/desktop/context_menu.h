@@ -5,12 +5,12 @@
 
 #include <vector>
 
-#include "controls/widgets.h"
+#include "desktop/menu_binder.h"
 
 namespace tidyfold {
 
-// Entries in order; a null one separates.
-using Context_Menu = std::vector<MenuItem*>;
+// Entries of the menu bar in order; a null one separates.
+using Context_Menu = std::vector<const Menu_Binder*>;
 
 // Shows the menu at a place of the window and runs what is chosen. Returns when it has been closed.
 void Show_Context_Menu(wxWindow& window, const Context_Menu& entries, const wxPoint& place);

@@ -42,8 +42,8 @@ Main_Frame::Main_Frame(MainWindow& model, Repaint_Schedule& schedule, File_Comma
       surface_(new wxPanel(this)) {
   SetName(To_Wx(model_.frmRemoveItems.Name()));
   SetIcons(Application_Icons());
-  Build_Panes();
   Build_Menus();
+  Build_Panes();
   Set_Tab_Order();
   SetMinClientSize(FromDIP(wxSize(smallest_width, smallest_height)));
 
@@ -83,8 +83,8 @@ void Main_Frame::Build_Panes() {
                                         wxDV_SINGLE | wxDV_NO_HEADER | wxBORDER_NONE);
   auto& tree_binder = binders_.Add<Tree_Binder>(model_.trvFolders, *tree, schedule_);
   tree_binder.Follow_Position(scale_);
-  tree_binder.context_menu = {&model_.mnuMark, &model_.mnuUnmarkFolder,   &model_.mnuMarkBranch,
-                              nullptr,         &model_.mnuRefreshCurrent, &model_.mnuRefresh};
+  tree_binder.context_menu = Entries({&model_.mnuMark, &model_.mnuUnmarkFolder, &model_.mnuMarkBranch,
+                                      nullptr, &model_.mnuRefreshCurrent, &model_.mnuRefresh});
 
   auto* const grid = new wxGrid(surface_, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxBORDER_NONE);
   auto* const hint = new wxStaticText(grid->GetGridWindow(), wxID_ANY, wxString(), wxDefaultPosition,
@@ -92,8 +92,8 @@ void Main_Frame::Build_Panes() {
   hint->SetForegroundColour(wxSystemSettings::GetColour(wxSYS_COLOUR_GRAYTEXT));
   auto& grid_binder = binders_.Add<Grid_Binder>(model_.grdItems, *grid, *hint, schedule_);
   grid_binder.Follow_Position(scale_);
-  grid_binder.context_menu = {&model_.mnuOpenItem,      nullptr, &model_.mnuSelectRow,
-                              &model_.mnuSelectAllRows, nullptr, &model_.mnuCopyRows};
+  grid_binder.context_menu = Entries({&model_.mnuOpenItem, nullptr, &model_.mnuSelectRow,
+                                      &model_.mnuSelectAllRows, nullptr, &model_.mnuCopyRows});
   model_.Set_Clipboard_Text = [](const std::string& text) {
     const wxClipboardLocker lock;
     if (!lock) return;
@@ -214,6 +214,16 @@ void Main_Frame::Add_Entry(wxMenu& menu, MenuItem& model, const wxString& key, c
                            wxItemKind kind) {
   menu_binders_.push_back(std::make_unique<Menu_Binder>(
       model, menu, *this, key, help, [this] { Settle(); }, kind));
+}
+
+Context_Menu Main_Frame::Entries(std::initializer_list<const MenuItem*> models) const {
+  Context_Menu entries;
+  for (const MenuItem* const model : models) {
+    const auto found = std::find_if(menu_binders_.begin(), menu_binders_.end(),
+                                    [&](const auto& binder) { return &binder->Model() == model; });
+    entries.push_back(found == menu_binders_.end() ? nullptr : found->get());
+  }
+  return entries;
 }
 
 void Main_Frame::Add_File_Entry(wxMenu& menu, const wxString& label, const wxString& help,

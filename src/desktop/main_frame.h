@@ -6,11 +6,13 @@
 #include <wx/weakref.h>
 
 #include <functional>
+#include <initializer_list>
 #include <memory>
 #include <vector>
 
 #include "controls/main_window.h"
 #include "desktop/binders.h"
+#include "desktop/context_menu.h"
 #include "desktop/menu_binder.h"
 #include "desktop/repaint_schedule.h"
 #include "desktop/scale.h"
@@ -41,6 +43,8 @@ class Main_Frame : public wxFrame {
   void Add_Entry(wxMenu& menu, MenuItem& model, const wxString& key, const wxString& help,
                  wxItemKind kind = wxITEM_NORMAL);
   wxMenu* New_View_Menu();
+  // What stands in the menu bar for these; null separates.
+  Context_Menu Entries(std::initializer_list<const MenuItem*> models) const;
   void Go_To_Pane(int step);
   void Add_File_Entry(wxMenu& menu, const wxString& label, const wxString& help,
                       std::function<void()>& command);

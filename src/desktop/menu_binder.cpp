@@ -29,6 +29,10 @@ Menu_Binder::~Menu_Binder() {
   model_.changed = nullptr;
 }
 
+void Menu_Binder::Append_To(wxMenu& menu) const {
+  menu.Append(item_->GetId(), Label(), item_->GetHelp())->Enable(model_.Enabled());
+}
+
 wxString Menu_Binder::Label() const {
   const wxString caption = To_Wx(model_.Caption());
   return key_.empty() ? caption : caption + "\t" + key_;

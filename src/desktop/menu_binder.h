@@ -21,6 +21,10 @@ class Menu_Binder {
   Menu_Binder& operator=(const Menu_Binder&) = delete;
   ~Menu_Binder();
 
+  // Adds the same entry to another menu of the frame, as it is now.
+  void Append_To(wxMenu& menu) const;
+  const MenuItem& Model() const { return model_; }
+
  private:
   void Show();
   wxString Label() const;

@@ -55,6 +55,8 @@ void Describe_Widgets(const wxWindow& window, json& widgets) {
 std::string Keyboard_Owner(const wxFrame& frame) {
   std::string owner;
 #ifdef __WXGTK__
+  if (GtkWidget* const grabbing = gtk_grab_get_current(); grabbing != nullptr && GTK_IS_MENU_SHELL(grabbing))
+    return "menu";
   GList* const windows = gtk_window_list_toplevels();
   for (const GList* at = windows; at != nullptr; at = at->next) {
     if (!gtk_window_is_active(GTK_WINDOW(at->data))) continue;
@@ -71,6 +73,16 @@ std::string Keyboard_Owner(const wxFrame& frame) {
                                                    : "other";
 #endif
   return owner;
+}
+
+// The named widget that has the keyboard; of a compound one, as a whole.
+std::string Focus(const wxFrame& frame) {
+  const wxWindow* widget = wxWindow::FindFocus();
+  if (dynamic_cast<const wxGrid*>(widget != nullptr ? widget->GetParent() : nullptr) != nullptr)
+    widget = widget->GetParent();
+  return widget != nullptr && wxGetTopLevelParent(const_cast<wxWindow*>(widget)) == &frame
+             ? From_Wx(widget->GetName())
+             : std::string();
 }
 
 // The windows beside the main one, by name.
@@ -145,6 +157,8 @@ std::string Window_State_File::Describe() const {
   state["boxes"] = boxes_;
   state["boxes_closed"] = boxes_closed_;
   state["keyboard"] = Keyboard_Owner(frame_);
+  state["focus"] = Focus(frame_);
+  if (const wxStatusBar* const bar = frame_.GetStatusBar()) state["said"] = From_Wx(bar->GetStatusText(0));
   state["beside"] = Describe_Windows(frame_);
   // The pointer that asks What's This is the only one that the program changes.
   state["pointer_asks"] = wxIsBusy();

@@ -15,21 +15,21 @@ constexpr Twips scroll_bar_width = 270;
 struct Column {
   Grid_Field field;
   const char* header;
-  Twips fixed;  // room that its texts need; 0: the column takes a share of what the others leave
-  Twips share;
+  Twips fixed;  // room that its texts need at least
+  Twips share;  // of what the fixed rooms leave, in hundredths
 };
 
 constexpr Twips type_width = 1350;
 constexpr Twips date_width = 1300;
 
-constexpr Column all_folders_view[] = {{Grid_Field::Folder, "Folder", 0, 24},
-                                       {Grid_Field::Type_Name, "Type", type_width, 0},
-                                       {Grid_Field::Sender, "Sender", 0, 28},
-                                       {Grid_Field::Subject, "Subject", 0, 48},
+constexpr Column all_folders_view[] = {{Grid_Field::Folder, "Folder", 0, 23},
+                                       {Grid_Field::Type_Name, "Type", type_width, 7},
+                                       {Grid_Field::Sender, "Sender", 0, 26},
+                                       {Grid_Field::Subject, "Subject", 0, 44},
                                        {Grid_Field::Item_Date, "Date", date_width, 0}};
-constexpr Column mail_view[] = {{Grid_Field::Type_Name, "Type", type_width, 0},
-                                {Grid_Field::Sender, "Sender", 0, 35},
-                                {Grid_Field::Subject, "Subject", 0, 65},
+constexpr Column mail_view[] = {{Grid_Field::Type_Name, "Type", type_width, 7},
+                                {Grid_Field::Sender, "Sender", 0, 33},
+                                {Grid_Field::Subject, "Subject", 0, 60},
                                 {Grid_Field::Item_Date, "Date", date_width, 0}};
 constexpr Column journal_view[] = {{Grid_Field::Type_Name, "Type", type_width, 0},
                                    {Grid_Field::Subject, "Subject", 0, 60},

@@ -213,6 +213,8 @@ void Grid_Rows::Display_Selected_Items_Total() {
     std::string text = "Total Selected:  " + std::to_string(total_.Items());
     if (total_.Bytes() > 0) text += " (" + Format_Size(total_.Bytes()) + ")";
     window_.sbStatusBar.Set_Panel_Text(3, text);
+    for (MenuItem* const entry : {&window_.mnuOpenItem, &window_.mnuCopyRows})
+      entry->Set_Enabled(grid_.Enabled() && grid_.Rows() > 1);
   });
 }
 
@@ -241,6 +243,8 @@ void Grid_Rows::chkShowAllFolders_Click() {
     columns_.Set_Grid_Columns();
     Remove_All_Rows();
     Add_All_Folders_Rows(Marker::None);
+    Display_Selected_Items_Total();
+    Display_Empty_Text();
     grid_.Set_Redraw(true);
   });
 }
@@ -252,6 +256,8 @@ void Grid_Rows::Show_Option_Click(const CheckBox& box, bool selected) {
   } else {
     Remove_Selected_Or_Unselected_Rows(selected);
   }
+  Display_Selected_Items_Total();
+  Display_Empty_Text();
   grid_.Set_Redraw(true);
 }
 

@@ -64,7 +64,7 @@ void Control_Enabling::Enable_Command_Buttons() {
     window_.mnuMarkBranch.Set_Enabled(node != 0 && tree.Children(node) > 0);
     window_.mnuStopLoading.Set_Enabled(Loading());
     for (MenuItem* entry : {&window_.mnuSelectRow, &window_.mnuSelectAllRows})
-      entry->Set_Enabled(window_.chkSelectByRow.Checked());
+      entry->Set_Enabled(window_.chkSelectByRow.Checked() && window_.grdItems.Rows() > 1);
     rows_.Display_Sort_Menu();
     rows_.Display_Selected_Items_Total();
     rows_.Display_Empty_Text();

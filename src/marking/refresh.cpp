@@ -57,7 +57,8 @@ void Refresh::mnuStopLoading_Click() {
         "Stop loading items?\r\n\r\nWhat has been loaded can be used. Refresh Current goes on with the rest.",
         Buttons::Yes_No);
     asking_to_stop_ = false;
-    if (answer == Answer::Yes && cache_.Running()) cache_.StopCaching = cache_.InterruptCaching = true;
+    if (answer == Answer::Yes && cache_.Running())
+      cache_.LoadGivenUp = cache_.StopCaching = cache_.InterruptCaching = true;
   });
 }
 

@@ -46,6 +46,25 @@ TEST(App, Quit_Asks_And_A_Refresh_While_Loading_Starts_Over) {
   }
 }
 
+TEST(App, Stop_Loading_Keeps_What_Was_Read) {
+  for (const Answer answer : {No, Yes}) {
+    Window_Fixture f;
+    f.Add("Inbox", "a", 250);
+    f.events.When([&] { return f.grid.Rows() > 100; },
+                  [&] {
+                    f.box.Expect("Stop loading items?", Buttons::Yes_No, answer);
+                    f.window.mnuStopLoading.Click();
+                    if (answer == No) f.Expect({{"All Folders Loaded", OK}});
+                  });
+    f.app.Form_Load();
+    EXPECT_EQ(f.grid.Rows() == 251, answer == No);
+    EXPECT_FALSE(f.window.mnuStopLoading.Enabled() || f.window.sbStatusBar.Gauge_Total() > 0);
+    f.window.mnuRefreshCurrent.Click();
+    EXPECT_EQ(f.grid.Rows(), 251);
+    f.Expect_Agreement();
+  }
+}
+
 // The run works on live items and loading goes on where it was. Only the item in front of a break and
 // the folder's last one are looked at again, to see that the folder is as it was.
 TEST(App, Clean_While_Loading_Reads_Nothing_Twice) {

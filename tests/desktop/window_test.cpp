@@ -72,7 +72,7 @@ TEST_F(Window, Picks_Rows_By_Mouse_And_Keys_And_Deletes_No_Other) {
                         {0, "Down", 4, "10101000"},
                         {0, "space", 4, "00010000"},
                         {0, "shift+Down", 5, "00011000"},
-                        {0, "ctrl+a", 0, "11111111", true},
+                        {0, "ctrl+a", 5, "11111111", true},
                         {0, "Home", 1, "11111111", true},
                         {0, "ctrl+space", 1, "01111111", true},
                         {0, "shift+End", 0, "11111111", true},
@@ -252,6 +252,53 @@ TEST_F(Window, Works_Without_A_Mouse) {
   Quit();
 }
 
+TEST_F(Window, Right_Clicks_Offer_And_Choose_Nothing_And_F6_Goes_Round) {
+  Make_Store(300);
+  Open();
+  // Shows the menu, goes to its entry and says what the status bar says of it.
+  const auto menu_says = [&](const State& rectangle, int x, const char* key) {
+    const int left = rectangle[0], top = rectangle[1], height = rectangle[3];
+    window_->Xdotool({"mousemove", std::to_string(left + x), std::to_string(top + height / 2), "click", "3"});
+    window_->Wait("a menu", [](const State& state) { return state["keyboard"] == "menu"; });
+    window_->Xdotool({"key", "Down"});
+    const State said = window_->Wait(
+        "its help", [](const State& state) { return !state["said"].get<std::string>().empty(); });
+    window_->Xdotool({"key", key});
+    window_->Wait("no menu", [](const State& state) { return state["keyboard"] == "window"; });
+    return said["said"].get<std::string>() + (Ticked(said).empty() ? "" : " ticked");
+  };
+  const State start = window_->Wait("the tree", [](const State& now) { return now["tree"].size() > 3; });
+  const State& notes = *std::find_if(start["tree"].begin(), start["tree"].end(), [](const State& node) {
+    return node["text"].get<std::string>().starts_with("Notes ");
+  });
+  constexpr int on_its_box = 8;
+  EXPECT_EQ(menu_says(notes["rectangle"], on_its_box, "Escape"), "Tick the current folder");
+  window_->Wait("Notes current", [](const State& now) {
+    return now["widgets"]["lblCurrentFolder"]["label"] == "Current Folder: Notes";
+  });
+  EXPECT_EQ(menu_says(notes["rectangle"], on_its_box, "Return"), "Tick the current folder");
+  window_->Wait("Notes ticked", [](const State& now) { return Ticked(now).starts_with("Notes "); });
+  window_->Key("ctrl+shift+m");
+  window_->Wait("no folder ticked", [](const State& now) { return Ticked(now).empty(); });
+
+  window_->Tick_Option("chkSelectByRow");
+  window_->Click_Row(2);
+  window_->Click_Row(4, "shift");
+  const State rows = Wait_For_Total(3)["grid"];
+  EXPECT_EQ(menu_says(rows[0]["rectangle"], 40, "Escape"), "Open the item of the row that has the frame");
+  EXPECT_EQ(window_->Wait("the first row", [](const State& now) { return now["row"] == 1; })["grid"], rows);
+
+  const char* const panes[] = {"picSlider2", "frmOptions", "trvFolders", "picSlider", "grdItems"};
+  for (const char* const pane : panes) {
+    window_->Key("F6");
+    window_->Wait(pane, [&](const State& now) {
+      return now["focus"] == pane ||
+             (pane == std::string("frmOptions") && now["focus"] == "chkMarkSubFolders");
+    });
+  }
+  Quit();
+}
+
 // Where the panes stand, from left to right; a pane that is closed has no width.
 struct Panes {
   explicit Panes(const State& state)
@@ -307,8 +354,10 @@ TEST_F(Window, The_Bars_Move_The_Panes) {
     return now.grid.width == open.grid.width - 100 && now.options.width == open.options.width;
   });
   window_->Drag("picSlider2", 2000);
-  wait("a window as wide as the screen",
-       [&](const Panes& now) { return now.grid.width > open.grid.width && now.options.width > 0; });
+  // It has been moved to where it fits, too.
+  wait("a window as wide as the screen", [&](const Panes& now) {
+    return now.grid.width > open.grid.width && now.options.left + now.options.width < 1280;
+  });
   window_->Drag("picSlider2", -2000);
   wait("a window as narrow as it gets", [&](const Panes& now) {
     return now.grid.width < open.grid.width - 100 && now.options.width == open.options.width;

@@ -102,6 +102,32 @@ TEST_F(Grid, Sorts_By_The_Header_And_Remembers) {
   rows.Remove_All_Rows();
   rows.Add_All_Folders_Rows(Marker::None);
   EXPECT_EQ(Column(4), "9 8 7 6 5 4 3 2 11 10 1");
+  window.mnuSortReverse.Click();
+  EXPECT_EQ(Column(4).substr(0, 4), "1 10");
+  window.mnuSortBy[5].Click();
+  window.mnuSortBy[5].Click();
+  EXPECT_EQ(Column(4), "1 2 3 4 5 6 7 8 9 10 11") << "chosen again, it stays";
+  EXPECT_TRUE(window.mnuSortBy[5].Checked() && !window.mnuSortBy[3].Checked());
+  EXPECT_TRUE(window.mnuSortBy[3].Enabled() && !window.mnuSortBy[0].Enabled()) << "what the view shows";
+}
+
+TEST_F(Grid, Copies_What_Was_Picked_Or_Else_The_Current_Row) {
+  Show("Inbox", 3);
+  Record("Inbox").Cached(2).Subject = "of\ttwo\r\nlines";
+  std::string copied;
+  window.Set_Clipboard_Text = [&](const std::string& text) { copied = text; };
+  window.mnuCopyRows.Click();
+  EXPECT_EQ(copied, "") << "there is none";
+  grid.Set_Row(2);
+  window.mnuCopyRows.Click();
+  EXPECT_EQ(copied, "Mail\t\tof two  lines\t" + grid.TextMatrix(2, 5) + "\r\n");
+  window.chkSelectByRow.Set_Value(1);
+  window.mnuSelectAllRows.Click();
+  window.mnuSelectRow.Click();
+  EXPECT_EQ(Marks(), "101");
+  window.mnuCopyRows.Click();
+  EXPECT_EQ(std::count(copied.begin(), copied.end(), '\n'), 2);
+  EXPECT_EQ(copied.find("two"), std::string::npos);
 }
 
 TEST_F(Grid, Shows_The_Kinds_That_Are_Wanted_And_None_Twice) {

@@ -61,7 +61,8 @@ TEST(Marking, Rules_Allow_Or_Refuse_And_A_Refusal_Changes_Nothing) {
 TEST(Marking, A_Branch_Takes_The_Mark_Where_It_May_And_Unmark_All_Takes_It_Away) {
   for (const bool delete_folders : {false, true}) {
     Window_Fixture f("add Projects/Alpha/Deep/a; folder Deleted Items/Apart; load; set ShowAllFolders", 2);
-    f.Do(delete_folders ? "set DeleteFolders; tick OUTLOOK" : "set MarkSubFolders; tick OUTLOOK");
+    f.Do(delete_folders ? "set DeleteFolders; click OUTLOOK" : "click OUTLOOK; tick OUTLOOK");
+    f.window.mnuMarkBranch.Click();
     for (const std::string path :
          {"", "Inbox", "Deleted Items", "Deleted Items/Apart", "Projects/Alpha/Deep"}) {
       const bool may = delete_folders ? path.find('/') != std::string::npos : path != "Deleted Items";
