@@ -29,9 +29,10 @@ function(tidyfold_program name)
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${TIDYFOLD_PROGRAM_DIR})
 endfunction()
 
-# tidyfold_test(NAME [DEPENDS target...] SOURCES file...): one GoogleTest program, each case a CTest test.
+# tidyfold_test(NAME [ALONE] [DEPENDS target...] SOURCES file...): one GoogleTest program, each case a CTest
+# test. ALONE: no other test runs beside one of these.
 function(tidyfold_test name)
-  cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS" ${ARGN})
+  cmake_parse_arguments(ARG "ALONE" "" "SOURCES;DEPENDS" ${ARGN})
   add_executable(test_${name} ${ARG_SOURCES})
   target_include_directories(test_${name} PRIVATE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/tests)
   target_link_libraries(test_${name} PRIVATE ${ARG_DEPENDS} GTest::gtest GTest::gmock GTest::gtest_main
@@ -43,5 +44,5 @@ function(tidyfold_test name)
     return()
   endif()
   # Cases bear the names that they were given, not the bytes of their parameters.
-  gtest_discover_tests(test_${name} NO_PRETTY_VALUES DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
+  gtest_discover_tests(test_${name} NO_PRETTY_VALUES DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300 RUN_SERIAL ${ARG_ALONE})
 endfunction()

@@ -85,6 +85,7 @@ Grid_Binder::Grid_Binder(FlexGrid& model, wxGrid& widget, wxStaticText& hint, Re
     event.Skip();
     const int column = event.GetRowOrCol();
     From_User([&] {
+      if (Grid_Table::Model_Column(column) >= model_.Cols()) return;
       model_.Set_Column_Width(Grid_Table::Model_Column(column), scale_.To_Twips(widget_.GetColSize(column)));
     });
   });
@@ -121,7 +122,6 @@ void Grid_Binder::Show_Row_Count() {
 }
 
 void Grid_Binder::Show_Columns() {
-  shown_columns_ = model_.Column_Version();
   const wxGridUpdateLocker freeze(&widget_);
   widget_.UnsetSortingColumn();  // the one that bears the mark may go
   table_->Set_Columns(std::max(model_.Cols() - FlexGrid::first_item_column, 0));
@@ -131,11 +131,14 @@ void Grid_Binder::Show_Columns() {
     widget_.SetColLabelValue(column, table_->GetColLabelValue(column));
   }
   shown_picture_ = 0;
+  shown_columns_ = model_.Column_Version();
   Fill_Width();
 }
 
 // The last column takes what the others leave of the width.
 void Grid_Binder::Fill_Width() {
+  // The widget may change its size while it is still being given rows or columns.
+  if (shown_columns_ != model_.Column_Version()) return;
   const int last = table_->GetNumberCols() - 1;
   if (last < 0) return;
   int others = 0;

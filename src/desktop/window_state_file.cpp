@@ -158,7 +158,9 @@ std::string Window_State_File::Describe() const {
   state["boxes_closed"] = boxes_closed_;
   state["keyboard"] = Keyboard_Owner(frame_);
   state["focus"] = Focus(frame_);
-  if (const wxStatusBar* const bar = frame_.GetStatusBar()) state["said"] = From_Wx(bar->GetStatusText(0));
+  // A menu that has been closed leaves a text of one zero.
+  if (const wxStatusBar* const bar = frame_.GetStatusBar())
+    state["said"] = From_Wx(bar->GetStatusText(0).BeforeFirst('\0'));
   state["beside"] = Describe_Windows(frame_);
   // The pointer that asks What's This is the only one that the program changes.
   state["pointer_asks"] = wxIsBusy();

@@ -23,10 +23,22 @@ std::string Licences(const std::string& folder) {
 
 About::About(Form& form, About_Controls& controls, const Program_Info& program)
     : form_(form), controls_(controls), program_(program) {
-  controls_.Label3.Click = [this] { Raise(Show_Home_Page); };
-  controls_.cmdHomePage.Click = [this] { Raise(Show_Home_Page); };
-  controls_.ok_button.Click = [this] { form_.Unload(); };
+  controls_.Label3.Click = [this] { Label3_Click(); };
+  controls_.cmdHomePage.Click = [this] { cmdHomePage_Click(); };
+  controls_.ok_button.Click = [this] { ok_button_Click(); };
   form_.Close = [this] { form_.Unload(); };
+}
+
+void About::Label3_Click() {
+  Raise(Show_Home_Page);
+}
+
+void About::cmdHomePage_Click() {
+  Raise(Show_Home_Page);
+}
+
+void About::ok_button_Click() {
+  form_.Unload();
 }
 
 void About::Show() {

@@ -38,6 +38,9 @@ class About {
 
  private:
   void Form_Load();
+  void Label3_Click();
+  void cmdHomePage_Click();
+  void ok_button_Click();
 
   Form& form_;
   About_Controls& controls_;

@@ -65,6 +65,75 @@ TEST(App, Stop_Loading_Keeps_What_Was_Read) {
   }
 }
 
+// The window may say that something failed. It goes on, deletes nothing, and a Refresh brings it right.
+TEST(App, Outlives_What_Happens_To_The_Store_Between_Two_Clicks) {
+  using Act = std::function<void(Window_Fixture&)>;
+  const std::pair<const char*, Act> moments[] = {
+      {"nothing", [](Window_Fixture&) {}},
+      {"the folder is gone",
+       [](Window_Fixture& f) {
+         const Folders_Ptr folders = f.Folder("")->Folders();
+         for (std::int32_t i = folders->Count(); i >= 1; --i)
+           if (folders->Item(i)->Name() == "Old") folders->Remove(i);
+       }},
+      {"its items are gone",
+       [](Window_Fixture& f) {
+         while (f.Folder("Old")->Items()->Count() > 1) f.Folder("Old")->Items()->Remove(1);
+       }},
+      {"the store is closed", [](Window_Fixture& f) {
+         f.plan.Fail_Where([](const Store_Call&) { return true; }, {1, "It is closed", "store"});
+       }}};
+  const std::string steps[] = {"row 2",
+                               "rows-to 3",
+                               "turn-row 1",
+                               "click Inbox",
+                               "set ShowAllFolders",
+                               "set SelectByRow",
+                               "set SelectSubject",
+                               "set DeleteFolders",
+                               "unset ShowUnselectedItems"};
+  MenuItem MainWindow::*const entries[] = {
+      &MainWindow::mnuOpenItem,   &MainWindow::mnuRefreshCurrent, &MainWindow::mnuRefresh,
+      &MainWindow::mnuMarkBranch, &MainWindow::mnuMark,           &MainWindow::mnuUnmarkFolder,
+      &MainWindow::mnuUnmark,     &MainWindow::mnuStopLoading,    &MainWindow::mnuSelectAllRows};
+  std::vector<Act> commands;
+  for (const auto entry : entries)
+    commands.push_back([entry](Window_Fixture& f) { (f.window.*entry).Click(); });
+  for (const std::string& step : steps) commands.push_back([step](Window_Fixture& f) { f.Do(step); });
+  for (const auto& [name, moment] : moments)
+    for (const Act& command : commands)
+      for (const std::string before : {"", "tick Old", "set SelectByRow; row 150", "loading"}) {
+        SCOPED_TRACE(std::string(name) + ", command " + std::to_string(&command - commands.data()) + ", " +
+                     before);
+        Window_Fixture f("folder Old/Deep");
+        f.Add("Old", "a", 250);
+        f.Do("load; click Old; " + before);
+        f.grid.Set_Row(f.grid.Rows() - 1);
+        f.box.Answer_Anything();
+        Window_Fixture::Contents left;
+        const auto act = [&, &then = moment] {
+          then(f);
+          left = f.Everything();
+          command(f);
+        };
+        if (before == "loading") {
+          f.events.When([&] { return f.grid.Rows() > 100 && f.grid.Rows() < 200; }, act);
+          f.window.mnuRefreshCurrent.Click();
+        } else {
+          act();
+        }
+        f.plan.Forget_Faults();
+        // A Refresh that finds no folder at all is the end.
+        if (f.box.Count("No folders were loaded.") > 0) continue;
+        EXPECT_TRUE(f.window.frmRemoveItems.Loaded() && f.grid.Redraw());
+        f.window.mnuResetOptions.Click();
+        f.window.mnuRefresh.Click();
+        f.Expect_Agreement();
+        EXPECT_EQ(f.Everything(), left);
+        if (HasFailure()) return;
+      }
+}
+
 // The run works on live items and loading goes on where it was. Only the item in front of a break and
 // the folder's last one are looked at again, to see that the folder is as it was.
 TEST(App, Clean_While_Loading_Reads_Nothing_Twice) {

@@ -258,6 +258,7 @@ TEST_F(Window, Right_Clicks_Offer_And_Choose_Nothing_And_F6_Goes_Round) {
   // Shows the menu, goes to its entry and says what the status bar says of it.
   const auto menu_says = [&](const State& rectangle, int x, const char* key) {
     const int left = rectangle[0], top = rectangle[1], height = rectangle[3];
+    window_->Wait("the keyboard", [](const State& state) { return state["keyboard"] == "window"; });
     window_->Xdotool({"mousemove", std::to_string(left + x), std::to_string(top + height / 2), "click", "3"});
     window_->Wait("a menu", [](const State& state) { return state["keyboard"] == "menu"; });
     window_->Xdotool({"key", "Down"});
