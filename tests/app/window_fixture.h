@@ -149,11 +149,13 @@ struct Window_Fixture {
   Contents Everything() {
     Contents all;
     const std::function<void(MAPIFolder&, const std::string&)> collect = [&](MAPIFolder& folder, auto& path) {
-      all[folder.StoreID() + " " + path] = path;
-      for (std::int32_t i = 1; i <= folder.Items()->Count(); ++i)
-        all[folder.StoreID() + " " + folder.Items()->Item(i)->EntryID()] = path;
-      for (std::int32_t i = 1; i <= folder.Folders()->Count(); ++i)
-        collect(*folder.Folders()->Item(i), path + "/" + folder.Folders()->Item(i)->Name());
+      const std::string store = folder.StoreID() + " ";
+      all[store + path] = path;
+      const Items_Ptr items = folder.Items();
+      for (std::int32_t i = items->Count(); i >= 1; --i) all[store + items->Item(i)->EntryID()] = path;
+      const Folders_Ptr folders = folder.Folders();
+      for (std::int32_t i = folders->Count(); i >= 1; --i)
+        collect(*folders->Item(i), path + "/" + folders->Item(i)->Name());
     };
     for (std::size_t i = 1; i <= outlook.Stores(); ++i)
       collect(instead.store != nullptr ? *instead.store->Top_Folder() : *outlook.Store(i).Top_Folder(), "");
