@@ -90,12 +90,18 @@ class Help_Browser_Frame : public wxFrame {
     binder_ = std::make_unique<Control_Binder>(model_.WebBrowser1, *view_);
     binder_->Follow_Position(scale_);
 
-    view_->Bind(wxEVT_WEBVIEW_ERROR, &Help_Browser_Frame::Failed, this);
+    view_->Bind(wxEVT_WEBVIEW_ERROR, [this](wxWebViewEvent& event) {
+      if (event.GetInt() != wxWEBVIEW_NAV_ERR_USER_CANCELLED) Failed(event.GetURL(), event.GetString());
+    });
     view_->Bind(wxEVT_WEBVIEW_TITLE_CHANGED, [this](wxWebViewEvent& event) {
       const wxString caption = To_Wx(model_.frmHelpBrowser.Caption()), title = event.GetString();
       SetTitle(title.empty() || title == caption ? caption : title + " - " + caption);
     });
-    view_->Bind(wxEVT_WEBVIEW_LOADED, [this](wxWebViewEvent&) { Enable_Tools(); });
+    view_->Bind(wxEVT_WEBVIEW_LOADED, [this](wxWebViewEvent& event) {
+      Enable_Tools();
+      if (const unsigned status = Status_Of_Answer(); status >= 400)
+        Failed(event.GetURL(), wxString::Format("The site answered with status %u.", status));
+    });
     failure_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { Tell_Failure(); });
     Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
       event.Skip();
@@ -133,12 +139,24 @@ class Help_Browser_Frame : public wxFrame {
     GetToolBar()->EnableTool(wxID_FORWARD, view_->CanGoForward());
   }
 
+  // A site that has no such page sends one of its own that says so. 0 where it is not known: for a file, or
+  // where the toolkit does not tell.
+  unsigned Status_Of_Answer() {
+#ifdef __WXGTK__
+    WebKitWebResource* const page =
+        webkit_web_view_get_main_resource(WEBKIT_WEB_VIEW(view_->GetNativeBackend()));
+    WebKitURIResponse* const answer = page == nullptr ? nullptr : webkit_web_resource_get_response(page);
+    return answer == nullptr ? 0 : webkit_uri_response_get_status_code(answer);
+#else
+    return 0;
+#endif
+  }
+
   // The question that follows runs an event loop of its own, which must not run inside the view's handler;
   // and it belongs above this window, which may not be in front yet.
-  void Failed(wxWebViewEvent& event) {
-    if (event.GetInt() == wxWEBVIEW_NAV_ERR_USER_CANCELLED) return;
-    failed_address_ = From_Wx(event.GetURL());
-    failed_reason_ = From_Wx(event.GetString());
+  void Failed(const wxString& address, const wxString& reason) {
+    failed_address_ = From_Wx(address);
+    failed_reason_ = From_Wx(reason);
     looks_left_ = most_looks;
     failure_.Start(look_pace);
   }
