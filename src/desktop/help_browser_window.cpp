@@ -3,6 +3,7 @@
 #include <wx/app.h>
 #include <wx/artprov.h>
 #include <wx/display.h>
+#include <wx/log.h>
 #include <wx/panel.h>
 #include <wx/timer.h>
 #include <wx/toolbar.h>
@@ -11,6 +12,8 @@
 #include <wx/webview.h>
 #ifdef __WXGTK__
 #include <webkit2/webkit2.h>
+#elif defined(__WXMSW__)
+#include <wx/dynlib.h>
 #endif
 #endif
 
@@ -32,13 +35,22 @@ constexpr int smallest_width = 320, smallest_height = 334;
 // How long a question waits for the window that it belongs to, where that never comes to the front.
 constexpr int look_pace = 20, most_looks = 50;  // milliseconds
 
+// What the toolkit's view stands on.
+bool Has_Page_Engine() {
+#ifdef __WXMSW__
+  // A view can be made without it, but never shows a page.
+  const wxDynamicLibrary engine("mshtml.dll", wxDL_DEFAULT | wxDL_QUIET);
+  if (!engine.IsLoaded()) return false;
+#endif
+  return wxWebView::IsBackendAvailable(wxWebViewBackendDefault);
+}
+
 }  // namespace
 
 class Help_Browser_Frame : public wxFrame {
  public:
-  // None where the machine lacks what the toolkit's view stands on.
   static Help_Browser_Frame* Make(Help_Browser_Window& model) {
-    if (!wxWebView::IsBackendAvailable(wxWebViewBackendDefault)) return nullptr;
+    if (!Has_Page_Engine()) return nullptr;
     auto* const frame = new Help_Browser_Frame(model);
     if (frame->view_ != nullptr) return frame;
     frame->End();
@@ -117,7 +129,13 @@ class Help_Browser_Frame : public wxFrame {
   }
 
   void Build_Tools() {
-    wxToolBar& tools = *CreateToolBar(wxTB_HORIZONTAL | wxTB_FLAT);
+#ifdef __WXMSW__
+    // The toolkit has no pictures of its own for all of them there.
+    constexpr long looks = wxTB_TEXT | wxTB_NOICONS;
+#else
+    constexpr long looks = 0;
+#endif
+    wxToolBar& tools = *CreateToolBar(wxTB_HORIZONTAL | wxTB_FLAT | looks);
     const auto add = [&](wxWindowID id, const wxString& label, const wxArtID& picture, const wxString& tip) {
       tools.AddTool(id, label, wxArtProvider::GetBitmapBundle(picture, wxART_TOOLBAR), tip);
     };
@@ -250,7 +268,11 @@ void Help_Browser_Binder::Navigate(const std::string& address) {
 
 void Help_Browser_Binder::Show_In_System_Browser(const std::string& address) {
   model_.frmHelpBrowser.Unload();
-  if (!wxLaunchDefaultBrowser(To_Wx(address))) {
+  const auto starts = [&address] {
+    const wxLogNull told_below;
+    return wxLaunchDefaultBrowser(To_Wx(address));
+  };
+  if (!starts()) {
     Raise(model_.WebBrowser1.NavigateError, address, std::string("No Web browser could be started."));
     return;
   }

@@ -11,7 +11,11 @@ namespace {
 // Unscaled pixels.
 constexpr int margin = 10;
 constexpr int indent = 22;
+#ifdef __WXMSW__
+constexpr int line_gap = 4;  // its check boxes are as high as their text
+#else
 constexpr int line_gap = 0;
+#endif
 constexpr int group_gap = 4;
 constexpr int text_box_padding = 10;
 

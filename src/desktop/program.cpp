@@ -5,6 +5,8 @@
 #include <wx/uilocale.h>
 #include <wx/utils.h>
 
+#include <iostream>
+
 #include "app/app.h"
 #include "desktop/desktop_help.h"
 #include "desktop/item_window.h"
@@ -23,7 +25,19 @@ Program::Program(std::vector<std::filesystem::path> stores) : first_stores_(std:
 
 Program::~Program() = default;
 
+namespace {
+
+// A check of the toolkit's own that failed is for those who write the program: it stops nobody at work.
+void Note_Failed_Check(const wxString& file, int line, const wxString& function, const wxString& condition,
+                       const wxString& message) {
+  std::cerr << From_Wx(file) << ':' << line << ": " << From_Wx(function) << ": \"" << From_Wx(condition)
+            << "\" failed. " << From_Wx(message) << std::endl;
+}
+
+}  // namespace
+
 bool Program::OnInit() {
+  wxSetAssertHandler(Note_Failed_Check);
   SetAppName("tidyfold");
   SetAppDisplayName(application_title);
   wxUILocale::UseDefault();
