@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The window on a store file, from tick to summary, and what it leaves in the store."""
+"""The window on a store file, from tick to summary, what it leaves in the store, and its help."""
 
 import json
 import pathlib
@@ -9,12 +9,37 @@ import tempfile
 
 from wine_window import Wine_Window, windows_path
 
+SITE = "http://help.invalid"
+
 
 def counts(wine, cli, store):
     """Items by folder, as the command line tells them."""
     run = subprocess.run([wine, cli, "--store", windows_path(store), "folders", "--json"], check=True,
                          capture_output=True, text=True)
     return {folder["path"]: folder["items"] for folder in json.loads(run.stdout)}
+
+
+def ask_for_help(window, browsed):
+    def in_front(what):
+        window.wait(f"{what} in front", lambda: window.state().get("keyboard") == what)
+    # The book, in the system's viewer, which draws no pages under Wine.
+    in_front("window")
+    window.x("key", "F1")
+    in_front("other")
+    window.picture("help-book")
+    window.x("key", "alt+F4")
+    in_front("window")
+    # Wine has nothing that could show a page, so the system's browser is asked to.
+    window.x("key", "ctrl+h")
+    window.answer(f"opens in your Web browser:\r\n{SITE}/tidyfoldhelp/index.html")
+    window.wait("the page in the browser", lambda: browsed.exists() and browsed.read_text().strip())
+    assert browsed.read_text() == f"{SITE}/tidyfoldhelp/index.html\n"
+    window.x("key", "alt+h", "a")
+    window.wait("About", lambda: "About Tidyfold" in window.state()["windows"])
+    in_front("box")
+    window.picture("about")
+    window.x("key", "Return")
+    in_front("window")
 
 
 def main():
@@ -29,7 +54,15 @@ def main():
         deleted = next(path for path in before if path.endswith("Deleted Items"))
         assert before[inbox] > 0
 
-        window = Wine_Window(wine, programs / "tidyfold.exe", ["--store", windows_path(store)], screenshots)
+        browser, browsed = pathlib.Path(folder) / "browser", pathlib.Path(folder) / "browsed"
+        browser.write_text(f'#!/bin/sh\necho "$@" >>{browsed}\n')
+        browser.chmod(0o755)
+
+        def prepare(run, environment):
+            environment["TIDYFOLD_SITE"] = SITE
+            run("reg", "add", r"HKCU\Software\Wine\WineBrowser", "/v", "Browsers", "/d", browser, "/f")
+
+        window = Wine_Window(wine, programs / "tidyfold.exe", ["--store", windows_path(store)], screenshots, prepare)
         try:
             window.answer("All Folders Loaded")
             window.picture("ready")
@@ -43,10 +76,8 @@ def main():
             window.wait("rest", lambda: not window.state()["boxes"]
                         and window.state()["widgets"]["cmdRun"]["label"] == "&Clean")
             window.picture("cleaned")
-            window.x("key", "ctrl+q")
-            window.answer("Quit Tidyfold?", "alt+y")
-            window.program.wait(60)
-            assert window.program.returncode == 0, window.program.returncode
+            ask_for_help(window, browsed)
+            window.quit()
         finally:
             window.close()
 

@@ -18,6 +18,7 @@ def windows_path(path):
 
 class Wine_Window:
     def __init__(self, wine, program, arguments=(), screenshots=None, prepare=None):
+        self.wine = str(wine)
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="tidyfold-wine-"))
         self.state_file = self.folder / "state.json"
         self.screenshots = pathlib.Path(screenshots) if screenshots else None
@@ -31,21 +32,45 @@ class Wine_Window:
         # A Windows of its own: one that was started without a screen shows no windows later.
         self.environment = dict(os.environ, DISPLAY=":" + display, WINEPREFIX=str(self.folder / "wine"),
                                 TIDYFOLD_WINDOW_STATE=windows_path(self.state_file))
-        subprocess.run([wine, "wineboot", "--init"], env=self.environment, check=True, stdout=subprocess.DEVNULL,
-                       stderr=subprocess.DEVNULL)
-        # A desktop of Wine's own: boxes stand where Windows puts them, not where a window manager does.
+        self.run("wineboot", "--init")
+        # A desktop of Wine's own: the keyboard follows Windows' rules, not a window manager's.
         for key, name, value in ((r"HKCU\Software\Wine\Explorer", "Desktop", "Tests"),
                                  (r"HKCU\Software\Wine\Explorer\Desktops", "Tests", SCREEN)):
-            subprocess.run([wine, "reg", "add", key, "/v", name, "/d", value, "/f"], env=self.environment, check=True,
-                           stdout=subprocess.DEVNULL)
+            self.run("reg", "add", key, "/v", name, "/d", value, "/f")
         subprocess.run(["wineserver", "--wait"], env=self.environment, check=True)  # the desktop comes with the next
+        self.give_fonts()
         if prepare:
-            prepare(self.environment)
-        self.program = self.start([str(wine), str(program), *arguments])
+            prepare(self.run, self.environment)
+        with open(self.folder / "errors.txt", "wb") as errors:
+            self.program = self.start([str(wine), str(program), *arguments], stderr=errors)
+
+    def run(self, *words):
+        """One of Wine's programs, to its end; gives what it printed."""
+        return subprocess.run([self.wine, *map(str, words)], env=self.environment, check=True, text=True,
+                              stdout=subprocess.PIPE, stderr=subprocess.DEVNULL).stdout
+
+    def give_fonts(self):
+        """Wine's fonts, where its package put them aside, and letters that they lack."""
+        fonts = pathlib.Path(self.environment["WINEPREFIX"], "drive_c/windows/Fonts")
+        for font in pathlib.Path("/usr/share/wine/fonts").glob("*.ttf"):
+            if not (fonts / font.name).exists():
+                (fonts / font.name).symlink_to(font)
+        for name in ("Tahoma", "Tahoma Bold"):
+            self.run("reg", "add", r"HKLM\Software\Microsoft\Windows NT\CurrentVersion\FontLink\SystemLink", "/v", name,
+                     "/t", "REG_MULTI_SZ", "/d", "DejaVuSans.ttf,DejaVu Sans", "/f")
+
+    def quit(self):
+        """By the keyboard; the program must end well and its toolkit have nothing to complain of."""
+        self.x("key", "ctrl+q")
+        self.answer("Quit Tidyfold?", "alt+y")
+        self.program.wait(60)
+        complaints = (self.folder / "errors.txt").read_text(encoding="utf-8")
+        assert self.program.returncode == 0 and '" failed.' not in complaints, (self.program.returncode, complaints)
 
     def start(self, command, **how):
         environment = getattr(self, "environment", dict(os.environ))
-        child = subprocess.Popen(command, env=environment, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, **how)
+        child = subprocess.Popen(command, env=environment, **{"stdout": subprocess.DEVNULL, "stderr": subprocess.DEVNULL,
+                                                              **how})
         self.children.append(child)
         return child
 

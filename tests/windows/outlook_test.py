@@ -1,0 +1,67 @@
+#!/usr/bin/env python3
+"""The window without a store file works on Outlook: on the test server, which another client fills and reads."""
+
+import pathlib
+import shutil
+import sys
+import tempfile
+
+from wine_window import Wine_Window, windows_path
+
+FILL = """
+Set control = CreateObject("Tidyfold.TestOutlook")
+control.Reset
+control.AddStore "Personal Folders", True
+Set top = control.TopFolder(1)
+For i = 1 To top.Folders.Count
+  If top.Folders.Item(i).Name = "Inbox" Then Set inbox = top.Folders.Item(i)
+Next
+received = DateSerial(2015, 3, 1)
+never = DateSerial(4501, 1, 1)
+For i = 1 To 12
+  control.AddItem 1, inbox.StoreID, inbox.EntryID, 43, "Sender " & i, "Subject " & i, "Text", (i > 9), _
+    received, received, never, never, never
+Next
+"""
+COUNT = """
+Set top = CreateObject("Outlook.Application").GetNamespace("MAPI").Folders.Item(1)
+For i = 1 To top.Folders.Count
+  WScript.Echo top.Folders.Item(i).Name & "=" & top.Folders.Item(i).Items.Count
+Next
+"""
+
+
+def main():
+    wine, programs, server, screenshots = sys.argv[1], *map(pathlib.Path, sys.argv[2:5])
+
+    file = pathlib.Path(tempfile.mkdtemp()) / "client.vbs"
+
+    def script(run, text):
+        file.write_text(text)
+        return run("cscript", "//nologo", windows_path(file))
+
+    def prepare(run, _):
+        run(server, "/RegServer")
+        run("regsvr32", "/s", windows_path(programs / "TidyDll.dll"))
+        script(run, FILL)
+
+    window = Wine_Window(wine, programs / "tidyfold.exe", [], screenshots, prepare)
+    try:
+        window.answer("All Folders Loaded")
+        senders = {row["texts"][3] for row in window.state()["grid"]}
+        assert senders == {f"Sender {i}" for i in range(1, 13)}, senders
+        window.tick_folder("Inbox")
+        window.click(window.wait("the button", lambda: window.widget("cmdRun"))["rectangle"])
+        window.answer("9 items in 1 folder identified for cleaning")
+        window.answer("9 items were moved to the \"Deleted Items\" folder")
+        window.quit()
+        counts = dict(line.split("=") for line in script(window.run, COUNT).splitlines())
+        left = {name: int(count) for name, count in counts.items() if count != "0"}
+        assert left == {"Inbox": 3, "Deleted Items": 9}, counts
+    finally:
+        window.close()
+        shutil.rmtree(file.parent)
+
+
+if __name__ == "__main__":
+    main()
