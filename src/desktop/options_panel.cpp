@@ -101,12 +101,14 @@ void Options_Panel::Add_Filters(wxBoxSizer& group) {
   subject->SetMinSize(wxSize(-1, subject->GetCharHeight() + FromDIP(text_box_padding)));
   subject_ = &binders_->Add<Text_Box_Binder>(model_.txtSelectSubject, *subject);
   group.Add(subject, below_option);
+  group.AddSpacer(FromDIP(line_gap));
   auto* const match = new wxFlexGridSizer(2, FromDIP(wxSize(8, line_gap)));
   match->AddGrowableCol(0);
   match->AddGrowableCol(1);
   for (CheckBox* const option : {&model_.chkMatchCase, &model_.chkMatchWord})
     match->Add(New_Check_Box(*option));
   group.Add(match, below_option);
+  group.AddSpacer(FromDIP(line_gap));
 
   Add_Option(group, model_.chkSelectType);
   auto* const types = new wxFlexGridSizer(2, FromDIP(wxSize(8, line_gap)));
