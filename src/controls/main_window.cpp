@@ -17,13 +17,13 @@ MainWindow::MainWindow() {
   // 1024 x 680 pixels at 96 DPI: three panes under a label, the button below the options.
   frmRemoveItems.Set_Width(15360);
   frmRemoveItems.Set_Height(10200);
-  Place(trvFolders, 120, 510, 3450, 8700);
-  Place(picSlider, 3570, 510, 90, 8700);
-  Place(grdItems, 3660, 510, 7650, 8700);
+  Place(trvFolders, 120, 510, 3750, 8700);
+  Place(picSlider, 3870, 510, 90, 8700);
+  Place(grdItems, 3960, 510, 7350, 8700);
   Place(picSlider2, 11310, 510, 90, 8700);
   Place(frmOptions, 11400, 510, 3840, 8115);
   Place(cmdRun, 11400, 8685, 3840, 525);
-  Place(lblCurrentFolder, 3735, 120, 11505, 330);
+  Place(lblCurrentFolder, 4035, 120, 11205, 330);
   Place(txtSelectSubject, 300, 0, 3440, 375);
   Place(linOptions1, 75, 0, 3690, 15);
   Place(linOptions2, 75, 0, 3690, 15);

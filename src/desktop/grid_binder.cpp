@@ -68,6 +68,8 @@ Grid_Binder::Grid_Binder(FlexGrid& model, wxGrid& widget, wxStaticText& hint, Re
   for (const auto& focus : {wxEVT_SET_FOCUS, wxEVT_KILL_FOCUS}) {
     area.Bind(focus, [this](wxFocusEvent& event) {
       event.Skip();
+      // Whoever comes by keyboard sees where the keys begin.
+      if (event.GetEventType() == wxEVT_SET_FOCUS && model_.Row() < 1 && model_.Rows() > 1) Make_Current(1);
       widget_.GetGridWindow()->Refresh();
     });
   }

@@ -73,8 +73,7 @@ void Grid_Cell_Renderer::Draw(wxGrid& grid, wxGridCellAttr& attr, wxDC& dc, cons
     const wxRect inside = rect.Deflate(margin, 0);
     if (inside.width > 0) {
       dc.SetFont(bold ? attr.GetFont().Bold() : attr.GetFont());
-      dc.SetTextForeground(grid.IsEnabled() ? Text_Colour(0, background)
-                                            : wxSystemSettings::GetColour(wxSYS_COLOUR_GRAYTEXT));
+      dc.SetTextForeground(grid.IsEnabled() ? Text_Colour(0, background) : Disabled_Text_Colour(background));
       dc.SetBackgroundMode(wxBRUSHSTYLE_TRANSPARENT);
       const wxString shown =
           wxControl::Ellipsize(text, dc, wxELLIPSIZE_END, inside.width, wxELLIPSIZE_FLAGS_NONE);

@@ -173,10 +173,10 @@ wxMenu* Main_Frame::New_View_Menu() {
   auto* const view = new wxMenu;
   view->AppendSubMenu(order, "&Sort By", "Choose the order of the rows");
   view->AppendSeparator();
-  Add_Entry(*view, model_.mnuOpenItem, "Alt+Return", "Open the item of the row that has the frame");
-  Add_Entry(*view, model_.mnuSelectRow, "Ctrl+Space", "Select the row that has the frame, or take it out");
+  Add_Entry(*view, model_.mnuOpenItem, "Alt+Return", "Open the item of the current row");
+  Add_Entry(*view, model_.mnuSelectRow, "Ctrl+Space", "Select the current row, or take it out");
   Add_Entry(*view, model_.mnuSelectAllRows, "Ctrl+A", "Select every row that may be selected");
-  Add_Entry(*view, model_.mnuCopyRows, "Ctrl+C", "Copy the selected rows, or the one that has the frame");
+  Add_Entry(*view, model_.mnuCopyRows, "Ctrl+C", "Copy the selected rows, or else the current one");
   view->AppendSeparator();
   Add_Entry(*view, model_.mnuNextPane, "F6", "Go to the next part of the window");
   Add_Entry(*view, model_.mnuPreviousPane, "Shift+F6", "Go to the part of the window before");

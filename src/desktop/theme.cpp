@@ -31,6 +31,7 @@ wxColour Blend(const wxColour& from, const wxColour& to, double share) {
 }
 
 constexpr double readable_contrast = 4.5;
+constexpr double discernible_contrast = 3;
 
 }  // namespace
 
@@ -50,6 +51,14 @@ wxColour Theme_Chosen_Background() {
     if (Contrast(thinned, Theme_Text()) >= readable_contrast) return thinned;
   }
   return Blend(background, highlight, 0.1);
+}
+
+wxColour Disabled_Text_Colour(const wxColour& background) {
+  for (double share = 0.6; share > 0; share -= 0.05) {
+    const wxColour faded = Blend(Theme_Text(), background, share);
+    if (Contrast(faded, background) >= discernible_contrast) return faded;
+  }
+  return Theme_Text();
 }
 
 wxColour Text_Colour(Colour colour, const wxColour& background) {

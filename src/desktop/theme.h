@@ -16,4 +16,7 @@ wxColour Theme_Chosen_Background();
 // black or white until it can be read.
 wxColour Text_Colour(Colour colour, const wxColour& background);
 
+// Of what is switched off: paler, and still to be made out.
+wxColour Disabled_Text_Colour(const wxColour& background);
+
 }  // namespace tidyfold

@@ -82,6 +82,8 @@ void Selection_Total::Count_Marked_Folders() {
 
 std::string Selection_Total::Empty_Text() {
   if (window_.grdItems.Rows() > 1) return {};
+  if (!window_.chkShowSelectedItems.Checked() && !window_.chkShowUnselectedItems.Checked())
+    return "Nothing is shown: Show Selected Items and Show Unselected Items are both off.";
   std::int64_t cached = 0, date = 0, subject = 0, type = 0, unread = 0;
   bool any_marked = false;
   for (int node = 1; node <= tree_.Upper_Bound(); ++node) {
@@ -97,16 +99,23 @@ std::string Selection_Total::Empty_Text() {
       unread += data.Unread && !window_.chkSelectUnread.Checked() ? 1 : 0;
     }
   }
-  if (!any_marked) return "Tick a folder in the tree to choose its items.";
+  if (!any_marked) {
+    const int node = tree_.Selected_Item();
+    const int current = node == 0 ? 0 : folder_tree_.Get_Node_Index(node);
+    const bool empty = current != 0 && records_[current].Loaded && records_[current].CachedCount == 0;
+    return std::string(empty ? "The current folder holds no items.\r\n" : "") +
+           "Tick a folder in the tree to choose its items.";
+  }
   if (cached == 0) return "The ticked folders hold no items.";
-  std::string text = "No item to show. Of " + std::to_string(cached) + " items in the ticked folders:";
-  const auto line = [&](std::int64_t count, const char* reason) {
-    if (count > 0) text += "\r\n" + std::to_string(count) + reason;
+  std::string text = "No item to show. Of " + std::to_string(cached) + (cached == 1 ? " item" : " items") +
+                     " in the ticked folders:";
+  const auto line = [&](std::int64_t count, const char* one, const char* many) {
+    if (count > 0) text += "\r\n" + std::to_string(count) + (count == 1 ? one : many);
   };
-  line(date, " are later than the date");
-  line(subject, " have another subject");
-  line(type, " are of another type");
-  line(unread, " are unread");
+  line(date, " is later than the date", " are later than the date");
+  line(subject, " has another subject", " have another subject");
+  line(type, " is of another type", " are of another type");
+  line(unread, " is unread", " are unread");
   if (date + subject + type + unread == 0) text += "\r\nevery one is hidden by the show options";
   return text;
 }

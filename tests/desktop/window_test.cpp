@@ -286,7 +286,7 @@ TEST_F(Window, Right_Clicks_Offer_And_Choose_Nothing_And_F6_Goes_Round) {
   window_->Click_Row(2);
   window_->Click_Row(4, "shift");
   const State rows = Wait_For_Total(3)["grid"];
-  EXPECT_EQ(menu_says(rows[0]["rectangle"], 40, "Escape"), "Open the item of the row that has the frame");
+  EXPECT_EQ(menu_says(rows[0]["rectangle"], 40, "Escape"), "Open the item of the current row");
   EXPECT_EQ(window_->Wait("the first row", [](const State& now) { return now["row"] == 1; })["grid"], rows);
 
   const char* const panes[] = {"picSlider2", "frmOptions", "trvFolders", "picSlider", "grdItems"};

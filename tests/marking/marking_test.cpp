@@ -108,8 +108,20 @@ TEST(Options, Turbo_And_Delete_Folders_Force_The_Others) {
   EXPECT_EQ(f.On(), "MarkSubFolders " + shown + " PermanentDelete ConfirmFolders DeleteFolders SelectUnread");
   f.Do("set Turbo");
   EXPECT_EQ(f.On(), "MarkSubFolders " + shown + " Turbo PermanentDelete ConfirmFolders SelectUnread");
+  f.Do("set DeleteFolders; set SelectByRow");
+  EXPECT_EQ(f.On(), "MarkSubFolders " + shown + " SelectByRow PermanentDelete ConfirmFolders SelectUnread");
   f.window.mnuResetOptions.Click();
   EXPECT_EQ(f.On(), shown);
+}
+
+TEST(Options, Collapse_Folders_Opens_What_Hides_Marked_Items) {
+  Window_Fixture f("add Projects/Alpha/a; add Old/Deep/b; load; tick Projects/Alpha");
+  for (const bool on : {true, false}) {
+    for (const char* path : {"Projects", "Old"}) f.tree.Set_Expanded(f.Node(path), false);
+    f.Do(on ? "set CollapseFolders" : "unset CollapseFolders");
+    EXPECT_EQ(f.tree.Expanded(f.Node("Projects")), on);
+    EXPECT_FALSE(f.tree.Expanded(f.Node("Old")));
+  }
 }
 
 TEST(Options, Delete_Folders_Asks_And_Refuses) {
