@@ -20,21 +20,13 @@ const IID& tidyfold::com::Id_Of<IMAPIProp>() {
 
 namespace {
 
-template <class Function>
-Function Mapi_Function(const char* name) {
+// To be freed by MAPIFreeBuffer.
+void* Allocate(std::size_t size) {
+  using Function = SCODE(WINAPI*)(ULONG, void**);
   static const HMODULE library = LoadLibraryW(L"mapi32.dll");
-  return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(library, name)));
-}
-
-// Memory that goes when `parent` goes.
-void* Allocate_With(void* parent, std::size_t size) {
   void* memory = nullptr;
-  if (parent == nullptr) {
-    Mapi_Function<SCODE(WINAPI*)(ULONG, void**)>("MAPIAllocateBuffer")(static_cast<ULONG>(size), &memory);
-  } else {
-    Mapi_Function<SCODE(WINAPI*)(ULONG, void*, void**)>("MAPIAllocateMore")(static_cast<ULONG>(size), parent,
-                                                                            &memory);
-  }
+  reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(library, "MAPIAllocateBuffer")))(
+      static_cast<ULONG>(size), &memory);
   return memory;
 }
 
@@ -62,34 +54,35 @@ class Message_Proxy : public tidyfold::com::Com_Object<IMAPIProp, IMarshal> {
   // One call to the server for all forms of a property.
   HRESULT STDMETHODCALLTYPE GetProps(LPSPropTagArray tags, ULONG, ULONG* count,
                                      LPSPropValue* values) override {
-    VARIANT answer;
-    const HRESULT result = Ask(PROP_ID(tags->aulPropTag[0]), answer);
+    tidyfold::com::Variant answer;
+    const HRESULT result = Ask(PROP_ID(tags->aulPropTag[0]), answer.Raw());
     if (FAILED(result)) return result;
-    auto* all = static_cast<SPropValue*>(Allocate_With(nullptr, tags->cValues * sizeof(SPropValue)));
     const bool eight_bit_only = GetEnvironmentVariableW(L"TIDYFOLD_TEST_8_BIT", nullptr, 0) > 0;
+    const std::wstring wide = tidyfold::com::To_Wide(answer.Text());
+    const std::size_t wide_size = (wide.size() + 1) * sizeof(wchar_t), narrow_size = 4 * (wide.size() + 1);
+    auto* all =
+        static_cast<SPropValue*>(Allocate(tags->cValues * sizeof(SPropValue) + wide_size + narrow_size));
+    auto* wide_text = reinterpret_cast<wchar_t*>(all + tags->cValues);
+    auto* narrow_text = reinterpret_cast<char*>(wide_text) + wide_size;
+    std::memcpy(wide_text, wide.c_str(), wide_size);
+    WideCharToMultiByte(CP_ACP, 0, wide.c_str(), -1, narrow_text, static_cast<int>(narrow_size), nullptr,
+                        nullptr);
     HRESULT outcome = S_OK;
     for (ULONG i = 0; i < tags->cValues; ++i) {
       const ULONG tag = tags->aulPropTag[i];
       const bool unicode = PROP_TYPE(tag) == PT_UNICODE;
       all[i] = {};
-      if (answer.vt != VT_BSTR || (unicode && eight_bit_only)) {
+      all[i].ulPropTag = tag;
+      if (answer.Raw().vt != VT_BSTR || (unicode && eight_bit_only)) {
         all[i].ulPropTag = CHANGE_PROP_TYPE(tag, PT_ERROR);
         all[i].Value.err = MAPI_E_NOT_FOUND;
         outcome = MAPI_W_ERRORS_RETURNED;
-        continue;
-      }
-      all[i].ulPropTag = tag;
-      if (unicode) {
-        const std::size_t size = (wcslen(answer.bstrVal) + 1) * sizeof(wchar_t);
-        all[i].Value.lpszW = static_cast<wchar_t*>(Allocate_With(all, size));
-        std::memcpy(all[i].Value.lpszW, answer.bstrVal, size);
+      } else if (unicode) {
+        all[i].Value.lpszW = wide_text;
       } else {
-        const int size = WideCharToMultiByte(CP_ACP, 0, answer.bstrVal, -1, nullptr, 0, nullptr, nullptr);
-        all[i].Value.lpszA = static_cast<char*>(Allocate_With(all, static_cast<std::size_t>(size)));
-        WideCharToMultiByte(CP_ACP, 0, answer.bstrVal, -1, all[i].Value.lpszA, size, nullptr, nullptr);
+        all[i].Value.lpszA = narrow_text;
       }
     }
-    VariantClear(&answer);
     *count = tags->cValues;
     *values = all;
     return outcome;
@@ -121,7 +114,6 @@ class Message_Proxy : public tidyfold::com::Com_Object<IMAPIProp, IMarshal> {
 
  private:
   HRESULT Ask(ULONG number, VARIANT& answer) {
-    VariantInit(&answer);
     VARIANT argument;
     argument.vt = VT_I4;
     argument.lVal = static_cast<LONG>(number);
@@ -130,10 +122,7 @@ class Message_Proxy : public tidyfold::com::Com_Object<IMAPIProp, IMarshal> {
     const HRESULT result =
         reader_->Invoke(tidyfold::test_server::message_member, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD,
                         &parameters, &answer, &told, nullptr);
-    if (result != DISP_E_EXCEPTION) return result;
-    SysFreeString(told.bstrDescription);
-    SysFreeString(told.bstrSource);
-    return told.scode;
+    return result == DISP_E_EXCEPTION ? told.scode : result;
   }
 
   Ptr<IDispatch> reader_;

@@ -1,9 +1,8 @@
-#include "served_object.h"
-
 #include <algorithm>
 #include <set>
 
 #include "errors/automation_error.h"
+#include "served_outlook.h"
 
 namespace tidyfold::test_server {
 

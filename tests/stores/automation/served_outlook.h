@@ -1,13 +1,61 @@
-// Outlook's object model, as far as it is published and the program uses it, over stores in memory.
+// Outlook's object model, as far as it is published and the program uses it, over stores in memory; what its
+// objects are made of, and what a test can do to their calls.
 #pragma once
 
+#include <functional>
+#include <map>
 #include <memory>
+#include <string>
+#include <utility>
 #include <vector>
 
-#include "served_object.h"
+#include "stores/automation/com_object.h"
 #include "stores/memory/memory_store.h"
 
 namespace tidyfold::test_server {
+
+// Every call into a served object passes here first.
+struct Switches {
+  std::map<std::string, int> calls_of;  // "Item.Subject", "Folders.Count", ..., "GetIDsOfNames", "" for all
+  std::map<std::string, int> open, most_open;  // objects, by type
+  std::string fail_member;
+  int fail_in = 0;  // the how-manieth call of it from now on fails; all of them when negative
+  std::int32_t fail_number = 0;
+  std::function<void()> vanish;
+  int vanish_in = 0;        // the how-manieth call of anything from now on ends the process; 0: none
+  bool ids_unlike = false;  // items of different classes share no ids, and one's id is another's name's
+
+  void Before(const std::string& member);
+};
+
+using Arguments = std::vector<com::Variant>;
+
+// Its members are those that it offers; called by name.
+class Served : public com::Com_Object<IDispatch> {
+ public:
+  using Body = std::function<com::Variant(const Arguments&)>;
+  // `type` stands in front of the names in counts and faults; an empty one is neither counted nor failed.
+  // Items have a class.
+  Served(Switches& switches, std::string type, std::int32_t item_class = 0);
+  ~Served() override { --switches_.open[type_]; }
+  void Offer(const char* name, Body body) { members_[name] = std::move(body); }
+
+  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override { return *count = 0, S_OK; }
+  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) override;
+  HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD kind, DISPPARAMS* parameters,
+                                   VARIANT* answer, EXCEPINFO* told, UINT*) override;
+
+ private:
+  // From a name's place among all names to its id, and back.
+  DISPID Id_At(std::size_t place, const std::string& name) const;
+  std::size_t Place_Of(DISPID id) const;
+
+  Switches& switches_;
+  std::string type_;
+  std::size_t class_;
+  std::map<std::string, Body> members_;
+};
 
 struct World {
   Switches switches;

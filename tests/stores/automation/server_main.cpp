@@ -22,12 +22,6 @@ std::wstring Text_Of(const CLSID& id) {
   return text.data();
 }
 
-bool Write(const std::wstring& key, const wchar_t* name, const std::wstring& text) {
-  return RegSetKeyValueW(HKEY_LOCAL_MACHINE, (L"Software\\Classes\\" + key).c_str(), name, REG_SZ,
-                         text.c_str(),
-                         static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t))) == ERROR_SUCCESS;
-}
-
 int Register() {
   if (GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") == nullptr) {
     std::fputs("This is a Windows whose Outlook may be a real one; nothing was registered.\n", stderr);
@@ -38,15 +32,21 @@ int Register() {
   const std::wstring program = buffer.data();
   const std::wstring proxy = program.substr(0, program.rfind(L'\\') + 1) + L"message_proxy.dll";
   bool written = true;
-  const std::pair<const wchar_t*, CLSID> classes[] = {{outlook_program, outlook_class},
-                                                      {control_program, control_class}};
+  const auto write = [&](const std::wstring& key, const wchar_t* name, const std::wstring& text) {
+    const auto bytes = static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t));
+    written = written && RegSetKeyValueW(HKEY_LOCAL_MACHINE, (L"Software\\Classes\\" + key).c_str(), name,
+                                         REG_SZ, text.c_str(), bytes) == ERROR_SUCCESS;
+  };
+  const std::pair<std::wstring, std::wstring> classes[] = {{outlook_program, Text_Of(outlook_class)},
+                                                           {control_program, Text_Of(control_class)}};
   for (const auto& [name, id] : classes) {
-    written = written && Write(std::wstring(name) + L"\\CLSID", nullptr, Text_Of(id)) &&
-              Write(L"CLSID\\" + Text_Of(id) + L"\\ProgID", nullptr, name) &&
-              Write(L"CLSID\\" + Text_Of(id) + L"\\LocalServer32", nullptr, L"\"" + program + L"\"");
+    write(name + L"\\CLSID", nullptr, id);
+    write(L"CLSID\\" + id + L"\\ProgID", nullptr, name);
+    write(L"CLSID\\" + id + L"\\LocalServer32", nullptr, L"\"" + program + L"\"");
   }
   const std::wstring proxy_key = L"CLSID\\" + Text_Of(message_proxy_class) + L"\\InprocServer32";
-  written = written && Write(proxy_key, nullptr, proxy) && Write(proxy_key, L"ThreadingModel", L"Both");
+  write(proxy_key, nullptr, proxy);
+  write(proxy_key, L"ThreadingModel", L"Both");
   return written ? 0 : 1;
 }
 
