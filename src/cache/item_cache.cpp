@@ -1,9 +1,8 @@
 #include "cache/item_cache.h"
 
 #include <algorithm>
-#include <string_view>
-#include <unordered_set>
 #include <utility>
+#include <vector>
 
 #include "cache/item_dates.h"
 #include "cache/item_filters.h"
@@ -287,14 +286,16 @@ Item_Cache::Extent Item_Cache::Extent_Of(Items& items) {
 // in front of the last item read or of the folder's last item moves one of these two, unless as many come as
 // go; then what was read twice tells it. Items added behind all others move nothing.
 bool Item_Cache::Nothing_Moved(Items& items, int folder, std::int32_t checked, Extent& extent) {
-  std::unordered_set<std::string_view> ids;
+  std::vector<std::size_t> ids;  // that two should look alike costs no more than reading once again
   std::int32_t last = 0;
   for (std::int32_t item = std::max(1, checked - batch); item <= records_[folder].CachedCount; ++item) {
     const std::string& id = records_[folder].Cached(item).EntryID;
     if (id.empty()) continue;
-    if (!ids.insert(id).second) return false;
+    ids.push_back(std::hash<std::string>()(id));
     last = item;
   }
+  std::sort(ids.begin(), ids.end());
+  if (std::adjacent_find(ids.begin(), ids.end()) != ids.end()) return false;
   if (last > 0 && Id_At(items, last) != records_[folder].Cached(last).EntryID) return false;
   bool same = false;
   errors_.Try([&] {

@@ -9,6 +9,10 @@ namespace {
 // A jump may be for one item alone; a loop soon reads in large blocks.
 constexpr std::int32_t first_size = 32, largest_size = 512, growth = 4;
 
+// Positions.
+constexpr auto before_all = std::numeric_limits<std::int64_t>::min();
+constexpr auto behind_all = std::numeric_limits<std::int64_t>::max();
+
 // A block ends early when its texts have become long.
 constexpr std::size_t enough_text = std::size_t{4} << 20;
 
@@ -68,6 +72,8 @@ Read_Ahead::Read_Ahead(Database& database)
 
 Found_Item Read_Ahead::At(std::int64_t folder, std::int32_t place, std::int32_t count) {
   Block* block = Find(folder);
+  // A loop that looks now and then whether something has come behind all others goes on where it was.
+  if (block != nullptr && place == count && place > block->End()) return Last(folder);
   if (block == nullptr || place < block->first || place >= block->End()) {
     const Start start = Best_Start(block, place, count);
     if (block == nullptr) block = &Oldest();
@@ -75,6 +81,15 @@ Found_Item Read_Ahead::At(std::int64_t folder, std::int32_t place, std::int32_t 
   }
   block->last_use = ++uses_;
   return {block->rows, block->here[static_cast<std::size_t>(place - block->first)]};
+}
+
+Found_Item Read_Ahead::Last(std::int64_t folder) {
+  backwards_.Bind(1, folder).Bind(2, behind_all);
+  Reading reading(backwards_);
+  if (!reading.Next()) Fail_Index();
+  auto rows = std::make_shared<Item_Rows>();
+  Append_Row(backwards_, folder, *rows);
+  return {std::move(rows), 0};
 }
 
 std::optional<Found_Item> Read_Ahead::By_Id(std::int64_t id) {
@@ -87,8 +102,6 @@ std::optional<Found_Item> Read_Ahead::By_Id(std::int64_t id) {
 }
 
 Read_Ahead::Start Read_Ahead::Best_Start(const Block* block, std::int32_t place, std::int32_t count) const {
-  constexpr auto before_all = std::numeric_limits<std::int64_t>::min();
-  constexpr auto behind_all = std::numeric_limits<std::int64_t>::max();
   Start best{true, before_all, place - 1, false};
   if (count - place < best.skip) best = {false, behind_all, count - place, false};
   if (block != nullptr) {

@@ -2,8 +2,9 @@
 //
 // A loop asks for one item at a time, by its place in the folder. Rows are fetched in growing blocks in the
 // direction in which the loop walks, each block continuing from the position of the last row read; only a
-// jump counts its way through the index. Removals move the blocks along exactly, so a loop that deletes what
-// it reads loses nothing of what was read ahead, and no place ever stands for another item.
+// jump counts its way through the index, unless it is to the last item. Removals move the blocks along
+// exactly, so a loop that deletes what it reads loses nothing of what was read ahead, and no place ever
+// stands for another item.
 #pragma once
 
 #include <array>
@@ -86,6 +87,7 @@ class Read_Ahead {
 
   Start Best_Start(const Block* block, std::int32_t place, std::int32_t count) const;
   void Fill(Block& block, std::int64_t folder, std::int32_t place, const Start& start);
+  Found_Item Last(std::int64_t folder);
   std::int64_t Pass_Over(std::int64_t folder, const Start& start);
   [[noreturn]] void Fail_Index() const;
   Block* Find(std::int64_t folder);
