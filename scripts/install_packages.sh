@@ -67,7 +67,7 @@ for_windows=(
   imagemagick          # the icon, screenshots
   python3
   xvfb
-  openbox
+  xauth
   xdotool
   fonts-dejavu-core
 )

@@ -35,7 +35,7 @@ def ask_for_help(window, browsed):
     window.wait("the page in the browser", lambda: browsed.exists() and browsed.read_text().strip())
     assert browsed.read_text() == f"{SITE}/tidyfoldhelp/index.html\n"
     window.x("key", "alt+h", "a")
-    window.wait("About", lambda: "About Tidyfold" in window.state()["windows"])
+    window.wait("About", lambda: window.state()["beside"].get("frmAbout", {}).get("title") == "About Tidyfold")
     in_front("box")
     window.picture("about")
     window.x("key", "Return")

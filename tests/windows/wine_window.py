@@ -23,6 +23,7 @@ class Wine_Window:
         self.state_file = self.folder / "state.json"
         self.screenshots = pathlib.Path(screenshots) if screenshots else None
         self.children = []
+        self.last_state = {}
         read, write = os.pipe()
         self.start(["Xvfb", "-displayfd", str(write), "-screen", "0", SCREEN + "x24", "-nolisten", "tcp"],
                    pass_fds=[write])
@@ -101,10 +102,12 @@ class Wine_Window:
         raise AssertionError(f"There was never {what}. The last state: {json.dumps(self.state())[:3000]}")
 
     def state(self):
+        """The newest that the program has written. While it replaces the file there is none for a moment."""
         try:
-            return json.loads(self.state_file.read_text(encoding="utf-8"))
+            self.last_state = json.loads(self.state_file.read_text(encoding="utf-8"))
         except (OSError, ValueError):
-            return {}
+            pass
+        return self.last_state
 
     def picture(self, name):
         if self.screenshots:
