@@ -22,18 +22,21 @@ void Error_Handler::Record(std::exception_ptr failure) {
   if (End_Without_Store) End_Without_Store();
 }
 
-void Error_Handler::Report(std::string_view trap) {
+void Error_Handler::Report(std::string_view trap, bool is_command) {
   if (error.Number == automation_error::unavailable) {
     error.Clear();
   } else {
     stack.Display(trap);
   }
   stack.Clear();
-  if (!untold_.empty()) Tell_Gone();
+  emptied_ = true;
+  if (store_gone_) Tell_Gone();
+  if (is_command) store_gone_ = emptied_ = false;
 }
 
 void Error_Handler::Tell_Gone() {
   const std::string text = std::exchange(untold_, {});
+  if (text.empty()) return;
   message_box_.Show(text, Buttons::OK_Only, Icon::Critical);
 }
 

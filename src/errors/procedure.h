@@ -112,8 +112,9 @@ class Error_Handler {
  private:
   template <class Push, class Body>
   auto Guarded(std::string_view trap, Push&& push, Body& body) {
+    // The outermost procedure is a command. A report empties the stack under those that still run.
+    const bool is_command = stack.Count() == 0 && !emptied_;
     push();
-    const Running running(*this);
     Procedure procedure(stack);
     const auto call = [&] {
       if constexpr (std::is_invocable_v<Body&, Procedure&>) {
@@ -126,42 +127,33 @@ class Error_Handler {
     try {
       if constexpr (std::is_void_v<Result>) {
         call();
-        Leave(procedure);
+        Leave(procedure, is_command);
         return;
       } else {
         Result result = call();
-        Leave(procedure);
+        Leave(procedure, is_command);
         return result;
       }
     } catch (...) {
       if (!Trap_Errors) throw;
       Record(std::current_exception());
     }
-    Report(trap);
+    Report(trap, is_command);
     if constexpr (!std::is_void_v<Result>) return Result{};
   }
-  void Leave(Procedure& procedure) {
+  void Leave(Procedure& procedure, bool is_command) {
     procedure.End_Step();
     stack.POP(1);
-    if (!untold_.empty()) Tell_Gone();
+    if (store_gone_) Tell_Gone();
+    if (is_command) store_gone_ = emptied_ = false;
   }
-  // The outermost procedure is a command.
-  struct Running {
-    explicit Running(Error_Handler& the_handler) : handler(the_handler) { ++handler.running_; }
-    Running(const Running&) = delete;
-    Running& operator=(const Running&) = delete;
-    ~Running() {
-      if (--handler.running_ == 0) handler.store_gone_ = false;
-    }
-    Error_Handler& handler;
-  };
   static bool Is_Gone(std::exception_ptr failure);
   void Record(std::exception_ptr failure);
-  void Report(std::string_view trap);
+  void Report(std::string_view trap, bool is_command);
   void Tell_Gone();
 
   Message_Box& message_box_;
-  int running_ = 0;
+  bool emptied_ = false;
   bool store_gone_ = false;
   std::string untold_;  // a box may stand only where every procedure expects one, when one of them ends
 };
