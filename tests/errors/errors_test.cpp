@@ -126,6 +126,33 @@ TEST_F(Errors, What_A_Procedure_Pushed_It_Pops) {
   EXPECT_THROW(handler_.Run("Inner", [] { Fail(); }), Automation_Error);
 }
 
+TEST_F(Errors, A_Store_That_Has_Gone_Is_Told_Of_Once_For_Each_Command) {
+  const auto gone = [] { throw Automation_Error(automation_error::unavailable, "It was closed.", "Store"); };
+  int ended = 0;
+  handler_.End_Without_Store = [&] { ++ended; };
+  for (const bool after_another_failure : {false, true}) {
+    ended = 0;
+    handler_.Run("Command", [&] {
+      EXPECT_FALSE(handler_.Try_To_Reach(gone));
+      if (after_another_failure) {
+        for (const char* part : {"Not found.", "Inner"}) box_.Expect(part, Buttons::OK_Only, Answer::OK);
+        handler_.Run("Inner", [] { Fail(); });
+      }
+      EXPECT_EQ(ended, 0);
+      box_.Expect(Exact("It was closed."), Buttons::OK_Only, Answer::OK);
+      for (int i = 0; i < 3; ++i) handler_.Run("Inner", gone);
+      EXPECT_FALSE(handler_.Try(gone));
+      handler_.Make_Process_Error().DisplayProcessingError("Delete", "Item");
+      bool reported = true;
+      EXPECT_THROW(handler_.Report_First(reported, gone), Automation_Error);
+      EXPECT_TRUE(handler_.Store_Gone());
+    });
+    EXPECT_EQ(ended, 4);
+    EXPECT_FALSE(handler_.Store_Gone());
+    box_.Verify();
+  }
+}
+
 TEST_F(Errors, Single_Items_Are_Reported_Until_The_Person_Has_Had_Enough) {
   const std::string text =
       "An processing error has occurred.\r\n\r\nThe following item could not be processed:\r\n"

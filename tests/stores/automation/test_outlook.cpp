@@ -127,6 +127,7 @@ Test_Outlook::Test_Outlook() {
     if (first != WAIT_OBJECT_0) throw std::runtime_error("The test server has ended.");
   }
   control_ = Running_Control();
+  if (!control_) throw std::runtime_error("The test server does not answer.");
   Tell("Reset");
 }
 
