@@ -2,6 +2,8 @@
 
 #include <vector>
 
+#include "errors/automation_error.h"
+
 namespace tidyfold::com {
 
 namespace {
@@ -95,22 +97,35 @@ const Member_Ids& Item_Ids::Meet(Caller& caller, IDispatch& object, std::int32_t
   return classes_.emplace(item_class, ids).first->second;
 }
 
-DISPID Item_Ids::Of(Caller& caller, IDispatch& object, std::optional<std::int32_t> item_class,
-                    Member member) {
-  if (item_class) return classes_[*item_class].Of(caller, object, member);
-  const std::optional<DISPID> common = Common(member);
-  return common ? *common : caller.Id_Of(object, member);
+Variant Item_Ids::Invoke(Caller& caller, IDispatch& object, std::optional<std::int32_t> item_class,
+                         Member member, WORD kind) {
+  if (item_class) return caller.Invoke(object, classes_[*item_class].Of(caller, object, member), kind);
+  const std::optional<DISPID> guess = Common(member);
+  if (!guess) return caller.Invoke(object, caller.Id_Of(object, member), kind);
+  try {
+    return caller.Invoke(object, *guess, kind);
+  } catch (const Automation_Error& error) {
+    if (error.Number() == automation_error::unavailable) throw;
+    const DISPID own = caller.Id_Of(object, member);
+    if (own == *guess) throw;
+    return caller.Invoke(object, own, kind);
+  }
 }
 
 std::int32_t Item_Ids::Read_Class(Caller& caller, IDispatch& object) {
   const auto read = [&](DISPID id) { return caller.Invoke(object, id, DISPATCH_PROPERTYGET).Number(); };
-  const DISPID guess = Of(caller, object, std::nullopt, Member::Class);
-  const std::int32_t item_class = read(guess);
-  if (classes_.contains(item_class)) return item_class;
-  const DISPID asked = caller.Id_Of(object, Member::Class);
-  const std::int32_t its_class = asked == guess ? item_class : read(asked);
-  Meet(caller, object, its_class);
-  return its_class;
+  const std::optional<DISPID> guess = Common(Member::Class);
+  std::optional<std::int32_t> answer;
+  try {
+    if (guess) answer = read(*guess);
+  } catch (const Automation_Error& error) {
+    if (error.Number() == automation_error::unavailable) throw;
+  }
+  if (answer && classes_.contains(*answer)) return *answer;
+  const DISPID own = caller.Id_Of(object, Member::Class);
+  const std::int32_t item_class = answer && own == *guess ? *answer : read(own);
+  Meet(caller, object, item_class);
+  return item_class;
 }
 
 }  // namespace tidyfold::com

@@ -77,12 +77,14 @@ class Member_Ids {
 
 // The same for items, which come in as many interfaces as there are classes, and whose class is known only
 // once it has been read. Until then an item is asked by the ids that the names have in every class met so
-// far; a name whose ids differ from class to class is looked up in each such object.
+// far, and by its own where it does not know these; a name whose ids differ from class to class is looked up
+// in each such object.
 //
 // Whoever fetches an item by its identifier has read it before, so its class has been met.
 class Item_Ids {
  public:
-  DISPID Of(Caller& caller, IDispatch& object, std::optional<std::int32_t> item_class, Member member);
+  Variant Invoke(Caller& caller, IDispatch& object, std::optional<std::int32_t> item_class, Member member,
+                 WORD kind);
   // Reads the class of an item of unknown class.
   std::int32_t Read_Class(Caller& caller, IDispatch& object);
 

@@ -102,8 +102,7 @@ class Automation_Item : public Item {
   Variant Get(Member member) { return Invoke(member, DISPATCH_PROPERTYGET); }
   void Call(Member member) { Invoke(member, DISPATCH_METHOD); }
   Variant Invoke(Member member, WORD kind) {
-    const DISPID id = session_->item.Of(session_->caller, *object_, class_, member);
-    return session_->caller.Invoke(*object_, id, kind);
+    return session_->item.Invoke(session_->caller, *object_, class_, member, kind);
   }
 
   Session_Ptr session_;
