@@ -62,6 +62,12 @@ Main_Frame::Main_Frame(MainWindow& model, Repaint_Schedule& schedule, File_Comma
   });
   Bind(wxEVT_CLOSE_WINDOW, &Main_Frame::Closed_By_User, this);
   Bind(wxEVT_CHAR_HOOK, &Main_Frame::Key_Pressed, this);
+  Bind(wxEVT_CHILD_FOCUS, [this](wxChildFocusEvent& event) {
+    event.Skip();
+    // Windows hands the keyboard of a widget that is switched off to the next one, which may be a bar.
+    const bool lost = keyboard_home_ != nullptr && !keyboard_home_->IsEnabled();
+    handed_on_ = lost ? dynamic_cast<Splitter_Bar*>(event.GetWindow()) : nullptr;
+  });
   Bind(wxEVT_IDLE, &Main_Frame::Idle, this);
 }
 
@@ -326,12 +332,12 @@ void Main_Frame::Keep_Keyboard() {
   if (!IsActive()) return;
   wxWindow* const focus = FindFocus();
   const auto usable = [](const wxWindow* window) { return window != nullptr && window->IsEnabled(); };
-  if (usable(focus) && focus != stand_in_) {
+  if (usable(focus) && focus != stand_in_ && focus != handed_on_) {
     keyboard_home_ = focus;
     stand_in_ = nullptr;
   } else if (usable(keyboard_home_)) {
     if (focus != keyboard_home_) keyboard_home_->SetFocus();
-  } else if (!usable(focus)) {
+  } else if (!usable(focus) || focus == handed_on_) {
     wxWindow* const run = FindWindowByName(To_Wx(model_.cmdRun.Name()), surface_);
     wxWindow* const tree = FindWindowByName(To_Wx(model_.trvFolders.Name()), surface_);
     if (usable(run)) {

@@ -69,7 +69,7 @@ class Main_Frame : public wxFrame {
   bool was_loaded_ = false;
 
   // What had the keyboard when it was last on, and what has it in its place.
-  wxWeakRef<wxWindow> keyboard_home_, stand_in_;
+  wxWeakRef<wxWindow> keyboard_home_, stand_in_, handed_on_;
 
   wxPanel* surface_;
   Options_Panel* options_ = nullptr;

@@ -78,8 +78,10 @@ std::string Keyboard_Owner(const wxFrame& frame) {
 // The named widget that has the keyboard; of a compound one, as a whole.
 std::string Focus(const wxFrame& frame) {
   const wxWindow* widget = wxWindow::FindFocus();
-  if (dynamic_cast<const wxGrid*>(widget != nullptr ? widget->GetParent() : nullptr) != nullptr)
-    widget = widget->GetParent();
+  // Some have a part that takes the keyboard for them.
+  const wxWindow* const whole = widget != nullptr ? widget->GetParent() : nullptr;
+  if (dynamic_cast<const wxGrid*>(whole) != nullptr || dynamic_cast<const wxDataViewCtrl*>(whole) != nullptr)
+    widget = whole;
   return widget != nullptr && wxGetTopLevelParent(const_cast<wxWindow*>(widget)) == &frame
              ? From_Wx(widget->GetName())
              : std::string();

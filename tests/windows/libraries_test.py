@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""A program that needs a library of the compiler's runs on the machine that built it, and on no other."""
+"""A program that needs a library of the compiler's runs on the machine that built it, and on no other; and without its
+resources it is no program of Windows'."""
 
 import re
 import subprocess
@@ -22,9 +23,17 @@ def main():
         for name in sorted(needed - SYSTEM):
             print(f"{program} needs {name}", file=sys.stderr)
             wrong += 1
-        for resource in (b"Common-Controls", b"PerMonitorV2"):
-            if program.endswith(".exe") and resource not in open(program, "rb").read():
-                print(f"{program}: {resource.decode()} is missing in its manifest", file=sys.stderr)
+        resources = subprocess.run(["x86_64-w64-mingw32-windres", program], capture_output=True, text=True).stdout
+        print(resources[:3000]) #XX
+        if not program.endswith(".exe"):
+            continue
+        resources = subprocess.run(["x86_64-w64-mingw32-windres", program], check=True, capture_output=True,
+                                   text=True).stdout + open(program, "rb").read().decode("latin-1")
+        has_window = program.endswith("tidyfold.exe")
+        for resource in ("Common-Controls", "PerMonitorV2", "VERSIONINFO", 'VALUE "ProductVersion", "',
+                         *(["RT_GROUP_ICON"] if has_window else [])):
+            if resource not in resources:
+                print(f"{program}: {resource} is missing in its resources", file=sys.stderr)
                 wrong += 1
     sys.exit(1 if wrong else 0)
 

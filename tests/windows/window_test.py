@@ -74,7 +74,8 @@ def main():
             window.answer("identified for cleaning")
             window.answer("were moved to the \"Deleted Items\" folder")
             window.wait("rest", lambda: not window.state()["boxes"]
-                        and window.state()["widgets"]["cmdRun"]["label"] == "&Clean")
+                        and window.state()["widgets"]["cmdRun"]["label"] == "&Clean"
+                        and window.state()["focus"] == "trvFolders")
             window.picture("cleaned")
             ask_for_help(window, browsed)
             window.quit()
