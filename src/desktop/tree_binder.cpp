@@ -117,14 +117,16 @@ Tree_Binder::Tree_Binder(TreeView& model, wxDataViewCtrl& widget, Repaint_Schedu
   area.Bind(wxEVT_KEY_UP, [this](wxKeyEvent& event) {
     event.Skip();
     if (event.GetKeyCode() == WXK_SPACE) space_held_ = false;
-    widget_.CallAfter([this] { Raise(model_.KeyUp); });
+    Do_After_Event([this] { Raise(model_.KeyUp); });
   });
   model_.observer = this;
+  wxEvtHandler::AddFilter(this);
   Show();
   schedule_.Mark(*this);
 }
 
 Tree_Binder::~Tree_Binder() {
+  wxEvtHandler::RemoveFilter(this);
   model_.observer = nullptr;
   schedule_.Forget(*this);
 }
@@ -268,6 +270,27 @@ void Tree_Binder::Expansion_Turned(int index, bool expanded) {
   });
 }
 
+void Tree_Binder::Do_After_Event(std::function<void()> action) {
+  Do_What_Is_Due();
+  due_ = std::move(action);
+  widget_.CallAfter([this] { Do_What_Is_Due(); });
+}
+
+void Tree_Binder::Do_What_Is_Due() {
+  if (const auto action = std::exchange(due_, nullptr)) action();
+}
+
+// What waits for its turn must not be overtaken by the next click, which may change what it goes by.
+int Tree_Binder::FilterEvent(wxEvent& event) {
+  const wxEventType type = event.GetEventType();
+  for (const wxEventType caused :
+       {wxEventType(wxEVT_LEFT_DOWN), wxEventType(wxEVT_RIGHT_DOWN), wxEventType(wxEVT_CHAR_HOOK),
+        wxEventType(wxEVT_KEY_DOWN), wxEventType(wxEVT_CHECKBOX), wxEventType(wxEVT_BUTTON),
+        wxEventType(wxEVT_MENU), wxEventType(wxEVT_CLOSE_WINDOW)})
+    if (due_ && type == caused) Do_What_Is_Due();
+  return Event_Skip;
+}
+
 void Tree_Binder::Mouse_Released(wxMouseEvent& event) {
   event.Skip();
   wxDataViewItem item;
@@ -275,7 +298,7 @@ void Tree_Binder::Mouse_Released(wxMouseEvent& event) {
   widget_.HitTest(event.GetPosition(), item, column);
   const int node = Node_Of(item);
   // The toolkit turns a check box only after this event.
-  widget_.CallAfter([this, node] {
+  Do_After_Event([this, node] {
     if (!press_told_ && node != 0 && node == model_.Selected_Item()) model_.Click_Node(node);
     Raise(model_.MouseUp);
   });

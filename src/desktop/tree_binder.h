@@ -2,7 +2,9 @@
 #pragma once
 
 #include <wx/dataview.h>
+#include <wx/eventfilter.h>
 
+#include <functional>
 #include <vector>
 
 #include "controls/tree_view.h"
@@ -15,7 +17,10 @@ namespace tidyfold {
 
 class Folder_Tree_Rows;
 
-class Tree_Binder : public Control_Binder, public Late_Widget, private TreeView_Observer {
+class Tree_Binder : public Control_Binder,
+                    public Late_Widget,
+                    private wxEventFilter,
+                    private TreeView_Observer {
  public:
   Tree_Binder(TreeView& model, wxDataViewCtrl& widget, Repaint_Schedule& schedule);
   ~Tree_Binder() override;
@@ -43,6 +48,11 @@ class Tree_Binder : public Control_Binder, public Late_Widget, private TreeView_
   void Ticked(int index);
   void Selection_Moved(int index);
   void Expansion_Turned(int index, bool expanded);
+  int FilterEvent(wxEvent& event) override;
+  // Runs the action once the toolkit has done with the event that is under way, and before the next one that
+  // a person causes.
+  void Do_After_Event(std::function<void()> action);
+  void Do_What_Is_Due();
   void Mouse_Released(wxMouseEvent& event);
   void Menu_Asked_For(int index, const wxPoint& place);
   void Key_Pressed(wxKeyEvent& event);
@@ -62,6 +72,8 @@ class Tree_Binder : public Control_Binder, public Late_Widget, private TreeView_
   // The press under way has already raised an event of the model, or turned a branch.
   bool press_told_ = false;
   bool press_ticked_ = false;
+  // Waits until the toolkit has done with an event.
+  std::function<void()> due_;
   bool space_held_ = false;
 };
 
