@@ -331,6 +331,8 @@ void Main_Frame::Key_Pressed(wxKeyEvent& event) {
 void Main_Frame::Keep_Keyboard() {
   if (!IsActive()) return;
   wxWindow* const focus = FindFocus();
+  // Another window takes the keyboard a moment before this one hears that it has lost it.
+  if (focus != nullptr && wxGetTopLevelParent(focus) != this) return;
   const auto usable = [](const wxWindow* window) { return window != nullptr && window->IsEnabled(); };
   if (usable(focus) && focus != stand_in_ && focus != handed_on_) {
     keyboard_home_ = focus;
