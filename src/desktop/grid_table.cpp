@@ -73,7 +73,9 @@ void Grid_Cell_Renderer::Draw(wxGrid& grid, wxGridCellAttr& attr, wxDC& dc, cons
     const wxRect inside = rect.Deflate(margin, 0);
     if (inside.width > 0) {
       dc.SetFont(bold ? attr.GetFont().Bold() : attr.GetFont());
-      dc.SetTextForeground(grid.IsEnabled() ? Text_Colour(0, background) : Disabled_Text_Colour(background));
+      // Whether a box stands in front of the window makes no difference.
+      dc.SetTextForeground(grid.IsThisEnabled() ? Text_Colour(0, background)
+                                                : Disabled_Text_Colour(background));
       dc.SetBackgroundMode(wxBRUSHSTYLE_TRANSPARENT);
       const wxString shown =
           wxControl::Ellipsize(text, dc, wxELLIPSIZE_END, inside.width, wxELLIPSIZE_FLAGS_NONE);
