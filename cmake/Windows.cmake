@@ -21,13 +21,14 @@ function(tidyfold_windows_resources program description)
 endfunction()
 
 # Elsewhere, its programs run under Wine, in a Windows of their own that lies in the build tree. Wine's replacements
-# of .NET and the web browser are not asked for.
+# of .NET and the web browser are not asked for. Without a locale, Wine cannot make a file whose name is not plain
+# ASCII.
 if(CMAKE_CROSSCOMPILING)
   find_program(WINE NAMES wine wine64 REQUIRED)
   set(TIDYFOLD_WINE_PREFIX ${CMAKE_BINARY_DIR}/wine)
   set(run_in_wine ${CMAKE_BINARY_DIR}/run_in_wine)
   file(WRITE ${run_in_wine} "#!/bin/sh
-export WINEPREFIX=\"\${WINEPREFIX:-${TIDYFOLD_WINE_PREFIX}}\" WINEDEBUG=\${WINEDEBUG:--all} WINEDLLOVERRIDES='mscoree,mshtml='
+export LC_ALL=C.UTF-8 WINEPREFIX=\"\${WINEPREFIX:-${TIDYFOLD_WINE_PREFIX}}\" WINEDEBUG=\${WINEDEBUG:--all} WINEDLLOVERRIDES='mscoree,mshtml='
 exec '${WINE}' \"$@\"
 ")
   file(CHMOD ${run_in_wine} PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
