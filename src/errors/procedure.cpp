@@ -30,6 +30,10 @@ void Error_Handler::Report(std::string_view trap, bool is_command) {
   }
   stack.Clear();
   emptied_ = true;
+  Leave_After_Failure(is_command);
+}
+
+void Error_Handler::Leave_After_Failure(bool is_command) {
   if (store_gone_) Tell_Gone();
   if (is_command) store_gone_ = emptied_ = false;
 }

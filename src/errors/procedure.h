@@ -144,9 +144,10 @@ class Error_Handler {
   void Leave(Procedure& procedure, bool is_command) {
     procedure.End_Step();
     stack.POP(1);
-    if (store_gone_) Tell_Gone();
-    if (is_command) store_gone_ = emptied_ = false;
+    if (store_gone_ || emptied_) [[unlikely]]
+      Leave_After_Failure(is_command);
   }
+  void Leave_After_Failure(bool is_command);
   static bool Is_Gone(std::exception_ptr failure);
   void Record(std::exception_ptr failure);
   void Report(std::string_view trap, bool is_command);
