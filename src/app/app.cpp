@@ -58,7 +58,7 @@ struct App::Parts {
   Grid_Columns columns{window, records, errors};
   Selection_Total total{window, records, folder_tree, filters, errors};
   Grid_Rows rows{window, records, folder_tree, filters, columns, total, message_box, errors};
-  Row_Selection selection{window, records, folder_tree, deleted_items, rows, message_box, errors};
+  Row_Selection selection{window, records, deleted_items, rows, message_box, errors};
   Item_Display display{window, records, session, message_box, errors};
   Control_Enabling enabling{window, rows, run_state, errors};
   Folder_Marking marking{window, records,  folder_tree, deleted_items, columns,

@@ -42,7 +42,7 @@ inline std::optional<Date> Parse_Date(std::string_view text) {
   int year = 0;
   unsigned month = 0, day = 0;
   if (text.size() != 10 || text[4] != '-' || text[7] != '-') return std::nullopt;
-  for (const std::size_t at : {0, 1, 2, 3, 5, 6, 8, 9})
+  for (const std::size_t at : {0u, 1u, 2u, 3u, 5u, 6u, 8u, 9u})
     if (text[at] < '0' || text[at] > '9') return std::nullopt;
   const std::string copy(text);
   if (std::sscanf(copy.c_str(), "%4d-%2u-%2u", &year, &month, &day) != 3) return std::nullopt;

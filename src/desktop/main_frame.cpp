@@ -47,7 +47,8 @@ Main_Frame::Main_Frame(MainWindow& model, Repaint_Schedule& schedule, File_Comma
   Set_Tab_Order();
   SetMinClientSize(FromDIP(wxSize(smallest_width, smallest_height)));
 
-  const wxRect screen = wxDisplay(wxDisplay::GetFromPoint(wxPoint(0, 0))).GetClientArea();
+  const wxRect screen =
+      wxDisplay(static_cast<unsigned>(std::max(0, wxDisplay::GetFromPoint(wxPoint(0, 0))))).GetClientArea();
   wxSize size = Client_Size_Of_Model();
   size.IncTo(wxSize(scale_.Pixels(comfortable_width), scale_.Pixels(comfortable_height)));
   size.DecTo(wxSize(screen.width, screen.height - FromDIP(reserved_height)));

@@ -6,13 +6,12 @@
 
 namespace tidyfold {
 
-Row_Selection::Row_Selection(MainWindow& window, FolderData_Array& records, Folder_Tree& folder_tree,
+Row_Selection::Row_Selection(MainWindow& window, FolderData_Array& records,
                              Deleted_Items_Folders& deleted_items, Grid_Rows& rows, Message_Box& message_box,
                              Error_Handler& errors)
     : window_(window),
       grid_(window.grdItems),
       records_(records),
-      folder_tree_(folder_tree),
       deleted_items_(deleted_items),
       rows_(rows),
       message_box_(message_box),

@@ -113,7 +113,7 @@ class Core_Window : public testing::Test {
   Grid_Columns columns{window, records, errors};
   Selection_Total total{window, records, folder_tree, filters, errors};
   Grid_Rows rows{window, records, folder_tree, filters, columns, total, box, errors};
-  Row_Selection selection{window, records, folder_tree, deleted_items, rows, box, errors};
+  Row_Selection selection{window, records, deleted_items, rows, box, errors};
   Item_Display display{window, records, session, box, errors};
   bool selected_folders_loaded = true;
   int labelled = 0, items_added = 0;
