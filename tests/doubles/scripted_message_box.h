@@ -19,10 +19,10 @@
 
 namespace tidyfold {
 
-// What the text of an expected box must be: a part of it, or all of it.
+// What the text of an expected box must be: a part of it, or all of it. A plain text is a part.
 struct Expected_Text {
-  Expected_Text(const char* part) : text(part) {}             // NOLINT: meant to convert
-  Expected_Text(std::string part) : text(std::move(part)) {}  // NOLINT
+  Expected_Text(const char* part) : text(part) {}
+  Expected_Text(std::string part) : text(std::move(part)) {}
   bool Fits(const std::string& shown) const {
     return whole ? shown == text : shown.find(text) != std::string::npos;
   }
