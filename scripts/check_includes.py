@@ -14,22 +14,22 @@ import re
 import sys
 
 FLOORS = {
-    "controls": 0, "settings": 0,
-    "errors": 1, "layout": 1,
-    "outlook": 2,
-    "cache": 3,
-    "grid": 4,
-    "marking": 5,
-    "clean": 6,
+    "base": 0,
+    "controls": 1, "settings": 1,
+    "errors": 2, "layout": 2,
+    "outlook": 3,
+    "cache": 4,
+    "grid": 5,
+    "marking": 6,
+    "clean": 7,
     "help": 7,
     "app": 8,
 }
 BEHIND = ("stores", "import", "export")
 IN_FRONT = ("desktop", "cli", "companion")
 
-# The highest floor that a folder may include, where that is not simply the one below its own. Settings stand
-# beside the controls and share their texts and numbers.
-CEILINGS = {"settings": FLOORS["controls"], "help": FLOORS["errors"], **{folder: FLOORS["outlook"] for folder in BEHIND}}
+# The highest floor that a folder may include, where that is not simply the one below its own.
+CEILINGS = {"help": FLOORS["errors"], **{folder: FLOORS["outlook"] for folder in BEHIND}}
 
 SOURCES = (".h", ".hpp", ".c", ".cpp", ".inc", ".rc")
 INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[ \t]*(?:"([^"\n]*)"|<([^>\n]*)>)', re.MULTILINE)

@@ -11,9 +11,9 @@
 #include <utility>
 #include <vector>
 
-#include "controls/text.h"
+#include "base/text.h"
 #include "grid/grid_rows.h"
-#include "stores/memory/memory_store.h"
+#include "stores/sqlite/embedded_outlook.h"
 
 namespace tidyfold {
 namespace {
@@ -74,7 +74,7 @@ class Loaded_Folder {
   MainWindow window;
   Error_Handler errors{box};
   FolderData_Array records;
-  Memory_Outlook outlook;
+  Embedded_Outlook outlook;
   Outlook_Session session{outlook, window, box, errors};
   Folder_Tree tree{window, records, session, box, events, errors};
   Item_Filters filters{window, records, errors};

@@ -5,6 +5,7 @@
 #include <memory>
 #include <vector>
 
+#include "base/clock.h"
 #include "controls/interaction.h"
 #include "controls/main_window.h"
 #include "outlook/object_model.h"

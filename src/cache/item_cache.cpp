@@ -6,7 +6,7 @@
 
 #include "cache/item_dates.h"
 #include "cache/item_filters.h"
-#include "controls/text.h"
+#include "base/text.h"
 #include "errors/automation_error.h"
 
 namespace tidyfold {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "controls/text.h"
+#include "base/text.h"
 
 namespace tidyfold {
 

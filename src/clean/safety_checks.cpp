@@ -4,8 +4,8 @@
 #include <limits>
 #include <stdexcept>
 
-#include "controls/dates.h"
-#include "controls/text.h"
+#include "base/dates.h"
+#include "base/text.h"
 
 namespace tidyfold {
 

@@ -1,6 +1,7 @@
 // What is asked and refused before a run, and before each folder and item of it.
 #pragma once
 
+#include "base/clock.h"
 #include "cache/item_filters.h"
 #include "grid/grid_rows.h"
 #include "marking/folder_marking.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string>
 
-#include "controls/text.h"
+#include "base/text.h"
 
 namespace tidyfold {
 

@@ -7,8 +7,8 @@
 #include <utility>
 
 #include "cli/failure.h"
-#include "controls/dates.h"
-#include "controls/file_path.h"
+#include "base/dates.h"
+#include "base/file_path.h"
 #include "outlook/object_model.h"
 #include "stores/sqlite/sample_store.h"
 

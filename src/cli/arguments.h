@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "controls/values.h"
+#include "base/dates.h"
 
 namespace tidyfold::cli {
 

@@ -3,8 +3,8 @@
 #include <cstdio>
 #include <nlohmann/json.hpp>
 
-#include "controls/dates.h"
-#include "controls/text.h"
+#include "base/dates.h"
+#include "base/text.h"
 #include "grid/grid_columns.h"
 
 namespace tidyfold::cli {

@@ -1,5 +1,5 @@
 #include "cli/commands.h"
-#include "controls/program_arguments.h"
+#include "base/program_arguments.h"
 
 int main(int count, char** words) {
   return static_cast<int>(tidyfold::cli::Run(tidyfold::Program_Arguments(count, words)));

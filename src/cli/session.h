@@ -12,7 +12,7 @@
 #include "cli/terminal.h"
 #include "cli/terminal_message_box.h"
 #include "controls/main_window.h"
-#include "controls/system_clock.h"
+#include "base/system_clock.h"
 #include "outlook/folder_data.h"
 #include "stores/sqlite/embedded_outlook.h"
 

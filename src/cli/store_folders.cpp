@@ -5,7 +5,7 @@
 
 #include "cli/failure.h"
 #include "cli/folder_path.h"
-#include "controls/text.h"
+#include "base/text.h"
 
 namespace tidyfold::cli {
 

@@ -13,7 +13,7 @@
 #endif
 
 #include "cli/failure.h"
-#include "controls/text.h"
+#include "base/text.h"
 
 namespace tidyfold::cli {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "controls/text.h"
+#include "base/text.h"
 
 namespace tidyfold::cli {
 

@@ -1,9 +1,7 @@
-// How procedures talk to the person and to the window system: message boxes, yields, today's date.
+// How procedures talk to the person and to the window system: message boxes and yields.
 #pragma once
 
 #include <string>
-
-#include "controls/values.h"
 
 namespace tidyfold {
 
@@ -28,13 +26,6 @@ class Events {
   // Lets other handlers run. Whatever the caller knew of trees, grids and records may have changed
   // afterwards.
   virtual void Do_Events() = 0;
-};
-
-class Clock {
- public:
-  virtual ~Clock() = default;
-  // Today's date in local time, a whole day count.
-  virtual Date Today() const = 0;
 };
 
 }  // namespace tidyfold

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <stdexcept>
 
-#include "controls/text.h"
+#include "base/text.h"
 #include "controls/widgets.h"
 
 namespace tidyfold {

@@ -1,4 +1,4 @@
-// Plain values that controls carry: colours, dates, positions.
+// Plain values that controls carry: colours and positions.
 #pragma once
 
 #include <cstdint>
@@ -15,9 +15,6 @@ constexpr Colour Rgb(std::uint32_t red, std::uint32_t green, std::uint32_t blue)
 // With the top bit set a colour is an index into the system's palette, not a value.
 constexpr Colour system_window_background = 0x80000005;
 constexpr Colour system_button_face = 0x8000000F;
-
-// A day count from 1899-12-30; the fraction is the time of day, local time.
-using Date = double;
 
 // Positions and sizes in models are twips: 1440 to the inch, 15 to a pixel at 96 DPI.
 using Twips = float;

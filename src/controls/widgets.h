@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <stdexcept>
 
+#include "base/dates.h"
 #include "controls/control.h"
 
 namespace tidyfold {

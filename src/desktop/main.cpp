@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "controls/file_path.h"
-#include "controls/program_arguments.h"
-#include "desktop/program.h"
+#include "base/file_path.h"
+#include "base/program_arguments.h"
+#include "desktop/common/program.h"
 
 int main(int argc, char** argv) {
   CLI::App arguments("Clears out a mail and calendar store.", "tidyfold");

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <span>
 
-#include "controls/dates.h"
+#include "base/dates.h"
 
 namespace tidyfold {
 

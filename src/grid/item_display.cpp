@@ -1,6 +1,6 @@
 #include "grid/item_display.h"
 
-#include "controls/text.h"
+#include "base/text.h"
 
 namespace tidyfold {
 

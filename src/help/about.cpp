@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "controls/text.h"
+#include "base/text.h"
 #include "help/file_names.h"
 
 namespace tidyfold {

@@ -1,7 +1,7 @@
 #include "help/html_help.h"
 
-#include "controls/numbers.h"
-#include "controls/text.h"
+#include "base/numbers.h"
+#include "base/text.h"
 #include "help/context_ids.h"
 #include "help/file_names.h"
 #include "settings/number_texts.h"

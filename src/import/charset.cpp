@@ -9,7 +9,7 @@
 #include <mutex>
 #include <utility>
 
-#include "controls/text.h"
+#include "base/text.h"
 
 namespace tidyfold {
 namespace {

@@ -7,7 +7,7 @@
 #include <mutex>
 #include <string_view>
 
-#include "controls/text.h"
+#include "base/text.h"
 #include "errors/automation_error.h"
 #include "import/import_run.h"
 #include "import/mail_files.h"

@@ -1,6 +1,6 @@
 #include "import/import_run.h"
 
-#include "controls/text.h"
+#include "base/text.h"
 #include "import/charset.h"
 
 namespace tidyfold {

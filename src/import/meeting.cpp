@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "controls/text.h"
+#include "base/text.h"
 #include "outlook/object_model.h"
 
 namespace tidyfold {

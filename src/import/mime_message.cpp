@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "controls/text.h"
+#include "base/text.h"
 #include "import/charset.h"
 #include "import/gmime_ptr.h"
 #include "import/html_text.h"

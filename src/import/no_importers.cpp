@@ -1,5 +1,5 @@
 // Where the program is built without the libraries that read other programs' files.
-#include "controls/text.h"
+#include "base/text.h"
 #include "import/import.h"
 
 namespace tidyfold {

@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "controls/text.h"
+#include "base/text.h"
 #include "import/charset.h"
 #include "import/html_text.h"
 #include "import/local_date.h"

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <utility>
 
-#include "controls/text.h"
+#include "base/text.h"
 #include "import/charset.h"
 #include "import/gmime_ptr.h"
 #include "import/mime_message.h"

@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "controls/numbers.h"
+#include "base/numbers.h"
 
 namespace tidyfold {
 

@@ -12,7 +12,7 @@
 #include <memory>
 #include <string>
 
-#include "controls/values.h"
+#include "base/dates.h"
 
 namespace tidyfold {
 

@@ -10,7 +10,7 @@
 #include <random>
 #include <system_error>
 
-#include "controls/text.h"
+#include "base/text.h"
 
 namespace tidyfold {
 

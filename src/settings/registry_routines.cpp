@@ -4,8 +4,8 @@
 #include <iterator>
 #include <optional>
 
-#include "controls/numbers.h"
-#include "controls/text.h"
+#include "base/numbers.h"
+#include "base/text.h"
 
 namespace tidyfold {
 

@@ -2,9 +2,9 @@
 
 #include <limits>
 
-#include "controls/dates.h"
+#include "base/dates.h"
 #include "controls/flex_grid.h"
-#include "controls/text.h"
+#include "base/text.h"
 #include "controls/tree_view.h"
 #include "controls/widgets.h"
 

@@ -1,7 +1,7 @@
 // The built window under a real mouse and keyboard, from tick to summary, and what it leaves in the store.
 #include <set>
 
-#include "controls/text.h"
+#include "base/text.h"
 #include "desktop/window_fixture.h"
 
 namespace tidyfold {

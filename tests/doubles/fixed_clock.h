@@ -1,7 +1,7 @@
 // A day that stands still until the test moves it.
 #pragma once
 
-#include "controls/interaction.h"
+#include "base/clock.h"
 
 namespace tidyfold {
 

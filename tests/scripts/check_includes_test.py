@@ -10,7 +10,7 @@ SCRIPTS = pathlib.Path(__file__).resolve().parents[2] / "scripts"
 sys.path.insert(0, str(SCRIPTS))
 import check_includes  # noqa: E402
 
-HEADERS = ("controls/text.h", "settings/settings.h", "errors/procedure.h", "outlook/session.h", "cache/item_cache.h",
+HEADERS = ("base/text.h", "controls/control.h", "settings/settings.h", "errors/procedure.h", "outlook/session.h", "cache/item_cache.h",
            "help/about.h", "app/app.h", "stores/sqlite/store.h", "stores/memory/store.h", "import/import.h",
            "desktop/program.h", "cli/ask.h")
 

@@ -3,7 +3,7 @@
 #include <string_view>
 #include <vector>
 
-#include "controls/text.h"
+#include "base/text.h"
 #include "stores/store_under_test.h"
 
 namespace tidyfold {

@@ -3,7 +3,7 @@
 #include <array>
 #include <new>
 
-#include "controls/text.h"
+#include "base/text.h"
 #include "errors/automation_error.h"
 
 namespace tidyfold::com {

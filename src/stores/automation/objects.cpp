@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "controls/interaction.h"
-#include "controls/text.h"
+#include "base/text.h"
 #include "errors/automation_error.h"
 
 namespace tidyfold::com {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <unordered_set>
 
-#include "controls/text.h"
+#include "base/text.h"
 
 namespace tidyfold::sqlite {
 

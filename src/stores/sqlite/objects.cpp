@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "controls/text.h"
+#include "base/text.h"
 #include "errors/automation_error.h"
 #include "stores/sqlite/entry_id.h"
 

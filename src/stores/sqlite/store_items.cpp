@@ -1,7 +1,7 @@
 // The part of a store that reads, adds, moves and removes items.
 #include <utility>
 
-#include "controls/text.h"
+#include "base/text.h"
 #include "errors/automation_error.h"
 #include "stores/sqlite/entry_id.h"
 #include "stores/sqlite/store.h"

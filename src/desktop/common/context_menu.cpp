@@ -1,0 +1,26 @@
+#include "desktop/common/context_menu.h"
+
+#include <wx/menu.h>
+
+namespace tidyfold {
+
+// The entries bear the numbers that they have in the menu bar, so that the frame runs them, and shows their
+// help, as if they had been chosen there.
+void Show_Context_Menu(wxWindow& window, const Context_Menu& entries, const wxPoint& place) {
+  wxMenu menu;
+  for (const Menu_Binder* const entry : entries) {
+    if (entry == nullptr) {
+      menu.AppendSeparator();
+    } else {
+      entry->Append_To(menu);
+    }
+  }
+  window.PopupMenu(&menu, place);
+}
+
+bool Asks_For_Context_Menu(const wxKeyEvent& event) {
+  return event.GetKeyCode() == WXK_WINDOWS_MENU || event.GetKeyCode() == WXK_MENU ||
+         (event.GetKeyCode() == WXK_F10 && event.GetModifiers() == wxMOD_SHIFT);
+}
+
+}  // namespace tidyfold

@@ -1,0 +1,50 @@
+#include "desktop/common/desktop_message_box.h"
+
+#include <wx/app.h>
+#include <wx/msgdlg.h>
+
+#include "desktop/common/text_conversion.h"
+
+namespace tidyfold {
+
+namespace {
+
+long Style(Buttons buttons, Icon icon) {
+  long style = icon == Icon::Critical ? wxICON_ERROR : 0;
+  switch (buttons) {
+    case Buttons::OK_Only:
+      return style | wxOK | (icon == Icon::None ? wxICON_INFORMATION : 0);
+    case Buttons::OK_Cancel:
+      return style | wxOK | wxCANCEL | wxCANCEL_DEFAULT | (icon == Icon::None ? wxICON_QUESTION : 0);
+    case Buttons::Yes_No_Cancel:
+      return style | wxYES_NO | wxCANCEL | wxCANCEL_DEFAULT | (icon == Icon::None ? wxICON_QUESTION : 0);
+    case Buttons::Yes_No:
+      return style | wxYES_NO | wxNO_DEFAULT | (icon == Icon::None ? wxICON_QUESTION : 0);
+  }
+  return style | wxOK;
+}
+
+Answer To_Answer(int pressed, Buttons buttons) {
+  if (buttons == Buttons::OK_Only) return Answer::OK;
+  if (pressed == wxID_OK && buttons == Buttons::OK_Cancel) return Answer::OK;
+  if (pressed == wxID_YES) return Answer::Yes;
+  return buttons == Buttons::Yes_No || pressed == wxID_NO ? Answer::No : Answer::Cancel;
+}
+
+}  // namespace
+
+Answer Desktop_Message_Box::Show(const std::string& text, Buttons buttons, Icon icon,
+                                 const std::string& title) {
+  if (opening) opening(text, buttons);
+  ++open_boxes_;
+  wxWindow* const front = wxGetActiveWindow();
+  wxWindow* parent = front != nullptr ? wxGetTopLevelParent(front) : wxTheApp->GetTopWindow();
+  if (parent != nullptr && !parent->IsShown()) parent = nullptr;
+  wxMessageDialog dialog(parent, To_Lines(text), To_Wx(title), Style(buttons, icon) | wxCENTRE);
+  const Answer answer = To_Answer(dialog.ShowModal(), buttons);
+  --open_boxes_;
+  if (closed) closed();
+  return answer;
+}
+
+}  // namespace tidyfold

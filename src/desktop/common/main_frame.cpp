@@ -1,0 +1,371 @@
+#include "desktop/common/main_frame.h"
+
+#include <wx/button.h>
+#include <wx/clipbrd.h>
+#include <wx/display.h>
+#include <wx/menu.h>
+#include <wx/settings.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "desktop/common/application_icon.h"
+#include "desktop/common/grid_binder.h"
+#include "desktop/common/options_panel.h"
+#include "desktop/common/simple_binders.h"
+#include "desktop/common/splitter_bar.h"
+#include "desktop/common/status_bar_binder.h"
+#include "desktop/common/text_conversion.h"
+#include "desktop/common/theme.h"
+#include "desktop/common/tree_binder.h"
+
+namespace tidyfold {
+
+namespace {
+
+// Unscaled pixels. Title, menu and status bar of common desktops take less than this of the screen's height.
+constexpr int reserved_height = 90;
+constexpr int smallest_width = 480, smallest_height = 320;
+// Where the screen has the room, the window opens larger than it was designed; start-up lays the panes out.
+constexpr Twips comfortable_width = 18000, comfortable_height = 11100;
+
+}  // namespace
+
+Main_Frame::Main_Frame(MainWindow& model, Repaint_Schedule& schedule, File_Commands commands,
+                       std::function<void()> unloaded)
+    : wxFrame(nullptr, wxID_ANY, To_Wx(model.frmRemoveItems.Caption())),
+      model_(model),
+      schedule_(schedule),
+      commands_(std::move(commands)),
+      unloaded_(std::move(unloaded)),
+      scale_(*this),
+      surface_(new wxPanel(this)) {
+  SetName(To_Wx(model_.frmRemoveItems.Name()));
+  SetIcons(Application_Icons());
+  Build_Menus();
+  Build_Panes();
+  Set_Tab_Order();
+  SetMinClientSize(FromDIP(wxSize(smallest_width, smallest_height)));
+
+  const wxRect screen =
+      wxDisplay(static_cast<unsigned>(std::max(0, wxDisplay::GetFromPoint(wxPoint(0, 0))))).GetClientArea();
+  wxSize size = Client_Size_Of_Model();
+  size.IncTo(wxSize(scale_.Pixels(comfortable_width), scale_.Pixels(comfortable_height)));
+  size.DecTo(wxSize(screen.width, screen.height - FromDIP(reserved_height)));
+  SetClientSize(size);
+  Centre();
+  Tell_Size(size);
+
+  model_.frmRemoveItems.changed = [this] { Show_Form(); };
+  Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
+    event.Skip();
+    Take_Size();
+  });
+  Bind(wxEVT_CLOSE_WINDOW, &Main_Frame::Closed_By_User, this);
+  Bind(wxEVT_CHAR_HOOK, &Main_Frame::Key_Pressed, this);
+  Bind(wxEVT_CHILD_FOCUS, [this](wxChildFocusEvent& event) {
+    event.Skip();
+    // Windows hands the keyboard of a widget that is switched off to the next one, which may be a bar.
+    const bool lost = keyboard_home_ != nullptr && !keyboard_home_->IsEnabled();
+    handed_on_ = lost ? dynamic_cast<Splitter_Bar*>(event.GetWindow()) : nullptr;
+  });
+  Bind(wxEVT_IDLE, &Main_Frame::Idle, this);
+}
+
+Main_Frame::~Main_Frame() {
+  model_.frmRemoveItems.changed = nullptr;
+  menu_binders_.clear();
+  binders_.Clear();
+}
+
+// --- Building -------------------------------------------------------------------------------------------
+
+void Main_Frame::Build_Panes() {
+  auto* const label = new wxStaticText(surface_, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize,
+                                       wxST_ELLIPSIZE_END | wxST_NO_AUTORESIZE);
+  label->SetFont(label->GetFont().Bold());
+  binders_.Add<Label_Binder>(model_.lblCurrentFolder, *label).Follow_Position(scale_);
+
+  auto* const tree = new wxDataViewCtrl(surface_, wxID_ANY, wxDefaultPosition, wxDefaultSize,
+                                        wxDV_SINGLE | wxDV_NO_HEADER | wxBORDER_NONE);
+  auto& tree_binder = binders_.Add<Tree_Binder>(model_.trvFolders, *tree, schedule_);
+  tree_binder.Follow_Position(scale_);
+  tree_binder.context_menu = Entries({&model_.mnuMark, &model_.mnuUnmarkFolder, &model_.mnuMarkBranch,
+                                      nullptr, &model_.mnuRefreshCurrent, &model_.mnuRefresh});
+
+  auto* const grid = new wxGrid(surface_, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxBORDER_NONE);
+  auto* const hint = new wxStaticText(grid->GetGridWindow(), wxID_ANY, wxString(), wxDefaultPosition,
+                                      wxDefaultSize, wxALIGN_CENTRE_HORIZONTAL);
+  hint->SetForegroundColour(wxSystemSettings::GetColour(wxSYS_COLOUR_GRAYTEXT));
+  auto& grid_binder = binders_.Add<Grid_Binder>(model_.grdItems, *grid, *hint, schedule_);
+  grid_binder.Follow_Position(scale_);
+  grid_binder.context_menu = Entries({&model_.mnuOpenItem, nullptr, &model_.mnuSelectRow,
+                                      &model_.mnuSelectAllRows, nullptr, &model_.mnuCopyRows});
+  model_.Set_Clipboard_Text = [](const std::string& text) {
+    const wxClipboardLocker lock;
+    if (!lock) return;
+    wxTheClipboard->SetData(new wxTextDataObject(To_Lines(text)));
+    // It stays when the window has gone.
+    wxTheClipboard->Flush();
+  };
+
+  options_ = new Options_Panel(surface_, model_);
+  options_->Bind_To_Model(binders_);
+  binders_.Add<Control_Binder>(model_.frmOptions, *options_).Follow_Position(scale_);
+
+  auto* const run = new wxButton(surface_, wxID_ANY, To_Wx(model_.cmdRun.Caption()));
+  run->SetFont(run->GetFont().Bold());
+  binders_.Add<Button_Binder>(model_.cmdRun, *run, [this] { Settle(); }).Follow_Position(scale_);
+
+  for (PictureBox* const bar : {&model_.picSlider, &model_.picSlider2})
+    binders_.Add<Splitter_Bar_Binder>(*bar, *new Splitter_Bar(surface_), scale_).Follow_Position(scale_);
+
+  binders_.Add<Status_Bar_Binder>(model_.sbStatusBar, *CreateStatusBar(StatusBar::panel_count), schedule_);
+}
+
+void Main_Frame::Build_Menus() {
+  auto* const file = new wxMenu;
+  Add_File_Entry(*file, "&Open Store...\tCtrl+O", "Open one or more stores in place of those shown",
+                 commands_.Open_Store);
+  Add_File_Entry(*file, "New &Sample Store...", "Make a store of invented items to try the program on",
+                 commands_.New_Sample);
+  if (commands_.Import_Files) file->AppendSeparator();
+  Add_File_Entry(*file, "&Import Files...\tCtrl+I", "Bring PST, OST, PAB, mbox or EML files into the store",
+                 commands_.Import_Files);
+  Add_File_Entry(*file, "Import &Maildir Folder...", "Bring a Maildir folder into the store",
+                 commands_.Import_Maildir);
+  if (file->GetMenuItemCount() > 0) file->AppendSeparator();
+  Add_Entry(*file, model_.mnuQuit, "Ctrl+Q", "Leave Tidyfold");
+
+  auto* const folders = new wxMenu;
+  Add_Entry(*folders, model_.mnuRefresh, "F5", "Read all folders and their items again");
+  Add_Entry(*folders, model_.mnuRefreshCurrent, "Ctrl+F5", "Read the current folder again");
+  Add_Entry(*folders, model_.mnuStopLoading, "Esc", "Stop reading items; what has been read can be used");
+  folders->AppendSeparator();
+  Add_Entry(*folders, model_.mnuMark, "Ctrl+M", "Tick the current folder");
+  Add_Entry(*folders, model_.mnuUnmarkFolder, "Ctrl+Shift+M", "Take the tick off the current folder");
+  Add_Entry(*folders, model_.mnuMarkBranch, "Ctrl+B", "Tick the current folder and all folders below it");
+  Add_Entry(*folders, model_.mnuUnmark, "Ctrl+U", "Take the ticks off all folders");
+
+  auto* const options = new wxMenu;
+  Add_Entry(*options, model_.mnuClean, "Ctrl+Return", "Start cleaning what is selected");
+  options->AppendSeparator();
+  Add_Entry(*options, model_.mnuResetOptions, "Ctrl+R", "Put all options back to their safe values");
+
+  auto* const help = new wxMenu;
+  Add_Entry(*help, model_.mnuHelp, "F1", "Show the help");
+  Add_Entry(*help, model_.mnuWhatsThis, "Shift+F1", "Point at something and learn what it is");
+  Add_Entry(*help, model_.mnuOnlineHelp, "Ctrl+H", "Show the help as pages in a window of their own");
+  help->AppendSeparator();
+  Add_Entry(*help, model_.mnuAbout, "", "Show what this program is");
+
+  auto* const bar = new wxMenuBar;
+  bar->Append(file, "&File");
+  bar->Append(folders, "F&olders");
+  bar->Append(options, "Option&s");
+  bar->Append(New_View_Menu(), "&View");
+  bar->Append(help, "&Help");
+  SetMenuBar(bar);
+}
+
+wxMenu* Main_Frame::New_View_Menu() {
+  auto* const order = new wxMenu;
+  constexpr const char* fields[] = {"folder", "type", "sender", "subject", "entry", "date"};
+  for (std::size_t field = 0; field < model_.mnuSortBy.size(); ++field)
+    Add_Entry(*order, model_.mnuSortBy[field], wxString::Format("Ctrl+%d", static_cast<int>(field) + 1),
+              wxString("Put the rows in the order of their ") + fields[field], wxITEM_RADIO);
+  order->AppendSeparator();
+  Add_Entry(*order, model_.mnuSortReverse, "Ctrl+0", "Show the last row first", wxITEM_CHECK);
+
+  auto* const view = new wxMenu;
+  view->AppendSubMenu(order, "&Sort By", "Choose the order of the rows");
+  view->AppendSeparator();
+  Add_Entry(*view, model_.mnuOpenItem, "Alt+Return", "Open the item of the current row");
+  Add_Entry(*view, model_.mnuSelectRow, "Ctrl+Space", "Select the current row, or take it out");
+  Add_Entry(*view, model_.mnuSelectAllRows, "Ctrl+A", "Select every row that may be selected");
+  Add_Entry(*view, model_.mnuCopyRows, "Ctrl+C", "Copy the selected rows, or else the current one");
+  view->AppendSeparator();
+  Add_Entry(*view, model_.mnuNextPane, "F6", "Go to the next part of the window");
+  Add_Entry(*view, model_.mnuPreviousPane, "Shift+F6", "Go to the part of the window before");
+  model_.mnuNextPane.Click = [this] { Go_To_Pane(1); };
+  model_.mnuPreviousPane.Click = [this] { Go_To_Pane(-1); };
+  return view;
+}
+
+// Folders, first bar, items, second bar, options, and round again.
+void Main_Frame::Go_To_Pane(int step) {
+  const Control* const panes[] = {&model_.trvFolders, &model_.picSlider, &model_.grdItems, &model_.picSlider2,
+                                  &model_.frmOptions};
+  constexpr int count = std::size(panes);
+  const auto widget = [&](int pane) {
+    return FindWindowByName(To_Wx(panes[static_cast<std::size_t>(pane)]->Name()), surface_);
+  };
+  int at = step > 0 ? count - 1 : 0;
+  for (int pane = 0; pane < count; ++pane)
+    if (const wxWindow* const window = widget(pane); window != nullptr && window->IsDescendant(FindFocus()))
+      at = pane;
+  for (int tried = 0; tried < count; ++tried) {
+    at = (at + step + count) % count;
+    wxWindow* const window = widget(at);
+    if (window == nullptr || !window->IsShown() || !window->IsEnabled()) continue;
+    if (auto* const grid = dynamic_cast<wxGrid*>(window)) {
+      grid->GetGridWindow()->SetFocus();
+    } else {
+      window->SetFocus();
+    }
+    return;
+  }
+}
+
+void Main_Frame::Add_Entry(wxMenu& menu, MenuItem& model, const wxString& key, const wxString& help,
+                           wxItemKind kind) {
+  menu_binders_.push_back(std::make_unique<Menu_Binder>(
+      model, menu, *this, key, help, [this] { Settle(); }, kind));
+}
+
+Context_Menu Main_Frame::Entries(std::initializer_list<const MenuItem*> models) const {
+  Context_Menu entries;
+  for (const MenuItem* const model : models) {
+    const auto found = std::find_if(menu_binders_.begin(), menu_binders_.end(),
+                                    [&](const auto& binder) { return &binder->Model() == model; });
+    entries.push_back(found == menu_binders_.end() ? nullptr : found->get());
+  }
+  return entries;
+}
+
+void Main_Frame::Add_File_Entry(wxMenu& menu, const wxString& label, const wxString& help,
+                                std::function<void()>& command) {
+  if (!command) return;
+  const int id = menu.Append(wxID_ANY, label, help)->GetId();
+  file_entries_.push_back(id);
+  Bind(
+      wxEVT_MENU, [&command](wxCommandEvent&) { command(); }, id);
+}
+
+// The panes are made in an order of their own; the keyboard goes through them as the model lists them.
+void Main_Frame::Set_Tab_Order() {
+  wxWindow* before = nullptr;
+  for (const Control* const control : model_.controls) {
+    wxWindow* const widget = FindWindowByName(To_Wx(control->Name()), surface_);
+    if (widget == nullptr || widget->GetParent() != surface_) continue;
+    if (before != nullptr) widget->MoveAfterInTabOrder(before);
+    before = widget;
+  }
+}
+
+// --- The form -------------------------------------------------------------------------------------------
+
+wxSize Main_Frame::Client_Size_Of_Model() const {
+  return {scale_.Pixels(model_.frmRemoveItems.Width()), scale_.Pixels(model_.frmRemoveItems.Height())};
+}
+
+void Main_Frame::Show_Form() {
+  const Form& form = model_.frmRemoveItems;
+  if (!form.Loaded()) {
+    if (was_loaded_) {
+      Hide();
+      unloaded_();
+    }
+    return;
+  }
+  was_loaded_ = true;
+  if (const wxString title = To_Wx(form.Caption()); title != GetTitle()) SetTitle(title);
+  if (!taking_size_ && Client_Size_Of_Model() != GetClientSize()) Resize_Like_Model();
+  if (form.Visible() != IsShown()) Show(form.Visible());
+}
+
+// A size that the screen cannot take is cut down at once, and the model told, for whoever set it reads it
+// back.
+void Main_Frame::Resize_Like_Model() {
+  const wxSize bars_and_frame = GetSize() - GetClientSize();
+  wxSize size = Client_Size_Of_Model();
+  size.DecTo(wxDisplay(this).GetClientArea().GetSize() - bars_and_frame);
+  size.IncTo(GetMinClientSize());
+  // Whoever set it lays the panes out as well; told of the size on the way, they would be moved twice.
+  const bool outer = std::exchange(taking_size_, true);
+  SetClientSize(size);
+  taking_size_ = outer;
+  if (size != Client_Size_Of_Model()) Tell_Size(size);
+}
+
+void Main_Frame::Tell_Size(const wxSize& client) {
+  const bool outer = std::exchange(taking_size_, true);
+  model_.frmRemoveItems.Set_Width(scale_.To_Twips(client.x));
+  model_.frmRemoveItems.Set_Height(scale_.To_Twips(client.y));
+  taking_size_ = outer;
+}
+
+void Main_Frame::Take_Size() {
+  // Before there is anyone to lay the panes out, they and the window stay as they are.
+  if (!model_.frmRemoveItems.Resize || IsIconized() || taking_size_) return;
+  const wxSize client = GetClientSize();
+  if (client == Client_Size_Of_Model()) return;
+  Tell_Size(client);
+  model_.frmRemoveItems.Resize();
+}
+
+void Main_Frame::Closed_By_User(wxCloseEvent& event) {
+  // The window is destroyed when nothing runs on its models any more, not here.
+  if (event.CanVeto()) event.Veto();
+  if (model_.frmRemoveItems.Close) {
+    model_.frmRemoveItems.Close();
+  } else {
+    model_.frmRemoveItems.Unload();
+  }
+}
+
+void Main_Frame::Key_Pressed(wxKeyEvent& event) {
+  // While a run is under way the button is its Cancel.
+  const bool running = !model_.mnuClean.Enabled() && model_.cmdRun.Enabled();
+  if (event.GetKeyCode() != WXK_ESCAPE) return event.Skip();
+  if (running) {
+    tidyfold::Raise(model_.cmdRun.Click);
+  } else if (model_.mnuStopLoading.Enabled()) {
+    tidyfold::Raise(model_.mnuStopLoading.Click);
+  } else {
+    event.Skip();
+  }
+}
+
+// What is switched off loses the keyboard, and no key would reach the window any more: Cancel gets it, or the
+// tree, and what had it gets it back when it is on again.
+void Main_Frame::Keep_Keyboard() {
+  if (!IsActive()) return;
+  wxWindow* const focus = FindFocus();
+  // Another window takes the keyboard a moment before this one hears that it has lost it.
+  if (focus != nullptr && wxGetTopLevelParent(focus) != this) return;
+  const auto usable = [](const wxWindow* window) { return window != nullptr && window->IsEnabled(); };
+  if (usable(focus) && focus != stand_in_ && focus != handed_on_) {
+    keyboard_home_ = focus;
+    stand_in_ = nullptr;
+  } else if (usable(keyboard_home_)) {
+    if (focus != keyboard_home_) keyboard_home_->SetFocus();
+  } else if (!usable(focus) || focus == handed_on_) {
+    wxWindow* const run = FindWindowByName(To_Wx(model_.cmdRun.Name()), surface_);
+    wxWindow* const tree = FindWindowByName(To_Wx(model_.trvFolders.Name()), surface_);
+    if (usable(run)) {
+      stand_in_ = run;
+      run->SetFocus();
+    } else if (usable(tree)) {
+      tree->SetFocus();
+    }
+  }
+}
+
+void Main_Frame::Idle(wxIdleEvent& event) {
+  event.Skip();
+  if (!model_.frmRemoveItems.Loaded()) return;
+  Take_Size();
+  Keep_Keyboard();
+  // A run must not find another store under its feet.
+  for (const int entry : file_entries_) {
+    if (GetMenuBar()->IsEnabled(entry) != model_.mnuRefresh.Enabled())
+      GetMenuBar()->Enable(entry, model_.mnuRefresh.Enabled());
+  }
+}
+
+void Main_Frame::Settle() {
+  options_->Settle();
+}
+
+}  // namespace tidyfold

@@ -1,0 +1,81 @@
+// The main window.
+#pragma once
+
+#include <wx/frame.h>
+#include <wx/panel.h>
+#include <wx/weakref.h>
+
+#include <functional>
+#include <initializer_list>
+#include <memory>
+#include <vector>
+
+#include "controls/main_window.h"
+#include "desktop/common/binders.h"
+#include "desktop/common/context_menu.h"
+#include "desktop/common/menu_binder.h"
+#include "desktop/common/repaint_schedule.h"
+#include "desktop/common/scale.h"
+
+namespace tidyfold {
+
+class Options_Panel;
+
+// What the window offers beyond its model: commands on store files.
+// Those that are empty are not offered.
+struct File_Commands {
+  std::function<void()> Open_Store, New_Sample, Import_Files, Import_Maildir;
+};
+
+// Shows the model frmRemoveItems, whose size is that of the client area, with everything on it. Hides when
+// the model is unloaded, and tells `unloaded` each time that it finds it so; whoever made the frame destroys
+// it when no handler runs any more.
+class Main_Frame : public wxFrame {
+ public:
+  Main_Frame(MainWindow& model, Repaint_Schedule& schedule, File_Commands commands,
+             std::function<void()> unloaded);
+  ~Main_Frame() override;
+
+ private:
+  void Build_Panes();
+  void Build_Menus();
+  void Set_Tab_Order();
+  void Add_Entry(wxMenu& menu, MenuItem& model, const wxString& key, const wxString& help,
+                 wxItemKind kind = wxITEM_NORMAL);
+  wxMenu* New_View_Menu();
+  // What stands in the menu bar for these; null separates.
+  Context_Menu Entries(std::initializer_list<const MenuItem*> models) const;
+  void Go_To_Pane(int step);
+  void Add_File_Entry(wxMenu& menu, const wxString& label, const wxString& help,
+                      std::function<void()>& command);
+
+  void Show_Form();
+  void Resize_Like_Model();
+  void Tell_Size(const wxSize& client);
+  void Take_Size();
+  void Closed_By_User(wxCloseEvent& event);
+  void Key_Pressed(wxKeyEvent& event);
+  void Keep_Keyboard();
+  void Idle(wxIdleEvent& event);
+  void Settle();
+  wxSize Client_Size_Of_Model() const;
+
+  MainWindow& model_;
+  Repaint_Schedule& schedule_;
+  File_Commands commands_;
+  std::function<void()> unloaded_;
+  Scale scale_;
+  bool taking_size_ = false;
+  bool was_loaded_ = false;
+
+  // What had the keyboard when it was last on, and what has it in its place.
+  wxWeakRef<wxWindow> keyboard_home_, stand_in_, handed_on_;
+
+  wxPanel* surface_;
+  Options_Panel* options_ = nullptr;
+  std::vector<int> file_entries_;
+  Binders binders_;
+  std::vector<std::unique_ptr<Menu_Binder>> menu_binders_;
+};
+
+}  // namespace tidyfold

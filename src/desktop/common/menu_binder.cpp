@@ -1,0 +1,50 @@
+#include "desktop/common/menu_binder.h"
+
+#include "desktop/common/text_conversion.h"
+
+namespace tidyfold {
+
+Menu_Binder::Menu_Binder(MenuItem& model, wxMenu& menu, wxFrame& frame, const wxString& key,
+                         const wxString& help, std::function<void()> settle, wxItemKind kind)
+    : model_(model),
+      key_(key),
+      item_(menu.Append(wxID_ANY, Label(), help, kind)),
+      settle_(std::move(settle)) {
+  frame.Bind(
+      wxEVT_MENU,
+      [this](wxCommandEvent&) {
+        // A key may arrive before the menu has been greyed.
+        if (!model_.Enabled()) return;
+        settle_();
+        Raise(model_.Click);
+        // The toolkit has turned the mark by itself.
+        Show();
+      },
+      item_->GetId());
+  model_.changed = [this] { Show(); };
+  Show();
+}
+
+Menu_Binder::~Menu_Binder() {
+  model_.changed = nullptr;
+}
+
+void Menu_Binder::Append_To(wxMenu& menu) const {
+  menu.Append(item_->GetId(), Label(), item_->GetHelp())->Enable(model_.Enabled());
+}
+
+wxString Menu_Binder::Label() const {
+  const wxString caption = To_Wx(model_.Caption());
+  return key_.empty() ? caption : caption + "\t" + key_;
+}
+
+void Menu_Binder::Show() {
+  if (item_->IsEnabled() != model_.Enabled()) item_->Enable(model_.Enabled());
+  // Of radio items the toolkit takes the mark off the others.
+  if (item_->IsCheckable() && item_->IsChecked() != model_.Checked() &&
+      (item_->GetKind() != wxITEM_RADIO || model_.Checked()))
+    item_->Check(model_.Checked());
+  if (const wxString label = Label(); label != item_->GetItemLabel()) item_->SetItemLabel(label);
+}
+
+}  // namespace tidyfold

@@ -1,0 +1,126 @@
+#include "desktop/common/options_panel.h"
+
+#include <wx/statline.h>
+
+#include "desktop/common/text_conversion.h"
+
+namespace tidyfold {
+
+namespace {
+
+// Unscaled pixels.
+constexpr int margin = 10;
+constexpr int indent = 22;
+#ifdef __WXMSW__
+constexpr int line_gap = 4;  // its check boxes are as high as their text
+#else
+constexpr int line_gap = 0;
+#endif
+constexpr int group_gap = 4;
+constexpr int text_box_padding = 10;
+
+}  // namespace
+
+Options_Panel::Options_Panel(wxWindow* parent, MainWindow& model)
+    : wxScrolledWindow(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxTAB_TRAVERSAL | wxVSCROLL),
+      model_(model) {
+  SetScrollRate(0, FromDIP(10));
+}
+
+void Options_Panel::Bind_To_Model(Binders& binders) {
+  binders_ = &binders;
+  column_ = new wxBoxSizer(wxVERTICAL);
+
+  wxBoxSizer& screen = *Start_Group(model_.lblScreenOptions);
+  for (CheckBox* const option :
+       {&model_.chkMarkSubFolders, &model_.chkCollapseFolders, &model_.chkShowAllFolders,
+        &model_.chkShowSelectedItems, &model_.chkShowUnselectedItems, &model_.chkSelectByRow})
+    Add_Option(screen, *option);
+  Separate(model_.linOptions1);
+
+  wxBoxSizer& processing = *Start_Group(model_.lblProcessingOptions);
+  for (CheckBox* const option : {&model_.chkTurbo, &model_.chkPermanentDelete, &model_.chkConfirmFolders,
+                                 &model_.chkConfirmItems, &model_.chkDeleteFolders})
+    Add_Option(processing, *option);
+  Separate(model_.linOptions2);
+
+  Add_Filters(*Start_Group(model_.lblFilterOptions));
+
+  auto* const frame = new wxBoxSizer(wxVERTICAL);
+  frame->Add(column_, wxSizerFlags(1).Expand().Border(wxLEFT | wxRIGHT, FromDIP(margin)));
+  SetSizer(frame);
+  FitInside();
+}
+
+void Options_Panel::Settle() {
+  subject_->Settle();
+  cutoff_date_->Settle();
+}
+
+wxBoxSizer* Options_Panel::Start_Group(Label& heading) {
+  auto* const text = new wxStaticText(this, wxID_ANY, To_Wx(heading.Caption()));
+  text->SetFont(text->GetFont().Bold());
+  binders_->Add<Label_Binder>(heading, *text);
+  auto* const group = new wxBoxSizer(wxVERTICAL);
+  group->Add(text, wxSizerFlags().Expand().Border(wxBOTTOM, FromDIP(2)));
+  column_->Add(group, wxSizerFlags().Expand());
+  return group;
+}
+
+void Options_Panel::Separate(Line& line) {
+  auto* const widget = new wxStaticLine(this);
+  binders_->Add<Control_Binder>(line, *widget);
+  column_->Add(widget, wxSizerFlags().Expand().Border(wxTOP | wxBOTTOM, FromDIP(group_gap)));
+}
+
+wxCheckBox* Options_Panel::New_Check_Box(CheckBox& model) {
+  auto* const box = new wxCheckBox(this, wxID_ANY, To_Wx(model.Caption()));
+  binders_->Add<Check_Box_Binder>(model, *box);
+  return box;
+}
+
+void Options_Panel::Add_Option(wxBoxSizer& group, CheckBox& model) {
+  group.Add(New_Check_Box(model), wxSizerFlags().Border(wxBOTTOM, FromDIP(line_gap)));
+}
+
+void Options_Panel::Add_Filters(wxBoxSizer& group) {
+  const wxSizerFlags below_option = wxSizerFlags().Expand().Border(wxLEFT, FromDIP(indent));
+  Add_Option(group, model_.chkSelectUnread);
+
+  auto* const date_line = new wxBoxSizer(wxHORIZONTAL);
+  date_line->Add(New_Check_Box(model_.chkSelectDate), wxSizerFlags().CentreVertical());
+  date_line->AddStretchSpacer();
+  auto* const date = new wxDatePickerCtrl(this, wxID_ANY, wxDefaultDateTime, wxDefaultPosition, wxDefaultSize,
+                                          wxDP_DROPDOWN | wxDP_SHOWCENTURY);
+  cutoff_date_ = &binders_->Add<Date_Picker_Binder>(model_.dtpCutoffDate, *date);
+  date_line->Add(date, wxSizerFlags().CentreVertical());
+  group.Add(date_line, wxSizerFlags().Expand());
+
+  Add_Option(group, model_.chkSelectSubject);
+  auto* const subject = new wxTextCtrl(this, wxID_ANY);
+  subject->SetMinSize(wxSize(-1, subject->GetCharHeight() + FromDIP(text_box_padding)));
+  subject_ = &binders_->Add<Text_Box_Binder>(model_.txtSelectSubject, *subject);
+  group.Add(subject, below_option);
+  group.AddSpacer(FromDIP(line_gap));
+  auto* const match = new wxFlexGridSizer(2, FromDIP(wxSize(8, line_gap)));
+  match->AddGrowableCol(0);
+  match->AddGrowableCol(1);
+  for (CheckBox* const option : {&model_.chkMatchCase, &model_.chkMatchWord})
+    match->Add(New_Check_Box(*option));
+  group.Add(match, below_option);
+  group.AddSpacer(FromDIP(line_gap));
+
+  Add_Option(group, model_.chkSelectType);
+  auto* const types = new wxFlexGridSizer(2, FromDIP(wxSize(8, line_gap)));
+  types->AddGrowableCol(0);
+  types->AddGrowableCol(1);
+  for (TypeBox& type : model_.chkType) {
+    wxCheckBox* const box = New_Check_Box(type.box);
+    // The members of the array share their name.
+    box->SetName(box->GetName() + wxString::Format("(%d)", type.index));
+    types->Add(box);
+  }
+  group.Add(types, below_option);
+}
+
+}  // namespace tidyfold

@@ -1,0 +1,161 @@
+#include "desktop/common/program.h"
+
+#include <wx/evtloop.h>
+#include <wx/msgdlg.h>
+#include <wx/uilocale.h>
+#include <wx/utils.h>
+
+#include <iostream>
+
+#include "app/app.h"
+#include "desktop/common/desktop_help.h"
+#include "desktop/common/item_window.h"
+#include "desktop/common/last_stores.h"
+#include "desktop/common/main_frame.h"
+#include "desktop/common/message_window.h"
+#include "desktop/common/outlook_source.h"
+#include "desktop/common/text_conversion.h"
+#include "desktop/common/welcome_dialog.h"
+#include "desktop/common/window_state_file.h"
+#include "import/import.h"
+
+namespace tidyfold {
+
+Program::Program(std::vector<std::filesystem::path> stores) : first_stores_(std::move(stores)) {}
+
+Program::~Program() = default;
+
+namespace {
+
+// A check of the toolkit's own that failed is for those who write the program: it stops nobody at work.
+void Note_Failed_Check(const wxString& file, int line, const wxString& function, const wxString& condition,
+                       const wxString& message) {
+  std::cerr << From_Wx(file) << ':' << line << ": " << From_Wx(function) << ": \"" << From_Wx(condition)
+            << "\" failed. " << From_Wx(message) << std::endl;
+}
+
+}  // namespace
+
+bool Program::OnInit() {
+  wxSetAssertHandler(Note_Failed_Check);
+  SetAppName("tidyfold");
+  SetAppDisplayName(application_title);
+  wxUILocale::UseDefault();
+  // The window goes before the last handler has returned; the loop ends when End_When_Unwound says so.
+  SetExitOnFrameDelete(false);
+  ending_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) {
+    // Dispatched by the main loop itself, not by a yield, a box or a dialog further in.
+    const bool unwound = !loading_ && message_box_.Open_Boxes() == 0 && !GetMainLoop()->IsYielding() &&
+                         wxEventLoopBase::GetActive() == GetMainLoop();
+    unwound ? ExitMainLoop() : End_When_Unwound();
+  });
+  CallAfter([this] { Start(); });
+  return true;
+}
+
+void Program::Start() {
+  if (!Open_First_Stores()) return ExitMainLoop();
+  Build();
+  loading_ = true;
+  app_->Form_Load();
+  loading_ = false;
+  if (!window_.frmRemoveItems.Loaded()) End_When_Unwound();
+}
+
+bool Program::Open_First_Stores() {
+  if (first_stores_.empty()) {
+    system_outlook_ = Make_Outlook_Source();
+    if (system_outlook_) return true;
+    first_stores_ = Last_Stores();
+  }
+  if (!first_stores_.empty() && files_.Open(nullptr, first_stores_)) return true;
+  return Welcome_Dialog(files_).ShowModal() == wxID_OK;
+}
+
+void Program::Build() {
+  schedule_ = std::make_unique<Repaint_Schedule>();
+  File_Commands commands;
+  if (!system_outlook_) {
+    commands.Open_Store = [this] { Change_Stores([this] { return files_.Ask_And_Open(frame_); }); };
+    commands.New_Sample = [this] { Change_Stores([this] { return files_.Make_Sample_Store(frame_); }); };
+  }
+  if (!system_outlook_ && Can_Import()) {
+    commands.Import_Files = [this] { Change_Stores([this] { return files_.Import_Files(frame_); }); };
+    commands.Import_Maildir = [this] { Change_Stores([this] { return files_.Import_Maildir(frame_); }); };
+  }
+  frame_ = new Main_Frame(window_, *schedule_, std::move(commands), [this] {
+    help_->Close_Book();
+    End_When_Unwound();
+  });
+  SetTopWindow(frame_);
+  message_window_ = new Message_Window(window_);
+  state_file_ = Window_State_File::If_Asked_For(*frame_, window_);
+
+  outlook_.Set_Display([this](const Displayed_Item& item) {
+    auto* const window = new Item_Window(frame_, item);
+    window->Show();
+    // After the click that asked for it, which gives the keyboard to what was clicked.
+    window->CallAfter([window] { window->Raise(); });
+  });
+  events_.before_yield = [this] { outlook_.Commit_Pending(); };
+  message_box_.opening = [this](const std::string& text, Buttons) {
+    schedule_->Flush();
+    if (state_file_) state_file_->Box_Opened(text);
+  };
+  message_box_.closed = [this] {
+    if (state_file_) state_file_->Box_Closed();
+  };
+  Bind(wxEVT_IDLE, [this](wxIdleEvent& event) {
+    event.Skip();
+    Commit();
+  });
+  help_ = std::make_unique<Desktop_Help>(*frame_, window_, message_box_);
+  Automation& outlook = system_outlook_ ? *system_outlook_ : outlook_;
+  app_ = std::make_unique<App>(window_, outlook, message_box_, events_, clock_, &help_->Environment());
+}
+
+void Program::Change_Stores(const std::function<bool()>& change) {
+  if (change()) Raise(window_.mnuRefresh.Click);
+}
+
+// What a handler changed in the store lasts when the handler has returned.
+void Program::Commit() {
+  if (GetMainLoop() == nullptr || GetMainLoop()->IsYielding()) return;
+  try {
+    outlook_.Commit_Pending();
+  } catch (const std::exception& error) {
+    message_box_.Show(error.what(), Buttons::OK_Only, Icon::Critical, application_title);
+  }
+}
+
+// The window may be unloaded by a handler that runs inside a yield of a longer one, or while a box is open;
+// the loop ends when none of them is left.
+void Program::End_When_Unwound() {
+  constexpr int next_look = 20;  // milliseconds
+  ending_.StartOnce(next_look);
+}
+
+int Program::OnExit() {
+  app_.reset();
+  // The toolkit takes the system's automation away with itself.
+  system_outlook_.reset();
+  help_.reset();
+  state_file_.reset();
+  if (message_window_ != nullptr) message_window_->Destroy();
+  if (frame_ != nullptr) frame_->Destroy();
+  DeletePendingObjects();
+  schedule_.reset();
+  return wxApp::OnExit();
+}
+
+bool Program::OnExceptionInMainLoop() {
+  // The procedures report their own failures; what arrives here is one of a widget's handler.
+  try {
+    throw;
+  } catch (const std::exception& error) {
+    wxMessageDialog(frame_, To_Lines(error.what()), application_title, wxOK | wxICON_ERROR).ShowModal();
+  }
+  return true;
+}
+
+}  // namespace tidyfold

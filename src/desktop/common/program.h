@@ -1,0 +1,68 @@
+// The window program: its store, its window and its event loop.
+#pragma once
+
+#include <wx/app.h>
+#include <wx/timer.h>
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "controls/main_window.h"
+#include "base/system_clock.h"
+#include "desktop/common/desktop_events.h"
+#include "desktop/common/desktop_message_box.h"
+#include "desktop/common/repaint_schedule.h"
+#include "desktop/common/store_files.h"
+#include "stores/sqlite/embedded_outlook.h"
+
+namespace tidyfold {
+
+class App;
+class Desktop_Help;
+class Main_Frame;
+class Message_Window;
+class Window_State_File;
+
+class Program : public wxApp {
+ public:
+  // The stores to open; none: those that were open last.
+  explicit Program(std::vector<std::filesystem::path> stores);
+  ~Program() override;
+
+  bool OnInit() override;
+  int OnExit() override;
+  bool OnExceptionInMainLoop() override;
+
+ private:
+  void Start();
+  bool Open_First_Stores();
+  void Build();
+  void Change_Stores(const std::function<bool()>& change);
+  void End_When_Unwound();
+  void Commit();
+
+  std::vector<std::filesystem::path> first_stores_;
+  // What the window works on: Outlook, when it is there and no store file was named, or store files.
+  std::unique_ptr<Automation> system_outlook_;
+  Embedded_Outlook outlook_;
+  Store_Files files_{outlook_};
+  System_Clock clock_;
+  Desktop_Events events_;
+  Desktop_Message_Box message_box_;
+  MainWindow window_;
+
+  // Made when a store is open; taken down, in this order reversed, after the event loop has ended.
+  std::unique_ptr<Repaint_Schedule> schedule_;
+  Main_Frame* frame_ = nullptr;
+  Message_Window* message_window_ = nullptr;
+  std::unique_ptr<Window_State_File> state_file_;
+  std::unique_ptr<Desktop_Help> help_;
+  std::unique_ptr<App> app_;
+
+  bool loading_ = false;
+  wxTimer ending_;
+};
+
+}  // namespace tidyfold

@@ -1,0 +1,77 @@
+// The binders of check boxes, buttons, labels, the text box and the date picker.
+#pragma once
+
+#include <wx/button.h>
+#include <wx/checkbox.h>
+#include <wx/datectrl.h>
+#include <wx/stattext.h>
+#include <wx/textctrl.h>
+
+#include "controls/widgets.h"
+#include "desktop/common/control_binder.h"
+
+namespace tidyfold {
+
+class Check_Box_Binder : public Control_Binder {
+ public:
+  Check_Box_Binder(CheckBox& model, wxCheckBox& widget);
+
+ private:
+  void Show_Model() override;
+  CheckBox& model_;
+  wxCheckBox& widget_;
+};
+
+class Button_Binder : public Control_Binder {
+ public:
+  // `settle` runs before every click.
+  Button_Binder(CommandButton& model, wxButton& widget, std::function<void()> settle);
+
+ private:
+  void Show_Model() override;
+  CommandButton& model_;
+  wxButton& widget_;
+  std::function<void()> settle_;
+};
+
+// A text that does not fit ends in dots.
+class Label_Binder : public Control_Binder {
+ public:
+  Label_Binder(Label& model, wxStaticText& widget);
+
+ private:
+  void Show_Model() override;
+  Label& model_;
+  wxStaticText& widget_;
+};
+
+// Typing changes the model's text alone; Enter and leaving the box are the model's events.
+class Text_Box_Binder : public Control_Binder {
+ public:
+  Text_Box_Binder(TextBox& model, wxTextCtrl& widget);
+  // Raises Validate when something was typed that no event has told of. Commands that can be given without
+  // leaving the box call it first, so that what is shown and what is done agree.
+  void Settle();
+
+ private:
+  void Show_Model() override;
+  TextBox& model_;
+  wxTextCtrl& widget_;
+  bool edited_ = false;
+};
+
+class Date_Picker_Binder : public Control_Binder {
+ public:
+  Date_Picker_Binder(DatePicker& model, wxDatePickerCtrl& widget);
+  // As the text box's.
+  void Settle();
+
+ private:
+  void Show_Model() override;
+  void Take_Date();
+  DatePicker& model_;
+  wxDatePickerCtrl& widget_;
+  bool edited_ = false;
+};
+
+}  // namespace tidyfold

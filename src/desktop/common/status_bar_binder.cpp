@@ -1,0 +1,87 @@
+#include "desktop/common/status_bar_binder.h"
+
+#include <wx/numformatter.h>
+
+#include <algorithm>
+
+#include "desktop/common/text_conversion.h"
+
+namespace tidyfold {
+
+namespace {
+
+// The panels, what is left of long work, and its gauge.
+constexpr int field_count = StatusBar::panel_count + 2;
+constexpr int gauge_range = 1000;
+constexpr int gauge_width = 120;  // unscaled pixels
+constexpr int gauge_margin = 3;
+
+}  // namespace
+
+Status_Bar_Binder::Status_Bar_Binder(StatusBar& model, wxStatusBar& widget, Repaint_Schedule& schedule)
+    : Control_Binder(model, widget),
+      model_(model),
+      widget_(widget),
+      gauge_(new wxGauge(&widget, wxID_ANY, gauge_range, wxDefaultPosition, wxDefaultSize, wxGA_SMOOTH)),
+      schedule_(schedule) {
+  widget_.SetFieldsCount(field_count);
+  gauge_->SetName("sbStatusBarGauge");
+  gauge_->Hide();
+  Give_Room_To_Gauge(false);
+  widget_.Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
+    event.Skip();
+    Place_Gauge();
+  });
+  Show();
+}
+
+Status_Bar_Binder::~Status_Bar_Binder() {
+  schedule_.Forget(*this);
+}
+
+void Status_Bar_Binder::Show_Model() {
+  schedule_.Mark(*this);
+}
+
+void Status_Bar_Binder::Catch_Up() {
+  for (int panel = 1; panel <= StatusBar::panel_count; ++panel) {
+    const wxString text = To_One_Line(model_.Panel_Text(panel));
+    if (text != widget_.GetStatusText(panel - 1)) widget_.SetStatusText(text, panel - 1);
+  }
+  Show_Gauge();
+}
+
+void Status_Bar_Binder::Show_Gauge() {
+  const std::int64_t total = model_.Gauge_Total();
+  if ((total > 0) != gauge_->IsShown()) {
+    Give_Room_To_Gauge(total > 0);
+    gauge_->Show(total > 0);
+    Place_Gauge();
+  }
+  if (total <= 0) {
+    widget_.SetStatusText(wxString(), StatusBar::panel_count);
+    return;
+  }
+  const std::int64_t done = std::clamp<std::int64_t>(model_.Gauge_Done(), 0, total);
+  gauge_->SetValue(static_cast<int>(done * gauge_range / total));
+  const wxString left = wxNumberFormatter::ToString(static_cast<long>(total - done)) + " left";
+  if (left != widget_.GetStatusText(StatusBar::panel_count))
+    widget_.SetStatusText(left, StatusBar::panel_count);
+}
+
+void Status_Bar_Binder::Give_Room_To_Gauge(bool shown) {
+  const int left_width = widget_.GetTextExtent("88,888,888 left").x;
+  // The counts of a run are long; the help of a menu entry is, too, and has the room while nothing runs.
+  const int at_work[] = {-24, -46, -30, left_width, widget_.FromDIP(gauge_width)};
+  const int at_rest[] = {-45, -20, -35, 1, 1};
+  const int(&widths)[field_count] = shown ? at_work : at_rest;
+  widget_.SetStatusWidths(field_count, widths);
+}
+
+void Status_Bar_Binder::Place_Gauge() {
+  wxRect field;
+  if (gauge_->IsShown() && widget_.GetFieldRect(field_count - 1, field))
+    gauge_->SetSize(field.Deflate(widget_.FromDIP(gauge_margin)));
+}
+
+}  // namespace tidyfold

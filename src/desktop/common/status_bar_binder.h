@@ -1,0 +1,35 @@
+// The status bar's panels and its gauge.
+#pragma once
+
+#include <wx/gauge.h>
+#include <wx/statusbr.h>
+
+#include "controls/widgets.h"
+#include "desktop/common/control_binder.h"
+#include "desktop/common/repaint_schedule.h"
+
+namespace tidyfold {
+
+// The panels' texts change with every item of a run; they are shown at the pace of the eye. The help of a
+// menu entry covers the first one while the menu is open. What is left of long work, and its gauge,
+// lie in fields of their own behind the panels.
+class Status_Bar_Binder : public Control_Binder, public Late_Widget {
+ public:
+  Status_Bar_Binder(StatusBar& model, wxStatusBar& widget, Repaint_Schedule& schedule);
+  ~Status_Bar_Binder() override;
+
+  void Catch_Up() override;
+
+ private:
+  void Show_Model() override;
+  void Show_Gauge();
+  void Give_Room_To_Gauge(bool shown);
+  void Place_Gauge();
+
+  StatusBar& model_;
+  wxStatusBar& widget_;
+  wxGauge* gauge_;  // owned by the widget
+  Repaint_Schedule& schedule_;
+};
+
+}  // namespace tidyfold

@@ -1,0 +1,199 @@
+#include "desktop/common/store_files.h"
+
+#include <wx/dirdlg.h>
+#include <wx/filedlg.h>
+#include <wx/progdlg.h>
+#include <wx/richmsgdlg.h>
+#include <wx/stdpaths.h>
+
+#include <optional>
+
+#include "base/file_path.h"
+#include "controls/interaction.h"
+#include "desktop/common/last_stores.h"
+#include "desktop/common/text_conversion.h"
+#include "errors/automation_error.h"
+#include "import/import.h"
+#include "stores/sqlite/sample_store.h"
+
+namespace tidyfold {
+
+namespace {
+
+constexpr const char* store_wildcard = "Tidyfold stores (*.tidyfold)|*.tidyfold|All files|*";
+constexpr const char* source_wildcard =
+    "Mail files "
+    "(*.pst;*.ost;*.pab;*.mbox;*.mbx;*.eml)|*.pst;*.PST;*.ost;*.OST;*.pab;*.PAB;*.mbox;*.mbx;*.eml;*.EML|"
+    "All files|*";
+
+void Show_Error(wxWindow* parent, const std::string& text) {
+  wxMessageDialog(parent, To_Lines(text), application_title, wxOK | wxICON_ERROR | wxCENTRE).ShowModal();
+}
+
+std::filesystem::path To_Path(const wxString& path) {
+  return File_Path(From_Wx(path));
+}
+
+wxString File_Name(const std::filesystem::path& path) {
+  return To_Wx(path.filename().string());
+}
+
+// A gauge where the whole is known, a wandering bar where it is not.
+class Progress {
+ public:
+  Progress(wxWindow* parent, const wxString& title, const wxString& what)
+      : dialog_(title, what + "\n ", scale, parent, wxPD_APP_MODAL | wxPD_CAN_ABORT | wxPD_AUTO_HIDE),
+        what_(what) {}
+
+  bool Tell(std::int64_t done, std::optional<std::int64_t> total) {
+    if (!total || *total <= 0)
+      return dialog_.Pulse(wxString::Format("%s\n%lld items", what_, static_cast<long long>(done)));
+    const auto part = static_cast<int>(std::min<std::int64_t>(done * scale / *total, scale - 1));
+    return dialog_.Update(part,
+                          wxString::Format("%s\n%lld of %lld items", what_, static_cast<long long>(done),
+                                           static_cast<long long>(*total)));
+  }
+
+ private:
+  static constexpr int scale = 1000;
+  wxProgressDialog dialog_;
+  wxString what_;
+};
+
+void Show_Reports(wxWindow* parent, const std::vector<Import_Report>& reports) {
+  wxString text, failures;
+  for (const Import_Report& report : reports) {
+    if (report.cancelled) {
+      text += wxString::Format("%s: cancelled, nothing imported\n", To_Wx(report.source));
+      continue;
+    }
+    text += wxString::Format("%s: %lld items found, %lld imported, %lld failed\n", To_Wx(report.source),
+                             static_cast<long long>(report.found), static_cast<long long>(report.imported),
+                             static_cast<long long>(report.failed));
+    for (const Import_Failure& failure : report.failures)
+      failures += To_One_Line(failure.where) + ": " + To_One_Line(failure.why) + "\n";
+  }
+  wxRichMessageDialog dialog(parent, text.Trim(), application_title,
+                             wxOK | wxCENTRE | (failures.empty() ? wxICON_INFORMATION : wxICON_WARNING));
+  if (!failures.empty()) dialog.ShowDetailedText(failures);
+  dialog.ShowModal();
+}
+
+}  // namespace
+
+bool Store_Files::Open(wxWindow* parent, const std::vector<std::filesystem::path>& paths) {
+  try {
+    outlook_.Replace(paths);
+  } catch (const std::exception& error) {
+    Show_Error(parent, error.what());
+    return false;
+  }
+  Remember();
+  return true;
+}
+
+bool Store_Files::Ask_And_Open(wxWindow* parent) {
+  wxFileDialog dialog(parent, "Open Store", wxStandardPaths::Get().GetDocumentsDir(), wxString(),
+                      store_wildcard, wxFD_OPEN | wxFD_FILE_MUST_EXIST | wxFD_MULTIPLE);
+  // A choice that fails leads back to the choice.
+  while (dialog.ShowModal() == wxID_OK) {
+    wxArrayString chosen;
+    dialog.GetPaths(chosen);
+    std::vector<std::filesystem::path> paths;
+    for (const wxString& path : chosen) paths.push_back(To_Path(path));
+    if (Open(parent, paths)) return true;
+  }
+  return false;
+}
+
+std::filesystem::path Store_Files::Ask_New_Store(wxWindow* parent, const wxString& question,
+                                                 const wxString& name) {
+  wxFileDialog dialog(parent, question, wxStandardPaths::Get().GetDocumentsDir(), name + ".tidyfold",
+                      store_wildcard, wxFD_SAVE);
+  return dialog.ShowModal() == wxID_OK ? To_Path(dialog.GetPath()) : std::filesystem::path();
+}
+
+bool Store_Files::Make_Sample_Store(wxWindow* parent) {
+  for (;;) {
+    const std::filesystem::path path = Ask_New_Store(parent, "Where to keep the sample store", "Sample");
+    if (path.empty()) return false;
+    try {
+      Progress progress(parent, "New Sample Store", "Writing " + File_Name(path));
+      const auto tell = [&progress](std::int32_t written) {
+        return progress.Tell(written, sample_default_items);
+      };
+      if (!Make_Sample(path, From_Wx(File_Name(path.stem())), sample_default_items, sample_default_seed,
+                       tell))
+        return false;
+    } catch (const std::exception& error) {
+      Show_Error(parent, error.what());
+      continue;
+    }
+    return Open(parent, {path});
+  }
+}
+
+bool Store_Files::Import_Files(wxWindow* parent) {
+  wxFileDialog dialog(parent, "Import", wxStandardPaths::Get().GetDocumentsDir(), wxString(), source_wildcard,
+                      wxFD_OPEN | wxFD_FILE_MUST_EXIST | wxFD_MULTIPLE);
+  if (dialog.ShowModal() != wxID_OK) return false;
+  wxArrayString chosen;
+  dialog.GetPaths(chosen);
+  std::vector<std::filesystem::path> sources;
+  for (const wxString& path : chosen) sources.push_back(To_Path(path));
+  return Import(parent, sources);
+}
+
+bool Store_Files::Import_Maildir(wxWindow* parent) {
+  wxDirDialog dialog(parent, "Import Maildir Folder", wxString(), wxDD_DEFAULT_STYLE | wxDD_DIR_MUST_EXIST);
+  if (dialog.ShowModal() != wxID_OK) return false;
+  return Import(parent, {To_Path(dialog.GetPath())});
+}
+
+bool Store_Files::Import(wxWindow* parent, const std::vector<std::filesystem::path>& sources) {
+  if (!outlook_.Stores().empty()) return Import_Into(parent, *outlook_.Stores().front(), sources);
+  for (;;) {
+    const std::filesystem::path path =
+        Ask_New_Store(parent, "Where to keep what is imported", File_Name(sources.front().stem()));
+    if (path.empty()) return false;
+    try {
+      outlook_.Add(Embedded_Store::Create(path, From_Wx(File_Name(path.stem()))));
+    } catch (const std::exception& error) {
+      Show_Error(parent, error.what());
+      continue;
+    }
+    Remember();
+    Import_Into(parent, *outlook_.Stores().front(), sources);
+    return true;
+  }
+}
+
+bool Store_Files::Import_Into(wxWindow* parent, Embedded_Store& store,
+                              const std::vector<std::filesystem::path>& sources) {
+  std::vector<Import_Report> reports;
+  for (const std::filesystem::path& source : sources) {
+    try {
+      Progress progress(parent, "Import", "Importing " + File_Name(source));
+      Import_Options options;
+      options.progress = [&progress](std::int64_t found, std::optional<std::int64_t> total) {
+        return progress.Tell(found, total);
+      };
+      reports.push_back(Import_Source(source, store.Writer(), options));
+    } catch (const std::exception& error) {
+      Show_Error(parent, error.what());
+      continue;
+    }
+    if (reports.back().cancelled) break;
+  }
+  if (reports.empty()) return false;
+  Show_Reports(parent, reports);
+  return true;
+}
+
+void Store_Files::Remember() {
+  std::vector<std::filesystem::path> paths;
+  for (const auto& store : outlook_.Stores()) paths.push_back(store->Path());
+  Keep_Last_Stores(paths);
+}
+
+}  // namespace tidyfold

@@ -1,0 +1,46 @@
+// Between the core's UTF-8 and the toolkit's strings.
+#pragma once
+
+#include <wx/string.h>
+
+#include <string>
+#include <string_view>
+
+#include "base/text.h"
+
+namespace tidyfold {
+
+// Bytes that are no UTF-8 show as U+FFFD instead of emptying the whole text.
+inline wxString To_Wx(std::string_view text) {
+  const std::string valid = Valid_Utf8(text);
+  return wxString::FromUTF8(valid.data(), valid.size());
+}
+
+// For one line of a list: line breaks and tabs show as one blank.
+inline wxString To_One_Line(std::string_view text) {
+  const wxString lines = To_Wx(text);
+  if (lines.find_first_of("\r\n\t") == wxString::npos) return lines;
+  wxString line;
+  for (const wxUniChar character : lines) {
+    const bool gap = character == '\r' || character == '\n' || character == '\t';
+    if (!gap) {
+      line += character;
+    } else if (!line.empty() && line.Last() != ' ') {
+      line += ' ';
+    }
+  }
+  return line;
+}
+
+// For a message or tooltip: CR LF becomes the toolkit's line break.
+inline wxString To_Lines(std::string_view text) {
+  wxString lines = To_Wx(text);
+  lines.Replace("\r\n", "\n");
+  return lines;
+}
+
+inline std::string From_Wx(const wxString& text) {
+  return text.utf8_string();
+}
+
+}  // namespace tidyfold

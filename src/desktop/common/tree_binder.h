@@ -1,0 +1,80 @@
+// The folder tree: a native tree with check boxes over the model's nodes.
+#pragma once
+
+#include <wx/dataview.h>
+#include <wx/eventfilter.h>
+
+#include <functional>
+#include <vector>
+
+#include "controls/tree_view.h"
+#include "desktop/common/context_menu.h"
+#include "desktop/common/control_binder.h"
+#include "desktop/common/repaint_schedule.h"
+#include "desktop/common/tree_widget.h"
+
+namespace tidyfold {
+
+class Folder_Tree_Rows;
+
+class Tree_Binder : public Control_Binder,
+                    public Late_Widget,
+                    private wxEventFilter,
+                    private TreeView_Observer {
+ public:
+  Tree_Binder(TreeView& model, wxDataViewCtrl& widget, Repaint_Schedule& schedule);
+  ~Tree_Binder() override;
+
+  void Catch_Up() override;
+  // What a right click, the menu key and Shift+F10 open; it is about the selected node.
+  Context_Menu context_menu;
+
+ private:
+  void Show_Model() override;
+
+  void Node_Added(int index) override;
+  void Node_Changed(int index) override;
+  void Node_Removed(int index) override;
+  void Cleared() override;
+  void Selection_Changed(int index) override;
+  void Made_Visible(int index) override;
+
+  void Rebuild();
+  void Show_Changed_Nodes();
+  void Show_Selection();
+  void Expand_Like_Model(int index);
+  bool In_View(int index) const;
+
+  void Ticked(int index);
+  void Selection_Moved(int index);
+  void Expansion_Turned(int index, bool expanded);
+  int FilterEvent(wxEvent& event) override;
+  // Runs the action once the toolkit has done with the event that is under way, and before the next one that
+  // a person causes.
+  void Do_After_Event(std::function<void()> action);
+  void Do_What_Is_Due();
+  void Mouse_Released(wxMouseEvent& event);
+  void Menu_Asked_For(int index, const wxPoint& place);
+  void Key_Pressed(wxKeyEvent& event);
+  void Move_Sideways(int index, bool in);
+
+  TreeView& model_;
+  wxDataViewCtrl& widget_;
+  Tree_Widget tree_;
+  Repaint_Schedule& schedule_;
+  wxObjectDataPtr<Folder_Tree_Rows> rows_;
+
+  // What the widget has not been told yet.
+  bool stale_ = true;
+  std::vector<int> changed_nodes_;
+  bool selection_due_ = false;
+  int visible_due_ = 0;
+  // The press under way has already raised an event of the model, or turned a branch.
+  bool press_told_ = false;
+  bool press_ticked_ = false;
+  // Waits until the toolkit has done with an event.
+  std::function<void()> due_;
+  bool space_held_ = false;
+};
+
+}  // namespace tidyfold

@@ -1,0 +1,128 @@
+#include "desktop/gtk/help_viewer.h"
+
+#include <wx/display.h>
+#include <wx/filesys.h>
+#include <wx/html/helpfrm.h>
+#include <wx/html/helpwnd.h>
+#include <wx/html/htmlwin.h>
+#include <wx/log.h>
+#include <wx/mstream.h>
+#include <wx/splitter.h>
+#include <wx/treectrl.h>
+
+#include <filesystem>
+#include <optional>
+
+#include "desktop/common/application_icon.h"
+#include "desktop/common/text_conversion.h"
+#include "help/chm_book.h"
+
+namespace tidyfold {
+
+namespace {
+
+// The toolkit's viewer starts from a project file, which a compiled book no longer holds.
+constexpr const char* project_file = "book.hhp";
+
+constexpr const char* window_name = "frmHelpViewer";
+constexpr int wide = 920, high = 640, lists_wide = 300;  // unscaled pixels
+
+// Addresses of the form "file:BOOK#chm:PAGE".
+class Book_Files : public wxFileSystemHandler {
+ public:
+  bool CanOpen(const wxString& location) override { return GetProtocol(location) == "chm"; }
+
+  wxFSFile* OpenFile(wxFileSystem&, const wxString& location) override {
+    const std::string book = From_Wx(wxFileName::URLToFileName(GetLeftLocation(location)).GetFullPath());
+    const std::string page =
+        std::filesystem::path(From_Wx(GetRightLocation(location))).lexically_normal().generic_string();
+    try {
+      if (book_ == nullptr || book != file_) {
+        book_ = std::make_unique<Chm_Book>(book);
+        file_ = book;
+      }
+      const std::optional<std::string> text =
+          page == project_file ? std::optional(book_->Project()) : book_->Read(page);
+      if (!text) return nullptr;
+      wxMemoryOutputStream bytes;
+      bytes.Write(text->data(), text->size());
+      return new wxFSFile(new wxMemoryInputStream(bytes), location, GetMimeTypeFromExt(location),
+                          GetAnchor(location), wxDateTime());
+    } catch (const Chm_Error& error) {
+      wxLogError("%s", To_Wx(error.what()));
+      return nullptr;
+    }
+  }
+
+ private:
+  std::string file_;
+  std::unique_ptr<Chm_Book> book_;
+};
+
+// What the toolkit makes small and in a corner, with its lists cut off.
+void Prepare(wxHtmlHelpFrame& frame) {
+  frame.SetName(window_name);
+  frame.SetIcons(Application_Icons());
+  wxSize size = frame.FromDIP(wxSize(wide, high));
+  size.DecTo(wxDisplay(&frame).GetClientArea().GetSize());
+  frame.SetSize(size);
+  frame.CentreOnScreen();
+  if (auto* const panes = dynamic_cast<wxSplitterWindow*>(wxWindow::FindWindowByName("splitter", &frame)))
+    panes->SetSashPosition(frame.FromDIP(lists_wide));
+  if (auto* const contents = dynamic_cast<wxTreeCtrl*>(wxWindow::FindWindowByName("treeCtrl", &frame))) {
+    wxTreeItemIdValue cookie;
+    if (const wxTreeItemId book = contents->GetFirstChild(contents->GetRootItem(), cookie))
+      contents->Expand(book);
+  }
+  frame.Bind(wxEVT_CHAR_HOOK, [&frame](wxKeyEvent& event) {
+    event.GetKeyCode() == WXK_ESCAPE ? static_cast<void>(frame.Close()) : event.Skip();
+  });
+}
+
+}  // namespace
+
+Help_Viewer::Help_Viewer() {
+  // The toolkit keeps handlers until the program ends; one serves every viewer.
+  if (!wxFileSystem::HasHandlerForPath("file:x#chm:x")) wxFileSystem::AddHandler(new Book_Files);
+}
+
+Help_Viewer::~Help_Viewer() {
+  Close();
+}
+
+bool Help_Viewer::Take_Book(const std::string& file) {
+  if (controller_ != nullptr && file == file_) return true;
+  Close();
+  const wxLogNull quiet;  // the caller says it in words of its own
+  auto controller = std::make_unique<wxHtmlHelpController>(wxHF_TOOLBAR | wxHF_CONTENTS | wxHF_INDEX |
+                                                           wxHF_SEARCH | wxHF_FRAME);
+  controller->SetTitleFormat("Help: %s");
+  controller->SetShouldPreventAppExit(false);
+  const wxString book = wxFileName::FileNameToURL(wxFileName(To_Wx(file)));
+  if (!controller->AddBook(book + "#chm:" + project_file)) return false;
+  controller_ = std::move(controller);
+  file_ = file;
+  return true;
+}
+
+bool Help_Viewer::Open(const std::string& file, const std::string& page) {
+  try {
+    const Chm_Book book(file);
+    if (!Take_Book(file)) return false;
+    if (!controller_->Display(To_Wx(page.empty() ? book.Default_Page() : page))) return false;
+  } catch (const Chm_Error&) {
+    return false;
+  }
+  wxHtmlHelpFrame& frame = *controller_->GetFrame();
+  if (frame.GetName() != window_name) Prepare(frame);
+  frame.Show();
+  frame.Raise();
+  return true;
+}
+
+void Help_Viewer::Close() {
+  if (controller_ != nullptr) controller_->Quit();
+  controller_.reset();
+}
+
+}  // namespace tidyfold

@@ -1,9 +1,0 @@
-#include "desktop/outlook_source.h"
-
-namespace tidyfold {
-
-std::unique_ptr<Automation> Make_Outlook_Source() {
-  return nullptr;
-}
-
-}  // namespace tidyfold

@@ -1,0 +1,22 @@
+#include <wx/icon.h>
+
+#include "desktop/common/application_icon.h"
+
+namespace tidyfold {
+
+namespace {
+
+// The program's own resource, in the sizes that were drawn when it was built.
+constexpr const char* resource = "tidyfold";
+
+}  // namespace
+
+wxBitmapBundle Application_Picture(const wxSize& size) {
+  return wxBitmapBundle::FromBitmap(wxBitmap(wxIcon(resource, wxBITMAP_TYPE_ICO_RESOURCE, size.x, size.y)));
+}
+
+wxIconBundle Application_Icons() {
+  return wxIconBundle(resource, nullptr);
+}
+
+}  // namespace tidyfold
