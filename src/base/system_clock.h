@@ -1,7 +1,8 @@
-// Today's date by the computer's clock.
+// Day and time by the computer's clock.
 #pragma once
 
 #include <chrono>
+#include <cmath>
 #include <ctime>
 
 #include "base/clock.h"
@@ -10,7 +11,8 @@ namespace tidyfold {
 
 class System_Clock : public Clock {
  public:
-  Date Today() const override {
+  Date Today() const override { return std::floor(Now()); }
+  Date Now() const override {
     const std::time_t now = std::time(nullptr);
     std::tm local{};
 #ifdef _WIN32
@@ -18,7 +20,8 @@ class System_Clock : public Clock {
 #else
     localtime_r(&now, &local);
 #endif
-    return Date_Of(std::chrono::year{local.tm_year + 1900} / (local.tm_mon + 1) / local.tm_mday);
+    const Date day = Date_Of(std::chrono::year{local.tm_year + 1900} / (local.tm_mon + 1) / local.tm_mday);
+    return day + (local.tm_hour * 3600 + local.tm_min * 60 + local.tm_sec) / 86400.0;
   }
 };
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace tidyfold {
 
@@ -12,12 +13,26 @@ enum class Answer { OK = 1, Cancel = 2, Yes = 6, No = 7 };
 // The application's title, which a message box without a title of its own shows.
 inline constexpr const char* application_title = "Tidyfold";
 
+// What stands before a person who is to confirm a run.
+struct Review {
+  std::string sentence;  // says how much it is
+  // A table: every row has as many cells as there are headers.
+  std::vector<std::string> headers;
+  std::vector<std::vector<std::string>> rows;
+  std::vector<std::string> notes;  // what else decides, one line each
+
+  // The same as lines, joined by CR LF: the sentence, the rows, the notes.
+  std::string Text() const;
+};
+
 class Message_Box {
  public:
   virtual ~Message_Box() = default;
   // Modal: returns when the person has answered. Other handlers may run meanwhile.
   virtual Answer Show(const std::string& text, Buttons buttons = Buttons::OK_Only, Icon icon = Icon::None,
                       const std::string& title = application_title) = 0;
+  // OK or Cancel. Where there is no sheet with a table, its text.
+  virtual Answer Show_Review(const Review& review);
 };
 
 class Events {

@@ -13,6 +13,7 @@
 #include <string>
 
 #include "base/dates.h"
+#include "outlook/change_groups.h"
 
 namespace tidyfold {
 
@@ -20,10 +21,12 @@ class MAPIFolder;
 class Folders;
 class Items;
 class Item;
+class Store;
 using MAPIFolder_Ptr = std::shared_ptr<MAPIFolder>;
 using Folders_Ptr = std::shared_ptr<Folders>;
 using Items_Ptr = std::shared_ptr<Items>;
 using Item_Ptr = std::shared_ptr<Item>;
+using Store_Ptr = std::shared_ptr<Store>;
 
 // OlObjectClass
 namespace item_class {
@@ -41,7 +44,7 @@ inline constexpr std::int32_t mail = 0, appointment = 1, contact = 2, task = 3, 
 }
 
 // OlDefaultFolders
-inline constexpr std::int32_t default_folder_inbox = 6;
+inline constexpr std::int32_t default_folder_deleted_items = 3, default_folder_inbox = 6;
 
 // PR_SENDER_NAME as an 8-bit string.
 inline constexpr std::uint32_t sender_name_tag = 0x0C1A001E;
@@ -78,6 +81,9 @@ class Item {
   virtual MAPIFolder_Ptr Parent() = 0;
   // Moves the item to its store's "Deleted Items", or removes it for good when it lies there already.
   virtual void Delete() = 0;
+  // Moves the item to a folder and returns it as it is there: a store may give it another EntryID, and this
+  // object must not be used any more. It becomes the last of the folder.
+  virtual Item_Ptr Move(MAPIFolder& folder);
   // Opens the item in a window of its own and returns at once.
   virtual void Display() = 0;
 };
@@ -96,6 +102,8 @@ class Folders {
   virtual ~Folders() = default;
   virtual std::int32_t Count() = 0;
   virtual MAPIFolder_Ptr Item(std::int32_t index) = 0;
+  // Adds an empty folder. The type is an item_type number.
+  virtual MAPIFolder_Ptr Add(const std::string& name, std::int32_t default_item_type);
   // Removes a folder with all that is in it.
   virtual void Remove(std::int32_t index) = 0;
 };
@@ -111,6 +119,18 @@ class MAPIFolder {
   virtual std::string Name() = 0;
   virtual Folders_Ptr Folders() = 0;
   virtual Items_Ptr Items() = 0;
+  // The information store that the folder lies in. Throws Automation_Error (not_supported) where stores are
+  // no objects.
+  virtual Store_Ptr Store();
+};
+
+// An information store.
+class Store {
+ public:
+  virtual ~Store() = default;
+  // The store's own default folder, known by its identity. Throws Automation_Error (not_found) when it has
+  // none of this kind.
+  virtual MAPIFolder_Ptr GetDefaultFolder(std::int32_t folder_type) = 0;
 };
 
 class NameSpace {
@@ -144,6 +164,8 @@ class Automation {
   // Starts it.
   virtual std::shared_ptr<Application> CreateObject(const std::string& program) = 0;
   virtual std::shared_ptr<Mapi_Utils> Create_Mapi_Utils(const std::string& program) = 0;
+  // The groups in which changes are kept; none where each change lasts at once.
+  virtual Change_Groups* Groups() { return nullptr; }
 };
 
 }  // namespace tidyfold

@@ -1,0 +1,29 @@
+// A store may keep changes in groups: what a change did lasts once its group has been kept, and has not
+// happened when the group could not be kept.
+#pragma once
+
+#include <string>
+
+namespace tidyfold {
+
+class Group_Watcher {
+ public:
+  virtual ~Group_Watcher() = default;
+  // A group is about to be kept.
+  virtual void Group_Ending() = 0;
+  // Every change to the store since its group before has been kept, or has not happened. Not called for a
+  // group without changes. Must not throw or change a store.
+  virtual void Group_Ended(const std::string& store_id, bool kept) = 0;
+};
+
+class Change_Groups {
+ public:
+  virtual ~Change_Groups() = default;
+  // Ends the group of every store, also where one fails; throws the first failure's Automation_Error. A group
+  // also ends in front of a change when it has grown large, and with a change whose failure undoes it.
+  virtual void Commit_Pending() = 0;
+  // Whom to tell; at most one, nullptr for nobody. The watcher must outlive the watching.
+  virtual void Watch(Group_Watcher* watcher) = 0;
+};
+
+}  // namespace tidyfold
