@@ -22,8 +22,9 @@ struct Switches {
   int fail_in = 0;  // the how-manieth call of it from now on fails; all of them when negative
   std::int32_t fail_number = 0;
   std::function<void()> vanish;
-  int vanish_in = 0;        // the how-manieth call of anything from now on ends the process; 0: none
-  bool ids_unlike = false;  // items of different classes share no ids, and one's id is another's name's
+  int vanish_in = 0;           // the how-manieth call of anything from now on ends the process; 0: none
+  std::string missing_member;  // that an older Outlook does not have
+  bool ids_unlike = false;     // items of different classes share no ids, and one's id is another's name's
 
   void Before(const std::string& member);
 };
