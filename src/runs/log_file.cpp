@@ -15,7 +15,9 @@ constexpr std::int64_t schema_version = 1;
 constexpr int busy_milliseconds = 5000;
 
 // An item's id is its run's number, shifted, plus its own: a run's items lie side by side without an index,
-// and new ones are always the last.
+// and new ones are always the last. A result that is known only after its item was written stands in a table
+// of its own, for all items from `first` to `last`: most of a group is done alike, and nothing that was
+// written has to be read again.
 constexpr const char* schema = R"sql(
 PRAGMA journal_mode = WAL;
 BEGIN;
@@ -61,6 +63,20 @@ CREATE TABLE item (
   result INTEGER NOT NULL,
   reason TEXT NOT NULL
 );
+CREATE TABLE result (
+  first INTEGER PRIMARY KEY,
+  last INTEGER NOT NULL,
+  result INTEGER NOT NULL,
+  new_entry_id TEXT NOT NULL,
+  reason TEXT NOT NULL
+);
+CREATE VIEW item_with_result AS
+  SELECT item.id, store_id, folder.entry_id AS folder_entry_id, path, item_type, item.entry_id, subject, date,
+         class, action, coalesce(result.result, item.result) AS result,
+         coalesce(result.new_entry_id, item.new_entry_id) AS new_entry_id,
+         coalesce(result.reason, item.reason) AS reason
+  FROM item JOIN folder ON folder.id = item.folder LEFT JOIN result ON result.last >= item.id AND result.first =
+    (SELECT max(first) FROM result WHERE first <= item.id);
 PRAGMA application_id = 0x54647972;
 PRAGMA user_version = 1;
 COMMIT;
@@ -94,9 +110,9 @@ Log_File::Log_File(const std::filesystem::path& path) : path_(path) {
   if (error) Fail_Log(path, "could not be made (" + error.message() + "). Make its folder writable.");
   const bool is_new = !std::filesystem::exists(path, error);
   sqlite3* connection = nullptr;
-  const int code =
-      sqlite3_open_v2(Utf8(path).c_str(), &connection,
-                      SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_EXRESCODE, nullptr);
+  const int code = sqlite3_open_v2(
+      Utf8(path).c_str(), &connection,
+      SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
   connection_.reset(connection);
   if (connection == nullptr) throw std::bad_alloc();
   if (code != SQLITE_OK) Fail(code);
@@ -108,6 +124,8 @@ Log_File::Log_File(const std::filesystem::path& path) : path_(path) {
   Make_Or_Check_Schema();
   // A killed process loses nothing; a power cut may lose the last moments, never the file.
   Execute("PRAGMA synchronous = NORMAL");
+  // In pages; moving them from SQLite's own log into the file waits for the disk.
+  Execute("PRAGMA wal_autocheckpoint = 4000");
 }
 
 void Log_File::Make_Or_Check_Schema() {

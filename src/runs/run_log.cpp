@@ -36,8 +36,8 @@ constexpr const char* run_columns =
     "cancelled, taken_back FROM run ";
 
 constexpr const char* item_columns =
-    "SELECT item.id, store_id, folder.entry_id, path, item_type, item.entry_id, new_entry_id, subject, date, "
-    "class, action, result, reason FROM item JOIN folder ON folder.id = item.folder ";
+    "SELECT id, store_id, folder_entry_id, path, item_type, entry_id, new_entry_id, subject, date, class, "
+    "action, result, reason FROM item_with_result ";
 
 Logged_Item Read_Item(const Log_Statement& row) {
   Logged_Item item;
@@ -58,13 +58,17 @@ struct Statements {
   explicit Statements(Log_File& file)
       : add_folder(file, "INSERT INTO folder (run, store_id, entry_id, path, item_type) VALUES (?,?,?,?,?)"),
         add_item(file, "INSERT INTO item VALUES (?,?,?,?,?,?,?,?,?,?)"),
-        set_result(file, "UPDATE item SET result = ?, new_entry_id = ?, reason = ? WHERE id = ?"),
-        clear(file, "DELETE FROM item WHERE id IN (SELECT id FROM item WHERE id < ? ORDER BY id LIMIT ?)") {}
-  Log_Statement add_folder, add_item, set_result, clear;
+        add_result(file, "INSERT OR REPLACE INTO result VALUES (?,?,?,?,?)"),
+        clear(file, "DELETE FROM item WHERE id IN (SELECT id FROM item WHERE id < ? ORDER BY id LIMIT ?)"),
+        clear_results(file,
+                      "DELETE FROM result WHERE first IN "
+                      "(SELECT first FROM result WHERE first < ? ORDER BY first LIMIT ?)") {}
+  Log_Statement add_folder, add_item, add_result, clear, clear_results;
 };
 
+// Of items that follow one another.
 struct Result_Change {
-  std::int64_t item;
+  std::int64_t first, last;
   Item_Result result;
   std::string new_entry_id, reason;
 };
@@ -126,13 +130,18 @@ class Run_Log::File_Access {
 
   // The folder's row, written with the first item that names it. `added` lists what is new.
   std::int64_t Folder_Row(const Logged_Folder& folder, std::vector<Folder_Key>& added) {
+    const auto is = [&](const Folder_Key& key) {
+      return key == std::tie(folder.store_id, folder.entry_id, folder.path);
+    };
+    // Items come folder by folder.
+    if (last_folder != folders.end() && is(last_folder->first)) return last_folder->second;
     Folder_Key key{folder.store_id, folder.entry_id, folder.path};
-    const auto known = folders.find(key);
-    if (known != folders.end()) return known->second;
+    last_folder = folders.find(key);
+    if (last_folder != folders.end()) return last_folder->second;
     Writing().add_folder.Run(run, folder.store_id, folder.entry_id, folder.path, folder.item_type);
     const std::int64_t row = file->Last_Insert();
     added.push_back(key);
-    folders.emplace(std::move(key), row);
+    last_folder = folders.emplace(std::move(key), row).first;
     return row;
   }
 
@@ -143,6 +152,7 @@ class Run_Log::File_Access {
   std::int64_t run = 0;  // 0: none is being written
   std::unique_ptr<Run_Lock> lock;
   std::map<Folder_Key, std::int64_t> folders;
+  std::map<Folder_Key, std::int64_t>::iterator last_folder = folders.end();
   std::int64_t items = 0;              // noted so far
   std::vector<Logged_Item> new_items;  // the last of them, not written yet
   std::vector<Result_Change> results;  // of items that are written
@@ -195,6 +205,7 @@ std::int64_t Run_Log::Begin(const Run_Header& header, Date now) {
   access_->run = run;
   access_->lock = std::move(lock);
   access_->folders.clear();
+  access_->last_folder = access_->folders.end();
   access_->items = 0;
   access_->new_items.clear();
   access_->results.clear();
@@ -213,7 +224,14 @@ void Run_Log::Set_Result(std::int64_t item, Item_Result result, std::string_view
   const auto unwritten = static_cast<std::int64_t>(access_->new_items.size());
   const std::int64_t written = access_->items - unwritten;
   if (item <= written) {
-    access_->results.push_back({item, result, std::string(new_entry_id), std::string(reason)});
+    // Most of what a group of changes held is done alike.
+    std::vector<Result_Change>& results = access_->results;
+    if (!results.empty() && results.back().last + 1 == item && results.back().result == result &&
+        results.back().new_entry_id == new_entry_id && results.back().reason == reason) {
+      results.back().last = item;
+    } else {
+      results.push_back({item, item, result, std::string(new_entry_id), std::string(reason)});
+    }
     return;
   }
   Logged_Item& noted = access_->new_items.at(static_cast<std::size_t>(item - written - 1));
@@ -236,16 +254,19 @@ void Run_Log::Flush() {
                                 static_cast<int>(item.action), static_cast<int>(item.result), item.reason);
       }
       for (const Result_Change& change : log.results) {
-        statements.set_result.Run(static_cast<int>(change.result), change.new_entry_id, change.reason,
-                                  log.Id(change.item));
+        statements.add_result.Run(log.Id(change.first), log.Id(change.last), static_cast<int>(change.result),
+                                  change.new_entry_id, change.reason);
       }
       if (log.oldest_kept != 0) {
         statements.clear.Run(log.oldest_kept << item_bits, items_per_clearing);
         cleared = log.file->Changes() == 0;
+        statements.clear_results.Run(log.oldest_kept << item_bits, items_per_clearing);
+        cleared = cleared && log.file->Changes() == 0;
       }
     });
   } catch (...) {
     for (const Folder_Key& key : added) log.folders.erase(key);
+    log.last_folder = log.folders.end();
     throw;
   }
   if (cleared) log.oldest_kept = 0;
@@ -297,7 +318,7 @@ std::vector<Logged_Run> Run_Log::Read_Runs(const char* which, std::int64_t param
   Log_Statement store(*file, "SELECT store_id, name, place FROM store WHERE run = ? ORDER BY rowid");
   Log_Statement count(*file,
                       "SELECT COUNT(*) FILTER (WHERE result = 1), COUNT(*) FILTER (WHERE result = 0) "
-                      "FROM item WHERE id BETWEEN ? AND ?");
+                      "FROM item_with_result WHERE id BETWEEN ? AND ?");
   for (Logged_Run& run : runs) {
     for (store.Bind(run.run); store.Step();)
       run.header.stores.push_back({store.Text(0), store.Text(1), store.Text(2)});
@@ -315,8 +336,7 @@ std::vector<Logged_Run> Run_Log::Read_Runs(const char* which, std::int64_t param
 void Run_Log::Items(std::int64_t run, const std::function<void(const Logged_Item&)>& visit) {
   Log_File* const file = access_->Open_If_There();
   if (file == nullptr) return;
-  Log_Statement row(*file,
-                    std::string(item_columns) + "WHERE item.id > ? AND item.id < ? ORDER BY item.id LIMIT ?");
+  Log_Statement row(*file, std::string(item_columns) + "WHERE id > ? AND id < ? ORDER BY id LIMIT ?");
   // In portions, so that no statement is open while the visitor does its work.
   std::vector<Logged_Item> portion;
   std::int64_t last = 0;
@@ -333,10 +353,10 @@ void Run_Log::Items(std::int64_t run, const std::function<void(const Logged_Item
 std::optional<Logged_Item> Run_Log::Find_Moved(const std::string& store_id, const std::string& entry_id) {
   Log_File* const file = access_->Open_If_There();
   if (file == nullptr) return std::nullopt;
-  Log_Statement row(
-      *file, std::string(item_columns) +
-                 "WHERE (new_entry_id = ?1 OR (new_entry_id = '' AND item.entry_id = ?1)) "
-                 "AND store_id = ?2 AND action = ?3 AND result IN (0, 1) ORDER BY item.id DESC LIMIT 1");
+  Log_Statement row(*file,
+                    std::string(item_columns) +
+                        "WHERE (new_entry_id = ?1 OR (new_entry_id = '' AND entry_id = ?1)) "
+                        "AND store_id = ?2 AND action = ?3 AND result IN (0, 1) ORDER BY id DESC LIMIT 1");
   row.Bind(entry_id, store_id, static_cast<int>(Item_Action::Moved));
   if (!row.Step()) return std::nullopt;
   return Read_Item(row);

@@ -117,6 +117,7 @@ class Run_Log {
   std::int64_t Begin(const Run_Header& header, Date now);
   // Notes an item of the run begun; nothing is written before Flush. Returns its number for Set_Result.
   std::int64_t Note(const Logged_Item& item);
+  // Once for each item.
   void Set_Result(std::int64_t item, Item_Result result, std::string_view new_entry_id = {},
                   std::string_view reason = {});
   // Writes what has been noted. After a failure it is kept for the next flush.
