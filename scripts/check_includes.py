@@ -18,7 +18,7 @@ FLOORS = {
     "controls": 1, "settings": 1,
     "errors": 2, "layout": 2,
     "outlook": 3,
-    "plan": 4,
+    "plan": 4, "runs": 4,
     "cache": 5,
     "grid": 6,
     "marking": 7,
