@@ -4,10 +4,10 @@
 #include <utility>
 #include <vector>
 
-#include "cache/item_dates.h"
-#include "cache/item_filters.h"
 #include "base/flag_scope.h"
 #include "base/text.h"
+#include "cache/item_dates.h"
+#include "cache/item_filters.h"
 #include "errors/automation_error.h"
 
 namespace tidyfold {
@@ -202,12 +202,12 @@ bool Item_Cache::Cache_Selected_Folder(int folder) {
 // Reads as many items as the folder holds when reading begins. False when loading was broken off; then
 // everything read so far counts, and reading goes on from there.
 //
-// Three things may happen on the way. A handler that runs in a yield, or in the box that reports a failure, may
-// reset or remove the folder (Is_Touched); the person may turn to another folder or stop the loading (`stop`);
-// and another program may add or take away items, so that positions shift. To ask about the last after every item
-// would cost a call each. It is asked after every batch and wherever reading stops: `checked` is the last item
-// known to stand where it was read, and what was read behind it is forgotten and read again when something
-// moved. `reads_left` ends the reading of a folder that never stands still.
+// Three things may happen on the way. A handler that runs in a yield, or in the box that reports a failure,
+// may reset or remove the folder (Is_Touched); the person may turn to another folder or stop the loading
+// (`stop`); and another program may add or take away items, so that positions shift. To ask about the last
+// after every item would cost a call each. It is asked after every batch and wherever reading stops:
+// `checked` is the last item known to stand where it was read, and what was read behind it is forgotten and
+// read again when something moved. `reads_left` ends the reading of a folder that never stands still.
 bool Item_Cache::Read_Items(Items& items, const std::string& name, int folder) {
   Extent extent = Extent_Of(items);
   Keep_What_Has_Its_Place(items, folder, extent.count);

@@ -1,10 +1,10 @@
 // The filter options' handlers.
 #pragma once
 
-#include "plan/item_filter.h"
 #include "cache/window_updates.h"
 #include "controls/main_window.h"
 #include "errors/procedure.h"
+#include "plan/item_filter.h"
 
 namespace tidyfold {
 

@@ -1,5 +1,5 @@
-// How the floors below the grid have the window brought up to date. Everything here must be wired, so these are
-// interfaces that constructors ask for.
+// How the floors below the grid have the window brought up to date. Everything here must be wired, so these
+// are interfaces that constructors ask for.
 #pragma once
 
 namespace tidyfold {

@@ -80,18 +80,22 @@ std::string Choice_Status::Empty_Text(int current) const {
       reasons.Add(record.Cached(item), tree.Checked(folder), filter, shows_selected);
   }
   if (reasons.folders == 0)
-    return all_folders ? "Tick a folder in the tree to choose its items." : "Click a folder in the tree to see its items.";
+    return all_folders ? "Tick a folder in the tree to choose its items."
+                       : "Click a folder in the tree to see its items.";
   const bool one = reasons.folders == 1;
-  const std::string which = one ? all_folders ? "The ticked folder" : "The current folder" : "The ticked folders";
+  const std::string which =
+      one ? all_folders ? "The ticked folder" : "The current folder" : "The ticked folders";
   const std::string not_read = reasons.unread_folders == 0 ? ""
                                : one                       ? which + " is not read yet."
                                : reasons.unread_folders == reasons.folders
                                    ? which + " are not read yet."
                                    : std::to_string(reasons.unread_folders) + " of the ticked folders " +
                                          (reasons.unread_folders == 1 ? "is" : "are") + " not read yet.";
-  if (reasons.read == 0) return not_read.empty() ? which + (one ? " holds" : " hold") + " no items." : not_read;
+  if (reasons.read == 0)
+    return not_read.empty() ? which + (one ? " holds" : " hold") + " no items." : not_read;
   return "No item to show. Of " + std::to_string(reasons.read) + (reasons.read == 1 ? " item" : " items") +
-         (all_folders ? one ? " in the ticked folder:" : " in the ticked folders:" : " in the current folder:") +
+         (all_folders ? one ? " in the ticked folder:" : " in the ticked folders:"
+                      : " in the current folder:") +
          reasons.Text() + (not_read.empty() ? "" : "\r\n" + not_read);
 }
 

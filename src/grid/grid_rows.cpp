@@ -136,8 +136,7 @@ void Grid_Rows::Change_Folder_Rows(int folder) {
   errors_.Run("Change_Folder_Rows", [&] {
     Remove_Nonselected_Folder_Rows();
     const bool all_given = records_[folder].RowCount == records_[folder].CachedCount;
-    const bool all_kinds =
-        window_.chkShowSelectedItems.Checked() && window_.chkShowUnselectedItems.Checked();
+    const bool all_kinds = window_.chkShowSelectedItems.Checked() && window_.chkShowUnselectedItems.Checked();
     if (In_View(folder) && records_[folder].RowCount > 0 && all_given && all_kinds) {
       // Every item has its row already, where it belongs; only the marks change.
       Mark_Or_Unmark_Filtered_Rows();
@@ -153,9 +152,10 @@ void Grid_Rows::Change_Folder_Rows(int folder) {
 void Grid_Rows::Say_What_Was_Let_Go(int picked_before) {
   const int let_go = picked_before - Picked();
   if (let_go <= 0 || !window_.chkSelectByRow.Checked()) return;
-  message_box_.Show(let_go == 1 ? "1 item that was picked is let go, as the list no longer shows it."
-                                : std::to_string(let_go) +
-                                      " items that were picked are let go, as the list no longer shows them.");
+  message_box_.Show(let_go == 1
+                        ? "1 item that was picked is let go, as the list no longer shows it."
+                        : std::to_string(let_go) +
+                              " items that were picked are let go, as the list no longer shows them.");
 }
 
 void Grid_Rows::Set_Grid_Order() {
@@ -171,7 +171,8 @@ void Grid_Rows::Mark_Or_Unmark_Filtered_Rows() {
     // Rows that were picked by hand stay picked, whatever the filters say.
     if (window_.chkSelectByRow.Checked()) return;
     // Rows of all folders stand between each other; each folder is asked once.
-    std::vector<const std::vector<char>*> marks(static_cast<std::size_t>(records_.Upper_Bound()) + 1, nullptr);
+    std::vector<const std::vector<char>*> marks(static_cast<std::size_t>(records_.Upper_Bound()) + 1,
+                                                nullptr);
     for (int folder = 1; folder <= tree_.Upper_Bound(); ++folder)
       if (In_View(folder) && tree_.Checked(folder))
         marks[static_cast<std::size_t>(folder)] = &planner_.Verdicts_Of(folder);

@@ -1,6 +1,7 @@
 // Which rows the grid holds, how they are marked and in which order they stand.
 #pragma once
 
+#include "cache/window_updates.h"
 #include "grid/choice_status.h"
 #include "grid/grid_columns.h"
 

@@ -157,8 +157,7 @@ void Folder_Marking::Unmark_Nodes(int node) {
 bool Folder_Marking::May_Be_Marked_With_Its_Parent(int node) {
   if (!window_.chkPermanentDelete.Checked() && deleted_items_.Is_Deleted_Items_Folder(node)) return false;
   return !window_.chkDeleteFolders.Checked() ||
-         (!Check_Root_Node(node) &&
-          !folder_tree_.Check_Default_Folder(records_[node].Folder));
+         (!Check_Root_Node(node) && !folder_tree_.Check_Default_Folder(records_[node].Folder));
 }
 
 void Folder_Marking::Set_Children_Nodes_Checkboxes(int node, bool checked) {

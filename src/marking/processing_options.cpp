@@ -63,8 +63,7 @@ void Processing_Options::Delete_Folders_Ticked() {
   }
   for (int node = 1; node <= tree_.Upper_Bound(); ++node) {
     if (!tree_.Exists(node) || !tree_.Checked(node)) continue;
-    if (marking_.Check_Root_Node(node) ||
-        folder_tree_.Check_Default_Folder(records_[node].Folder)) {
+    if (marking_.Check_Root_Node(node) || folder_tree_.Check_Default_Folder(records_[node].Folder)) {
       Refuse(window_.chkDeleteFolders, 0,
              "Cannot mark \"Delete Folders\" while default folders are selected.");
       return;
@@ -150,7 +149,8 @@ void Processing_Options::Put_Away_Dangerous_Options() {
     if (!window_.chkPermanentDelete.Checked()) return;
     // Deleted Items may be marked only for a permanent delete.
     for (int node = 1; node <= tree_.Upper_Bound(); ++node) {
-      if (!tree_.Exists(node) || !tree_.Checked(node) || !deleted_items_.Is_Deleted_Items_Folder(node)) continue;
+      if (!tree_.Exists(node) || !tree_.Checked(node) || !deleted_items_.Is_Deleted_Items_Folder(node))
+        continue;
       tree_.Set_Checked(node, false);
       folder_tree_.Set_Node_Text(node);
       rows_.Change_Folder_Rows(node);

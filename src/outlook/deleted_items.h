@@ -18,8 +18,8 @@ class Deleted_Items_Folders {
 
   // Finds each store's Deleted Items folder and notes it in every record of that store.
   void Assigne_Deleted_Items_Folders();
-  // The store's Deleted Items folder, known by its identity or else by its name at the store's top level; 0 if
-  // there is none.
+  // The store's Deleted Items folder, known by its identity or else by its name at the store's top level; 0
+  // if there is none.
   int Get_Deleted_Items_Folder(int store_node);
   void Assign_Deleted_Items_Folder_Index(int node, int index);
   // The store's own one, and every other folder of that name, wherever in the tree it stands.

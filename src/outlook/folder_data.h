@@ -59,8 +59,8 @@ struct FolderData {
   std::int32_t CachedCount = 0;        // leading elements of ItemCache that have been read
   std::int32_t RowCount = 0;           // leading elements of ItemCache that the grid has been given
   bool Loaded = false;
-  bool Reload = false;     // to be reset and read again
-  bool LoadError = false;  // reading it failed and was reported; left alone until the next loading run
+  bool Reload = false;       // to be reset and read again
+  bool LoadError = false;    // reading it failed and was reported; left alone until the next loading run
   std::uint32_t Resets = 0;  // how often the record was reset; who reads the folder notices by it
   Verdicts Judged;
   std::vector<ItemData> ItemCache;  // element 0 is item 1

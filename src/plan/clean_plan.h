@@ -53,12 +53,6 @@ struct Clean_Plan {
   std::int32_t folders_marked = 0;
   // Folders that would be removed themselves.
   std::int32_t folders_to_go = 0;
-
-  const Plan_Stop* Stop(int folder) const {
-    for (const Plan_Stop& stop : stops)
-      if (stop.folder == folder) return &stop;
-    return nullptr;
-  }
 };
 
 }  // namespace tidyfold

@@ -48,8 +48,8 @@ struct Item_Filter {
   std::string In_Words() const;
 };
 
-// The filter that rows, totals and runs go by. It changes when a choice is taken over, not while a text is being
-// typed.
+// The filter that rows, totals and runs go by. It changes when a choice is taken over, not while a text is
+// being typed.
 class Filter_In_Force {
  public:
   const Item_Filter& Filter() const { return filter_; }

@@ -4,8 +4,7 @@
 
 namespace tidyfold {
 
-Program_Phase::Scope::Scope(Program_Phase& owner, Phase phase)
-    : owner_(owner), depth_(owner.nested_.size()) {
+Program_Phase::Scope::Scope(Program_Phase& owner, Phase phase) : owner_(owner), depth_(owner.nested_.size()) {
   owner_.nested_.push_back({phase, phase});
   owner_.Tell();
 }

@@ -85,8 +85,8 @@ Plan_Stop Planner::Make_Stop(const Clean_Plan& plan, int folder, bool all_below_
   const FolderData& record = records_[folder];
   Plan_Stop stop;
   stop.folder = folder;
-  stop.destination = options.permanent || options.Takes_Everything() ? Destination::For_Good
-                                                                     : Destination::Deleted_Items;
+  stop.destination =
+      options.permanent || options.Takes_Everything() ? Destination::For_Good : Destination::Deleted_Items;
   if (options.turbo) {
     stop.way = Way::Turbo;
     Count_All(stop, detail);
@@ -107,10 +107,11 @@ Plan_Stop Planner::Make_Stop(const Clean_Plan& plan, int folder, bool all_below_
 void Planner::Count_All(Plan_Stop& stop, Detail detail) {
   const FolderData& record = records_[stop.folder];
   if (detail == Detail::Numbers) {
-    // Numbers that are only shown cost neither a call nor a look at every item: these options have opened every
-    // filter.
+    // Numbers that are only shown cost neither a call nor a look at every item: these options have opened
+    // every filter.
     stop.tally = Judge(stop.folder).tally;
-    stop.tally.items = record.Loaded ? record.CachedCount : std::max(record.CachedCount, record.Cache_Bound());
+    stop.tally.items =
+        record.Loaded ? record.CachedCount : std::max(record.CachedCount, record.Cache_Bound());
     stop.exact = record.Loaded;
     return;
   }

@@ -1,5 +1,5 @@
-// Makes the plan from marks, picked rows, records and options. Keeps each folder's part of it until the folder
-// or the filter changes, so that a tick costs the folders that it ticks, not all items.
+// Makes the plan from marks, picked rows, records and options. Keeps each folder's part of it until the
+// folder or the filter changes, so that a tick costs the folders that it ticks, not all items.
 #pragma once
 
 #include <cstdint>

@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "plan/item_filter.h"
 #include "controls/main_window.h"
+#include "plan/item_filter.h"
 
 namespace tidyfold {
 
