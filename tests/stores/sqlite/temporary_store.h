@@ -4,48 +4,17 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
-#include <filesystem>
-#include <fstream>
 #include <functional>
 #include <map>
 #include <memory>
-#include <random>
-#include <sstream>
 #include <stdexcept>
 #include <string>
 
+#include "doubles/temporary_directory.h"
 #include "errors/automation_error.h"
 #include "stores/sqlite/embedded_store.h"
 
 namespace tidyfold {
-
-class Temporary_Directory {
- public:
-  Temporary_Directory() {
-    std::random_device random;
-    const auto name = "tidyfold-test-" + std::to_string(random()) + std::to_string(random());
-    path_ = std::filesystem::temp_directory_path() / name;
-    if (!std::filesystem::create_directory(path_)) throw std::runtime_error("no directory: " + name);
-  }
-  Temporary_Directory(const Temporary_Directory&) = delete;
-  Temporary_Directory& operator=(const Temporary_Directory&) = delete;
-  ~Temporary_Directory() { std::filesystem::remove_all(path_); }
-  std::filesystem::path operator/(const char* name) const { return path_ / name; }
-  const std::filesystem::path& Path() const { return path_; }
-
- private:
-  std::filesystem::path path_;
-};
-
-inline std::string Bytes_Of(const std::filesystem::path& file) {
-  std::ostringstream bytes;
-  bytes << std::ifstream(file, std::ios::binary).rdbuf();
-  return bytes.str();
-}
-
-inline void Write_Bytes(const std::filesystem::path& file, const std::string& bytes) {
-  std::ofstream(file, std::ios::binary) << bytes;
-}
 
 // Every file of a directory, name and bytes.
 inline std::map<std::string, std::string> All_Files(const std::filesystem::path& directory) {
