@@ -9,6 +9,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "doubles/temporary_directory.h"
 #include "errors/automation_error.h"
@@ -68,7 +69,7 @@ inline void Add_Numbered(Embedded_Store& store, const std::string& folder, int c
   store.Writer().Commit();
 }
 
-// Every subject, parted by blanks.
+// Every subject, with blanks between.
 inline std::string Subjects_Of(Embedded_Store& store, const std::string& folder) {
   std::string all;
   const auto items = Folder_Named(store, folder)->Items();
@@ -76,9 +77,34 @@ inline std::string Subjects_Of(Embedded_Store& store, const std::string& folder)
   return all;
 }
 
-// A store with three items in its Inbox, closed.
-inline void Make_Small_Store(const std::filesystem::path& path) {
-  Add_Numbered(*Embedded_Store::Create(path, "Small"), "Inbox", 3);
+// Subjects as Add_Numbered gives them.
+inline std::string Numbers(int first, int last, int step = 1) {
+  std::string all = std::to_string(first);
+  for (int number = first + step; number != last + step; number += step) all += " " + std::to_string(number);
+  return all;
 }
+
+// A store with some items in its Inbox, closed.
+inline void Make_Small_Store(const std::filesystem::path& path, int items = 3) {
+  Add_Numbered(*Embedded_Store::Create(path, "Small"), "Inbox", items);
+}
+
+// One store file in a directory of its own.
+class Store_File : public testing::Test {
+ protected:
+  std::shared_ptr<Embedded_Store> Open(Store_Mode mode = Store_Mode::Read_Write) const {
+    return Embedded_Store::Open(file_, mode);
+  }
+  // The file is sound, and these are the subjects in it.
+  void Expect_Kept(const std::string& inbox, const std::string& deleted = {}) const {
+    const auto store = Open();
+    EXPECT_EQ(Subjects_Of(*store, "Inbox"), inbox);
+    EXPECT_EQ(Subjects_Of(*store, "Deleted Items"), deleted);
+    EXPECT_EQ(store->Check(), std::vector<std::string>());
+  }
+
+  Temporary_Directory directory_;
+  const std::filesystem::path file_ = directory_ / "a.tfs";
+};
 
 }  // namespace tidyfold
