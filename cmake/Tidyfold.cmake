@@ -35,6 +35,8 @@ function(tidyfold_test name)
   cmake_parse_arguments(ARG "ALONE" "" "SOURCES;DEPENDS" ${ARGN})
   add_executable(test_${name} ${ARG_SOURCES})
   target_include_directories(test_${name} PRIVATE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/tests)
+  # Files of other programs, which are not part of this project.
+  target_compile_definitions(test_${name} PRIVATE TIDYFOLD_SHARED_DATA="${PROJECT_SOURCE_DIR}/../shared/data")
   target_link_libraries(test_${name} PRIVATE ${ARG_DEPENDS} GTest::gtest GTest::gmock GTest::gtest_main
                                              tidyfold_warnings)
   if(CMAKE_CROSSCOMPILING)

@@ -3,6 +3,7 @@
 #
 #   scripts/install_packages.sh run          what ./run needs: build the programs and show the window
 #   scripts/install_packages.sh test         the same and what the tests need
+#   scripts/install_packages.sh check        what scripts/check_sources.sh needs
 #   scripts/install_packages.sh windows      what ./test windows needs: build and test the Windows program here
 #   scripts/install_packages.sh --list run   only print the names
 #
@@ -37,10 +38,13 @@ to_test=(
   libgmock-dev
   libbenchmark-dev
   python3              # the check of the includes
-  p7zip-full           # a second reader of the help book
   xvfb                 # a screen for the window's tests
   openbox              # a window manager on it
   xdotool              # clicks and keys
+)
+to_check=(
+  clang-format         # the form of the sources
+  clang-tidy           # faults that compilers do not see
 )
 # The development packages of this machine say which versions the libraries for Windows are built in.
 for_windows=(
@@ -72,7 +76,7 @@ for_windows=(
   fonts-dejavu-core
 )
 
-usage() { sed -n '2,9s/^# \{0,1\}//p' "$0"; }
+usage() { sed -n '2,10s/^# \{0,1\}//p' "$0"; }
 
 only_list=no
 if [[ ${1:-} == --list ]]; then
@@ -82,6 +86,7 @@ fi
 case ${1:-} in
   run) needed=("${to_build[@]}" "${to_show[@]}") ;;
   test) needed=("${to_build[@]}" "${to_show[@]}" "${to_test[@]}") ;;
+  check) needed=("${to_check[@]}") ;;
   windows) needed=("${for_windows[@]}") ;;
   -h | --help) usage && exit 0 ;;
   *) usage >&2 && exit 2 ;;

@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
@@ -39,7 +40,7 @@ class Files {
   ~Files() { fs::remove_all(directory_); }
   fs::path Store() const { return directory_ / "store.tfs"; }
   fs::path Copy() const {
-    const fs::path copy = directory_ / "copy.tfs";
+    fs::path copy = directory_ / "copy.tfs";
     fs::copy_file(Store(), copy, fs::copy_options::overwrite_existing);
     return copy;
   }
@@ -236,7 +237,7 @@ void Move_Store_By_Id(benchmark::State& state, const Files& files) {
 }  // namespace
 }  // namespace tidyfold
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv) try {
   using namespace tidyfold;
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
@@ -254,4 +255,7 @@ int main(int argc, char** argv) {
   benchmark::RunSpecifiedBenchmarks();
   benchmark::Shutdown();
   return 0;
+} catch (const std::exception& error) {
+  std::fprintf(stderr, "store_bench: %s\n", error.what());
+  return 1;
 }

@@ -6,9 +6,9 @@
 #include <limits>
 #include <utility>
 
-#include "cli/failure.h"
 #include "base/dates.h"
 #include "base/file_path.h"
+#include "cli/failure.h"
 #include "outlook/object_model.h"
 #include "stores/sqlite/sample_store.h"
 

@@ -22,7 +22,7 @@ std::string Date_Text(const ItemData& item) {
 
 // RFC 4180, but lines end as everywhere here.
 std::string Csv_Field(const std::string& text) {
-  const std::string valid = Valid_Utf8(text);
+  std::string valid = Valid_Utf8(text);
   if (valid.find_first_of(",\"\r\n") == std::string::npos) return valid;
   std::string quoted = "\"";
   for (const char character : valid) {

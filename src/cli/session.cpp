@@ -78,6 +78,7 @@ void Session::Commit() {
 
 std::vector<Store_Folder> Session::Find(const std::vector<std::string>& paths) const {
   std::vector<Store_Folder> found;
+  found.reserve(paths.size());
   for (const std::string& path : paths) found.push_back(Find_Folder(folders_, path));
   return found;
 }

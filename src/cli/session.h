@@ -6,13 +6,13 @@
 #include <vector>
 
 #include "app/app.h"
+#include "base/system_clock.h"
 #include "cli/arguments.h"
 #include "cli/cli_events.h"
 #include "cli/store_folders.h"
 #include "cli/terminal.h"
 #include "cli/terminal_message_box.h"
 #include "controls/main_window.h"
-#include "base/system_clock.h"
 #include "outlook/folder_data.h"
 #include "stores/sqlite/embedded_outlook.h"
 

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/text.h"
 #include "cli/failure.h"
 #include "cli/folder_path.h"
-#include "base/text.h"
 
 namespace tidyfold::cli {
 

@@ -12,8 +12,8 @@
 #include <array>
 #endif
 
-#include "cli/failure.h"
 #include "base/text.h"
+#include "cli/failure.h"
 
 namespace tidyfold::cli {
 

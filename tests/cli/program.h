@@ -6,13 +6,13 @@
 #include <sys/wait.h>
 
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
 #include <vector>
+
+#include "doubles/temporary_directory.h"
 
 namespace tidyfold::cli {
 
@@ -25,21 +25,9 @@ struct Outcome {
   Json Document() const { return Json::parse(out); }
 };
 
-inline std::string Bytes_Of(const std::filesystem::path& file) {
-  std::ifstream stream(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), {}};
-}
-
 // Each test has a folder of its own.
 class Program_Test : public testing::Test {
  protected:
-  Program_Test() {
-    std::string form = (std::filesystem::temp_directory_path() / "tidyfold-cli-XXXXXX").string();
-    folder_ = mkdtemp(form.data());
-    store_ = Path("store.tidyfold");
-  }
-  ~Program_Test() override { std::filesystem::remove_all(folder_); }
-
   std::string Path(const std::string& name) const { return (folder_ / name).string(); }
 
   Outcome Run(const Words& words) const {
@@ -48,7 +36,8 @@ class Program_Test : public testing::Test {
       EXPECT_EQ(word.find('\''), std::string::npos) << "The shell would not take " << word;
       line += " '" + word + "'";
     }
-    const int status = std::system((line + " </dev/null >" + Path("out") + " 2>" + Path("err")).c_str());
+    const int status =
+        std::system((line + " </dev/null >'" + Path("out") + "' 2>'" + Path("err") + "'").c_str());
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, Bytes_Of(Path("out")), Bytes_Of(Path("err"))};
   }
   // On the test's store.
@@ -73,8 +62,8 @@ class Program_Test : public testing::Test {
     return On_Store({"items", "--folder", "/", "--sub-folders", "--unread", "--json"}).Document();
   }
 
-  std::filesystem::path folder_;
-  std::string store_;
+  Temporary_Directory folder_;
+  std::string store_ = Path("store.tidyfold");
 };
 
 inline Words operator+(Words left, const Words& right) {

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <set>
 
+#include "doubles/requirements.h"
 #include "program.h"
 #include "stores/sqlite/embedded_store.h"
 
@@ -158,7 +159,7 @@ TEST_F(Import, goes_on_after_a_source_that_fails_on_the_way) {
 }
 
 TEST_F(Import, takes_what_other_programs_wrote) {
-  if (!fs::exists(TIDYFOLD_SHARED_DATA)) GTEST_SKIP() << "The files of other programs are not here.";
+  REQUIRE_OR_SKIP(fs::exists(TIDYFOLD_SHARED_DATA), TIDYFOLD_SHARED_DATA " is missing");
   long imported = 0;
   for (const auto& entry : fs::directory_iterator(TIDYFOLD_SHARED_DATA)) {
     const fs::path kind = entry.path().extension();

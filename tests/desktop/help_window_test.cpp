@@ -144,7 +144,7 @@ TEST_F(Help_Window, About_Says_What_The_Program_Is_Until_Escape) {
   window_->Xdotool({"key", "a"});
   const State shown = Wait_For_Window("frmAbout", "About Tidyfold")["widgets"];
   EXPECT_EQ(shown["lblHeading"]["label"], "Tidyfold");
-  EXPECT_EQ(shown["txtVersionNumber"]["text"], "2.0.0");
+  EXPECT_EQ(shown["txtVersionNumber"]["text"], TIDYFOLD_VERSION);
   EXPECT_TRUE(shown["txtLicences"]["text"].get<std::string>().starts_with("Libraries that Tidyfold uses"));
   Close_By_Escape("frmAbout");
   Close();

@@ -187,7 +187,7 @@ std::uint64_t Grid_Binder::Picture_Of_Rows_In_View() const {
     const GridRow& at = model_.Row_At(Grid_Table::Model_Row(row));
     add(static_cast<std::uint32_t>(at.row_data));
     add(static_cast<std::uint32_t>(at.item));
-    add(at.back_colour * 4ull + at.bold * 2u + at.marked);
+    add(at.back_colour * 4ull + (at.bold ? 2ull : 0ull) + at.marked);
   }
   return picture;
 }

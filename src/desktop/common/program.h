@@ -9,8 +9,8 @@
 #include <memory>
 #include <vector>
 
-#include "controls/main_window.h"
 #include "base/system_clock.h"
+#include "controls/main_window.h"
 #include "desktop/common/desktop_events.h"
 #include "desktop/common/desktop_message_box.h"
 #include "desktop/common/repaint_schedule.h"

@@ -3,8 +3,8 @@
 #include <optional>
 #include <utility>
 
-#include "controls/interaction.h"
 #include "base/text.h"
+#include "controls/interaction.h"
 #include "errors/automation_error.h"
 
 namespace tidyfold::com {

@@ -128,7 +128,8 @@ class Embedded_Folders : public Folders, Folder_View {
 
 class Embedded_Folder : public MAPIFolder, Folder_View {
  public:
-  Embedded_Folder(std::shared_ptr<sqlite::Store> store, std::int64_t id) : Folder_View(std::move(store), id) {}
+  Embedded_Folder(std::shared_ptr<sqlite::Store> store, std::int64_t id)
+      : Folder_View(std::move(store), id) {}
   MAPIFolder_Ptr Parent() override {
     const Folder_Record* parent = Record().parent;
     return parent == nullptr ? nullptr : Make_Folder(store_, parent->id);

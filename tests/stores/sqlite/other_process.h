@@ -6,6 +6,8 @@
 #include <unistd.h>
 
 #include <functional>
+#include <memory>
+#include <utility>
 
 namespace tidyfold {
 
@@ -51,6 +53,12 @@ class Other_Process {
 
 inline int In_Killed_Process(const std::function<int()>& work) {
   return Other_Process(work).Result();
+}
+
+// What must be open when the process is killed.
+template <class Object>
+Object& Left_Open(std::shared_ptr<Object> object) {
+  return **new std::shared_ptr<Object>(std::move(object));
 }
 
 }  // namespace tidyfold
