@@ -35,7 +35,7 @@ Answer To_Answer(int pressed, Buttons buttons) {
 
 Answer Desktop_Message_Box::Show(const std::string& text, Buttons buttons, Icon icon,
                                  const std::string& title) {
-  if (opening) opening(text, buttons);
+  if (opening) opening(text);
   ++open_boxes_;
   wxWindow* const front = wxGetActiveWindow();
   wxWindow* parent = front != nullptr ? wxGetTopLevelParent(front) : wxTheApp->GetTopWindow();

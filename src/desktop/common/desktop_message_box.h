@@ -12,7 +12,7 @@ namespace tidyfold {
 class Desktop_Message_Box : public Message_Box {
  public:
   // Run around each box: before it opens (bring what lies behind it up to date), and after it has closed.
-  std::function<void(const std::string& text, Buttons buttons)> opening;
+  std::function<void(const std::string& text)> opening;
   std::function<void()> closed;
 
   Answer Show(const std::string& text, Buttons buttons, Icon icon, const std::string& title) override;

@@ -16,18 +16,19 @@
 #include "desktop/common/outlook_source.h"
 #include "desktop/common/text_conversion.h"
 #include "desktop/common/welcome_dialog.h"
-#include "desktop/common/window_state_file.h"
 #include "import/import.h"
 
 namespace tidyfold {
 
-Program::Program(std::vector<std::filesystem::path> stores) : first_stores_(std::move(stores)) {}
+Program::Program(std::vector<std::filesystem::path> stores, Program_Observer* observer)
+    : first_stores_(std::move(stores)), observer_(observer) {}
 
 Program::~Program() = default;
 
 namespace {
 
-// A check of the toolkit's own that failed is for those who write the program: it stops nobody at work.
+// A failed assertion of wxWidgets concerns the developers; it must not interrupt whoever works with the
+// program.
 void Note_Failed_Check(const wxString& file, int line, const wxString& function, const wxString& condition,
                        const wxString& message) {
   std::cerr << From_Wx(file) << ':' << line << ": " << From_Wx(function) << ": \"" << From_Wx(condition)
@@ -41,10 +42,10 @@ bool Program::OnInit() {
   SetAppName("tidyfold");
   SetAppDisplayName(application_title);
   wxUILocale::UseDefault();
-  // The window goes before the last handler has returned; the loop ends when End_When_Unwound says so.
+  // The window may close before the last handler has returned; End_When_Unwound ends the event loop.
   SetExitOnFrameDelete(false);
   ending_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) {
-    // Dispatched by the main loop itself, not by a yield, a box or a dialog further in.
+    // True when the main loop itself dispatches this timer, not a yield, a box or a dialog inside it.
     const bool unwound = !loading_ && message_box_.Open_Boxes() == 0 && !GetMainLoop()->IsYielding() &&
                          wxEventLoopBase::GetActive() == GetMainLoop();
     unwound ? ExitMainLoop() : End_When_Unwound();
@@ -89,21 +90,21 @@ void Program::Build() {
   });
   SetTopWindow(frame_);
   message_window_ = new Message_Window(window_);
-  state_file_ = Window_State_File::If_Asked_For(*frame_, window_);
+  if (observer_ != nullptr) observer_->Window_Built(*frame_, window_);
 
   outlook_.Set_Display([this](const Displayed_Item& item) {
     auto* const window = new Item_Window(frame_, item);
     window->Show();
-    // After the click that asked for it, which gives the keyboard to what was clicked.
+    // Later, for the click that asked for it still gives the focus to what was clicked.
     window->CallAfter([window] { window->Raise(); });
   });
   events_.before_yield = [this] { outlook_.Commit_Pending(); };
-  message_box_.opening = [this](const std::string& text, Buttons) {
+  message_box_.opening = [this](const std::string& text) {
     schedule_->Flush();
-    if (state_file_) state_file_->Box_Opened(text);
+    if (observer_ != nullptr) observer_->Box_Opened(text);
   };
   message_box_.closed = [this] {
-    if (state_file_) state_file_->Box_Closed();
+    if (observer_ != nullptr) observer_->Box_Closed();
   };
   Bind(wxEVT_IDLE, [this](wxIdleEvent& event) {
     event.Skip();
@@ -118,7 +119,7 @@ void Program::Change_Stores(const std::function<bool()>& change) {
   if (change()) Raise(window_.mnuRefresh.Click);
 }
 
-// What a handler changed in the store lasts when the handler has returned.
+// Makes what a handler changed in the store last, once the handler has returned.
 void Program::Commit() {
   if (GetMainLoop() == nullptr || GetMainLoop()->IsYielding()) return;
   try {
@@ -128,8 +129,8 @@ void Program::Commit() {
   }
 }
 
-// The window may be unloaded by a handler that runs inside a yield of a longer one, or while a box is open;
-// the loop ends when none of them is left.
+// The window may be unloaded by a handler that runs inside a yield of a longer one, or while a box is open.
+// The event loop ends when none of them is left.
 void Program::End_When_Unwound() {
   constexpr int next_look = 20;  // milliseconds
   ending_.StartOnce(next_look);
@@ -137,10 +138,10 @@ void Program::End_When_Unwound() {
 
 int Program::OnExit() {
   app_.reset();
-  // The toolkit takes the system's automation away with itself.
+  // Before wxWidgets shuts down OLE.
   system_outlook_.reset();
   help_.reset();
-  state_file_.reset();
+  if (observer_ != nullptr && frame_ != nullptr) observer_->Window_Ends();
   if (message_window_ != nullptr) message_window_->Destroy();
   if (frame_ != nullptr) frame_->Destroy();
   DeletePendingObjects();
@@ -149,7 +150,7 @@ int Program::OnExit() {
 }
 
 bool Program::OnExceptionInMainLoop() {
-  // The procedures report their own failures; what arrives here is one of a widget's handler.
+  // Procedures report their own failures; this one comes from a widget's event handler.
   try {
     throw;
   } catch (const std::exception& error) {
