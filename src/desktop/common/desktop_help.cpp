@@ -20,9 +20,8 @@ Program_Info This_Program() {
 
 }  // namespace
 
-Desktop_Help::Desktop_Help(wxFrame& frame, MainWindow& window, Message_Box& message_box)
-    : registry_(Make_System_Registry([&message_box](const std::string& text) { message_box.Show(text); })),
-      environment_{*this, *registry_, This_Program(), {}, {}},
+Desktop_Help::Desktop_Help(wxFrame& frame, MainWindow& window, Message_Box& message_box, Registry& registry)
+    : environment_{*this, registry, This_Program(), {}, {}},
       pointer_(frame, window),
       browser_(environment_.browser_window, message_box),
       about_(new About_Window(&frame, window.frmAbout, environment_.about_controls)),

@@ -22,7 +22,7 @@ namespace tidyfold {
 // The help windows of one main window. The frame must outlive them.
 class Desktop_Help : public Help_Platform {
  public:
-  Desktop_Help(wxFrame& frame, MainWindow& window, Message_Box& message_box);
+  Desktop_Help(wxFrame& frame, MainWindow& window, Message_Box& message_box, Registry& registry);
   ~Desktop_Help() override;
 
   Help_Environment& Environment() { return environment_; }
@@ -37,7 +37,6 @@ class Desktop_Help : public Help_Platform {
   const Control* WhatsThisMode() override { return pointer_.Choose(); }
 
  private:
-  std::unique_ptr<Registry> registry_;
   Help_Environment environment_;
   Whats_This_Pointer pointer_;
   Help_Browser_Binder browser_;

@@ -10,13 +10,13 @@
 #include "app/app.h"
 #include "desktop/common/desktop_help.h"
 #include "desktop/common/item_window.h"
-#include "desktop/common/last_stores.h"
 #include "desktop/common/main_frame.h"
 #include "desktop/common/message_window.h"
 #include "desktop/common/outlook_source.h"
 #include "desktop/common/text_conversion.h"
 #include "desktop/common/welcome_dialog.h"
 #include "import/import.h"
+#include "settings/last_stores.h"
 
 namespace tidyfold {
 
@@ -55,6 +55,10 @@ bool Program::OnInit() {
 }
 
 void Program::Start() {
+  registry_ = Make_System_Registry([this](const std::string& text) {
+    message_box_.Show(text, Buttons::OK_Only, Icon::None, application_title);
+  });
+  files_ = std::make_unique<Store_Files>(outlook_, *registry_);
   if (!Open_First_Stores()) return ExitMainLoop();
   Build();
   loading_ = true;
@@ -67,22 +71,22 @@ bool Program::Open_First_Stores() {
   if (first_stores_.empty()) {
     system_outlook_ = Make_Outlook_Source();
     if (system_outlook_) return true;
-    first_stores_ = Last_Stores();
+    first_stores_ = Last_Stores(*registry_);
   }
-  if (!first_stores_.empty() && files_.Open(nullptr, first_stores_)) return true;
-  return Welcome_Dialog(files_).ShowModal() == wxID_OK;
+  if (!first_stores_.empty() && files_->Open(nullptr, first_stores_)) return true;
+  return Welcome_Dialog(*files_).ShowModal() == wxID_OK;
 }
 
 void Program::Build() {
   schedule_ = std::make_unique<Repaint_Schedule>();
   File_Commands commands;
   if (!system_outlook_) {
-    commands.Open_Store = [this] { Change_Stores([this] { return files_.Ask_And_Open(frame_); }); };
-    commands.New_Sample = [this] { Change_Stores([this] { return files_.Make_Sample_Store(frame_); }); };
+    commands.Open_Store = [this] { Change_Stores([this] { return files_->Ask_And_Open(frame_); }); };
+    commands.New_Sample = [this] { Change_Stores([this] { return files_->Make_Sample_Store(frame_); }); };
   }
   if (!system_outlook_ && Can_Import()) {
-    commands.Import_Files = [this] { Change_Stores([this] { return files_.Import_Files(frame_); }); };
-    commands.Import_Maildir = [this] { Change_Stores([this] { return files_.Import_Maildir(frame_); }); };
+    commands.Import_Files = [this] { Change_Stores([this] { return files_->Import_Files(frame_); }); };
+    commands.Import_Maildir = [this] { Change_Stores([this] { return files_->Import_Maildir(frame_); }); };
   }
   frame_ = new Main_Frame(window_, *schedule_, std::move(commands), [this] {
     help_->Close_Book();
@@ -110,7 +114,7 @@ void Program::Build() {
     event.Skip();
     Commit();
   });
-  help_ = std::make_unique<Desktop_Help>(*frame_, window_, message_box_);
+  help_ = std::make_unique<Desktop_Help>(*frame_, window_, message_box_, *registry_);
   Automation& outlook = system_outlook_ ? *system_outlook_ : outlook_;
   app_ = std::make_unique<App>(window_, outlook, message_box_, events_, clock_, &help_->Environment());
 }

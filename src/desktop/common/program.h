@@ -48,13 +48,14 @@ class Program : public wxApp {
   // What the window works on: Outlook, when it is there and no store file was named, or store files.
   std::unique_ptr<Automation> system_outlook_;
   Embedded_Outlook outlook_;
-  Store_Files files_{outlook_};
   System_Clock clock_;
   Desktop_Events events_;
   Desktop_Message_Box message_box_;
   MainWindow window_;
 
-  // Made when a store is open; taken down, in this order reversed, after the event loop has ended.
+  std::unique_ptr<Registry> registry_;
+  std::unique_ptr<Store_Files> files_;
+  // Made when a store is open; taken down in reverse order after the event loop has ended.
   std::unique_ptr<Repaint_Schedule> schedule_;
   Main_Frame* frame_ = nullptr;
   Message_Window* message_window_ = nullptr;
