@@ -60,7 +60,10 @@ std::string Keyboard_Owner(const wxFrame& frame) {
   GList* const windows = gtk_window_list_toplevels();
   for (const GList* at = windows; at != nullptr; at = at->next) {
     if (!gtk_window_is_active(GTK_WINDOW(at->data))) continue;
-    owner = GTK_IS_MESSAGE_DIALOG(at->data) ? "box" : at->data == frame.GetHandle() ? "window" : "other";
+    const wxWindow* const sheet = wxWindow::FindWindowByName("shtReview");
+    const bool is_box =
+        GTK_IS_MESSAGE_DIALOG(at->data) || (sheet != nullptr && at->data == sheet->GetHandle());
+    owner = is_box ? "box" : at->data == frame.GetHandle() ? "window" : "other";
   }
   g_list_free(windows);
 #elif defined(__WXMSW__)
