@@ -18,7 +18,7 @@ FLOORS = {
     "controls": 1, "settings": 1,
     "errors": 2, "layout": 2,
     "outlook": 3,
-    "cache": 4,
+    "cache": 4, "runs": 4,
     "grid": 5,
     "marking": 6,
     "clean": 7,
