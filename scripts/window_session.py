@@ -1,4 +1,4 @@
-"""Runs the built window on a screen of its own and drives it as a person would, for pictures and measurements."""
+"""Runs build/bin/tidyfold-driven on a screen of its own, as a person would, for pictures and measurements."""
 
 import json
 import os

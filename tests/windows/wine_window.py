@@ -1,4 +1,4 @@
-"""tidyfold.exe under Wine on a screen of its own, with a mouse and a keyboard."""
+"""tidyfold-driven.exe under Wine on a screen of its own, with a mouse and a keyboard."""
 
 import json
 import os

@@ -1,4 +1,4 @@
-#include "desktop/common/window_state_file.h"
+#include "desktop/window_state_file.h"
 
 #include <wx/checkbox.h>
 #include <wx/dataview.h>
@@ -60,7 +60,10 @@ std::string Keyboard_Owner(const wxFrame& frame) {
   GList* const windows = gtk_window_list_toplevels();
   for (const GList* at = windows; at != nullptr; at = at->next) {
     if (!gtk_window_is_active(GTK_WINDOW(at->data))) continue;
-    owner = GTK_IS_MESSAGE_DIALOG(at->data) ? "box" : at->data == frame.GetHandle() ? "window" : "other";
+    const wxWindow* const sheet = wxWindow::FindWindowByName("shtReview");
+    const bool is_box =
+        GTK_IS_MESSAGE_DIALOG(at->data) || (sheet != nullptr && at->data == sheet->GetHandle());
+    owner = is_box ? "box" : at->data == frame.GetHandle() ? "window" : "other";
   }
   g_list_free(windows);
 #elif defined(__WXMSW__)
@@ -78,7 +81,7 @@ std::string Keyboard_Owner(const wxFrame& frame) {
 // The named widget that has the keyboard; of a compound one, as a whole.
 std::string Focus(const wxFrame& frame) {
   const wxWindow* widget = wxWindow::FindFocus();
-  // Some have a part that takes the keyboard for them.
+  // Some have a child that takes the keyboard for them.
   const wxWindow* const whole = widget != nullptr ? widget->GetParent() : nullptr;
   if (dynamic_cast<const wxGrid*>(whole) != nullptr || dynamic_cast<const wxDataViewCtrl*>(whole) != nullptr)
     widget = whole;
@@ -131,20 +134,13 @@ json Describe_Grid(const FlexGrid& grid, const wxGrid& widget) {
 
 }  // namespace
 
-std::unique_ptr<Window_State_File> Window_State_File::If_Asked_For(wxFrame& frame, MainWindow& window) {
-  wxString path;
-  if (!wxGetEnv("TIDYFOLD_WINDOW_STATE", &path) || path.empty()) return nullptr;
-  return std::make_unique<Window_State_File>(frame, window, From_Wx(path));
-}
-
-Window_State_File::Window_State_File(wxFrame& frame, MainWindow& window, std::string path)
-    : frame_(frame), window_(window), path_(std::move(path)) {
-  timer_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { Write(); });
-  timer_.Start(pace);
-}
-
-void Window_State_File::Box_Opened(const std::string& text) {
-  boxes_.push_back(text);
+void Window_State_File::Window_Built(wxFrame& frame, const MainWindow& window) {
+  frame_ = &frame;
+  window_ = &window;
+  if (wxString path; wxGetEnv("TIDYFOLD_WINDOW_STATE", &path)) path_ = From_Wx(path);
+  timer_ = std::make_unique<wxTimer>();
+  timer_->Bind(wxEVT_TIMER, [this](wxTimerEvent&) { Write(); });
+  timer_->Start(pace);
 }
 
 void Window_State_File::Box_Closed() {
@@ -154,34 +150,34 @@ void Window_State_File::Box_Closed() {
 
 std::string Window_State_File::Describe() const {
   json state;
-  state["shown"] = frame_.IsShown();
-  state["title"] = From_Wx(frame_.GetTitle());
+  state["shown"] = frame_->IsShown();
+  state["title"] = From_Wx(frame_->GetTitle());
   state["boxes"] = boxes_;
   state["boxes_closed"] = boxes_closed_;
-  state["keyboard"] = Keyboard_Owner(frame_);
-  state["focus"] = Focus(frame_);
+  state["keyboard"] = Keyboard_Owner(*frame_);
+  state["focus"] = Focus(*frame_);
   // A menu that has been closed leaves a text of one zero.
-  if (const wxStatusBar* const bar = frame_.GetStatusBar())
+  if (const wxStatusBar* const bar = frame_->GetStatusBar())
     state["said"] = From_Wx(bar->GetStatusText(0).BeforeFirst('\0'));
-  state["beside"] = Describe_Windows(frame_);
+  state["beside"] = Describe_Windows(*frame_);
   // The pointer that asks What's This is the only one that the program changes.
   state["pointer_asks"] = wxIsBusy();
   json widgets = json::object();
-  Describe_Widgets(frame_, widgets);
+  Describe_Widgets(*frame_, widgets);
   state["widgets"] = std::move(widgets);
   json panels = json::array();
   for (int panel = 1; panel <= StatusBar::panel_count; ++panel)
-    panels.push_back(window_.sbStatusBar.Panel_Text(panel));
+    panels.push_back(window_->sbStatusBar.Panel_Text(panel));
   state["panels"] = std::move(panels);
-  state["done"] = window_.sbStatusBar.Gauge_Done();
-  state["to_do"] = window_.sbStatusBar.Gauge_Total();
+  state["done"] = window_->sbStatusBar.Gauge_Done();
+  state["to_do"] = window_->sbStatusBar.Gauge_Total();
   if (const auto* const tree =
-          dynamic_cast<wxDataViewCtrl*>(wxWindow::FindWindowByName("trvFolders", &frame_)))
-    state["tree"] = Describe_Tree(window_.trvFolders, *tree);
-  state["rows"] = window_.grdItems.Rows() - 1;
-  state["row"] = window_.grdItems.Row();
-  if (const auto* const grid = dynamic_cast<wxGrid*>(wxWindow::FindWindowByName("grdItems", &frame_)))
-    state["grid"] = Describe_Grid(window_.grdItems, *grid);
+          dynamic_cast<wxDataViewCtrl*>(wxWindow::FindWindowByName("trvFolders", frame_)))
+    state["tree"] = Describe_Tree(window_->trvFolders, *tree);
+  state["rows"] = window_->grdItems.Rows() - 1;
+  state["row"] = window_->grdItems.Row();
+  if (const auto* const grid = dynamic_cast<wxGrid*>(wxWindow::FindWindowByName("grdItems", frame_)))
+    state["grid"] = Describe_Grid(window_->grdItems, *grid);
   return state.dump(1, ' ', false, json::error_handler_t::replace);
 }
 

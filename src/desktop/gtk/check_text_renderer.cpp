@@ -1,16 +1,12 @@
 #include "desktop/common/check_text_renderer.h"
 
-#ifdef __WXGTK__
 #include <gtk/gtk.h>
-#endif
 
 #include <utility>
 
 namespace tidyfold {
 
 namespace {
-
-#ifdef __WXGTK__
 
 class Check_Text_Renderer : public wxDataViewTextRenderer {
  public:
@@ -46,25 +42,6 @@ class Check_Text_Renderer : public wxDataViewTextRenderer {
   Tick_Handler ticked_;
   GtkCellRenderer* toggle_;  // owned by the column
 };
-
-#else
-
-class Check_Text_Renderer : public wxDataViewCheckIconTextRenderer {
- public:
-  explicit Check_Text_Renderer(Tick_Handler ticked) : ticked_(std::move(ticked)) {}
-
-  bool ActivateCell(const wxRect& cell, wxDataViewModel* model, const wxDataViewItem& item, unsigned column,
-                    const wxMouseEvent* mouse) override {
-    // The base class knows where the box is; the model notes that it wants to be turned and stays as it is.
-    (void)wxDataViewCheckIconTextRenderer::ActivateCell(cell, model, item, column, mouse);
-    return true;
-  }
-
- private:
-  Tick_Handler ticked_;
-};
-
-#endif
 
 }  // namespace
 

@@ -1,25 +1,14 @@
 #include "desktop/common/tree_widget.h"
 
-#ifdef __WXGTK__
 #include <gtk/gtk.h>
-#endif
 
-#include <cstdint>
 #include <memory>
 
 #include "base/text.h"
 
+// wxDataViewCtrl looks up every ancestor of every ancestor of an item; a tree of a thousand levels would take
+// more than a minute to open. These calls go to GTK's tree view by paths instead.
 namespace tidyfold {
-
-wxDataViewItem Item_Of(int node) {
-  return wxDataViewItem(reinterpret_cast<void*>(static_cast<std::intptr_t>(node)));
-}
-
-int Node_Of(const wxDataViewItem& item) {
-  return static_cast<int>(reinterpret_cast<std::intptr_t>(item.GetID()));
-}
-
-#ifdef __WXGTK__
 
 namespace {
 
@@ -98,36 +87,5 @@ void Tree_Widget::Search_By_Typing() {
       },
       const_cast<TreeView*>(&model_), nullptr);
 }
-
-#else
-
-void Tree_Widget::Expand(int node) {
-  widget_.Expand(Item_Of(node));
-}
-void Tree_Widget::Collapse(int node) {
-  widget_.Collapse(Item_Of(node));
-}
-bool Tree_Widget::Is_Expanded(int node) const {
-  return widget_.IsExpanded(Item_Of(node));
-}
-void Tree_Widget::Make_Current(int node) {
-  widget_.Select(Item_Of(node));
-  widget_.SetCurrentItem(Item_Of(node));
-}
-void Tree_Widget::Scroll_To(int node) {
-  widget_.EnsureVisible(Item_Of(node));
-}
-void Tree_Widget::Show_All_Anew() {
-  widget_.Refresh();
-}
-double Tree_Widget::Scroll_Position() const {
-  return widget_.GetScrollPos(wxVERTICAL);
-}
-void Tree_Widget::Set_Scroll_Position(double position) {
-  widget_.SetScrollPos(wxVERTICAL, static_cast<int>(position));
-}
-void Tree_Widget::Search_By_Typing() {}
-
-#endif
 
 }  // namespace tidyfold
