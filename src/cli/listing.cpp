@@ -15,12 +15,12 @@ using Json = nlohmann::ordered_json;
 
 constexpr std::size_t type_width = 17, sender_width = 24, subject_width = 44;
 
-// As the grid shows it: empty where there is none.
+// As in the grid: empty if there is no date.
 std::string Date_Text(const ItemData& item) {
   return item.ItemDate == no_date ? std::string() : Format_Date(item.ItemDate);
 }
 
-// RFC 4180, but lines end as everywhere here.
+// RFC 4180, but lines end with LF.
 std::string Csv_Field(const std::string& text) {
   std::string valid = Valid_Utf8(text);
   if (valid.find_first_of(",\"\r\n") == std::string::npos) return valid;
@@ -39,7 +39,7 @@ std::size_t Characters(std::string_view text) {
   return count;
 }
 
-// Exactly as wide as the column.
+// Padded or cut to the width of the column.
 std::string Cell(std::string_view text, std::size_t width) {
   std::string cell = Printable_Line(text);
   if (Characters(cell) > width) cell = std::string(First_Characters(cell, width - 1)) + "…";
@@ -145,7 +145,7 @@ void Item_Listing::Write_Item(const Store_Folder& folder, const ItemData& item) 
   ++count_;
 }
 
-// In a larger document the array is not the end.
+// The array may be part of a larger document.
 void Item_Listing::End() {
   if (form_ == Form::Json) terminal_.Write(count_ == 0 ? "]" : "\n]");
 }

@@ -26,6 +26,7 @@ int main(int argc, char** argv) {
 
   // Made by the toolkit, once it is ready for the timers and the windows of a program.
   static std::vector<std::filesystem::path> paths;
+  paths.reserve(stores.size());
   for (const std::string& store : stores) paths.push_back(tidyfold::File_Path(store));
   wxApp::SetInitializerFunction([]() -> wxAppConsole* { return new tidyfold::Program(paths); });
   int no_arguments = 1;
