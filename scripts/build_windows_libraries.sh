@@ -14,7 +14,7 @@ case ${1:-} in
   core) with_wxwidgets=no ;;
   '') with_wxwidgets=yes ;;
   -h | --help) sed -n '2,9s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" && exit 0 ;;
-  *) echo "${BASH_SOURCE[0]}: it knows no '$1'. Try --help." >&2 && exit 2 ;;
+  *) echo "${BASH_SOURCE[0]}: unknown argument '$1'. Try --help." >&2 && exit 2 ;;
 esac
 
 cache=${TIDYFOLD_CACHE:-${XDG_CACHE_HOME:-$HOME/.cache}/tidyfold}/windows
