@@ -18,12 +18,13 @@ FLOORS = {
     "controls": 1, "settings": 1,
     "errors": 2, "layout": 2,
     "outlook": 3,
-    "cache": 4,
-    "grid": 5,
-    "marking": 6,
-    "clean": 7,
-    "help": 7,
-    "app": 8,
+    "plan": 4, "runs": 4,
+    "cache": 5,
+    "grid": 6,
+    "marking": 7,
+    "clean": 8,
+    "help": 8,
+    "app": 9,
 }
 BEHIND = ("stores", "import", "export")
 IN_FRONT = ("desktop", "cli", "companion")

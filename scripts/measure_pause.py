@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Measures how long the window keeps an event waiting while it loads a store.
 
-    scripts/measure_pause.py build/bin/tidyfold STORE
+    scripts/measure_pause.py build/bin/tidyfold-driven STORE
 
 A timer in the window writes its state every 30 ms; a click would have waited for any longer gap. Times in
 milliseconds, accurate to about 4 ms.

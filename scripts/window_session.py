@@ -1,4 +1,4 @@
-"""Runs the built window on a virtual screen and drives it by mouse and keyboard, for pictures and measurements."""
+"""Runs build/bin/tidyfold-driven on a virtual screen by mouse and keyboard, for pictures and measurements."""
 
 import json
 import os

@@ -1,18 +1,9 @@
 #include "cli/terminal.h"
 
-#include <csignal>
 #include <cstdio>
-#ifdef _WIN32
-#include <io.h>
-#else
-#include <fcntl.h>
-#include <poll.h>
-#include <unistd.h>
-
-#include <array>
-#endif
 
 #include "base/text.h"
+#include "cli/console.h"
 #include "cli/failure.h"
 
 namespace tidyfold::cli {
@@ -26,59 +17,6 @@ constexpr auto between_progress = 100ms;
 // Longer lines would wrap, and a wrapped line cannot be overwritten.
 constexpr std::size_t progress_width = 79;
 constexpr const char* clear_line = "\r\x1B[K";
-
-// Signal handlers can only reach statics.
-volatile std::sig_atomic_t interrupted = 0;
-
-#ifdef _WIN32
-bool Is_Terminal(std::FILE* stream) {
-  return _isatty(_fileno(stream)) != 0;
-}
-
-extern "C" void Note_Interrupt(int) {
-  interrupted = 1;
-}
-
-void Catch_Interrupt() {
-  interrupted = 0;
-  std::signal(SIGINT, &Note_Interrupt);
-}
-
-int Read_Byte() {
-  return std::getc(stdin);
-}
-#else
-bool Is_Terminal(std::FILE* stream) {
-  return isatty(fileno(stream)) != 0;
-}
-
-// Wakes a pending read when the signal comes.
-std::array<int, 2> wake_up = {-1, -1};
-
-extern "C" void Note_Interrupt(int) {
-  interrupted = 1;
-  [[maybe_unused]] const auto written = write(wake_up[1], "", 1);
-}
-
-void Catch_Interrupt() {
-  interrupted = 0;
-  if (wake_up[0] < 0 && pipe(wake_up.data()) == 0)
-    for (const int end : wake_up) fcntl(end, F_SETFD, FD_CLOEXEC);
-  struct sigaction action {};
-  action.sa_handler = &Note_Interrupt;
-  action.sa_flags = static_cast<int>(SA_RESETHAND | SA_RESTART);
-  sigaction(SIGINT, &action, nullptr);
-}
-
-// -1 at the end of the input and after the signal.
-int Read_Byte() {
-  std::array<pollfd, 2> ready = {{{STDIN_FILENO, POLLIN, 0}, {wake_up[0], POLLIN, 0}}};
-  while (interrupted == 0 && poll(ready.data(), ready.size(), -1) < 0) {
-  }
-  unsigned char byte = 0;
-  return interrupted == 0 && read(STDIN_FILENO, &byte, 1) == 1 ? byte : -1;
-}
-#endif
 
 bool Steers_Terminal(char32_t character) {
   return (character < 0x20 && character != '\t' && character != '\n') ||
@@ -185,7 +123,7 @@ void Terminal::End_Progress() {
 }
 
 bool Terminal::Interrupted() const {
-  return interrupted != 0;
+  return Interrupt_Caught();
 }
 
 }  // namespace tidyfold::cli

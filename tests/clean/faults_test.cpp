@@ -27,7 +27,7 @@ TEST(Faults, A_Call_That_Fails_Costs_What_It_Was_About_And_No_More) {
         f.plan.Forget_Faults();
         f.Expect_Nothing_Else();
         EXPECT_TRUE(f.window.cmdRun.Caption() == "&Clean" && f.window.chkTurbo.Enabled());
-        EXPECT_TRUE(!f.app.Run().NotAllDeleted || f.box.Count("it fails") > 0) << "said without a reason";
+        EXPECT_TRUE(!f.app.run.NotAllDeleted || f.box.Count("it fails") > 0) << "said without a reason";
         f.window.mnuRefresh.Click();
         f.Expect_Agreement();
         if (HasFailure()) return;
@@ -98,7 +98,7 @@ TEST(Faults, Another_Program_In_The_Same_Store_Never_Costs_A_Neighbour) {
         const std::string status = f.window.sbStatusBar.Panel_Text(1);
         const auto of = [&](const char* name) { return status.find(name) != std::string::npos; };
         // Turbo takes what is in a folder when it begins there, Delete Folders also what comes later.
-        if (!f.app.Run().Processing || (way == "turbo" && !of("Cleaning"))) return;
+        if (!f.app.phase.Processing() || (way == "turbo" && !of("Cleaning"))) return;
         int any = way == "folders" ? 0 : one_of(3);
         if (way == "turbo") any = of("Inbox") ? 0 : of("Old") ? 1 : 2;
         const std::string source = any == 0 ? "Inbox" : any == 1 ? "Old" : "Old/Deep";
@@ -161,7 +161,7 @@ TEST(Faults, Commands_That_Come_In_Between_Wait_Or_End_The_Run_At_Once) {
         f.Run();
         const bool closed = !f.window.frmRemoveItems.Loaded();
         EXPECT_EQ(closed, met == 1 && place / 2 >= Quit);
-        if (closed || f.app.Run().Cancelled) {
+        if (closed || f.app.run.Cancelled) {
           EXPECT_EQ(f.Everything(), f.expected) << "deleted after the end";
         } else {
           f.Expect_Nothing_Else();

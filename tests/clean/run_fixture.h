@@ -114,11 +114,11 @@ struct Way_Run : Run_Fixture {
       EXPECT_TRUE(chosen || as_foreseen) << id << " of " << path << " was not chosen";
       if (chosen && items.contains(id)) ++(as_foreseen ? done : left);
     }
-    EXPECT_FALSE(app.Run().Processing);
+    EXPECT_FALSE(app.phase.Processing());
     const bool one_run = box.Count(" identified for ") == 1 && !(way == "folders");
-    const int processed = app.Run().ProcessedCount, most = done + static_cast<int>(touched.size());
+    const int processed = app.run.ProcessedCount, most = done + static_cast<int>(touched.size());
     EXPECT_TRUE(!one_run || (processed >= done && processed <= most)) << processed << " of " << done;
-    const bool summed_up = box.Count("item was ") + box.Count("items were ") > 0 && !app.Run().Cancelled;
+    const bool summed_up = box.Count("item was ") + box.Count("items were ") > 0 && !app.run.Cancelled;
     EXPECT_TRUE(!summed_up || left == 0 || box.Count("Not all items could be deleted") == 1) << left;
   }
 };

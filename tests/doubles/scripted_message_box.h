@@ -75,6 +75,13 @@ class Scripted_Message_Box : public Message_Box {
     script_.clear();
   }
 
+  // By its sentence; what else it says is in `last_review`.
+  Answer Show_Review(const Review& review) override {
+    last_review = review;
+    return Show(review.sentence, Buttons::OK_Cancel, Icon::None, application_title);
+  }
+  Review last_review;
+
   Answer Show(const std::string& text, Buttons buttons, Icon icon, const std::string& title) override {
     shown_.push_back({text, buttons, icon, title});
     const Answer answer = Scripted_Answer(text, buttons);
@@ -87,13 +94,13 @@ class Scripted_Message_Box : public Message_Box {
     if (script_.empty() || (answer_anything_ && !script_.front().text.Fits(text))) {
       if (answer_anything_) return Consenting(buttons);
       ADD_FAILURE() << "Unexpected message box: " << text;
-      return Refusing(buttons);
+      return Safest_Answer(buttons);
     }
     const Step step = std::move(script_.front());
     script_.pop_front();
     if (!step.text.Fits(text)) {
       ADD_FAILURE() << "Message box: " << text << "\nExpected: " << step.text.text;
-      return Refusing(buttons);
+      return Safest_Answer(buttons);
     }
     EXPECT_EQ(buttons, step.buttons) << "Buttons of: " << text;
     if (step.while_open) step.while_open();
@@ -110,17 +117,6 @@ class Scripted_Message_Box : public Message_Box {
   static Answer Consenting(Buttons buttons) {
     return buttons == Buttons::Yes_No || buttons == Buttons::Yes_No_Cancel ? Answer::Yes : Answer::OK;
   }
-  static Answer Refusing(Buttons buttons) {
-    switch (buttons) {
-      case Buttons::Yes_No:
-        return Answer::No;
-      case Buttons::OK_Only:
-        return Answer::OK;
-      default:
-        return Answer::Cancel;
-    }
-  }
-
   std::deque<Step> script_;
   std::vector<Shown> shown_;
   bool answer_anything_ = false;

@@ -45,7 +45,7 @@ def main():
         run("regsvr32", "/s", windows_path(programs / "TidyDll.dll"))
         script(run, FILL)
 
-    window = Wine_Window(wine, programs / "tidyfold.exe", [], screenshots, prepare)
+    window = Wine_Window(wine, programs / "tidyfold-driven.exe", [], screenshots, prepare)
     try:
         window.answer("All Folders Loaded")
         senders = {row["texts"][3] for row in window.state()["grid"]}

@@ -62,7 +62,7 @@ def main():
             environment["TIDYFOLD_SITE"] = SITE
             run("reg", "add", r"HKCU\Software\Wine\WineBrowser", "/v", "Browsers", "/d", browser, "/f")
 
-        window = Wine_Window(wine, programs / "tidyfold.exe", ["--store", windows_path(store)], screenshots, prepare)
+        window = Wine_Window(wine, programs / "tidyfold-driven.exe", ["--store", windows_path(store)], screenshots, prepare)
         try:
             window.answer("All Folders Loaded")
             window.picture("ready")

@@ -1,4 +1,4 @@
-"""Drives tidyfold.exe under Wine on a virtual screen by mouse and keyboard."""
+"""Drives tidyfold-driven.exe under Wine on a virtual screen by mouse and keyboard."""
 
 import json
 import os
