@@ -1,5 +1,5 @@
-// A message box that a test answers from a script. Unexpected boxes fail the test, and so do expected ones that
-// are never shown.
+// A message box that a test answers from a script. Unexpected boxes fail the test, and so do expected ones
+// that are never shown.
 //
 //   Scripted_Message_Box box;
 //   box.Expect("Are you sure", Buttons::Yes_No, Answer::Yes);

@@ -1,4 +1,5 @@
 #include <limits>
+#include <map>
 #include <set>
 #include <string_view>
 #include <vector>
@@ -32,7 +33,7 @@ TEST_P(Store_Contract, Indexes_Count_From_One) {
   EXPECT_EQ(folder->Folders()->Count(), 2);
 }
 
-// Long enough for any store that reads ahead or in batches.
+// Enough items for stores that read ahead or in batches.
 TEST_P(Store_Contract, Collections_Are_Live_While_Items_Come_And_Go) {
   constexpr int count = 700;
   Add_Folder(1, "Deleted Items");
@@ -40,7 +41,7 @@ TEST_P(Store_Contract, Collections_Are_Live_While_Items_Come_And_Go) {
   for (int number = 1; number <= count; ++number) Add_Item(1, inbox, std::to_string(number));
   const Items_Ptr items = Open(1, {2})->Items();
   const Items_Ptr others = Open(1, {2})->Items();
-  // Forwards, with another program removing what has just been read ahead.
+  // Forwards, while another program removes what has just been read ahead.
   EXPECT_EQ(items->Item(1)->Subject(), "1");
   EXPECT_EQ(items->Item(2)->Subject(), "2");
   others->Remove(3);
@@ -99,7 +100,7 @@ TEST_P(Store_Contract, Items_Of_Every_Class_Keep_Every_Property) {
     item.body = "Text";
     item.unread = item_class % 2 == 0;
     item.size = 1000 + item_class;
-    // Each date is missing in some class, and no two are alike.
+    // Each date is missing in some class; no two dates are equal.
     Date* dates[] = {&item.received, &item.last_modified, &item.completed, &item.due, &item.end};
     for (int date = 0; date < 5; ++date) {
       if (item_class % 5 != date) *dates[date] = 45000 + item_class + date * 0.125;
@@ -135,7 +136,7 @@ TEST_P(Store_Contract, Bodies_Are_Cut_At_Characters) {
   }
 }
 
-// Only the store's own Deleted Items, on its top level, takes items in and lets them go for good.
+// Only the Deleted Items on the store's top level receives items and removes them for good.
 TEST_P(Store_Contract, Delete_Moves_To_Deleted_Items_Unless_The_Item_Lies_There) {
   const auto deleted = Add_Folder(1, "Deleted Items");
   const auto inbox = Add_Folder(1, "Inbox");
@@ -159,6 +160,85 @@ TEST_P(Store_Contract, Delete_Moves_To_Deleted_Items_Unless_The_Item_Lies_There)
   EXPECT_EQ(Error_Of([&] { held->Delete(); }), not_found);
   EXPECT_EQ(Error_Of([&] { session_->GetItemFromID(first, deleted->StoreID()); }), not_found);
   EXPECT_EQ(Subjects(Open(1, {1})), "moved1 moved2 moved3");
+}
+
+TEST_P(Store_Contract, A_Moved_Item_Is_The_Last_Of_Its_New_Folder_And_Stays_Itself) {
+  const auto deleted = Add_Folder(1, "Deleted Items"), inbox = Add_Folder(1, "Inbox");
+  const auto lists = Open(1)->Folders()->Add("Lists", item_type::mail);
+  std::map<std::string, std::string> ids;
+  for (const char* subject : {"a", "b", "c", "d", "e"}) ids[subject] = Add_Item(1, inbox, subject);
+  ids["x"] = Add_Item(1, lists, "x");
+  const auto get = [&](const std::string& subject) {
+    return session_->GetItemFromID(ids[subject], inbox->StoreID());
+  };
+  struct Move {
+    std::string subject;
+    int to;
+    const char *in_deleted, *in_inbox, *in_lists;
+  };
+  const Move moves[] = {{"b", 3, "", "a c d e", "x b"}, {"e", 3, "", "a c d", "x b e"},
+                        {"a", 1, "a", "c d", "x b e"},  {"b", 1, "a b", "c d", "x e"},
+                        {"a", 2, "b", "c d a", "x e"},  {"c", 2, "b", "d a c", "x e"},
+                        {"c", 2, "b", "d a c", "x e"},  {"b", 3, "", "d a c", "x e b"}};
+  for (const Move& move : moves) {
+    SCOPED_TRACE(move.subject + " to " + std::to_string(move.to));
+    const Item_Ptr moved = get(move.subject)->Move(*Open(1, {move.to}));
+    ids[move.subject] = moved->EntryID();
+    for (const Item_Ptr& item : {moved, get(move.subject)}) {
+      EXPECT_EQ(item->Subject(), move.subject);
+      EXPECT_EQ(item->Parent()->EntryID(), Open(1, {move.to})->EntryID());
+    }
+    EXPECT_EQ(Subjects(Open(1, {1})), move.in_deleted);
+    EXPECT_EQ(Subjects(Open(1, {2})), move.in_inbox);
+    EXPECT_EQ(Subjects(Open(1, {3})), move.in_lists);
+  }
+  const auto foreign = Add_Folder(2, "Inbox"), gone = Open(1, {3});
+  EXPECT_EQ(Error_Of([&] { get("d")->Move(*foreign); }), automation_error::not_supported);
+  Open(1)->Folders()->Remove(3);
+  EXPECT_EQ(Error_Of([&] { get("d")->Move(*gone); }), not_found);
+  EXPECT_EQ(Subjects(Open(1, {2})), "d a c");
+  EXPECT_EQ(foreign->Items()->Count(), 0);
+}
+
+TEST_P(Store_Contract, An_Added_Folder_Is_Empty_And_Holds_What_It_Was_Made_For) {
+  const Folders_Ptr folders = Add_Folder(1, "Upper")->Folders();
+  for (std::int32_t type = item_type::mail; type <= item_type::note; ++type) {
+    const std::string name = "Folder " + std::to_string(type);
+    const auto added = folders->Add(name, type), found = folders->Item(folders->Count());
+    EXPECT_EQ(added->EntryID(), found->EntryID());
+    EXPECT_EQ(found->Name(), name);
+    EXPECT_EQ(found->DefaultItemType(), type);
+    EXPECT_EQ(found->Items()->Count() + found->Folders()->Count(), 0);
+    EXPECT_EQ(added->Parent()->EntryID(), Open(1, {1})->EntryID());
+  }
+  EXPECT_EQ(folders->Count(), 6);
+  EXPECT_NE(Error_Of([&] { session_->Folders()->Add("Store", item_type::mail); }), 0);
+  EXPECT_EQ(session_->Folders()->Count(), 2);
+}
+
+// Whoever asks, and whatever other folders have the same name.
+TEST_P(Store_Contract, A_Default_Folder_Is_The_First_Of_Its_Name_On_The_Top_Level) {
+  const auto first = Add_Folder(1, "Deleted Items"), second = Add_Folder(1, "Deleted Items");
+  Add_Folder(1, "deleted items");
+  const auto inbox = Add_Folder(1, "Inbox");
+  Add_Folder(1, "Deleted Items", inbox);
+  constexpr std::int32_t type = default_folder_deleted_items;
+  Add_Item(1, second, "kept");
+  second->Items()->Item(1)->Delete();
+  EXPECT_EQ(Subjects(first), "kept");
+  for (const auto& expected : {first, second}) {
+    EXPECT_EQ(session_->GetDefaultFolder(type)->EntryID(), expected->EntryID());
+    EXPECT_EQ(Open(1, {1})->Store()->GetDefaultFolder(type)->EntryID(), expected->EntryID());
+    Add_Item(1, inbox, "item");
+    inbox->Items()->Item(1)->Delete();
+    const std::int32_t count = expected->Items()->Count();
+    EXPECT_EQ(expected->Items()->Item(count)->Subject(), "item");
+    expected->Items()->Item(count)->Delete();
+    EXPECT_EQ(expected->Items()->Count(), count - 1) << "it lay there already";
+    Open(1)->Folders()->Remove(1);
+  }
+  EXPECT_EQ(Error_Of([&] { session_->GetDefaultFolder(type); }), not_found);
+  EXPECT_EQ(Error_Of([&] { Open(2)->Store()->GetDefaultFolder(type); }), not_found);
 }
 
 TEST_P(Store_Contract, Delete_Without_Deleted_Items_Fails_And_Keeps_The_Item) {
@@ -195,19 +275,32 @@ TEST_P(Store_Contract, A_Removed_Folder_Takes_All_Below_It_And_Nothing_Else) {
   EXPECT_EQ(Subjects(Open(1, {1})) + Subjects(Open(1, {2})), "upper1upper3");
   EXPECT_EQ(session_->GetItemFromID(ids[0], store)->Subject(), "lower1");
   EXPECT_EQ(session_->GetItemFromID(ids[2], store)->Subject(), "lower3");
-  const std::function<void()> calls_on_the_dead[] = {
-      [&] { folder->Name(); },        [&] { folder->DefaultItemType(); },
-      [&] { folder->Parent(); },      [&] { folder->Folders()->Count(); },
-      [&] { folders->Count(); },      [&] { folders->Item(1); },
-      [&] { folders->Remove(1); },    [&] { below->Items()->Count(); },
-      [&] { below->Name(); },         [&] { items->Count(); },
-      [&] { items->Item(1); },        [&] { items->Remove(1); },
-      [&] { item->Class(); },         [&] { item->Subject(); },
-      [&] { item->Body(20); },        [&] { item->ReceivedTime(); },
-      [&] { item->UnRead(); },        [&] { item->Parent(); },
-      [&] { item->Delete(); },        [&] { message->String_Property(sender_name_tag); },
-      [&] { item->Display(); },       [&] { session_->GetItemFromID(ids[1], store); },
-      [&] { Add_Item(1, below, ""); }};
+  const std::function<void()> calls_on_the_dead[] = {[&] { folder->Name(); },
+                                                     [&] { folder->DefaultItemType(); },
+                                                     [&] { folder->Parent(); },
+                                                     [&] { folder->Folders()->Count(); },
+                                                     [&] { folders->Count(); },
+                                                     [&] { folders->Item(1); },
+                                                     [&] { folders->Remove(1); },
+                                                     [&] { below->Items()->Count(); },
+                                                     [&] { below->Name(); },
+                                                     [&] { items->Count(); },
+                                                     [&] { items->Item(1); },
+                                                     [&] { items->Remove(1); },
+                                                     [&] { item->Class(); },
+                                                     [&] { item->Subject(); },
+                                                     [&] { item->Body(20); },
+                                                     [&] { item->ReceivedTime(); },
+                                                     [&] { item->UnRead(); },
+                                                     [&] { item->Parent(); },
+                                                     [&] { item->Delete(); },
+                                                     [&] { item->Move(*Open(1)); },
+                                                     [&] { folder->Store(); },
+                                                     [&] { folders->Add("x", 0); },
+                                                     [&] { message->String_Property(sender_name_tag); },
+                                                     [&] { item->Display(); },
+                                                     [&] { session_->GetItemFromID(ids[1], store); },
+                                                     [&] { Add_Item(1, below, ""); }};
   for (std::size_t call = 0; call < std::size(calls_on_the_dead); ++call) {
     EXPECT_EQ(Error_Of(calls_on_the_dead[call]), not_found) << "call " << call;
   }
@@ -237,7 +330,7 @@ TEST_P(Store_Contract, Texts_Come_Back_As_They_Were) {
     EXPECT_EQ(read->MAPIOBJECT()->String_Property(sender_name_tag), stores_->Sender_As_Kept(text));
     Open(1)->Folders()->Remove(1);
   }
-  // Bytes that are no UTF-8 may be replaced, and the rest stays readable.
+  // Invalid UTF-8 may be replaced; the rest stays readable.
   const auto folder = Add_Folder(1, "a\xff\x80z");
   EXPECT_EQ(Valid_Utf8(folder->Name()), Valid_Utf8("a\xff\x80z"));
 }
@@ -286,7 +379,7 @@ TEST_P(Store_Contract, Several_Stores_Are_Kept_Apart) {
   EXPECT_EQ(session_->Folders()->Count(), 2);
 }
 
-// An identifier that came back would make a caller delete another item than the one it remembers.
+// With a reused identifier a caller would delete another item than the one it remembers.
 TEST_P(Store_Contract, Identifiers_Are_Never_Given_Twice) {
   std::set<std::string> ids{Open(1)->EntryID()};
   auto& writer = stores_->Writer(1);

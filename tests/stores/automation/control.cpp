@@ -7,7 +7,7 @@ using com::Variant;
 
 namespace {
 
-// Stands for the folder with these identifiers, wherever a store asks for one.
+// Passes a folder's identifiers where a store expects a folder.
 class Folder_Key : public MAPIFolder {
  public:
   Folder_Key(const Variant& store_id, const Variant& entry_id)
@@ -19,6 +19,7 @@ class Folder_Key : public MAPIFolder {
   std::string Name() override { return {}; }
   Folders_Ptr Folders() override { return nullptr; }
   Items_Ptr Items() override { return nullptr; }
+  Store_Ptr Store() override { return nullptr; }
 
  private:
   std::string store_id_, entry_id_;

@@ -3,6 +3,8 @@
 #include <type_traits>
 #include <utility>
 
+#include "errors/automation_error.h"
+#include "outlook/default_folders.h"
 #include "server_ids.h"
 
 namespace tidyfold::test_server {
@@ -17,9 +19,10 @@ constexpr std::int32_t application_class = 0, namespace_class = 1, folder_class 
 Ptr<IDispatch> Serve(World& world, const Folders_Ptr& folders);
 Ptr<IDispatch> Serve(World& world, const Items_Ptr& items);
 Ptr<IDispatch> Serve(World& world, const Item_Ptr& item);
+Ptr<IDispatch> Serve(World& world, const Store_Ptr& store);
 Ptr<IUnknown> Serve(World& world, const std::shared_ptr<Mapi_Object>& message);
 
-// What a member answers, as automation passes it. A Date is a double, and nothing else is.
+// Converts a result for automation. Only dates are doubles.
 template <class Value>
 Variant Pass(World& world, const Value& value) {
   if constexpr (std::is_same_v<Value, Date>) {
@@ -56,7 +59,7 @@ void Offer(World& world, Served& served, const std::shared_ptr<Object>& object, 
   });
 }
 
-// Names and members by turns.
+// Takes names and members in turn.
 template <class Object, class Member, class... More>
 void Offer(World& world, Served& served, const std::shared_ptr<Object>& object, const char* name,
            Member member, More... more) {
@@ -84,7 +87,7 @@ Ptr<IDispatch> Open_Name_Space(World& world, const std::string& type) {
   return As_Dispatch(std::move(served));
 }
 
-// Marshals itself into a client's process as message_proxy.dll, which offers IMAPIProp there.
+// Marshals itself into client processes as message_proxy.dll, which offers IMAPIProp.
 class Message : public com::Com_Object<IMarshal> {
  public:
   explicit Message(Ptr<IDispatch> reader) : reader_(std::move(reader)) {}
@@ -113,7 +116,7 @@ class Message : public com::Com_Object<IMarshal> {
 Ptr<IUnknown> Serve(World& world, const std::shared_ptr<Mapi_Object>& message) {
   Ptr<Served> reader(new Served(world.switches, "Message"));
   reader->Offer("GetProps", [=](auto& a) {
-    // Of all properties the stores in memory keep one.
+    // The only property that the stores in memory keep.
     const auto number = static_cast<std::uint32_t>(a.at(0).Number());
     const std::string text = message->String_Property((number << 16) | (sender_name_tag & 0xFFFF));
     return number == sender_name_tag >> 16 ? Variant(text) : Variant();
@@ -122,9 +125,26 @@ Ptr<IUnknown> Serve(World& world, const std::shared_ptr<Mapi_Object>& message) {
 }
 
 Ptr<IDispatch> Serve(World& world, const Folders_Ptr& folders) {
-  return As_Dispatch(Make(world, "Folders", folders, "Count", &Folders::Count, "Item", &Folders::Item,
-                          "Remove", &Folders::Remove));
+  Ptr<Served> served = Make(world, "Folders", folders, "Count", &Folders::Count, "Item", &Folders::Item,
+                            "Remove", &Folders::Remove);
+  served->Offer("Add", [=, &world](auto& a) {
+    const Default_Folder* like = Find_Default_Folder(a.at(1).Number());
+    if (like == nullptr || like->type == default_folder_deleted_items) com::Fail(E_INVALIDARG);
+    return Variant(Serve(world, folders->Add(a.at(0).Text(), like->item_type)));
+  });
+  return As_Dispatch(std::move(served));
 }
+
+Ptr<IDispatch> Serve(World& world, const Store_Ptr& store) {
+  return As_Dispatch(Make(world, "Store", store, "GetDefaultFolder", &Store::GetDefaultFolder));
+}
+
+class Served_Folder : public Served {
+ public:
+  Served_Folder(Switches& switches, MAPIFolder_Ptr folder)
+      : Served(switches, "MAPIFolder"), folder(std::move(folder)) {}
+  const MAPIFolder_Ptr folder;
+};
 
 Ptr<IDispatch> Serve(World& world, const Items_Ptr& items) {
   return As_Dispatch(
@@ -139,16 +159,20 @@ Ptr<IDispatch> Serve(World& world, const Item_Ptr& item) {
         &Item::End, "MAPIOBJECT", &Item::MAPIOBJECT, "Parent", &Item::Parent, "Delete", &Item::Delete,
         "Display", &Item::Display);
   served->Offer("Body", [=](auto&) { return Variant(item->Body()); });
+  // A served folder comes back as the same object.
+  served->Offer("Move", [=, &world](auto& a) {
+    return Variant(Serve(world, item->Move(*dynamic_cast<Served_Folder&>(*a.at(0).Object()).folder)));
+  });
   return As_Dispatch(std::move(served));
 }
 
 }  // namespace
 
 Ptr<IDispatch> Serve(World& world, const MAPIFolder_Ptr& folder) {
-  Ptr<Served> served =
-      Make(world, "MAPIFolder", folder, "Name", &MAPIFolder::Name, "EntryID", &MAPIFolder::EntryID, "StoreID",
-           &MAPIFolder::StoreID, "DefaultItemType", &MAPIFolder::DefaultItemType, "Folders",
-           &MAPIFolder::Folders, "Items", &MAPIFolder::Items);
+  Ptr<Served> served(new Served_Folder(world.switches, folder));
+  Offer(world, *served, folder, "Name", &MAPIFolder::Name, "EntryID", &MAPIFolder::EntryID, "StoreID",
+        &MAPIFolder::StoreID, "DefaultItemType", &MAPIFolder::DefaultItemType, "Folders",
+        &MAPIFolder::Folders, "Items", &MAPIFolder::Items, "Store", &MAPIFolder::Store);
   served->Offer("Class", [](auto&) { return Variant(folder_class); });
   served->Offer("Parent", [=, &world](auto&) {
     const MAPIFolder_Ptr above = folder->Parent();

@@ -7,14 +7,11 @@
 
 #include "base/text.h"
 #include "errors/automation_error.h"
-#include "stores/memory/item_sequence.h"
+#include "outlook/default_folders.h"
 
 namespace tidyfold {
 
 namespace {
-
-constexpr const char* deleted_items_name = "Deleted Items";
-constexpr const char* inbox_name = "Inbox";
 
 [[noreturn]] void Fail(std::int32_t number, const std::string& description) {
   throw Automation_Error(number, description, "Memory store");
@@ -24,7 +21,7 @@ constexpr const char* inbox_name = "Inbox";
   Fail(automation_error::not_found, what + " is no longer there.");
 }
 
-// The position, from 0, of what the caller counts from 1.
+// Converts an index from 1 to a position from 0.
 std::size_t Position(std::int32_t index, std::size_t size) {
   if (index < 1 || static_cast<std::size_t>(index) > size) {
     Fail(automation_error::bad_index, "There is no element " + std::to_string(index) + ".");
@@ -40,7 +37,7 @@ struct Stored_Item {
   std::string entry_id;
   New_Item data;
   Stored_Folder* folder = nullptr;  // none: removed for good
-  std::uint64_t place = 0;          // grows along the folder
+  std::uint64_t place = 0;          // ascending within the folder
   int reads = 0;
 };
 
@@ -51,7 +48,8 @@ struct Stored_Folder : std::enable_shared_from_this<Stored_Folder> {
   std::string name;
   std::int32_t default_item_type = item_type::mail;
   std::vector<Stored_Folder_Ptr> folders;
-  Item_Sequence<Stored_Item_Ptr> items;
+  std::vector<Stored_Item_Ptr> items;
+  std::uint64_t last_place = 0;
 
   Memory_Outlook& Outlook() const { return store->outlook_; }
   std::string Store_Id() const { return store->StoreID(); }
@@ -59,14 +57,17 @@ struct Stored_Folder : std::enable_shared_from_this<Stored_Folder> {
 
   void Append(const Stored_Item_Ptr& item) {
     item->folder = this;
-    item->place = items.Append(item);
+    item->place = ++last_place;
+    items.push_back(item);
   }
 };
 
 namespace {
 
 void Take_Out(Stored_Item& item) {
-  item.folder->items.Remove(item.place);
+  std::vector<Stored_Item_Ptr>& items = item.folder->items;
+  items.erase(std::lower_bound(items.begin(), items.end(), item.place,
+                               [](const auto& other, std::uint64_t place) { return other->place < place; }));
   item.folder = nullptr;
 }
 
@@ -75,24 +76,17 @@ void Remove_For_Good(Stored_Item& item) {
   item.data = {};
 }
 
-void Take_Out(Stored_Folder& folder) {
-  if (folder.parent == nullptr) return;
-  std::erase_if(folder.parent->folders,
-                [&](const Stored_Folder_Ptr& other) { return other.get() == &folder; });
-  folder.parent = nullptr;
-}
-
 // Without recursion: trees may be deep.
 void Remove_For_Good(const Stored_Folder_Ptr& folder) {
-  Take_Out(*folder);
+  if (folder->parent != nullptr) std::erase(folder->parent->folders, folder);
   std::vector<Stored_Folder_Ptr> doomed{folder};
   while (!doomed.empty()) {
     const Stored_Folder_Ptr last = std::move(doomed.back());
     doomed.pop_back();
-    last->items.Clear([](const Stored_Item_Ptr& item) {
+    for (const Stored_Item_Ptr& item : std::exchange(last->items, {})) {
       item->folder = nullptr;
       item->data = {};
-    });
+    }
     last->store = nullptr;
     last->parent = nullptr;
     doomed.insert(doomed.end(), last->folders.begin(), last->folders.end());
@@ -104,6 +98,17 @@ Stored_Folder_Ptr Child(const Stored_Folder& folder, std::string_view name) {
   const auto found = std::find_if(folder.folders.begin(), folder.folders.end(),
                                   [&](const Stored_Folder_Ptr& child) { return child->name == name; });
   return found == folder.folders.end() ? nullptr : *found;
+}
+
+// EntryIDs have the same length and ascend.
+Stored_Folder_Ptr Default_Folder_Of(const Stored_Folder& top, std::int32_t type) {
+  const Default_Folder* wanted = Find_Default_Folder(type);
+  Stored_Folder_Ptr found;
+  for (const Stored_Folder_Ptr& folder : top.folders) {
+    const bool fits = wanted != nullptr && folder->name == wanted->name;
+    if (fits && (found == nullptr || folder->entry_id < found->entry_id)) found = folder;
+  }
+  return found;
 }
 
 MAPIFolder_Ptr Handle(const Stored_Folder_Ptr& folder);
@@ -142,7 +147,7 @@ class Memory_Item : public Item {
   std::int64_t Size() override { return Data().size; }
   MAPIFolder_Ptr Parent() override { return Handle(Alive().folder->shared_from_this()); }
   void Delete() override {
-    const auto deleted_items = Child(*Alive().folder->Top(), deleted_items_name);
+    const auto deleted_items = Default_Folder_Of(*Alive().folder->Top(), default_folder_deleted_items);
     if (deleted_items == nullptr) {
       Fail(automation_error::not_found,
            "The store has no \"Deleted Items\" folder that the item could be moved to.");
@@ -153,6 +158,13 @@ class Memory_Item : public Item {
       Take_Out(*item_);
       deleted_items->Append(item_);
     }
+  }
+  Item_Ptr Move(MAPIFolder& folder) override {
+    Memory_Store& store = *Alive().folder->store;
+    if (folder.StoreID() != store.StoreID())
+      Fail(automation_error::not_supported, "An item can only be moved within its own store.");
+    store.Move_Item(item_->entry_id, folder);
+    return std::make_shared<Memory_Item>(item_);
   }
   void Display() override { Alive().folder->Outlook().displayed.push_back(item_->entry_id); }
 
@@ -166,7 +178,7 @@ class Memory_Item : public Item {
   Stored_Item_Ptr item_;
 };
 
-// What every object that stands for a folder, or for what is in it, has.
+// The common part of folders and their collections.
 class Folder_View {
  protected:
   explicit Folder_View(Stored_Folder_Ptr folder) : folder_(std::move(folder)) {}
@@ -186,7 +198,7 @@ class Folder_View {
 class Memory_Items : public Items, Folder_View {
  public:
   explicit Memory_Items(const Stored_Folder_Ptr& folder) : Folder_View(folder) {}
-  std::int32_t Count() override { return static_cast<std::int32_t>(Alive().items.Size()); }
+  std::int32_t Count() override { return static_cast<std::int32_t>(Alive().items.size()); }
   Item_Ptr Item(std::int32_t index) override {
     const Stored_Item_Ptr& item = At(index);
     ++item->reads;
@@ -200,7 +212,7 @@ class Memory_Items : public Items, Folder_View {
  private:
   const Stored_Item_Ptr& At(std::int32_t index) {
     auto& items = Alive().items;
-    return items.At(Position(index, items.Size()));
+    return items[Position(index, items.size())];
   }
 };
 
@@ -209,6 +221,10 @@ class Memory_Folders : public Folders, Folder_View {
   explicit Memory_Folders(const Stored_Folder_Ptr& folder) : Folder_View(folder) {}
   std::int32_t Count() override { return static_cast<std::int32_t>(Alive().folders.size()); }
   MAPIFolder_Ptr Item(std::int32_t index) override { return Handle(At(index)); }
+  MAPIFolder_Ptr Add(const std::string& name, std::int32_t default_item_type) override {
+    Stored_Folder& folder = Alive();
+    return folder.store->Add_Folder(*Handle(folder.shared_from_this()), name, default_item_type);
+  }
   void Remove(std::int32_t index) override {
     const Stored_Folder_Ptr folder = At(index);
     Remove_For_Good(folder);
@@ -219,6 +235,19 @@ class Memory_Folders : public Folders, Folder_View {
     auto& folders = Alive().folders;
     return folders[Position(index, folders.size())];
   }
+};
+
+class Memory_Store_Object : public Store {
+ public:
+  explicit Memory_Store_Object(Stored_Folder_Ptr top) : top_(std::move(top)) {}
+  MAPIFolder_Ptr GetDefaultFolder(std::int32_t folder_type) override {
+    const Stored_Folder_Ptr folder = Default_Folder_Of(*top_, folder_type);
+    if (folder == nullptr) Fail(automation_error::not_found, "There is no such default folder.");
+    return Handle(folder);
+  }
+
+ private:
+  Stored_Folder_Ptr top_;
 };
 
 class Memory_Folder : public MAPIFolder, Folder_View {
@@ -234,6 +263,7 @@ class Memory_Folder : public MAPIFolder, Folder_View {
   std::string Name() override { return Alive().name; }
   Folders_Ptr Folders() override { return std::make_shared<Memory_Folders>(Shared()); }
   Items_Ptr Items() override { return std::make_shared<Memory_Items>(Shared()); }
+  Store_Ptr Store() override { return std::make_shared<Memory_Store_Object>(Alive().Top()); }
 };
 
 MAPIFolder_Ptr Handle(const Stored_Folder_Ptr& folder) {
@@ -246,6 +276,9 @@ class Memory_Top_Folders : public Folders {
   std::int32_t Count() override { return static_cast<std::int32_t>(outlook_.Stores()); }
   MAPIFolder_Ptr Item(std::int32_t index) override {
     return outlook_.Store(Position(index, outlook_.Stores()) + 1).Top_Folder();
+  }
+  MAPIFolder_Ptr Add(const std::string&, std::int32_t) override {
+    Fail(automation_error::no_access, "A store cannot be added like a folder.");
   }
   void Remove(std::int32_t index) override {
     Position(index, outlook_.Stores());
@@ -261,10 +294,8 @@ class Memory_Name_Space : public NameSpace {
   explicit Memory_Name_Space(Memory_Outlook& outlook) : outlook_(outlook) {}
   Folders_Ptr Folders() override { return std::make_shared<Memory_Top_Folders>(outlook_); }
   MAPIFolder_Ptr GetDefaultFolder(std::int32_t folder_type) override {
-    if (folder_type != default_folder_inbox || outlook_.Stores() == 0) {
-      Fail(automation_error::not_found, "There is no such default folder.");
-    }
-    return outlook_.Store(1).Folder({inbox_name});
+    if (outlook_.Stores() == 0) Fail(automation_error::not_found, "No store is open.");
+    return outlook_.Store(1).Top_Folder()->Store()->GetDefaultFolder(folder_type);
   }
   Item_Ptr GetItemFromID(const std::string& entry_id, const std::string& store_id) override {
     for (std::size_t number = 1; number <= outlook_.Stores(); ++number) {
@@ -390,17 +421,6 @@ void Memory_Store::Rename_Folder(MAPIFolder& folder, const std::string& name) {
   Find_Folder(folder)->name = name;
 }
 
-void Memory_Store::Move_Folder(MAPIFolder& folder, MAPIFolder& new_parent) {
-  const Stored_Folder_Ptr moved = Find_Folder(folder);
-  const Stored_Folder_Ptr above = Find_Folder(new_parent);
-  for (const Stored_Folder* up = above.get(); up != nullptr; up = up->parent) {
-    if (up == moved.get()) Fail(automation_error::call_failed, "A folder cannot be moved below itself.");
-  }
-  memory::Take_Out(*moved);
-  moved->parent = above.get();
-  above->folders.push_back(moved);
-}
-
 void Memory_Store::Move_Item(const std::string& entry_id, MAPIFolder& folder) {
   const Stored_Item_Ptr item = Find_Item(entry_id);
   const Stored_Folder_Ptr target = Find_Folder(folder);
@@ -437,29 +457,18 @@ Stored_Item_Ptr Memory_Store::Find_Item(const std::string& entry_id) const {
   return found->second;
 }
 
-Memory_Store& Memory_Outlook::Add_Store(const std::string& name, Default_Folders default_folders) {
+Memory_Store& Memory_Outlook::Add_Store(const std::string& name, Default_Folders which) {
   stores_.push_back(
       std::make_unique<Memory_Store>(*this, name, "STORE" + std::to_string(stores_.size() + 1)));
   Memory_Store& store = *stores_.back();
-  if (default_folders == Default_Folders::All) {
-    constexpr std::pair<const char*, std::int32_t> folders[] = {{deleted_items_name, item_type::mail},
-                                                                {inbox_name, item_type::mail},
-                                                                {"Outbox", item_type::mail},
-                                                                {"Sent Items", item_type::mail},
-                                                                {"Calendar", item_type::appointment},
-                                                                {"Contacts", item_type::contact},
-                                                                {"Drafts", item_type::mail},
-                                                                {"Journal", item_type::journal},
-                                                                {"Notes", item_type::note},
-                                                                {"Tasks", item_type::task}};
+  if (which == Default_Folders::All) {
     const MAPIFolder_Ptr top = store.Top_Folder();
-    for (const auto& [folder, type] : folders) store.Add_Folder(*top, folder, type);
+    for (const auto& folder : default_folders) store.Add_Folder(*top, folder.name, folder.item_type);
   }
   return store;
 }
 
 std::shared_ptr<Application> Memory_Outlook::GetObject(const std::string& path, const std::string& program) {
-  ++get_object_calls;
   if (!running || !path.empty() || program != "Outlook.Application") {
     Fail(automation_error::call_failed, "Nothing of the kind is running: " + program + ".");
   }
