@@ -51,7 +51,7 @@ Answer Terminal_Message_Box::Show(const std::string& text, Buttons buttons, Icon
     shown_while_loading_.push_back({text, buttons, icon, Safest_Answer(buttons)});
     return Safest_Answer(buttons);
   }
-  // In a rehearsal only what is refused is worth a word.
+  // A rehearsal reports only refusals.
   if (answering_ == Answering::Rehearse && icon != Icon::Critical) return Answers(buttons).front();
   const Answer answer = Choose(text, buttons);
   shown_.push_back({text, buttons, icon, answer});
@@ -76,7 +76,7 @@ Answer Terminal_Message_Box::Choose(const std::string& text, Buttons buttons) {
   return answer;
 }
 
-// Where the results go into a file, the question goes to the person.
+// If standard output is not a terminal, questions go to standard error.
 Answer Terminal_Message_Box::Ask(const std::string& text, Buttons buttons) {
   const bool aside = quiet_ || !terminal_.Output_Is_Terminal();
   const auto say = [&](const std::string& words) {

@@ -54,7 +54,10 @@ struct Window_Fixture : Test_Surroundings {
       const std::map<std::string, std::function<void()>> verbs = {
           {"add", [&] { Add(what.substr(0, what.rfind('/')), what.substr(what.rfind('/') + 1)); }},
           {"folder", [&] { Folder(what); }},
-          {"load", [&] { Expect({{"All Folders Loaded", OK}}), app.Form_Load(), box.Verify(); }},
+          {"load",
+           [&] {
+             Expect({{"All Folders Loaded", OK}}), app.Form_Load(), box.Verify();
+           }},
           {"set", [&] { Set(what, true); }},
           {"unset", [&] { Set(what, false); }},
           {"tick", [&] { tree.Tick(Node(what), true), tree.MouseUp(); }},
@@ -135,8 +138,7 @@ struct Window_Fixture : Test_Surroundings {
   // The boxes to come: whole texts with their answers. Clean shows them all.
   using Script = std::vector<std::pair<std::string, Answer>>;
   void Expect(const Script& script) {
-    for (const auto& [text, answer] : script)
-      box.Expect(Exact(text), Buttons_Of(text, answer), answer);
+    for (const auto& [text, answer] : script) box.Expect(Exact(text), Buttons_Of(text, answer), answer);
   }
   static Buttons Buttons_Of(const std::string& text, Answer answer) {
     if (text.find(" identified for ") != std::string::npos) return Buttons::OK_Cancel;

@@ -1,4 +1,4 @@
-// The built program, run as a script runs it: no terminal, output caught.
+// Runs the built program as a script does: no terminal, output captured.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -25,7 +25,7 @@ struct Outcome {
   Json Document() const { return Json::parse(out); }
 };
 
-// Each test has a folder of its own.
+// A folder of its own for each test.
 class Program_Test : public testing::Test {
  protected:
   std::string Path(const std::string& name) const { return (folder_ / name).string(); }
@@ -41,7 +41,7 @@ class Program_Test : public testing::Test {
         std::system((line + " </dev/null >'" + Path("out") + "' 2>'" + Path("err") + "'").c_str());
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, Bytes_Of(Path("out")), Bytes_Of(Path("err"))};
   }
-  // On the test's store.
+  // Runs a command on the test's store.
   Outcome On_Store(Words words) const {
     words.insert(words.begin(), {"--store", store_});
     return Run(words);
@@ -50,7 +50,7 @@ class Program_Test : public testing::Test {
     const Outcome made = Run({"sample", store_, "--items", std::to_string(items)});
     ASSERT_EQ(made.status, 0) << made.err;
   }
-  // What no command can do to a store.
+  // Changes the store behind the program's back.
   void Alter(const char* sql) const {
     sqlite3* connection = nullptr;
     ASSERT_EQ(sqlite3_open(store_.c_str(), &connection), SQLITE_OK);
@@ -72,7 +72,7 @@ inline Words operator+(Words left, const Words& right) {
   return left;
 }
 
-// At blanks.
+// Splits at blanks.
 inline Words Split(const std::string& text) {
   std::istringstream stream(text);
   return {std::istream_iterator<std::string>(stream), {}};

@@ -163,7 +163,7 @@ TEST_F(Import, takes_what_other_programs_wrote) {
   long imported = 0;
   for (const auto& entry : fs::directory_iterator(TIDYFOLD_SHARED_DATA)) {
     const fs::path kind = entry.path().extension();
-    if (kind != ".pst" && kind != ".mbox") continue;  // the kinds that are read completely
+    if (kind != ".pst" && kind != ".mbox") continue;  // these are read completely
     const std::string source = entry.path().string();
     const Outcome outcome = On_Store({"import", source});
     EXPECT_EQ(outcome.status, 0) << outcome.err;
@@ -179,7 +179,7 @@ TEST_F(Import, takes_what_other_programs_wrote) {
   EXPECT_EQ(On_Store({"check"}).status, 0);
 }
 
-// What is said, and a word of what is told. STORE stands for the store's file.
+// Arguments, and a part of the error. STORE stands for the store's file.
 const std::pair<const char*, const char*> bad_cases[] = {
     {"--store STORE", "--help"},
     {"folders", "--store"},

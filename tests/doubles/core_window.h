@@ -1,5 +1,5 @@
-// The program over a store in memory whose calls can be made to fail, entered below its start-up: tests call the
-// procedures of single floors.
+// The program over a store in memory whose calls can be made to fail, entered below its start-up: tests call
+// the procedures of single floors.
 #pragma once
 
 #include <gtest/gtest.h>

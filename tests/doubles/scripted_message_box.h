@@ -1,5 +1,5 @@
-// A message box that a test answers from a script. A box that the script does not expect fails the test, and
-// so does one that is expected and never shown.
+// A message box that a test answers from a script. Unexpected boxes fail the test, and so do expected ones
+// that are never shown.
 //
 //   Scripted_Message_Box box;
 //   box.Expect("Are you sure", Buttons::Yes_No, Answer::Yes);
@@ -19,7 +19,7 @@
 
 namespace tidyfold {
 
-// What the text of an expected box must be: a part of it, or all of it. A plain text is a part.
+// The text of an expected box: all of it, or a part. A plain string is a part.
 struct Expected_Text {
   Expected_Text(const char* part) : text(part) {}
   Expected_Text(std::string part) : text(std::move(part)) {}
@@ -50,8 +50,7 @@ class Scripted_Message_Box : public Message_Box {
   Scripted_Message_Box& operator=(const Scripted_Message_Box&) = delete;
   ~Scripted_Message_Box() override { Verify(); }
 
-  // Boxes come in the order in which they are expected. The action runs while the box is open, as a handler
-  // does that the box's own event loop lets through.
+  // Boxes must come in this order. The action runs while the box is open, like a handler in its event loop.
   void Expect(Expected_Text text, Buttons buttons, Answer answer, std::function<void()> while_open = {}) {
     script_.push_back({std::move(text), buttons, answer, std::move(while_open)});
   }

@@ -1,4 +1,4 @@
-// A directory for sources, a store in memory, and a record of all that was written to it.
+// A directory for sources, a store in memory, and a record of everything written to it.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -17,7 +17,7 @@
 
 namespace tidyfold {
 
-// Local time is New York's: half the year 5, half the year 4 hours behind UTC.
+// Sets local time to New York's: 5 hours behind UTC, 4 in summer.
 class In_New_York {
  public:
   In_New_York() {

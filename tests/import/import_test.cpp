@@ -21,7 +21,7 @@ TEST_F(Import_Test, Kinds_Are_Told_By_Content_Whatever_The_Name) {
       {"\n\nFrom a@b Fri Aug 23 02:32:53 2002\nSubject: x\n\n", Source_Kind::Mbox},
       {"Return-Path: <a@b>\nX-Odd: y\n\tand on\n\nbody", Source_Kind::Eml},
       {"\xEF\xBB\xBFSubject: x\r\n\r\nbody", Source_Kind::Eml},
-      {"From : a@b\n\nbody", Source_Kind::Eml},  // an old way to write a header, no separator
+      {"From : a@b\n\nbody", Source_Kind::Eml},  // an old header form, not a separator
   };
   for (const auto& [content, kind] : cases) {
     EXPECT_EQ(Detect_Source(Write("source.txt", content)), kind) << content;
@@ -37,7 +37,7 @@ TEST_F(Import_Test, What_Is_No_Source_Or_Cut_Off_Is_Refused_And_Changes_Nothing)
       {std::string_view("\0\x01\xFFjunk\n", 8), "none that can be imported"},
       {"From the beginning it was: text\nand no mail.\n", "none that can be imported"},
       {"#!/bin/sh\necho From: a\n", "none that can be imported"},
-      {"Name: x\nColour: y\n\n", "none that can be imported"},  // fields, but of no mail
+      {"Name: x\nColour: y\n\n", "none that can be imported"},  // header fields, but none of mail
       {"!BDN and then something else, long enough for a header", "cut off"},
       {std::string_view("!BD", 3), "none that can be imported"},
       {"From a@b Fri Aug 23 02:32:53 2002\nS: 1\n\none\n\nFrom a@b Fri Aug 23 02:32:53 2002\nS: 2\n\nhalf",
@@ -68,7 +68,7 @@ TEST_F(Import_Test, Goes_Into_The_Folder_Named_Or_One_Named_After_The_Source) {
   options.folder_path = {"Inbox", "a/b", "two\nlines", "bad\xFF"};
   Import(source, options);
   EXPECT_EQ(Items_In({"Inbox", "a/b", "two lines", "bad\uFFFD"}), 1);
-  options.folder_path = {"inbox"};  // names count by the letter
+  options.folder_path = {"inbox"};  // names are case-sensitive
   Import(source, options);
   EXPECT_EQ(Items_In({"Inbox"}), 0);
   EXPECT_EQ(Items_In({"inbox"}), 1);
@@ -95,7 +95,7 @@ TEST_F(Import_Test, A_Store_That_Cannot_Be_Written_Is_Left_As_It_Was) {
 }
 
 TEST_F(Import_Test, Progress_Is_Told_And_Can_Cancel) {
-  // Enough to take longer than one period of progress on any machine.
+  // Takes longer than one progress period on any machine.
   const auto source = Write("mail", Mbox(5000));
   std::int64_t last = 0;
   Import_Options options;
@@ -157,7 +157,7 @@ TEST_F(Maildir_Test, File_Names_Tell_Flags_And_Delivery) {
       {"1030084373.host;2,S", false, true, false, Day(37491, 2, 32, 53)},
       {"1030084373.host!2,", false, false, false, Day(37491, 2, 32, 53)},
       {"1030084373.STST", false, false, false, Day(37491, 2, 32, 53)},
-      {"1030084373.host:2,S", true, false, false, Day(37491, 2, 32, 53)},  // nothing in new/ was seen
+      {"1030084373.host:2,S", true, false, false, Day(37491, 2, 32, 53)},  // nothing in new/ is seen
       {"msg.1", false, false, false, no_date},
       {"12345678901234567890.x", false, false, false, no_date},
   };

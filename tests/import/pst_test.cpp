@@ -44,7 +44,7 @@ TEST_F(Pst_Test, Mail_With_Its_Attachment) {
   REQUIRE_SHARED_FILE(source, "sample1.pst");
   EXPECT_EQ(Import(source).imported, 1);
   EXPECT_EQ(Items_In({"Sample1"}), 1);
-  EXPECT_EQ(store.Top_Folder()->Folders()->Count(), 11);  // Deleted Items is the store's own
+  EXPECT_EQ(store.Top_Folder()->Folders()->Count(), 11);  // Deleted Items is not imported as a folder
   EXPECT_EQ(Item(1).item_class, item_class::mail);
   EXPECT_EQ(Item(1).subject, "Here is a sample message");
   EXPECT_EQ(Item(1).sender, "Terry Mahaffey");
@@ -60,7 +60,7 @@ TEST_F(Pst_Test, Mail_With_Its_Attachment) {
   EXPECT_EQ(Item(1).attachments[0].name, "leah_thumper.jpg");
   EXPECT_EQ(Item(1).attachments[0].size, 93142);
 
-  // What was built anew reads like the original.
+  // The rebuilt message equals the original.
   const New_Item item = Item(1);
   Import(Write("rebuilt.eml", item.raw_message));
   EXPECT_EQ(Item(2).subject, item.subject);
@@ -78,7 +78,7 @@ TEST_F(Pst_Test, Calendar_And_Contacts) {
   EXPECT_EQ(Item(1).item_class, item_class::appointment);
   EXPECT_EQ(Item(1).subject, "Test appointment");
   EXPECT_DOUBLE_EQ(Item(1).end, Day(42584, 11, 30));
-  EXPECT_TRUE(Item(1).attachments.empty());  // what is attached are the series' exceptions
+  EXPECT_TRUE(Item(1).attachments.empty());  // only the exceptions of the series are attached
   EXPECT_TRUE(Item(1).raw_message.empty());
   EXPECT_EQ(Item(2).item_class, item_class::distribution_list);
   EXPECT_EQ(Item(2).subject, "test dist list");
@@ -94,7 +94,7 @@ TEST_F(Pst_Test, Calendar_And_Contacts) {
   EXPECT_DOUBLE_EQ(Item(4).end, Day(38218, 15, 30));
 }
 
-// The header's checksum: that of PNG and zip, begun with 0 and left as it is.
+// The header's checksum: CRC-32 with initial value 0 and without final inversion.
 std::string Checksum(std::string_view bytes) {
   std::uint32_t sum = 0;
   for (const char byte : bytes) {

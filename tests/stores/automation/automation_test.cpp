@@ -1,5 +1,5 @@
 // The whole program, and single calls, over real COM.
-// In front of all others, as it takes away a macro of the system's.
+// First, since it undefines a macro of the system headers.
 #include "stores/automation/com.h"
 
 #include <sddl.h>
@@ -24,7 +24,7 @@ struct Served_Store {
   std::shared_ptr<NameSpace> Open() {
     return outlook.GetObject("", "Outlook.Application")->GetNamespace("MAPI");
   }
-  // Calls to Outlook so far, and those that ask for the id of a name.
+  // Calls to Outlook so far, and those of GetIDsOfNames.
   std::pair<int, int> Calls() { return {server.Calls_Of(""), server.Calls_Of("GetIDsOfNames")}; }
 
   Test_Outlook server;
@@ -87,7 +87,7 @@ TEST(Automation, Attaches_To_What_Runs_And_Starts_What_Does_Not) {
   }
 }
 
-// What it costs, with the fixed part of a folder taken out: a mail read, and one deleted for good.
+// The marginal cost of a mail in calls, to read it and to delete it.
 TEST(Automation, Calls_Stay_Within_Their_Budget) {
   struct Cost {
     int read, deleted, ids;
@@ -114,7 +114,7 @@ TEST(Automation, Calls_Stay_Within_Their_Budget) {
     std::cout << "calls for a mail: " << read << " to read it, " << deleted << " for a run ("
               << (options.empty() ? "moved, and read again" : "deleted for good") << ")\n";
     EXPECT_LE(read, 8);
-    // What only moved is read once more, in Deleted Items.
+    // Moved items are read once more in Deleted Items.
     EXPECT_LE(deleted, options.empty() ? 4 + 8 : 6);
     EXPECT_EQ(few.ids, more.ids) << "ids of names are asked for once";
   }
@@ -219,7 +219,7 @@ TEST(Companion, Without_It_Mail_Is_Shown_All_The_Same) {
   EXPECT_EQ(f.grid.Rows(), 2);
 }
 
-// For a while, a place where nothing can be written stands for what belongs to the machine.
+// A key without write access stands in for HKEY_LOCAL_MACHINE.
 TEST(Companion, Is_Registered_For_The_User_Where_The_Machine_Is_Out_Of_Reach) {
   ASSERT_TRUE(Test_Outlook::Register_Companion(false));
   const wchar_t* const place = L"Software\\Tidyfold test machine";

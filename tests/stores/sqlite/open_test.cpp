@@ -17,7 +17,7 @@ namespace {
 namespace fs = std::filesystem;
 using Reason = Store_Open_Error::Reason;
 
-// Why the store cannot be opened; nothing when it can.
+// Why the store cannot be opened; nothing if it can.
 std::optional<Reason> Refusal(const fs::path& file, Store_Mode mode) {
   try {
     Embedded_Store::Open(file, mode);
@@ -85,7 +85,7 @@ TEST(Open, Bad_Files_Are_Refused_And_Left_Alone) {
   }
 }
 
-// Not a scan: what lies on a damaged page may be found out only when it is read, but always by an error.
+// Opening does not scan the file: damage may show only when the page is read, but always as an error.
 TEST(Open, A_Flipped_Byte_Never_Brings_The_Program_Down) {
   const Temporary_Directory directory;
   const fs::path file = directory / "flipped.tfs";
@@ -95,7 +95,7 @@ TEST(Open, A_Flipped_Byte_Never_Brings_The_Program_Down) {
   int refused = 0, failed = 0, unharmed = 0;
   for (int round = 0; round < 600; ++round) {
     std::string bytes = sound;
-    // Every second time in what is there of a page, where it hurts.
+    // Every second time in the header of a page, where it does most harm.
     const std::size_t at =
         round % 2 == 0 ? random() % bytes.size() : 4096 * (random() % (bytes.size() / 4096)) + random() % 120;
     bytes[at] = static_cast<char>(bytes[at] ^ (1 << random() % 8));
@@ -191,7 +191,7 @@ TEST_F(Store_File, One_Writer_Or_Many_Readers) {
   }
 }
 
-// Whatever this process does with the file besides, other processes stay locked out.
+// Whatever else this process does with the file, other processes stay locked out.
 TEST_F(Store_File, A_Refused_Second_Opening_Keeps_The_Lock_Of_The_First) {
   Make_Small_Store(file_);
   const auto store = Embedded_Store::Open(file_, Store_Mode::Read_Write);
@@ -209,7 +209,7 @@ TEST_F(Store_File, A_Refused_Second_Opening_Keeps_The_Lock_Of_The_First) {
               return lock.l_type == F_WRLCK ? 1 : 0;
             }),
             1);
-  // A program that knows nothing of Tidyfold is kept out as well: no item goes behind a loop's back.
+  // Any other SQLite program is locked out, too.
   EXPECT_EQ(Run_Sql(file_, "DELETE FROM item"), SQLITE_BUSY);
   EXPECT_EQ(Subjects_Of(*store, "Inbox"), "1 2 3");
 }
@@ -235,7 +235,7 @@ TEST(Open, Permissions_Decide_What_Can_Be_Done) {
     chmod(file.c_str(), one.file);
     chmod(directory.Path().c_str(), one.directory);
     const int result = In_Killed_Process([&] {
-      // Permissions mean nothing to root.
+      // Permissions do not apply to root.
       if (geteuid() == 0 && setuid(nobody) != 0) return 100;
       const bool writing = Refusal(file, Store_Mode::Read_Write) == one.writing;
       const bool reading = Refusal(file, Store_Mode::Read_Only) == one.reading;

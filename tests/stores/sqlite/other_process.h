@@ -1,4 +1,4 @@
-// A process beside the tests, made by a fork.
+// A second process, made by a fork.
 #pragma once
 
 #include <signal.h>
@@ -11,8 +11,7 @@
 
 namespace tidyfold {
 
-// Another process that has done some work and then does nothing more until it is killed: nothing of it is
-// closed or tidied up.
+// Does some work in another process, which then waits to be killed, so that nothing is closed or tidied up.
 class Other_Process {
  public:
   // Returns when `work` has ended.

@@ -46,7 +46,7 @@ TEST_F(Embedded_Store_Test, What_Was_Done_Lasts) {
   EXPECT_EQ(store_->Check(), std::vector<std::string>());
 }
 
-// Against the plainest model there is: two lists of identifiers.
+// Compared with the simplest model: two lists of identifiers.
 TEST_F(Embedded_Store_Test, No_Place_Ever_Stands_For_Another_Item) {
   constexpr int count = 3000, steps = 20000;
   Add_Numbered(*store_, "Inbox", count);
@@ -57,7 +57,7 @@ TEST_F(Embedded_Store_Test, No_Place_Ever_Stands_For_Another_Item) {
   std::mt19937 random(7);
   std::size_t at = 0;
   for (int step = 0; step < steps && !expected.empty(); ++step) {
-    // Mostly walks, in both directions; now and then a jump.
+    // Mostly walks in both directions, sometimes jumps.
     const auto choice = random() % 200;
     if (choice == 0) at = random() % expected.size();
     if (choice == 1) at = 0;
@@ -114,7 +114,7 @@ TEST_F(Embedded_Store_Test, A_Removed_Folder_Leaves_Nothing_In_The_File) {
   }
 }
 
-// What the cache reads of an item never touches the table of the bodies.
+// Reading an item for the cache never touches the table of bodies.
 TEST_F(Embedded_Store_Test, The_Start_Of_A_Text_Stands_In_The_Items_Row) {
   New_Item note;
   note.item_class = item_class::note;

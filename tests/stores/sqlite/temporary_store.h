@@ -1,4 +1,4 @@
-// Store files for one test, and what tests do to them behind the program's back.
+// Store files for a test, and access to them behind the program's back.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -17,7 +17,7 @@
 
 namespace tidyfold {
 
-// Every file of a directory, name and bytes.
+// The name and the bytes of every file in a directory.
 inline std::map<std::string, std::string> All_Files(const std::filesystem::path& directory) {
   std::map<std::string, std::string> files;
   for (const auto& entry : std::filesystem::directory_iterator(directory)) {
@@ -26,7 +26,7 @@ inline std::map<std::string, std::string> All_Files(const std::filesystem::path&
   return files;
 }
 
-// By a connection of another program's.
+// Runs SQL on a connection of its own, as another program would.
 inline int Run_Sql(const std::filesystem::path& file, const std::string& sql,
                    std::int64_t* number = nullptr) {
   sqlite3* connection = nullptr;
