@@ -1,4 +1,4 @@
-"""Runs the built window on a screen of its own and drives it as a person would, for pictures and measurements."""
+"""Runs build/bin/tidyfold-driven on a virtual screen by mouse and keyboard, for pictures and measurements."""
 
 import json
 import os

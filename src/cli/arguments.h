@@ -1,4 +1,4 @@
-// What the program was asked to do.
+// The parsed command line.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,7 @@
 
 namespace tidyfold::cli {
 
-enum class Command { Sample, Import, Folders, Items, Clean, Check };
+enum class Command { Sample, Import, Folders, Items, Clean, Check, Runs, Undo };
 enum class Form { Text, Json, Csv };
 
 struct Filters {
@@ -36,6 +36,9 @@ struct Arguments {
   std::vector<std::filesystem::path> stores;
   Form form = Form::Text;
 
+  // runs, undo
+  std::optional<std::int64_t> run;
+
   // items, clean
   std::vector<std::string> folders;  // paths
   bool sub_folders = false;
@@ -55,10 +58,10 @@ struct Arguments {
   std::uint64_t sample_seed = 0;
 };
 
-// `arguments` without the program's name. Throws Failure for bad usage, Help where help was asked for.
+// `arguments` without the program's name. Throws Failure for bad usage, Help if help was asked for.
 Arguments Read_Arguments(std::vector<std::string> arguments);
 
-// Not a failure: the text is what was asked for.
+// The help text that was asked for; not a failure.
 struct Help {
   std::string text;
 };

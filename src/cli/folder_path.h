@@ -1,20 +1,16 @@
-// Folders as they are written on the command line: names joined by "/", where a "/" or "\" of a name is
-// written "\/" or "\\". A store's top folder is "/".
+// Folder paths on the command line.
 #pragma once
 
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "outlook/folder_path.h"
+
 namespace tidyfold::cli {
 
-inline constexpr const char* top_folder_path = "/";
-
-// The names from below the top folder down, none for the top folder itself. Names may be empty. Throws
-// Failure where a "\" stands before anything else than "/" or "\".
+// The names from below the top folder down, none for the top folder itself. Throws Failure for a "\" before any
+// other character than "/" or "\".
 std::vector<std::string> Parse_Folder_Path(std::string_view path);
-
-// A single name as it stands in a path.
-std::string Escape_Folder_Name(std::string_view name);
 
 }  // namespace tidyfold::cli

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <nlohmann/json_fwd.hpp>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "cli/arguments.h"
@@ -11,21 +12,27 @@
 
 namespace tidyfold::cli {
 
-// UTF-8 whatever the texts hold.
+// Always valid UTF-8.
 std::string To_Json(const nlohmann::ordered_json& value);
+
+// The message boxes that were shown, as documents list them.
+nlohmann::ordered_json Messages_Json(const Terminal_Message_Box& messages);
+
+// A text on one line and exactly as wide as its column.
+std::string Cell(std::string_view text, std::size_t width);
 
 // "1 item", "2 items".
 std::string Counted(std::int64_t count, const std::string& word);
 
 void List_Folders(Session& session, Terminal& terminal, Form form);
 
-// Writes items one by one; a store may hold more than fit into memory twice.
+// Writes items one by one: a copy of all of them may not fit into memory.
 class Item_Listing {
  public:
   Item_Listing(Session& session, Terminal& terminal, Form form)
       : session_(session), terminal_(terminal), form_(form) {}
 
-  // What a run with the marks and options of the window would take, folder by folder. Returns how many.
+  // The items that a run with the window's marks and options would take, by folder. Returns their number.
   std::int64_t Write();
 
  private:

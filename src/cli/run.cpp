@@ -1,6 +1,7 @@
 #include "cli/commands.h"
 #include "errors/automation_error.h"
 #include "import/import.h"
+#include "runs/run_log.h"
 #include "stores/sqlite/store_open_error.h"
 
 namespace tidyfold::cli {
@@ -21,11 +22,15 @@ Exit_Status Run_Command(const Arguments& arguments, Terminal& terminal) {
       return Clean(arguments, terminal);
     case Command::Check:
       return Check(arguments, terminal);
+    case Command::Runs:
+      return Runs(arguments, terminal);
+    case Command::Undo:
+      return Undo(arguments, terminal);
   }
   return Exit_Status::Bad_Input;
 }
 
-// The command's errors, told.
+// Reports the command's errors.
 Exit_Status Guarded(Terminal& terminal, const std::vector<std::string>& words) {
   try {
     return Run_Command(Read_Arguments(words), terminal);
@@ -39,13 +44,15 @@ Exit_Status Guarded(Terminal& terminal, const std::vector<std::string>& words) {
     terminal.Write_Error(error.what());
   } catch (const Import_Error& error) {
     terminal.Write_Error(error.what());
+  } catch (const Run_Log_Error& error) {
+    terminal.Write_Error(error.what());
   } catch (const Automation_Error& error) {
     terminal.Write_Error(error.Description());
   } catch (const std::exception& error) {
     terminal.Write_Error(std::string("Something unexpected went wrong: ") + error.what());
     return Exit_Status::Not_All_Done;
   }
-  // Whatever was begun has been taken back.
+  // Everything that was begun has been rolled back.
   return Exit_Status::Bad_Input;
 }
 

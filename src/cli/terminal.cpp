@@ -1,19 +1,10 @@
 #include "cli/terminal.h"
 
-#include <csignal>
 #include <cstdio>
-#ifdef _WIN32
-#include <io.h>
-#else
-#include <fcntl.h>
-#include <poll.h>
-#include <unistd.h>
 
-#include <array>
-#endif
-
-#include "cli/failure.h"
 #include "base/text.h"
+#include "cli/console.h"
+#include "cli/failure.h"
 
 namespace tidyfold::cli {
 
@@ -23,62 +14,9 @@ using namespace std::chrono_literals;
 
 constexpr auto before_progress = 1s;
 constexpr auto between_progress = 100ms;
-// Longer lines would wrap, and a wrapped line cannot be replaced.
+// Longer lines would wrap, and a wrapped line cannot be overwritten.
 constexpr std::size_t progress_width = 79;
 constexpr const char* clear_line = "\r\x1B[K";
-
-// A handler of signals can reach nothing else than what stands here.
-volatile std::sig_atomic_t interrupted = 0;
-
-#ifdef _WIN32
-bool Is_Terminal(std::FILE* stream) {
-  return _isatty(_fileno(stream)) != 0;
-}
-
-extern "C" void Note_Interrupt(int) {
-  interrupted = 1;
-}
-
-void Catch_Interrupt() {
-  interrupted = 0;
-  std::signal(SIGINT, &Note_Interrupt);
-}
-
-int Read_Byte() {
-  return std::getc(stdin);
-}
-#else
-bool Is_Terminal(std::FILE* stream) {
-  return isatty(fileno(stream)) != 0;
-}
-
-// Wakes a question that is open, whenever the signal comes.
-std::array<int, 2> wake_up = {-1, -1};
-
-extern "C" void Note_Interrupt(int) {
-  interrupted = 1;
-  [[maybe_unused]] const auto written = write(wake_up[1], "", 1);
-}
-
-void Catch_Interrupt() {
-  interrupted = 0;
-  if (wake_up[0] < 0 && pipe(wake_up.data()) == 0)
-    for (const int end : wake_up) fcntl(end, F_SETFD, FD_CLOEXEC);
-  struct sigaction action {};
-  action.sa_handler = &Note_Interrupt;
-  action.sa_flags = static_cast<int>(SA_RESETHAND | SA_RESTART);
-  sigaction(SIGINT, &action, nullptr);
-}
-
-// -1 at the end of the input and on the signal.
-int Read_Byte() {
-  std::array<pollfd, 2> ready = {{{STDIN_FILENO, POLLIN, 0}, {wake_up[0], POLLIN, 0}}};
-  while (interrupted == 0 && poll(ready.data(), ready.size(), -1) < 0) {
-  }
-  unsigned char byte = 0;
-  return interrupted == 0 && read(STDIN_FILENO, &byte, 1) == 1 ? byte : -1;
-}
-#endif
 
 bool Steers_Terminal(char32_t character) {
   return (character < 0x20 && character != '\t' && character != '\n') ||
@@ -96,7 +34,7 @@ std::string Printable(std::string_view text) {
   for (std::size_t at = 0; at < valid.size(); ++at) {
     const auto byte = static_cast<unsigned char>(valid[at]);
     if (byte == '\r' && at + 1 < valid.size() && valid[at + 1] == '\n') continue;
-    // U+0080 to U+009F are the only ones beyond ASCII.
+    // The C1 controls, U+0080 to U+009F, are the only ones beyond ASCII.
     const bool pair = byte == 0xC2 && at + 1 < valid.size();
     const char32_t character = pair ? static_cast<unsigned char>(valid[at + 1]) : byte;
     if ((byte < 0x80 || pair) && Steers_Terminal(character)) {
@@ -113,7 +51,7 @@ std::string Printable_Line(std::string_view text) {
   std::string line;
   for (const char character : Printable(text)) {
     const bool blank = character == '\n' || character == '\t';
-    // Runs of line ends and tabs only lay the text out.
+    // Runs of line ends and tabs are only layout.
     if (!blank || (!line.empty() && line.back() != ' ')) line += blank ? ' ' : character;
   }
   return line;
@@ -145,7 +83,7 @@ void Terminal::Check_Output() {
 
 void Terminal::Write_Aside(std::string_view text) {
   End_Progress();
-  // What was said before stands before.
+  // Keeps the order of the two streams.
   std::fflush(stdout);
   std::fwrite(text.data(), 1, text.size(), stderr);
 }
@@ -185,7 +123,7 @@ void Terminal::End_Progress() {
 }
 
 bool Terminal::Interrupted() const {
-  return interrupted != 0;
+  return Interrupt_Caught();
 }
 
 }  // namespace tidyfold::cli

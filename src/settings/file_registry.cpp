@@ -1,15 +1,14 @@
 #include "settings/file_registry.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <iterator>
 #include <limits>
 #include <nlohmann/json.hpp>
-#include <random>
 #include <system_error>
 
+#include "base/replace_file.h"
 #include "base/text.h"
 
 namespace tidyfold {
@@ -49,7 +48,7 @@ auto Find(Object& object, std::string_view name) {
   return at;
 }
 
-// What the object holds under the name, which is made where it is missing.
+// The member of that name, which is made where it is missing.
 json& Member(json& object, const std::string& name) {
   const auto found = Find(object, name);
   return found != object.end() ? *found : object[name] = json::object();
@@ -67,7 +66,7 @@ bool Is_Number(const json& data) {
          number <= std::numeric_limits<std::int32_t>::max();
 }
 
-// Values of types that the program does not know may hold anything.
+// A value of an unknown type may hold anything.
 bool Is_Value(const json& value) {
   if (!value.is_object() || !value.contains("type") || !value["type"].is_string()) return false;
   const std::string& type = value["type"].get_ref<const std::string&>();
@@ -91,7 +90,7 @@ bool Is_Registry(const json& root) {
 struct File_Registry::Document {
   json roots = json::object();
 
-  // Nothing where the root has no such key.
+  // Null where the root has no such key.
   const json* Key_At(const Open_Key& key) const {
     const auto root = Find(roots, Root_Name(key.root));
     if (root == roots.end()) return nullptr;
@@ -100,21 +99,6 @@ struct File_Registry::Document {
   }
   json& Make_Key(const Open_Key& key) { return Member(Member(roots, Root_Name(key.root)), key.path); }
 };
-
-std::filesystem::path User_Registry_File() {
-  const auto variable = [](const char* name) {
-    const char* const value = std::getenv(name);
-    return std::filesystem::path(value == nullptr ? "" : value);
-  };
-  std::filesystem::path folder = variable("XDG_CONFIG_HOME");
-  // A relative one is to be ignored (XDG Base Directory rules).
-  if (!folder.is_absolute()) {
-    const std::filesystem::path home = variable("HOME");
-    if (!home.is_absolute()) return {};
-    folder = home / ".config";
-  }
-  return folder / "tidyfold" / "registry.json";
-}
 
 File_Registry::File_Registry(std::filesystem::path file, std::function<void(const std::string&)> tell)
     : file_(std::move(file)), tell_(std::move(tell)) {}
@@ -216,51 +200,32 @@ std::int32_t File_Registry::Read(Document& document) {
   if (status.type() != std::filesystem::file_type::regular || !stream) return registry_result::access_denied;
   const std::string text{std::istreambuf_iterator<char>(stream), {}};
   if (stream.bad()) return registry_result::access_denied;
-  stream.close();  // an open file cannot be set aside everywhere
-  try {
-    document.roots = json::parse(text);
-    if (Is_Registry(document.roots)) return registry_result::success;
-    Set_Aside("it is no settings file");
-  } catch (const json::exception& damage) {
-    Set_Aside(damage.what());
-  }
+  document.roots = json::parse(text, nullptr, false);
+  if (Is_Registry(document.roots)) return registry_result::success;
   document.roots = json::object();
+  stream.close();  // Windows renames no open file
+  Set_Aside();
   return registry_result::success;
 }
 
-void File_Registry::Set_Aside(const std::string& reason) {
-  std::filesystem::path aside = file_;
+void File_Registry::Set_Aside() {
+  const std::filesystem::path damaged = Behind_Links(file_);
+  std::filesystem::path aside = damaged;
   aside += ".damaged";
   std::error_code error;
-  std::filesystem::rename(file_, aside, error);
+  std::filesystem::rename(damaged, aside, error);
   if (tell_ == nullptr) return;
-  std::string text = "The settings in " + file_.string() + " could not be read (" + reason + "). ";
-  text += error ? "Remove that file; until then settings are not kept."
-                : "They start afresh; the damaged file is kept as " + aside.string() + ".";
+  std::string text = "The file with the settings, " + file_.string() + ", is damaged. ";
+  text += error ? "Remove it; until then settings are not kept."
+                : "The settings start afresh; the damaged file is kept as " + aside.string() + ".";
   // Told once, whatever becomes of the file.
   std::exchange(tell_, nullptr)(text);
 }
 
 std::int32_t File_Registry::Write(const Document& document) {
   if (file_.empty()) return registry_result::file_not_found;
-  std::error_code error;
-  // A link stays a link; what it points to is replaced.
-  std::filesystem::path target = std::filesystem::weakly_canonical(file_, error);
-  if (error) target = file_;
-  std::filesystem::create_directories(target.parent_path(), error);
-  // Two programs may write at the same time; each its own file.
-  std::filesystem::path written = target;
-  written += "." + std::to_string(std::random_device{}()) + ".new";
-  {
-    std::ofstream stream(written, std::ios::binary | std::ios::trunc);
-    stream << document.roots.dump(2) << '\n' << std::flush;
-    if (!stream) {
-      std::filesystem::remove(written, error);
-      return registry_result::access_denied;
-    }
-  }
-  std::filesystem::rename(written, target, error);
-  return error ? registry_result::access_denied : registry_result::success;
+  return Replace_File(file_, document.roots.dump(2) + '\n') ? registry_result::access_denied
+                                                            : registry_result::success;
 }
 
 }  // namespace tidyfold

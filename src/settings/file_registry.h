@@ -1,24 +1,17 @@
-// A registry in a file, for systems that have none.
+// A registry in a file, for systems without one.
 #pragma once
 
 #include <filesystem>
 #include <map>
-#include <optional>
-#include <utility>
 
 #include "settings/registry.h"
 
 namespace tidyfold {
 
-// Where the registry of the current user lies: tidyfold/registry.json in $XDG_CONFIG_HOME, or in ~/.config.
-// Empty where the user has no home.
-std::filesystem::path User_Registry_File();
-
-// The file is JSON: root, key path, value name, type and data. It is read anew by every operation, so that
-// several programs may share it, and replaced as a whole by every write, so that it is never seen half
-// written. A file that cannot be understood is set aside as FILE.damaged, which `tell` is told once, and
-// settings start afresh. Holds REG_SZ and REG_DWORD values; values of other types are kept as they are and
-// read as a type of their own without data.
+// The file is JSON: root, key path, value name, type and data. Every operation reads it anew, so that several
+// programs may share it, and every write replaces it as a whole (Replace_File). A damaged file is renamed to
+// FILE.damaged, which `tell`, if any, is told once, and the settings start afresh. Holds REG_SZ and REG_DWORD
+// values; values of other types are kept as they are and read as registry_type::none without data.
 class File_Registry : public Registry {
  public:
   File_Registry(std::filesystem::path file, std::function<void(const std::string&)> tell);
@@ -41,7 +34,7 @@ class File_Registry : public Registry {
 
   std::int32_t Read(Document& document);
   std::int32_t Write(const Document& document);
-  void Set_Aside(const std::string& reason);
+  void Set_Aside();
   Key Remember(Registry_Root root, const std::string& sub_key);
 
   std::filesystem::path file_;

@@ -6,7 +6,9 @@
 #include <iterator>
 #include <random>
 
+#include "settings/last_stores.h"
 #include "settings/registry_routines.h"
+#include "settings/user_settings_file.h"
 
 namespace tidyfold {
 namespace {
@@ -16,7 +18,7 @@ class File_Registry_Test : public testing::Test {
   File_Registry_Test()
       : folder_(std::filesystem::temp_directory_path() /
                 ("tidyfold-registry-" + std::to_string(std::random_device{}()))),
-        file_(folder_ / "tidyfold" / "registry.json") {
+        file_(folder_ / "tidyfold" / "settings.json") {
     std::filesystem::create_directories(file_.parent_path());
   }
   ~File_Registry_Test() override { std::filesystem::remove_all(folder_); }
@@ -68,7 +70,9 @@ TEST_F(File_Registry_Test, A_Damaged_File_Is_Set_Aside_With_A_Message_And_Everyt
     std::ofstream(file_) << text;
     EXPECT_EQ(Setting(setting::help_screen_height), "") << text.substr(0, 80);
     ASSERT_EQ(told_.size(), 1u) << text.substr(0, 80);
-    EXPECT_NE(told_[0].find(file_.string()), std::string::npos);
+    EXPECT_EQ(told_[0], "The file with the settings, " + file_.string() +
+                            ", is damaged. The settings start afresh; the damaged file is kept as " +
+                            file_.string() + ".damaged.");
     EXPECT_EQ(Text(file_.string() + ".damaged"), text);
     Save(setting::help_screen_height, 5000.0);
     EXPECT_EQ(Setting(setting::help_screen_height), "5000");
@@ -93,6 +97,53 @@ TEST_F(File_Registry_Test, Names_Have_No_Case_And_Values_Of_Other_Types_Are_Empt
   EXPECT_EQ(text.find("HelpScreenHeight"), std::string::npos)
       << "written a second time under another spelling";
 }
+
+#ifndef _WIN32
+// Absolute or relative, a link stays; behind it lies the new content with the permissions of the old.
+TEST_F(File_Registry_Test, Writing_Keeps_Links_And_Permissions) {
+  namespace fs = std::filesystem;
+  const auto mode = [](const fs::path& file) {
+    return static_cast<unsigned>(fs::status(file).permissions());
+  };
+  const fs::path kept = folder_ / "dotfiles" / "settings";
+  fs::create_directories(kept.parent_path());
+  std::ofstream(kept) << "{}";
+  fs::permissions(kept, static_cast<fs::perms>(0640));
+  for (const fs::path& link : {kept, fs::path("../dotfiles/settings"), fs::path("../new/settings")}) {
+    fs::remove(file_);
+    fs::create_symlink(link, file_);
+    Save(setting::help_screen_height, 6000.0);
+    EXPECT_EQ(fs::read_symlink(file_), link);
+    const fs::path target = (file_.parent_path() / link).lexically_normal();
+    EXPECT_NE(Text(target).find("6000"), std::string::npos);
+    EXPECT_EQ(mode(target), target == kept ? 0640u : 0600u) << target;
+  }
+}
+
+TEST_F(File_Registry_Test, Takes_Over_The_Two_Files_Of_Earlier_Versions_Once) {
+  const std::filesystem::path folder = file_.parent_path();
+  const auto take_over = [&] {
+    File_Registry registry(file_, nullptr);
+    Take_Over_Old_Settings(folder, registry);
+    return Last_Stores(registry);
+  };
+  std::ofstream(folder / "registry.json") << R"({"HKEY_LOCAL_MACHINE": {"Software\\Tidyfold": {)"
+                                          << R"("HelpScreenHeight": {"type": "REG_DWORD", "data": 5000}}}})";
+  std::ofstream(folder / "tidyfold.conf") << "2=/not/of/the/group\n[Stores]\n1=/a b/my \\\\ store\n"
+                                          << "2=/Privé\n[Other]\n4=/x\n";
+  const std::vector<std::filesystem::path> stores{"/a b/my \\ store", "/Privé"};
+  EXPECT_EQ(take_over(), stores);
+  EXPECT_EQ(Setting(setting::help_screen_height), "5000");
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 1);
+  // What is kept now is newer than a file that comes back.
+  File_Registry registry(file_, nullptr);
+  ASSERT_TRUE(Keep_Last_Stores(registry, {"/new", "2"}));
+  ASSERT_TRUE(Keep_Last_Stores(registry, {"/newer"}));
+  std::ofstream(folder / "tidyfold.conf") << "[Stores]\n1=/old\n";
+  EXPECT_EQ(take_over(), std::vector<std::filesystem::path>{"/newer"});
+  EXPECT_FALSE(std::filesystem::exists(folder / "tidyfold.conf"));
+}
+#endif
 
 TEST_F(File_Registry_Test, What_Cannot_Be_Reached_Is_Neither_Set_Aside_Nor_Written) {
   std::filesystem::create_directory(file_);

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The window without a store file works on Outlook: on the test server, which another client fills and reads."""
+"""The window without a store file cleans Outlook: the test server, which a script fills and reads."""
 
 import pathlib
 import shutil
@@ -45,7 +45,7 @@ def main():
         run("regsvr32", "/s", windows_path(programs / "TidyDll.dll"))
         script(run, FILL)
 
-    window = Wine_Window(wine, programs / "tidyfold.exe", [], screenshots, prepare)
+    window = Wine_Window(wine, programs / "tidyfold-driven.exe", [], screenshots, prepare)
     try:
         window.answer("All Folders Loaded")
         senders = {row["texts"][3] for row in window.state()["grid"]}

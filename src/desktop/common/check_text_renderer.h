@@ -10,8 +10,8 @@ namespace tidyfold {
 // Told when the user clicks an item's check box.
 using Tick_Handler = std::function<void(const wxDataViewItem& item)>;
 
-// The values are wxDataViewCheckIconText. On GTK the two parts are the toolkit's own cells, so that the theme
-// paints them and screen readers find them; elsewhere they are wxWidgets' own.
+// The values are wxDataViewCheckIconText. GTK's renderer uses the native check box and text cells, which the
+// theme paints and screen readers find; the one for Windows is wxWidgets' own.
 wxDataViewRenderer* New_Check_Text_Renderer(Tick_Handler ticked);
 
 }  // namespace tidyfold

@@ -3,6 +3,7 @@
 #include <wx/app.h>
 #include <wx/msgdlg.h>
 
+#include "desktop/common/review_sheet.h"
 #include "desktop/common/text_conversion.h"
 
 namespace tidyfold {
@@ -33,18 +34,31 @@ Answer To_Answer(int pressed, Buttons buttons) {
 
 }  // namespace
 
-Answer Desktop_Message_Box::Show(const std::string& text, Buttons buttons, Icon icon,
-                                 const std::string& title) {
-  if (opening) opening(text, buttons);
+Answer Desktop_Message_Box::Open(const std::string& text,
+                                 const std::function<Answer(wxWindow* parent)>& show) {
+  if (opening) opening(text);
   ++open_boxes_;
   wxWindow* const front = wxGetActiveWindow();
   wxWindow* parent = front != nullptr ? wxGetTopLevelParent(front) : wxTheApp->GetTopWindow();
   if (parent != nullptr && !parent->IsShown()) parent = nullptr;
-  wxMessageDialog dialog(parent, To_Lines(text), To_Wx(title), Style(buttons, icon) | wxCENTRE);
-  const Answer answer = To_Answer(dialog.ShowModal(), buttons);
+  const Answer answer = show(parent);
   --open_boxes_;
   if (closed) closed();
   return answer;
+}
+
+Answer Desktop_Message_Box::Show(const std::string& text, Buttons buttons, Icon icon,
+                                 const std::string& title) {
+  return Open(text, [&](wxWindow* parent) {
+    wxMessageDialog dialog(parent, To_Lines(text), To_Wx(title), Style(buttons, icon) | wxCENTRE);
+    return To_Answer(dialog.ShowModal(), buttons);
+  });
+}
+
+Answer Desktop_Message_Box::Show_Review(const Review& review) {
+  return Open(review.Text(), [&](wxWindow* parent) {
+    return Review_Sheet(parent, review).ShowModal() == wxID_OK ? Answer::OK : Answer::Cancel;
+  });
 }
 
 }  // namespace tidyfold

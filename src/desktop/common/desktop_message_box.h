@@ -1,25 +1,31 @@
 // Message boxes as the desktop shows them.
 #pragma once
 
+#include <wx/window.h>
+
 #include <functional>
 
 #include "controls/interaction.h"
 
 namespace tidyfold {
 
-// Belongs to the window that is in front. Esc and closing the box are the answer that changes nothing, and so
-// is Enter.
+// A box belongs to the window in front. Esc and closing it are the answer that changes nothing: No where
+// there is no Cancel. Enter is that answer too, except on the review, whose Enter is OK.
 class Desktop_Message_Box : public Message_Box {
  public:
   // Run around each box: before it opens (bring what lies behind it up to date), and after it has closed.
-  std::function<void(const std::string& text, Buttons buttons)> opening;
+  std::function<void(const std::string& text)> opening;
   std::function<void()> closed;
 
   Answer Show(const std::string& text, Buttons buttons, Icon icon, const std::string& title) override;
+  Answer Show_Review(const Review& review) override;
   // How many boxes are open, one above the other.
   int Open_Boxes() const { return open_boxes_; }
 
  private:
+  // `show` is given the window that the box belongs to.
+  Answer Open(const std::string& text, const std::function<Answer(wxWindow* parent)>& show);
+
   int open_boxes_ = 0;
 };
 

@@ -1,12 +1,9 @@
 // The program's own window for pages of the site.
 #pragma once
 
-#include <wx/frame.h>
-
-#include <functional>
+#include <string>
 
 #include "controls/interaction.h"
-#include "desktop/common/scale.h"
 #include "help/help_browser.h"
 
 namespace tidyfold {
@@ -14,8 +11,8 @@ namespace tidyfold {
 class Help_Browser_Frame;
 
 // Shows the model frmHelpBrowser, whose size is that of the client area, beside the other windows. The window
-// is made when the model is loaded and goes when it is unloaded. Where the toolkit has no view of Web pages,
-// the system's browser shows the page instead, and the person is told so.
+// is made when the model is loaded and destroyed when it is unloaded. Where there is no view of Web pages,
+// the system's browser shows the page instead, and a box says so.
 class Help_Browser_Binder {
  public:
   Help_Browser_Binder(Help_Browser_Window& model, Message_Box& message_box);

@@ -2,6 +2,7 @@
 
 #include <wx/statline.h>
 
+#include "desktop/common/system_look.h"
 #include "desktop/common/text_conversion.h"
 
 namespace tidyfold {
@@ -11,11 +12,6 @@ namespace {
 // Unscaled pixels.
 constexpr int margin = 10;
 constexpr int indent = 22;
-#ifdef __WXMSW__
-constexpr int line_gap = 4;  // its check boxes are as high as their text
-#else
-constexpr int line_gap = 0;
-#endif
 constexpr int group_gap = 4;
 constexpr int text_box_padding = 10;
 
@@ -80,7 +76,7 @@ wxCheckBox* Options_Panel::New_Check_Box(CheckBox& model) {
 }
 
 void Options_Panel::Add_Option(wxBoxSizer& group, CheckBox& model) {
-  group.Add(New_Check_Box(model), wxSizerFlags().Border(wxBOTTOM, FromDIP(line_gap)));
+  group.Add(New_Check_Box(model), wxSizerFlags().Border(wxBOTTOM, FromDIP(Check_Box_Gap())));
 }
 
 void Options_Panel::Add_Filters(wxBoxSizer& group) {
@@ -101,17 +97,17 @@ void Options_Panel::Add_Filters(wxBoxSizer& group) {
   subject->SetMinSize(wxSize(-1, subject->GetCharHeight() + FromDIP(text_box_padding)));
   subject_ = &binders_->Add<Text_Box_Binder>(model_.txtSelectSubject, *subject);
   group.Add(subject, below_option);
-  group.AddSpacer(FromDIP(line_gap));
-  auto* const match = new wxFlexGridSizer(2, FromDIP(wxSize(8, line_gap)));
+  group.AddSpacer(FromDIP(Check_Box_Gap()));
+  auto* const match = new wxFlexGridSizer(2, FromDIP(wxSize(8, Check_Box_Gap())));
   match->AddGrowableCol(0);
   match->AddGrowableCol(1);
   for (CheckBox* const option : {&model_.chkMatchCase, &model_.chkMatchWord})
     match->Add(New_Check_Box(*option));
   group.Add(match, below_option);
-  group.AddSpacer(FromDIP(line_gap));
+  group.AddSpacer(FromDIP(Check_Box_Gap()));
 
   Add_Option(group, model_.chkSelectType);
-  auto* const types = new wxFlexGridSizer(2, FromDIP(wxSize(8, line_gap)));
+  auto* const types = new wxFlexGridSizer(2, FromDIP(wxSize(8, Check_Box_Gap())));
   types->AddGrowableCol(0);
   types->AddGrowableCol(1);
   for (TypeBox& type : model_.chkType) {

@@ -10,24 +10,25 @@
 #include "app/app.h"
 #include "desktop/common/desktop_help.h"
 #include "desktop/common/item_window.h"
-#include "desktop/common/last_stores.h"
 #include "desktop/common/main_frame.h"
 #include "desktop/common/message_window.h"
 #include "desktop/common/outlook_source.h"
 #include "desktop/common/text_conversion.h"
 #include "desktop/common/welcome_dialog.h"
-#include "desktop/common/window_state_file.h"
 #include "import/import.h"
+#include "settings/last_stores.h"
 
 namespace tidyfold {
 
-Program::Program(std::vector<std::filesystem::path> stores) : first_stores_(std::move(stores)) {}
+Program::Program(std::vector<std::filesystem::path> stores, Program_Observer* observer)
+    : first_stores_(std::move(stores)), observer_(observer) {}
 
 Program::~Program() = default;
 
 namespace {
 
-// A check of the toolkit's own that failed is for those who write the program: it stops nobody at work.
+// A failed assertion of wxWidgets concerns the developers; it must not interrupt whoever works with the
+// program.
 void Note_Failed_Check(const wxString& file, int line, const wxString& function, const wxString& condition,
                        const wxString& message) {
   std::cerr << From_Wx(file) << ':' << line << ": " << From_Wx(function) << ": \"" << From_Wx(condition)
@@ -41,10 +42,10 @@ bool Program::OnInit() {
   SetAppName("tidyfold");
   SetAppDisplayName(application_title);
   wxUILocale::UseDefault();
-  // The window goes before the last handler has returned; the loop ends when End_When_Unwound says so.
+  // The window may close before the last handler has returned; End_When_Unwound ends the event loop.
   SetExitOnFrameDelete(false);
   ending_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) {
-    // Dispatched by the main loop itself, not by a yield, a box or a dialog further in.
+    // True when the main loop itself dispatches this timer, not a yield, a box or a dialog inside it.
     const bool unwound = !loading_ && message_box_.Open_Boxes() == 0 && !GetMainLoop()->IsYielding() &&
                          wxEventLoopBase::GetActive() == GetMainLoop();
     unwound ? ExitMainLoop() : End_When_Unwound();
@@ -54,6 +55,10 @@ bool Program::OnInit() {
 }
 
 void Program::Start() {
+  registry_ = Make_System_Registry([this](const std::string& text) {
+    message_box_.Show(text, Buttons::OK_Only, Icon::None, application_title);
+  });
+  files_ = std::make_unique<Store_Files>(outlook_, *registry_);
   if (!Open_First_Stores()) return ExitMainLoop();
   Build();
   loading_ = true;
@@ -66,22 +71,22 @@ bool Program::Open_First_Stores() {
   if (first_stores_.empty()) {
     system_outlook_ = Make_Outlook_Source();
     if (system_outlook_) return true;
-    first_stores_ = Last_Stores();
+    first_stores_ = Last_Stores(*registry_);
   }
-  if (!first_stores_.empty() && files_.Open(nullptr, first_stores_)) return true;
-  return Welcome_Dialog(files_).ShowModal() == wxID_OK;
+  if (!first_stores_.empty() && files_->Open(nullptr, first_stores_)) return true;
+  return Welcome_Dialog(*files_).ShowModal() == wxID_OK;
 }
 
 void Program::Build() {
   schedule_ = std::make_unique<Repaint_Schedule>();
   File_Commands commands;
   if (!system_outlook_) {
-    commands.Open_Store = [this] { Change_Stores([this] { return files_.Ask_And_Open(frame_); }); };
-    commands.New_Sample = [this] { Change_Stores([this] { return files_.Make_Sample_Store(frame_); }); };
+    commands.Open_Store = [this] { Change_Stores([this] { return files_->Ask_And_Open(frame_); }); };
+    commands.New_Sample = [this] { Change_Stores([this] { return files_->Make_Sample_Store(frame_); }); };
   }
   if (!system_outlook_ && Can_Import()) {
-    commands.Import_Files = [this] { Change_Stores([this] { return files_.Import_Files(frame_); }); };
-    commands.Import_Maildir = [this] { Change_Stores([this] { return files_.Import_Maildir(frame_); }); };
+    commands.Import_Files = [this] { Change_Stores([this] { return files_->Import_Files(frame_); }); };
+    commands.Import_Maildir = [this] { Change_Stores([this] { return files_->Import_Maildir(frame_); }); };
   }
   frame_ = new Main_Frame(window_, *schedule_, std::move(commands), [this] {
     help_->Close_Book();
@@ -89,27 +94,27 @@ void Program::Build() {
   });
   SetTopWindow(frame_);
   message_window_ = new Message_Window(window_);
-  state_file_ = Window_State_File::If_Asked_For(*frame_, window_);
+  if (observer_ != nullptr) observer_->Window_Built(*frame_, window_);
 
   outlook_.Set_Display([this](const Displayed_Item& item) {
     auto* const window = new Item_Window(frame_, item);
     window->Show();
-    // After the click that asked for it, which gives the keyboard to what was clicked.
+    // Later, for the click that asked for it still gives the focus to what was clicked.
     window->CallAfter([window] { window->Raise(); });
   });
   events_.before_yield = [this] { outlook_.Commit_Pending(); };
-  message_box_.opening = [this](const std::string& text, Buttons) {
+  message_box_.opening = [this](const std::string& text) {
     schedule_->Flush();
-    if (state_file_) state_file_->Box_Opened(text);
+    if (observer_ != nullptr) observer_->Box_Opened(text);
   };
   message_box_.closed = [this] {
-    if (state_file_) state_file_->Box_Closed();
+    if (observer_ != nullptr) observer_->Box_Closed();
   };
   Bind(wxEVT_IDLE, [this](wxIdleEvent& event) {
     event.Skip();
     Commit();
   });
-  help_ = std::make_unique<Desktop_Help>(*frame_, window_, message_box_);
+  help_ = std::make_unique<Desktop_Help>(*frame_, window_, message_box_, *registry_);
   Automation& outlook = system_outlook_ ? *system_outlook_ : outlook_;
   app_ = std::make_unique<App>(window_, outlook, message_box_, events_, clock_, &help_->Environment());
 }
@@ -118,7 +123,7 @@ void Program::Change_Stores(const std::function<bool()>& change) {
   if (change()) Raise(window_.mnuRefresh.Click);
 }
 
-// What a handler changed in the store lasts when the handler has returned.
+// Makes what a handler changed in the store last, once the handler has returned.
 void Program::Commit() {
   if (GetMainLoop() == nullptr || GetMainLoop()->IsYielding()) return;
   try {
@@ -128,8 +133,8 @@ void Program::Commit() {
   }
 }
 
-// The window may be unloaded by a handler that runs inside a yield of a longer one, or while a box is open;
-// the loop ends when none of them is left.
+// The window may be unloaded by a handler that runs inside a yield of a longer one, or while a box is open.
+// The event loop ends when none of them is left.
 void Program::End_When_Unwound() {
   constexpr int next_look = 20;  // milliseconds
   ending_.StartOnce(next_look);
@@ -137,10 +142,10 @@ void Program::End_When_Unwound() {
 
 int Program::OnExit() {
   app_.reset();
-  // The toolkit takes the system's automation away with itself.
+  // Before wxWidgets shuts down OLE.
   system_outlook_.reset();
   help_.reset();
-  state_file_.reset();
+  if (observer_ != nullptr && frame_ != nullptr) observer_->Window_Ends();
   if (message_window_ != nullptr) message_window_->Destroy();
   if (frame_ != nullptr) frame_->Destroy();
   DeletePendingObjects();
@@ -149,7 +154,7 @@ int Program::OnExit() {
 }
 
 bool Program::OnExceptionInMainLoop() {
-  // The procedures report their own failures; what arrives here is one of a widget's handler.
+  // Procedures report their own failures; this one comes from a widget's event handler.
   try {
     throw;
   } catch (const std::exception& error) {

@@ -9,10 +9,11 @@
 #include <memory>
 #include <vector>
 
-#include "controls/main_window.h"
 #include "base/system_clock.h"
+#include "controls/main_window.h"
 #include "desktop/common/desktop_events.h"
 #include "desktop/common/desktop_message_box.h"
+#include "desktop/common/program_observer.h"
 #include "desktop/common/repaint_schedule.h"
 #include "desktop/common/store_files.h"
 #include "stores/sqlite/embedded_outlook.h"
@@ -23,12 +24,11 @@ class App;
 class Desktop_Help;
 class Main_Frame;
 class Message_Window;
-class Window_State_File;
 
 class Program : public wxApp {
  public:
-  // The stores to open; none: those that were open last.
-  explicit Program(std::vector<std::filesystem::path> stores);
+  // The stores to open; none: those that were open last. The observer may be absent.
+  Program(std::vector<std::filesystem::path> stores, Program_Observer* observer);
   ~Program() override;
 
   bool OnInit() override;
@@ -44,20 +44,21 @@ class Program : public wxApp {
   void Commit();
 
   std::vector<std::filesystem::path> first_stores_;
+  Program_Observer* observer_;
   // What the window works on: Outlook, when it is there and no store file was named, or store files.
   std::unique_ptr<Automation> system_outlook_;
   Embedded_Outlook outlook_;
-  Store_Files files_{outlook_};
   System_Clock clock_;
   Desktop_Events events_;
   Desktop_Message_Box message_box_;
   MainWindow window_;
 
-  // Made when a store is open; taken down, in this order reversed, after the event loop has ended.
+  std::unique_ptr<Registry> registry_;
+  std::unique_ptr<Store_Files> files_;
+  // Made when a store is open; taken down in reverse order after the event loop has ended.
   std::unique_ptr<Repaint_Schedule> schedule_;
   Main_Frame* frame_ = nullptr;
   Message_Window* message_window_ = nullptr;
-  std::unique_ptr<Window_State_File> state_file_;
   std::unique_ptr<Desktop_Help> help_;
   std::unique_ptr<App> app_;
 

@@ -1,27 +1,14 @@
 #include "desktop/common/scale.h"
 
-#ifdef __WXGTK__
-#include <gtk/gtk.h>
-#endif
-
 #include <cmath>
+
+#include "desktop/common/system_look.h"
 
 namespace tidyfold {
 
 namespace {
 
 constexpr double twips_per_inch = 1440;
-
-double Dots_Per_Inch(const wxWindow& window) {
-#ifdef __WXGTK__
-  // GTK counts in pixels that the screen's scaling leaves alone; what grows is the text, by this.
-  (void)window;
-  const double resolution = gdk_screen_get_resolution(gdk_screen_get_default());
-  return resolution > 0 ? resolution : 96;
-#else
-  return window.GetDPI().x;
-#endif
-}
 
 }  // namespace
 

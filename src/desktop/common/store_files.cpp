@@ -10,10 +10,10 @@
 
 #include "base/file_path.h"
 #include "controls/interaction.h"
-#include "desktop/common/last_stores.h"
 #include "desktop/common/text_conversion.h"
 #include "errors/automation_error.h"
 #include "import/import.h"
+#include "settings/last_stores.h"
 #include "stores/sqlite/sample_store.h"
 
 namespace tidyfold {
@@ -193,7 +193,7 @@ bool Store_Files::Import_Into(wxWindow* parent, Embedded_Store& store,
 void Store_Files::Remember() {
   std::vector<std::filesystem::path> paths;
   for (const auto& store : outlook_.Stores()) paths.push_back(store->Path());
-  Keep_Last_Stores(paths);
+  Keep_Last_Stores(registry_, paths);
 }
 
 }  // namespace tidyfold

@@ -8,6 +8,7 @@
 #include <functional>
 #include <vector>
 
+#include "settings/registry.h"
 #include "stores/sqlite/embedded_outlook.h"
 
 namespace tidyfold {
@@ -16,7 +17,7 @@ namespace tidyfold {
 // All return whether the stores that are open have changed.
 class Store_Files {
  public:
-  explicit Store_Files(Embedded_Outlook& outlook) : outlook_(outlook) {}
+  Store_Files(Embedded_Outlook& outlook, Registry& registry) : outlook_(outlook), registry_(registry) {}
 
   // Shows the reason where one of the stores cannot be opened.
   bool Open(wxWindow* parent, const std::vector<std::filesystem::path>& paths);
@@ -34,6 +35,7 @@ class Store_Files {
   void Remember();
 
   Embedded_Outlook& outlook_;
+  Registry& registry_;
 };
 
 }  // namespace tidyfold

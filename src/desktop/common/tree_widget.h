@@ -3,17 +3,22 @@
 
 #include <wx/dataview.h>
 
+#include <cstdint>
+
 #include "controls/tree_view.h"
 
 namespace tidyfold {
 
 // The item that stands for a node in the widget, and back; 0 for none.
-wxDataViewItem Item_Of(int node);
-int Node_Of(const wxDataViewItem& item);
+inline wxDataViewItem Item_Of(int node) {
+  return wxDataViewItem(reinterpret_cast<void*>(static_cast<std::intptr_t>(node)));
+}
+inline int Node_Of(const wxDataViewItem& item) {
+  return static_cast<int>(reinterpret_cast<std::intptr_t>(item.GetID()));
+}
 
-// All calls name nodes that exist and whose ancestors are all expanded in the widget. On GTK they go to the
-// toolkit's own tree by paths: by wxWidgets' way, which looks up every ancestor of every ancestor, a tree of
-// a thousand levels would not open in a minute.
+// Each system has its own implementation. All calls name nodes that exist and whose ancestors are all
+// expanded in the widget.
 class Tree_Widget {
  public:
   Tree_Widget(wxDataViewCtrl& widget, const TreeView& model) : widget_(widget), model_(model) {}
@@ -21,7 +26,7 @@ class Tree_Widget {
   void Expand(int node);
   void Collapse(int node);
   bool Is_Expanded(int node) const;
-  // Moves selection and keyboard.
+  // Moves the selection and the keyboard focus.
   void Make_Current(int node);
   void Scroll_To(int node);
 
@@ -30,7 +35,7 @@ class Tree_Widget {
 
   double Scroll_Position() const;
   void Set_Scroll_Position(double position);
-  // Lets typing find nodes by the beginnings of their texts.
+  // Typing finds nodes by the first letters of their texts, where the system does not do that by itself.
   void Search_By_Typing();
 
  private:

@@ -1,0 +1,128 @@
+#include "desktop/common/review_sheet.h"
+
+#include <wx/button.h>
+#include <wx/display.h>
+#include <wx/sizer.h>
+#include <wx/textctrl.h>
+#include <wx/textwrapper.h>
+
+#include <algorithm>
+
+#include "desktop/common/text_conversion.h"
+#include "desktop/common/text_table.h"
+
+namespace tidyfold {
+
+namespace {
+
+constexpr int gap = 12;  // unscaled pixels
+constexpr long most_rows = 14, fewest_rows = 2;
+constexpr int fewest_note_lines = 2;
+constexpr int narrowest = 52;  // average characters
+
+class Line_Counter : public wxTextWrapper {
+ public:
+  int Count(wxWindow& window, const wxString& text, int width) {
+    Wrap(&window, text, width);
+    return lines_;
+  }
+
+ private:
+  void OnOutputLine(const wxString&) override { ++lines_; }
+  int lines_ = 0;
+};
+
+// Numbers and sizes, but not dates, whose parts are joined by "-".
+bool Is_Quantity(const std::string& text) {
+  return text.empty() || (text.front() >= '0' && text.front() <= '9' && text.find('-') == std::string::npos);
+}
+
+std::vector<Text_Column> Columns(const Review& review) {
+  std::vector<Text_Column> columns;
+  for (std::size_t column = 0; column < review.headers.size(); ++column)
+    columns.push_back(
+        {To_Wx(review.headers[column]),
+         column > 0 && std::all_of(review.rows.begin(), review.rows.end(),
+                                   [&](const auto& row) { return Is_Quantity(row.at(column)); })});
+  return columns;
+}
+
+// As a share of the room: everything gets its height where there is room for all, and scrolls where there is
+// not.
+wxSizerFlags Share(int height) {
+  return wxSizerFlags(std::max(height, 1)).Expand();
+}
+
+}  // namespace
+
+Review_Sheet::Review_Sheet(wxWindow* parent, const Review& review)
+    : wxDialog(parent, wxID_ANY, application_title, wxDefaultPosition, wxDefaultSize,
+               wxDEFAULT_DIALOG_STYLE | wxRESIZE_BORDER),
+      sentence_(To_Lines(review.sentence)),
+      sentence_text_(new wxStaticText(this, wxID_ANY, wxString())) {
+  SetName("shtReview");
+  sentence_text_->SetFont(sentence_text_->GetFont().Bold());
+  const int border = FromDIP(gap);
+  const wxSize screen = wxDisplay(parent == nullptr ? this : parent).GetClientArea().GetSize();
+  int width = narrowest * GetCharWidth();
+  auto* const column = new wxBoxSizer(wxVERTICAL);
+  column->Add(sentence_text_, wxSizerFlags().Expand().Border(wxALL, border));
+  if (!review.rows.empty()) {
+    table_ = new Text_Table(this, "grdReview", Columns(review), [&review](long row, long cell) {
+      return To_One_Line(review.rows.at(static_cast<std::size_t>(row)).at(static_cast<std::size_t>(cell)));
+    });
+    table_->Set_Rows(static_cast<long>(review.rows.size()));
+    table_->Fit_Columns();
+    const wxSize wanted = table_->Size_For(most_rows);
+    width = std::clamp(wanted.x, width, std::max(width, screen.x * 9 / 10 - 2 * border));
+    table_->SetMinSize(wxSize(-1, wanted.y));
+    column->Add(table_, Share(wanted.y).Border(wxLEFT | wxRIGHT, border));
+  }
+  if (!review.notes.empty()) {
+    notes_ = New_Notes(review, width);
+    column->Add(notes_, Share(notes_->GetMinSize().y + border).Border(wxLEFT | wxRIGHT | wxTOP, border));
+  }
+  column->Add(CreateStdDialogButtonSizer(wxOK | wxCANCEL), wxSizerFlags().Expand().Border(wxALL, border));
+  SetSizer(column);
+  sentence_text_->SetLabelText(sentence_);
+  sentence_text_->Wrap(width);
+
+  wxSize wanted(width + 2 * border, column->ComputeFittingClientSize(this).y);
+  const wxSize decorations = FromDIP(wxSize(8, 40));  // not known before the sheet is shown
+  wanted.DecTo(screen - decorations);
+  if (table_ != nullptr) table_->SetMinSize(wxSize(-1, table_->Size_For(fewest_rows).y));
+  if (notes_ != nullptr) notes_->SetMinSize(wxSize(-1, fewest_note_lines * notes_->GetCharHeight()));
+  wxSize smallest = column->ComputeFittingClientSize(this);
+  smallest.x = narrowest * GetCharWidth() / 2;
+  smallest.DecTo(wanted);
+  SetMinClientSize(smallest);
+  SetClientSize(wanted);
+  Centre();
+
+  FindWindow(wxID_OK)->SetFocus();
+  Bind(wxEVT_SIZE, [this, border](wxSizeEvent& event) {
+    event.Skip();
+    sentence_text_->SetLabelText(sentence_);
+    sentence_text_->Wrap(GetClientSize().x - 2 * border);
+  });
+  // The table and the notes would keep Enter for themselves.
+  Bind(wxEVT_CHAR_HOOK, [this](wxKeyEvent& event) {
+    const bool enter = event.GetKeyCode() == WXK_RETURN || event.GetKeyCode() == WXK_NUMPAD_ENTER;
+    enter && !FindWindow(wxID_CANCEL)->HasFocus() ? EndModal(wxID_OK) : event.Skip();
+  });
+}
+
+// A text that can be scrolled, of the height that it needs.
+wxWindow* Review_Sheet::New_Notes(const Review& review, int width) {
+  wxString text;
+  for (const std::string& note : review.notes) text += (text.empty() ? "" : "\n") + To_Lines(note);
+  auto* const notes = new wxTextCtrl(this, wxID_ANY, text, wxDefaultPosition, wxDefaultSize,
+                                     wxTE_MULTILINE | wxTE_READONLY | wxTE_BESTWRAP | wxBORDER_NONE);
+  notes->SetName("txtReviewNotes");
+  notes->SetBackgroundColour(GetBackgroundColour());
+  const int lines = Line_Counter().Count(*notes, text, width - FromDIP(gap));
+  notes->SetMinSize(wxSize(-1, lines * notes->GetCharHeight() + FromDIP(gap)));
+  return notes;
+}
+
+}  // namespace tidyfold

@@ -1,0 +1,41 @@
+#include "desktop/common/run_program.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "base/file_path.h"
+#include "base/program_arguments.h"
+#include "desktop/common/program.h"
+
+namespace tidyfold {
+
+int Run_Program(int argc, char** argv, Program_Observer* observer) {
+  CLI::App arguments("Clears out a mail and calendar store.", "tidyfold");
+  std::vector<std::string> stores;
+  arguments.add_option("--store", stores, "A store to open; repeat it for several. None: those open last.")
+      ->type_name("FILE")
+      ->allow_extra_args(false);
+  try {
+    std::vector<std::string> given = Program_Arguments(argc, argv);
+    std::reverse(given.begin(), given.end());  // CLI11 takes them from the back
+    arguments.parse(given);
+  } catch (const CLI::ParseError& error) {
+    return arguments.exit(error);
+  }
+
+  // wxWidgets makes the program by a plain function, once it is ready for timers and windows.
+  static std::vector<std::filesystem::path> paths;
+  static Program_Observer* watching;
+  paths.reserve(stores.size());
+  for (const std::string& store : stores) paths.push_back(File_Path(store));
+  watching = observer;
+  wxApp::SetInitializerFunction([]() -> wxAppConsole* { return new Program(paths, watching); });
+  int no_arguments = 1;
+  return wxEntry(no_arguments, argv);
+}
+
+}  // namespace tidyfold

@@ -1,0 +1,20 @@
+// What differs between the systems in size and looks.
+#pragma once
+
+#include <wx/frame.h>
+
+namespace tidyfold {
+
+// The resolution that the sizes of the models are converted with.
+double Dots_Per_Inch(const wxWindow& window);
+
+// The space between two check boxes, in unscaled pixels.
+int Check_Box_Gap();
+
+// Style flags of a tool bar: whether its tools show pictures or words.
+long Tool_Bar_Style();
+
+// Whether the window is the one that the person works in.
+bool Is_In_Front(wxFrame& frame);
+
+}  // namespace tidyfold

@@ -1,0 +1,40 @@
+// A table of texts that is asked for its cells, so that a million rows cost nothing.
+#pragma once
+
+#include <wx/listctrl.h>
+
+#include <functional>
+#include <vector>
+
+namespace tidyfold {
+
+struct Text_Column {
+  wxString title;
+  bool numbers = false;  // right aligned
+};
+
+class Text_Table : public wxListCtrl {
+ public:
+  using Cell = std::function<wxString(long row, long column)>;
+
+  Text_Table(wxWindow* parent, const wxString& name, const std::vector<Text_Column>& columns, Cell cell);
+
+  // Shows that many rows, all new.
+  void Set_Rows(long rows);
+  // Gives the columns the width of their texts, measured over the first rows. Later the first one takes the
+  // width that the others leave.
+  void Fit_Columns();
+  // What that many rows need, with the header and without scrolling; no more rows than there are.
+  wxSize Size_For(long most_rows) const;
+  // -1: none.
+  long Chosen_Row() const { return GetNextItem(-1, wxLIST_NEXT_ALL, wxLIST_STATE_SELECTED); }
+  void Choose_Row(long row);
+
+ private:
+  void Fill_Width();
+  wxString OnGetItemText(long row, long column) const override;
+
+  Cell cell_;
+};
+
+}  // namespace tidyfold

@@ -1,0 +1,39 @@
+#include "desktop/common/help_book.h"
+
+#include <string_view>
+
+#include "desktop/gtk/help_viewer.h"
+
+namespace tidyfold {
+
+namespace {
+
+class Own_Help_Book : public Help_Book {
+ public:
+  explicit Own_Help_Book(wxFrame& frame) : frame_(frame) {}
+
+  std::int32_t Window_Handle() override { return frame_.GetId(); }
+
+  // The file is "BOOK::/PAGE", or the book alone.
+  std::intptr_t HtmlHelpA(std::int32_t owner, const std::string& file, std::uint32_t,
+                          std::uintptr_t) override {
+    constexpr std::string_view divider = "::/";
+    const auto end = file.find(divider);
+    const std::string page = end == std::string::npos ? std::string() : file.substr(end + divider.size());
+    return viewer_.Open(file.substr(0, end), page) ? owner : 0;
+  }
+
+  void Close() override { viewer_.Close(); }
+
+ private:
+  wxFrame& frame_;
+  Help_Viewer viewer_;
+};
+
+}  // namespace
+
+std::unique_ptr<Help_Book> Make_Help_Book(wxFrame& frame) {
+  return std::make_unique<Own_Help_Book>(frame);
+}
+
+}  // namespace tidyfold

@@ -1,0 +1,30 @@
+#include "desktop/common/check_text_renderer.h"
+
+#include <utility>
+
+namespace tidyfold {
+
+namespace {
+
+class Check_Text_Renderer : public wxDataViewCheckIconTextRenderer {
+ public:
+  explicit Check_Text_Renderer(Tick_Handler ticked) : ticked_(std::move(ticked)) {}
+
+  bool ActivateCell(const wxRect& cell, wxDataViewModel* model, const wxDataViewItem& item, unsigned column,
+                    const wxMouseEvent* mouse) override {
+    // The base class knows where the box is; the model notes that it wants to be turned and stays as it is.
+    (void)wxDataViewCheckIconTextRenderer::ActivateCell(cell, model, item, column, mouse);
+    return true;
+  }
+
+ private:
+  Tick_Handler ticked_;
+};
+
+}  // namespace
+
+wxDataViewRenderer* New_Check_Text_Renderer(Tick_Handler ticked) {
+  return new Check_Text_Renderer(std::move(ticked));
+}
+
+}  // namespace tidyfold

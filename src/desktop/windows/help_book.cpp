@@ -1,0 +1,31 @@
+#include "desktop/common/help_book.h"
+
+#include "help/system_html_help.h"
+
+namespace tidyfold {
+
+namespace {
+
+class System_Help_Book : public Help_Book {
+ public:
+  explicit System_Help_Book(wxFrame& frame) : frame_(frame) {}
+
+  std::int32_t Window_Handle() override {
+    return static_cast<std::int32_t>(reinterpret_cast<std::intptr_t>(frame_.GetHandle()));
+  }
+  std::intptr_t HtmlHelpA(std::int32_t owner, const std::string& file, std::uint32_t command,
+                          std::uintptr_t data) override {
+    return System_HtmlHelpA(owner, file, command, data);
+  }
+
+ private:
+  wxFrame& frame_;
+};
+
+}  // namespace
+
+std::unique_ptr<Help_Book> Make_Help_Book(wxFrame& frame) {
+  return std::make_unique<System_Help_Book>(frame);
+}
+
+}  // namespace tidyfold

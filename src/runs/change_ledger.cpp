@@ -1,0 +1,70 @@
+#include "runs/change_ledger.h"
+
+#include <exception>
+#include <utility>
+
+namespace tidyfold {
+
+Change_Ledger::Change_Ledger(Change_Groups* groups, Run_Log& log) : groups_(groups), log_(log) {
+  if (groups_ != nullptr) groups_->Watch(this);
+}
+
+Change_Ledger::~Change_Ledger() {
+  if (groups_ != nullptr) groups_->Watch(nullptr);
+}
+
+// Groups may exist without this store having any, so the first change of each store is written ahead.
+void Change_Ledger::Before_Change(const std::string& store_id) {
+  if (!stores_with_groups_.contains(store_id)) Flush();
+}
+
+void Change_Ledger::Pending(std::string store_id, std::function<void(bool kept)> settled) {
+  if (groups_ == nullptr) {
+    settled(true);
+  } else {
+    pending_.push_back({std::move(store_id), std::move(settled)});
+  }
+}
+
+void Change_Ledger::Settle() {
+  std::exception_ptr failure;
+  if (groups_ != nullptr) {
+    try {
+      groups_->Commit_Pending();
+    } catch (...) {
+      failure = std::current_exception();
+    }
+  }
+  // What no group has settled was changed in a store without groups.
+  for (const Change& change : std::exchange(pending_, {})) change.settled(true);
+  Flush();
+  if (failure != nullptr) std::rethrow_exception(failure);
+}
+
+void Change_Ledger::Group_Ending() {
+  Flush();
+}
+
+void Change_Ledger::Group_Ended(const std::string& store_id, bool kept) {
+  stores_with_groups_.insert(store_id);
+  std::vector<Change> others;
+  for (Change& change : std::exchange(pending_, {})) {
+    if (change.store_id == store_id) {
+      change.settled(kept);
+    } else {
+      others.push_back(std::move(change));
+    }
+  }
+  pending_ = std::move(others);
+}
+
+// A store in the middle of keeping its changes has no use for a failure of the log.
+void Change_Ledger::Flush() {
+  try {
+    log_.Flush();
+  } catch (const Run_Log_Error& error) {
+    if (log_failure_.empty()) log_failure_ = error.what();
+  }
+}
+
+}  // namespace tidyfold

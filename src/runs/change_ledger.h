@@ -1,0 +1,63 @@
+// What has been changed but not yet kept. A change to a store counts once its group has been kept (see
+// outlook/change_groups.h); until then the ledger holds what is to happen when that is known.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+#include "outlook/object_model.h"
+#include "runs/run_log.h"
+
+namespace tidyfold {
+
+// For one run. Each change goes like this:
+//
+//   const std::int64_t number = log.Note(item);
+//   ledger.Before_Change(store_id);
+//   item.Delete();  // where it throws, Set_Result(number, Item_Result::Failed, ...)
+//   ledger.Pending(store_id, [=](bool kept) { ... Set_Result, count ... });
+//
+// While it lives it is the watcher of the store's groups, and sees to it that the log is on disk before a
+// store keeps what the log tells of.
+class Change_Ledger : public Group_Watcher {
+ public:
+  // `groups` is nullptr where each change lasts at once.
+  Change_Ledger(Change_Groups* groups, Run_Log& log);
+  Change_Ledger(const Change_Ledger&) = delete;
+  Change_Ledger& operator=(const Change_Ledger&) = delete;
+  // Whoever has not settled leaves changes uncounted.
+  ~Change_Ledger() override;
+
+  // Writes the log where the store may keep the next change at once.
+  void Before_Change(const std::string& store_id);
+  // A change has been made. `settled` is called once, when it is known whether the change lasts: at once
+  // where every change does. It must not throw or change a store.
+  void Pending(std::string store_id, std::function<void(bool kept)> settled);
+  // Ends every group, after which nothing is pending any more. Throws Automation_Error where a group could
+  // not be kept; its changes have then been settled as not kept.
+  void Settle();
+
+  // Why the log could not be written, in a sentence for the person; empty while it could. A run had better
+  // end then: what it goes on to do could not be taken back.
+  const std::string& Log_Failure() const { return log_failure_; }
+
+  void Group_Ending() override;
+  void Group_Ended(const std::string& store_id, bool kept) override;
+
+ private:
+  struct Change {
+    std::string store_id;
+    std::function<void(bool kept)> settled;
+  };
+  void Flush();
+
+  Change_Groups* groups_;
+  Run_Log& log_;
+  std::vector<Change> pending_;
+  std::unordered_set<std::string> stores_with_groups_;  // as far as one of their groups has ended
+  std::string log_failure_;
+};
+
+}  // namespace tidyfold

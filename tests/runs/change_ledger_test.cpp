@@ -1,0 +1,89 @@
+#include "runs/change_ledger.h"
+
+#include "errors/automation_error.h"
+#include "runs/log_fixture.h"
+
+namespace tidyfold {
+namespace {
+
+// Stores whose groups a test ends.
+struct Groups : Change_Groups {
+  void Commit_Pending() override {
+    watcher->Group_Ending();
+    for (const auto& [store, kept] : ending) watcher->Group_Ended(store, kept);
+    if (fails) throw Automation_Error(automation_error::call_failed, "The disk is full.", "Test");
+  }
+  void Watch(Group_Watcher* new_watcher) override { watcher = new_watcher; }
+  Group_Watcher* watcher = nullptr;
+  std::vector<std::pair<std::string, bool>> ending;
+  bool fails = false;
+};
+
+class Change_Ledger_Test : public Log_Fixture {
+ protected:
+  Change_Ledger_Test() { log.Begin({}, now); }
+  // As a strategy changes an item.
+  void Change(Change_Ledger& ledger, const std::string& store) {
+    const std::int64_t number = log.Note(Noted(store));
+    ledger.Before_Change(store);
+    ledger.Pending(store, [this, number, store](bool kept) {
+      settled += store + (kept ? "+" : "-");
+      log.Set_Result(number, kept ? Item_Result::Done : Item_Result::Failed);
+    });
+  }
+  std::string Results() {
+    std::string results;
+    for (const Logged_Item& item : Items(log, 1)) results += std::to_string(static_cast<int>(item.result));
+    return results;
+  }
+  Run_Log log{file};
+  std::string settled;
+};
+
+TEST_F(Change_Ledger_Test, CountsWhatWasKept) {
+  Groups groups;
+  {
+    Change_Ledger ledger(&groups, log);
+    Change(ledger, "A");
+    Change(ledger, "B");
+    Change(ledger, "A");
+    EXPECT_EQ(settled, "");
+    groups.ending = {{"A", true}};
+    groups.Commit_Pending();
+    EXPECT_EQ(settled, "A+A+");
+    settled.clear();
+    Change(ledger, "A");
+    EXPECT_EQ(Results(), "000") << "A store with groups writes the log when a group ends.";
+    groups.ending = {{"A", false}};
+    groups.fails = true;
+    EXPECT_THROW(ledger.Settle(), Automation_Error);
+    EXPECT_EQ(settled, "A-B+") << "B has no groups.";
+    EXPECT_EQ(Results(), "1112");
+    EXPECT_EQ(ledger.Log_Failure(), "");
+  }
+  EXPECT_EQ(groups.watcher, nullptr);
+}
+
+TEST_F(Change_Ledger_Test, WithoutGroupsEachChangeIsWrittenAheadAndLasts) {
+  Change_Ledger ledger(nullptr, log);
+  const std::int64_t number = log.Note(Noted("A"));
+  ledger.Before_Change("A");
+  EXPECT_EQ(Results(), "0");
+  ledger.Pending("A", [&](bool kept) {
+    EXPECT_TRUE(kept);
+    log.Set_Result(number, Item_Result::Done);
+  });
+  ledger.Settle();
+  EXPECT_EQ(Results(), "1");
+}
+
+TEST_F(Change_Ledger_Test, ALogThatCannotBeWrittenIsTold) {
+  Change_Ledger ledger(nullptr, log);
+  Number("DROP TABLE folder");
+  Change(ledger, "A");
+  EXPECT_NE(ledger.Log_Failure().find(file.string()), std::string::npos);
+  EXPECT_EQ(settled, "A+") << "What the store did counts all the same.";
+}
+
+}  // namespace
+}  // namespace tidyfold

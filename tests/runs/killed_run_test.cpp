@@ -1,0 +1,94 @@
+// Runs in processes of their own, some of which come to a sudden end.
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <functional>
+
+#include "runs/log_fixture.h"
+
+namespace tidyfold {
+namespace {
+
+class Processes : public Log_Fixture {
+ protected:
+  // Runs in a child, which ends without any destructor.
+  static pid_t Start(const std::function<void()>& work) {
+    const pid_t child = fork();
+    if (child != 0) return child;
+    try {
+      work();
+    } catch (const std::exception& error) {
+      std::fprintf(stderr, "%s\n", error.what());
+      _exit(1);
+    }
+    _exit(0);
+  }
+  static void Await(pid_t child) {
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    ASSERT_EQ(status, 0);
+  }
+};
+
+TEST_F(Processes, AKilledRunCanBeReadAndIsToldOnce) {
+  std::array<int, 2> written{}, go_on{};
+  ASSERT_EQ(pipe(written.data()) + pipe(go_on.data()), 0);
+  const pid_t child = Start([&] {
+    Run_Log log(file);
+    log.Begin({}, now);
+    for (const char* id : {"I1", "I2", "I3"}) log.Note(Noted(id));
+    log.Flush();
+    log.Set_Result(1, Item_Result::Done);
+    log.Note(Noted("I4"));
+    log.Flush();
+    log.Set_Result(2, Item_Result::Done);
+    log.Note(Noted("I5"));
+    char byte = 0;
+    if (write(written[1], &byte, 1) != 1 || read(go_on[0], &byte, 1) != 1) _exit(1);
+  });
+  char byte = 0;
+  ASSERT_EQ(read(written[0], &byte, 1), 1);
+  Run_Log log(file);
+  EXPECT_EQ(log.Run(1)->state, Run_State_In_Log::Under_Way);
+  EXPECT_TRUE(log.Killed_Since_Last_Told().empty());
+  EXPECT_FALSE(log.Last_To_Take_Back());
+  ASSERT_EQ(write(go_on[1], &byte, 1), 1);
+  Await(child);
+
+  const std::vector<Logged_Run> killed = log.Killed_Since_Last_Told();
+  ASSERT_EQ(killed.size(), 1U);
+  EXPECT_EQ(killed[0].state, Run_State_In_Log::Killed);
+  EXPECT_EQ(killed[0].outcome.processed, 1);
+  EXPECT_EQ(killed[0].uncertain, 3) << "What was not flushed was not kept by the store either.";
+  EXPECT_EQ(log.Last_To_Take_Back()->run, 1);
+  log.Told(1);
+  EXPECT_TRUE(log.Killed_Since_Last_Told().empty());
+  for (const int end : {written[0], written[1], go_on[0], go_on[1]}) close(end);
+}
+
+TEST_F(Processes, TwoWriteAtOnce) {
+  constexpr int flushes = 100, items_per_flush = 20;
+  const auto write_run = [&] {
+    Run_Log log(file);
+    log.Begin({}, now);
+    for (int i = 0; i < flushes; ++i) {
+      for (int item = 0; item < items_per_flush; ++item)
+        log.Set_Result(log.Note(Noted("I")), Item_Result::Done);
+      log.Flush();
+    }
+    log.End({flushes * items_per_flush, false, false}, now);
+  };
+  const pid_t one = Start(write_run), other = Start(write_run);
+  Await(one);
+  Await(other);
+  Run_Log log(file);
+  ASSERT_EQ(log.Runs().size(), 2U);
+  for (const Logged_Run& run : log.Runs()) {
+    EXPECT_EQ(run.state, Run_State_In_Log::Ended);
+    EXPECT_EQ(Items(log, run.run).size(), static_cast<std::size_t>(flushes * items_per_flush));
+  }
+}
+
+}  // namespace
+}  // namespace tidyfold
