@@ -10,12 +10,14 @@
 #include <vector>
 
 #include "base/system_clock.h"
+#include "clean/stored_limits.h"
 #include "controls/main_window.h"
 #include "desktop/common/desktop_events.h"
 #include "desktop/common/desktop_message_box.h"
 #include "desktop/common/program_observer.h"
 #include "desktop/common/repaint_schedule.h"
 #include "desktop/common/store_files.h"
+#include "runs/run_log.h"
 #include "stores/sqlite/embedded_outlook.h"
 
 namespace tidyfold {
@@ -49,6 +51,7 @@ class Program : public wxApp {
   std::unique_ptr<Automation> system_outlook_;
   Embedded_Outlook outlook_;
   System_Clock clock_;
+  Run_Log log_{Default_Run_Log_File()};
   Desktop_Events events_;
   Desktop_Message_Box message_box_;
   MainWindow window_;
@@ -60,6 +63,7 @@ class Program : public wxApp {
   Main_Frame* frame_ = nullptr;
   Message_Window* message_window_ = nullptr;
   std::unique_ptr<Desktop_Help> help_;
+  std::unique_ptr<Stored_Limits> limits_;
   std::unique_ptr<App> app_;
 
   bool loading_ = false;
