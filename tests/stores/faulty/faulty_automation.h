@@ -18,7 +18,9 @@ class Faulty_Automation : public Automation {
   std::shared_ptr<Mapi_Utils> Create_Mapi_Utils(const std::string& program) override;
   Change_Groups* Groups() override { return inner_.Groups(); }
   bool Asking_Costs_Calls() const override { return inner_.Asking_Costs_Calls(); }
-  std::string Place_Of_Store(const std::string& store_id) override { return inner_.Place_Of_Store(store_id); }
+  std::string Place_Of_Store(const std::string& store_id) const override {
+    return inner_.Place_Of_Store(store_id);
+  }
 
  private:
   Automation& inner_;

@@ -83,7 +83,7 @@ TEST(Failing_Disk, That_Cannot_Be_Read_Makes_No_Store_A_Damaged_One) {
 }
 
 // On Windows nobody can move a file that is open.
-TEST(Store_File, Changes_To_A_File_That_Was_Moved_Are_Not_Kept) {
+TEST(Moved_File, Keeps_No_Changes) {
   const Temporary_Directory directory;
   const fs::path file = directory / "a.tfs", elsewhere = directory / "b.tfs";
   Make_Small_Store(file);
