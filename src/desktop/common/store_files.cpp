@@ -10,6 +10,7 @@
 
 #include "base/file_path.h"
 #include "controls/interaction.h"
+#include "desktop/common/error_box.h"
 #include "desktop/common/text_conversion.h"
 #include "errors/automation_error.h"
 #include "import/import.h"
@@ -25,10 +26,6 @@ constexpr const char* source_wildcard =
     "Mail files "
     "(*.pst;*.ost;*.pab;*.mbox;*.mbx;*.eml)|*.pst;*.PST;*.ost;*.OST;*.pab;*.PAB;*.mbox;*.mbx;*.eml;*.EML|"
     "All files|*";
-
-void Show_Error(wxWindow* parent, const std::string& text) {
-  wxMessageDialog(parent, To_Lines(text), application_title, wxOK | wxICON_ERROR | wxCENTRE).ShowModal();
-}
 
 std::filesystem::path To_Path(const wxString& path) {
   return File_Path(From_Wx(path));

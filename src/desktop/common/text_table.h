@@ -11,6 +11,7 @@ namespace tidyfold {
 struct Text_Column {
   wxString title;
   bool numbers = false;  // right aligned
+  bool fills = false;    // one column takes the width that the others leave; without such a one, the first
 };
 
 class Text_Table : public wxListCtrl {
@@ -21,8 +22,7 @@ class Text_Table : public wxListCtrl {
 
   // Shows that many rows, all new.
   void Set_Rows(long rows);
-  // Gives the columns the width of their texts, measured over the first rows. Later the first one takes the
-  // width that the others leave.
+  // Gives the columns the width of their texts, measured over the first rows.
   void Fit_Columns();
   // What that many rows need, with the header and without scrolling; no more rows than there are.
   wxSize Size_For(long most_rows) const;
@@ -35,6 +35,7 @@ class Text_Table : public wxListCtrl {
   wxString OnGetItemText(long row, long column) const override;
 
   Cell cell_;
+  int filling_ = 0;  // the column
 };
 
 }  // namespace tidyfold
