@@ -338,7 +338,7 @@ void Deletion_Strategies::Delete_Selected_Folder(int index, int node) {
                                 name = folder->Name();
                                 parent = folder->Parent();
                                 if (parent == nullptr) refuse("A store's top folder cannot be deleted.");
-                                if (folder_tree_.Is_Default_Folder_Name(name))
+                                if (Is_Default_Folder_Name(name))
                                   refuse("A default folder cannot be deleted.");
                               }) &&
                          step("Delete Folder - Set Collection", [&] { siblings = parent->Folders(); }) &&

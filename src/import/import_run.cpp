@@ -2,6 +2,7 @@
 
 #include "base/text.h"
 #include "import/charset.h"
+#include "outlook/default_folders.h"
 
 namespace tidyfold {
 
@@ -44,7 +45,7 @@ MAPIFolder_Ptr Import_Run::Folder(const MAPIFolder_Ptr& parent, std::string_view
 }
 
 MAPIFolder_Ptr Import_Run::Deleted_Items() {
-  return Folder(top_, "Deleted Items", item_type::mail);
+  return Folder(top_, deleted_items_name, item_type::mail);
 }
 
 void Import_Run::Add(MAPIFolder& folder, const New_Item& item) {

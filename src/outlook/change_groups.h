@@ -9,7 +9,7 @@ namespace tidyfold {
 class Group_Watcher {
  public:
   virtual ~Group_Watcher() = default;
-  // A group is about to be kept.
+  // A group that holds changes is about to be kept.
   virtual void Group_Ending() = 0;
   // Every change to the store since its group before has been kept, or has not happened. Not called for a
   // group without changes. Must not throw or change a store.

@@ -1,10 +1,8 @@
 #include "outlook/folder_tree.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <stdexcept>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -137,13 +135,6 @@ bool Folder_Tree::Check_Default_Folder(const MAPIFolder_Ptr& folder) {
     if (folder != nullptr) is_default = Is_Default_Folder_Name(folder->Name());
   });
   return is_default;
-}
-
-bool Folder_Tree::Is_Default_Folder_Name(std::string_view name) {
-  static constexpr std::array<std::string_view, 10> names = {
-      "Calendar", "Contacts", deleted_items_name, "Drafts",     "Inbox",
-      "Journal",  "Notes",    "Outbox",           "Sent Items", "Tasks"};
-  return std::find(names.begin(), names.end(), name) != names.end();
 }
 
 int Folder_Tree::Get_Node_Index(int node) const {

@@ -3,10 +3,10 @@
 
 #include <functional>
 #include <string>
-#include <string_view>
 
 #include "controls/main_window.h"
 #include "errors/procedure.h"
+#include "outlook/default_folders.h"
 #include "outlook/folder_data.h"
 #include "outlook/session.h"
 
@@ -15,9 +15,6 @@ namespace tidyfold {
 // The fore colours of nodes whose folders are read to the end, and of those that are not.
 inline constexpr Colour loaded_colour = 0;
 inline constexpr Colour unloaded_colour = Rgb(150, 150, 255);
-
-// Outlook's name for each store's wastebasket; recognised by this name alone, in exactly this spelling.
-inline constexpr const char* deleted_items_name = "Deleted Items";
 
 class Folder_Tree {
  public:
@@ -33,8 +30,6 @@ class Folder_Tree {
   // True for the ten names of default folders, wherever in the tree the folder stands, and for a folder that
   // does not tell its name.
   bool Check_Default_Folder(const MAPIFolder_Ptr& folder);
-  // The same for a name that has been read; it cannot fail.
-  static bool Is_Default_Folder_Name(std::string_view name);
   // The record's number that a node's tag holds; 0 for a node that does not exist.
   int Get_Node_Index(int node) const;
   // Makes the caption, "name - (count)", and the boldness of a node.

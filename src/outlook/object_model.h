@@ -83,7 +83,8 @@ class Item {
   virtual void Delete() = 0;
   // Moves the item to a folder and returns it as it is there: a store may give it another EntryID, and this
   // object must not be used any more. It becomes the last of the folder.
-  virtual Item_Ptr Move(MAPIFolder& folder);
+  // To another store's folder: the store's own choice; not_supported where it cannot.
+  virtual Item_Ptr Move(MAPIFolder& folder) = 0;
   // Opens the item in a window of its own and returns at once.
   virtual void Display() = 0;
 };
@@ -103,7 +104,7 @@ class Folders {
   virtual std::int32_t Count() = 0;
   virtual MAPIFolder_Ptr Item(std::int32_t index) = 0;
   // Adds an empty folder. The type is an item_type number.
-  virtual MAPIFolder_Ptr Add(const std::string& name, std::int32_t default_item_type);
+  virtual MAPIFolder_Ptr Add(const std::string& name, std::int32_t default_item_type) = 0;
   // Removes a folder with all that is in it.
   virtual void Remove(std::int32_t index) = 0;
 };
@@ -121,7 +122,7 @@ class MAPIFolder {
   virtual Items_Ptr Items() = 0;
   // The information store that the folder lies in. Throws Automation_Error (not_supported) where stores are
   // no objects.
-  virtual Store_Ptr Store();
+  virtual Store_Ptr Store() = 0;
 };
 
 // An information store.

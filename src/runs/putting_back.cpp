@@ -99,11 +99,13 @@ bool Putting_Back::Put_Back(const Logged_Item& was, const Days& days) {
   });
   if (!done) {
     reason = errors_.error.Description;
+    report_.store_failed = report_.store_failed || errors_.error.Number != automation_error::not_found;
     // Of an item that was to go for good, a run that was killed does not say whether it went.
     if (errors_.error.Number == automation_error::not_found && was.action == Item_Action::Deleted) {
       ++report_.gone_for_good;
       reason.clear();
     }
+    if (group_lost_) Break_Off(reason);
     errors_.error.Clear();
   }
   if (!reason.empty()) {
@@ -115,9 +117,6 @@ bool Putting_Back::Put_Back(const Logged_Item& was, const Days& days) {
 }
 
 void Putting_Back::Move(Item& item, Folder_Finder& finder, Logged_Item& entry) {
-  if (std::exchange(undone_, false))
-    for (const auto& [store, each] : finders_)
-      if (each != nullptr) each->Forget();
   MAPIFolder_Ptr folder = finder.Find_Or_Make(entry.folder);
   entry.number = log_.Note(entry);
   ledger_.Before_Change(entry.folder.store_id);
@@ -143,7 +142,7 @@ void Putting_Back::Move(Item& item, Folder_Finder& finder, Logged_Item& entry) {
       log_.Set_Result(entry.number, Item_Result::Done, new_id);
       if (folders_.insert(into.store_id + "/" + into.entry_id).second) report_.folders.push_back(into);
     } else {
-      undone_ = true;
+      group_lost_ = true;
       Logged_Item left = entry;
       left.result = Item_Result::Failed;
       left.reason = "The store could not keep the change.";
@@ -160,7 +159,6 @@ bool Putting_Back::Go_On() {
 }
 
 void Putting_Back::Break_Off(const std::string& failure) {
-  errors_.error.Clear();
   if (report_.failure.empty()) report_.failure = failure;
 }
 

@@ -51,7 +51,7 @@ class Putting_Back {
   Taking_Back_Report& report_;
   std::map<std::string, std::unique_ptr<Folder_Finder>> finders_;  // by StoreID; empty for stores not open
   std::set<std::string> folders_;                                  // in the report already
-  bool undone_ = false;                                            // a group was, and what was made with it
+  bool group_lost_ = false;                                        // the store could not keep changes
   Change_Ledger ledger_;
 };
 

@@ -195,7 +195,8 @@ Taking_Back_Report Taking_Back::Take_Back_Run(std::optional<std::int64_t> wanted
       putting.Break_Off(error.what());
     }
     putting.End(cancelled_, clock_.Now());
-    if (report.ending == Taking_Back_Report::Ending::Done) log_.Mark_Taken_Back(run->run, report.run);
+    if (report.ending == Taking_Back_Report::Ending::Done && !report.store_failed)
+      log_.Mark_Taken_Back(run->run, report.run);
     Tell_Result(report);
   });
 }

@@ -31,6 +31,7 @@ struct Taking_Back_Report {
   std::vector<Logged_Item> not_put_back;  // each with its reason
   std::vector<Logged_Folder> folders;     // that items went into
   bool folders_made = false;
+  bool store_failed = false;  // for some of them only the store failed: worth another attempt
   std::string failure;
 
   bool Complete() const { return not_put_back.empty() && gone_for_good == 0; }

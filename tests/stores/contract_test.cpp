@@ -1,4 +1,5 @@
 #include <limits>
+#include <map>
 #include <set>
 #include <string_view>
 #include <vector>
@@ -161,6 +162,85 @@ TEST_P(Store_Contract, Delete_Moves_To_Deleted_Items_Unless_The_Item_Lies_There)
   EXPECT_EQ(Subjects(Open(1, {1})), "moved1 moved2 moved3");
 }
 
+TEST_P(Store_Contract, A_Moved_Item_Is_The_Last_Of_Its_New_Folder_And_Stays_Itself) {
+  const auto deleted = Add_Folder(1, "Deleted Items"), inbox = Add_Folder(1, "Inbox");
+  const auto lists = Open(1)->Folders()->Add("Lists", item_type::mail);
+  std::map<std::string, std::string> ids;
+  for (const char* subject : {"a", "b", "c", "d", "e"}) ids[subject] = Add_Item(1, inbox, subject);
+  ids["x"] = Add_Item(1, lists, "x");
+  const auto get = [&](const std::string& subject) {
+    return session_->GetItemFromID(ids[subject], inbox->StoreID());
+  };
+  struct Move {
+    std::string subject;
+    int to;
+    const char *in_deleted, *in_inbox, *in_lists;
+  };
+  const Move moves[] = {{"b", 3, "", "a c d e", "x b"}, {"e", 3, "", "a c d", "x b e"},
+                        {"a", 1, "a", "c d", "x b e"},  {"b", 1, "a b", "c d", "x e"},
+                        {"a", 2, "b", "c d a", "x e"},  {"c", 2, "b", "d a c", "x e"},
+                        {"c", 2, "b", "d a c", "x e"},  {"b", 3, "", "d a c", "x e b"}};
+  for (const Move& move : moves) {
+    SCOPED_TRACE(move.subject + " to " + std::to_string(move.to));
+    const Item_Ptr moved = get(move.subject)->Move(*Open(1, {move.to}));
+    ids[move.subject] = moved->EntryID();
+    for (const Item_Ptr& item : {moved, get(move.subject)}) {
+      EXPECT_EQ(item->Subject(), move.subject);
+      EXPECT_EQ(item->Parent()->EntryID(), Open(1, {move.to})->EntryID());
+    }
+    EXPECT_EQ(Subjects(Open(1, {1})), move.in_deleted);
+    EXPECT_EQ(Subjects(Open(1, {2})), move.in_inbox);
+    EXPECT_EQ(Subjects(Open(1, {3})), move.in_lists);
+  }
+  const auto foreign = Add_Folder(2, "Inbox"), gone = Open(1, {3});
+  EXPECT_EQ(Error_Of([&] { get("d")->Move(*foreign); }), automation_error::not_supported);
+  Open(1)->Folders()->Remove(3);
+  EXPECT_EQ(Error_Of([&] { get("d")->Move(*gone); }), not_found);
+  EXPECT_EQ(Subjects(Open(1, {2})), "d a c");
+  EXPECT_EQ(foreign->Items()->Count(), 0);
+}
+
+TEST_P(Store_Contract, An_Added_Folder_Is_Empty_And_Holds_What_It_Was_Made_For) {
+  const Folders_Ptr folders = Add_Folder(1, "Upper")->Folders();
+  for (std::int32_t type = item_type::mail; type <= item_type::note; ++type) {
+    const std::string name = "Folder " + std::to_string(type);
+    const auto added = folders->Add(name, type), found = folders->Item(folders->Count());
+    EXPECT_EQ(added->EntryID(), found->EntryID());
+    EXPECT_EQ(found->Name(), name);
+    EXPECT_EQ(found->DefaultItemType(), type);
+    EXPECT_EQ(found->Items()->Count() + found->Folders()->Count(), 0);
+    EXPECT_EQ(added->Parent()->EntryID(), Open(1, {1})->EntryID());
+  }
+  EXPECT_EQ(folders->Count(), 6);
+  EXPECT_NE(Error_Of([&] { session_->Folders()->Add("Store", item_type::mail); }), 0);
+  EXPECT_EQ(session_->Folders()->Count(), 2);
+}
+
+// Whoever asks, and whatever other folders have the same name.
+TEST_P(Store_Contract, A_Default_Folder_Is_The_First_Of_Its_Name_On_The_Top_Level) {
+  const auto first = Add_Folder(1, "Deleted Items"), second = Add_Folder(1, "Deleted Items");
+  Add_Folder(1, "deleted items");
+  const auto inbox = Add_Folder(1, "Inbox");
+  Add_Folder(1, "Deleted Items", inbox);
+  constexpr std::int32_t type = default_folder_deleted_items;
+  Add_Item(1, second, "kept");
+  second->Items()->Item(1)->Delete();
+  EXPECT_EQ(Subjects(first), "kept");
+  for (const auto& expected : {first, second}) {
+    EXPECT_EQ(session_->GetDefaultFolder(type)->EntryID(), expected->EntryID());
+    EXPECT_EQ(Open(1, {1})->Store()->GetDefaultFolder(type)->EntryID(), expected->EntryID());
+    Add_Item(1, inbox, "item");
+    inbox->Items()->Item(1)->Delete();
+    const std::int32_t count = expected->Items()->Count();
+    EXPECT_EQ(expected->Items()->Item(count)->Subject(), "item");
+    expected->Items()->Item(count)->Delete();
+    EXPECT_EQ(expected->Items()->Count(), count - 1) << "it lay there already";
+    Open(1)->Folders()->Remove(1);
+  }
+  EXPECT_EQ(Error_Of([&] { session_->GetDefaultFolder(type); }), not_found);
+  EXPECT_EQ(Error_Of([&] { Open(2)->Store()->GetDefaultFolder(type); }), not_found);
+}
+
 TEST_P(Store_Contract, Delete_Without_Deleted_Items_Fails_And_Keeps_The_Item) {
   Add_Folder(1, "Deleted Items");
   Add_Folder(2, "deleted items");
@@ -195,19 +275,32 @@ TEST_P(Store_Contract, A_Removed_Folder_Takes_All_Below_It_And_Nothing_Else) {
   EXPECT_EQ(Subjects(Open(1, {1})) + Subjects(Open(1, {2})), "upper1upper3");
   EXPECT_EQ(session_->GetItemFromID(ids[0], store)->Subject(), "lower1");
   EXPECT_EQ(session_->GetItemFromID(ids[2], store)->Subject(), "lower3");
-  const std::function<void()> calls_on_the_dead[] = {
-      [&] { folder->Name(); },        [&] { folder->DefaultItemType(); },
-      [&] { folder->Parent(); },      [&] { folder->Folders()->Count(); },
-      [&] { folders->Count(); },      [&] { folders->Item(1); },
-      [&] { folders->Remove(1); },    [&] { below->Items()->Count(); },
-      [&] { below->Name(); },         [&] { items->Count(); },
-      [&] { items->Item(1); },        [&] { items->Remove(1); },
-      [&] { item->Class(); },         [&] { item->Subject(); },
-      [&] { item->Body(20); },        [&] { item->ReceivedTime(); },
-      [&] { item->UnRead(); },        [&] { item->Parent(); },
-      [&] { item->Delete(); },        [&] { message->String_Property(sender_name_tag); },
-      [&] { item->Display(); },       [&] { session_->GetItemFromID(ids[1], store); },
-      [&] { Add_Item(1, below, ""); }};
+  const std::function<void()> calls_on_the_dead[] = {[&] { folder->Name(); },
+                                                     [&] { folder->DefaultItemType(); },
+                                                     [&] { folder->Parent(); },
+                                                     [&] { folder->Folders()->Count(); },
+                                                     [&] { folders->Count(); },
+                                                     [&] { folders->Item(1); },
+                                                     [&] { folders->Remove(1); },
+                                                     [&] { below->Items()->Count(); },
+                                                     [&] { below->Name(); },
+                                                     [&] { items->Count(); },
+                                                     [&] { items->Item(1); },
+                                                     [&] { items->Remove(1); },
+                                                     [&] { item->Class(); },
+                                                     [&] { item->Subject(); },
+                                                     [&] { item->Body(20); },
+                                                     [&] { item->ReceivedTime(); },
+                                                     [&] { item->UnRead(); },
+                                                     [&] { item->Parent(); },
+                                                     [&] { item->Delete(); },
+                                                     [&] { item->Move(*Open(1)); },
+                                                     [&] { folder->Store(); },
+                                                     [&] { folders->Add("x", 0); },
+                                                     [&] { message->String_Property(sender_name_tag); },
+                                                     [&] { item->Display(); },
+                                                     [&] { session_->GetItemFromID(ids[1], store); },
+                                                     [&] { Add_Item(1, below, ""); }};
   for (std::size_t call = 0; call < std::size(calls_on_the_dead); ++call) {
     EXPECT_EQ(Error_Of(calls_on_the_dead[call]), not_found) << "call " << call;
   }

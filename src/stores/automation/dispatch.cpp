@@ -9,6 +9,7 @@ namespace tidyfold::com {
 namespace {
 
 constexpr std::array<const wchar_t*, member_count> names = {
+    L"Add",
     L"Body",
     L"Class",
     L"Count",
@@ -28,18 +29,20 @@ constexpr std::array<const wchar_t*, member_count> names = {
     L"Items",
     L"LastModificationTime",
     L"MAPIOBJECT",
+    L"Move",
     L"Name",
     L"Parent",
     L"ReceivedTime",
     L"Remove",
+    L"Store",
     L"StoreID",
     L"Subject",
     L"UnRead",
 };
 
 // What an item is asked for before its class is known.
-constexpr Member before_class[] = {Member::Class,   Member::Delete, Member::Display,
-                                   Member::EntryID, Member::Parent, Member::Subject};
+constexpr Member before_class[] = {Member::Class, Member::Delete, Member::Display, Member::EntryID,
+                                   Member::Move,  Member::Parent, Member::Subject};
 
 }  // namespace
 
@@ -98,17 +101,18 @@ const Member_Ids& Item_Ids::Meet(Caller& caller, IDispatch& object, std::int32_t
 }
 
 Variant Item_Ids::Invoke(Caller& caller, IDispatch& object, std::optional<std::int32_t> item_class,
-                         Member member, WORD kind) {
-  if (item_class) return caller.Invoke(object, classes_[*item_class].Of(caller, object, member), kind);
+                         Member member, WORD kind, std::initializer_list<const Variant*> arguments) {
+  const auto invoke = [&](DISPID id) { return caller.Invoke(object, id, kind, arguments); };
+  if (item_class) return invoke(classes_[*item_class].Of(caller, object, member));
   const std::optional<DISPID> guess = Common(member);
-  if (!guess) return caller.Invoke(object, caller.Id_Of(object, member), kind);
+  if (!guess) return invoke(caller.Id_Of(object, member));
   try {
-    return caller.Invoke(object, *guess, kind);
+    return invoke(*guess);
   } catch (const Automation_Error& error) {
     if (error.Number() == automation_error::unavailable) throw;
     const DISPID own = caller.Id_Of(object, member);
     if (own == *guess) throw;
-    return caller.Invoke(object, own, kind);
+    return invoke(own);
   }
 }
 

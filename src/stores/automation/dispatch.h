@@ -16,6 +16,7 @@ namespace tidyfold::com {
 
 // Every name that is called.
 enum class Member : std::size_t {
+  Add,
   Body,
   Class,
   Count,
@@ -35,10 +36,12 @@ enum class Member : std::size_t {
   Items,
   LastModificationTime,
   MAPIOBJECT,
+  Move,
   Name,
   Parent,
   ReceivedTime,
   Remove,
+  Store,
   StoreID,
   Subject,
   UnRead,
@@ -84,7 +87,7 @@ class Member_Ids {
 class Item_Ids {
  public:
   Variant Invoke(Caller& caller, IDispatch& object, std::optional<std::int32_t> item_class, Member member,
-                 WORD kind);
+                 WORD kind, std::initializer_list<const Variant*> arguments = {});
   // Reads the class of an item of unknown class.
   std::int32_t Read_Class(Caller& caller, IDispatch& object);
 

@@ -3,9 +3,10 @@
 #include <optional>
 #include <utility>
 
-#include "controls/interaction.h"
 #include "base/text.h"
+#include "controls/interaction.h"
 #include "errors/automation_error.h"
+#include "outlook/default_folders.h"
 
 namespace tidyfold::com {
 
@@ -32,6 +33,7 @@ class Object {
     return Invoke(member, DISPATCH_METHOD | DISPATCH_PROPERTYGET, {&argument});
   }
   const Session_Ptr& Shared_Session() const { return session_; }
+  Variant Itself() const { return object_; }
 
  private:
   Variant Invoke(Member member, WORD kind, std::initializer_list<const Variant*> arguments) {
@@ -96,13 +98,14 @@ class Automation_Item : public Item {
   std::int64_t Size() override { return 0; }
   MAPIFolder_Ptr Parent() override { return Make_Folder(session_, Object_In(Get(Member::Parent))); }
   void Delete() override { Call(Member::Delete); }
+  Item_Ptr Move(MAPIFolder& folder) override;
   void Display() override { Call(Member::Display); }
 
  private:
   Variant Get(Member member) { return Invoke(member, DISPATCH_PROPERTYGET); }
   void Call(Member member) { Invoke(member, DISPATCH_METHOD); }
-  Variant Invoke(Member member, WORD kind) {
-    return session_->item.Invoke(session_->caller, *object_, class_, member, kind);
+  Variant Invoke(Member member, WORD kind, std::initializer_list<const Variant*> arguments = {}) {
+    return session_->item.Invoke(session_->caller, *object_, class_, member, kind, arguments);
   }
 
   Session_Ptr session_;
@@ -134,6 +137,10 @@ class Automation_Folders : public Folders, Object {
   MAPIFolder_Ptr Item(std::int32_t index) override {
     return Make_Folder(Shared_Session(), Object_In(At(Member::Item, index)));
   }
+  MAPIFolder_Ptr Add(const std::string& name, std::int32_t default_item_type) override {
+    const Variant caption(name), type(Default_Folder_Holding(default_item_type));
+    return Make_Folder(Shared_Session(), Object_In(Call(Member::Add, {&caption, &type})));
+  }
   void Remove(std::int32_t index) override {
     const Variant argument(index);
     Call(Member::Remove, {&argument});
@@ -143,6 +150,28 @@ class Automation_Folders : public Folders, Object {
 Folders_Ptr Make_Folders(const Session_Ptr& session, const Variant& answer) {
   return std::make_shared<Automation_Folders>(session, Object_In(answer));
 }
+
+// Outlook has had stores since 2007, and stores that know their default folders since 2010.
+template <class Call>
+auto In_A_New_Outlook(Call&& call) {
+  try {
+    return call();
+  } catch (const Automation_Error& error) {
+    if (error.Number() != DISP_E_UNKNOWNNAME) throw;
+    throw Automation_Error(automation_error::not_supported, "This Outlook is too old for that.", "Outlook");
+  }
+}
+
+class Automation_Store : public Store, Object {
+ public:
+  Automation_Store(const Session_Ptr& session, Ptr<IDispatch> object)
+      : Object(session, &Session::store, std::move(object)) {}
+  MAPIFolder_Ptr GetDefaultFolder(std::int32_t folder_type) override {
+    const Variant type(folder_type);
+    return In_A_New_Outlook(
+        [&] { return Make_Folder(Shared_Session(), Object_In(Call(Member::GetDefaultFolder, {&type}))); });
+  }
+};
 
 class Automation_Folder : public MAPIFolder, Object {
  public:
@@ -167,6 +196,11 @@ class Automation_Folder : public MAPIFolder, Object {
   Items_Ptr Items() override {
     return std::make_shared<Automation_Items>(Shared_Session(), Object_In(Get(Member::Items)));
   }
+  Store_Ptr Store() override {
+    return In_A_New_Outlook(
+        [&] { return std::make_shared<Automation_Store>(Shared_Session(), Object_In(Get(Member::Store))); });
+  }
+  Variant Value() const { return Itself(); }
 
  private:
   const std::string& Once(std::string& kept, Member member) {
@@ -176,6 +210,16 @@ class Automation_Folder : public MAPIFolder, Object {
 
   std::string entry_id_, store_id_;
 };
+
+// Outlook decides whether it can move to a folder of another store.
+Item_Ptr Automation_Item::Move(MAPIFolder& folder) {
+  const auto* target = dynamic_cast<const Automation_Folder*>(&folder);
+  if (target == nullptr) {
+    throw Automation_Error(automation_error::not_supported, "The folder is not one of Outlook's.", "Outlook");
+  }
+  const Variant argument = target->Value();
+  return Make_Item(session_, Invoke(Member::Move, DISPATCH_METHOD, {&argument}));
+}
 
 class Automation_Name_Space : public NameSpace, Object {
  public:

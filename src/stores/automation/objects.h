@@ -12,7 +12,7 @@ namespace tidyfold::com {
 struct Session {
   explicit Session(std::chrono::milliseconds patience) : caller(patience) {}
   Caller caller;
-  Member_Ids application, name_space, folders, folder, items, mapi_utils;
+  Member_Ids application, name_space, store, folders, folder, items, mapi_utils;
   Item_Ids item;
 };
 using Session_Ptr = std::shared_ptr<Session>;

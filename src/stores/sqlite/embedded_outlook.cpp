@@ -30,20 +30,22 @@ bool Same_File(const std::filesystem::path& left, const std::filesystem::path& r
       "The store \"" + sqlite::Utf8(path) + "\" is open here already. Name every store once.");
 }
 
-// By Outlook's number of the folder (OlDefaultFolders).
-constexpr std::pair<std::int32_t, const char*> default_folder_names[] = {
-    {3, "Deleted Items"}, {4, "Outbox"},    {5, "Sent Items"}, {default_folder_inbox, "Inbox"},
-    {9, "Calendar"},      {10, "Contacts"}, {11, "Journal"},   {12, "Notes"},
-    {13, "Tasks"},        {16, "Drafts"}};
-
 }  // namespace
 
 // What the objects handed out share with the program that opened the stores.
-struct Embedded_Outlook::Session {
+struct Embedded_Outlook::Session : Group_Watcher {
+  void Group_Ending() override {
+    if (watcher != nullptr) watcher->Group_Ending();
+  }
+  void Group_Ended(const std::string& store_id, bool kept) override {
+    if (watcher != nullptr) watcher->Group_Ended(store_id, kept);
+  }
+
   Store_List stores;
   // Also stores that have left the list: objects of theirs may still hold them open.
   std::vector<std::weak_ptr<sqlite::Store>> known;
   Display_Callback display;
+  Group_Watcher* watcher = nullptr;
 };
 
 namespace {
@@ -57,6 +59,9 @@ class Top_Folders : public Folders {
   MAPIFolder_Ptr Item(std::int32_t index) override {
     Check(index);
     return session_->stores[static_cast<std::size_t>(index - 1)]->Top_Folder();
+  }
+  MAPIFolder_Ptr Add(const std::string&, std::int32_t) override {
+    Fail(automation_error::no_access, "A store cannot be added like a folder.");
   }
   void Remove(std::int32_t index) override {
     Check(index);
@@ -77,10 +82,9 @@ class Embedded_Name_Space : public NameSpace {
   explicit Embedded_Name_Space(Session_Ptr session) : session_(std::move(session)) {}
   Folders_Ptr Folders() override { return std::make_shared<Top_Folders>(session_); }
   MAPIFolder_Ptr GetDefaultFolder(std::int32_t folder_type) override {
-    for (const auto& [type, name] : default_folder_names) {
-      if (type == folder_type) return Find_Default_Folder(name);
-    }
-    Fail(automation_error::not_found, "There is no default folder " + std::to_string(folder_type) + ".");
+    // The first store is the one that the person's own mail goes to.
+    if (session_->stores.empty()) Fail(automation_error::not_found, "No store is open.");
+    return sqlite::Find_Default_Folder(session_->stores.front()->Inner(), folder_type);
   }
   Item_Ptr GetItemFromID(const std::string& entry_id, const std::string& store_id) override {
     for (const auto& store : session_->stores) {
@@ -90,17 +94,6 @@ class Embedded_Name_Space : public NameSpace {
   }
 
  private:
-  // The first store is the one that the person's own mail goes to.
-  MAPIFolder_Ptr Find_Default_Folder(const char* name) {
-    if (!session_->stores.empty()) {
-      const auto& store = session_->stores.front()->Inner();
-      for (const sqlite::Folder_Record* folder : store->Top().children) {
-        if (folder->name == name) return sqlite::Make_Folder(store, folder->id);
-      }
-    }
-    Fail(automation_error::not_found, std::string("The first store has no folder \"") + name + "\".");
-  }
-
   Session_Ptr session_;
 };
 
@@ -157,6 +150,7 @@ void Join(const Session_Ptr& session, Store_List& list, std::shared_ptr<Embedded
     }
     target->display(item);
   });
+  inner->Set_Watcher(session);
   session->known.push_back(inner);
   list.push_back(std::move(store));
 }
@@ -207,8 +201,10 @@ const std::vector<std::shared_ptr<Embedded_Store>>& Embedded_Outlook::Stores() c
 
 void Embedded_Outlook::Commit_Pending() {
   std::exception_ptr first_failure;
-  const Store_List stores = session_->stores;
-  for (const auto& store : stores) {
+  const auto stores = session_->known;
+  for (const auto& known : stores) {
+    const auto store = known.lock();
+    if (store == nullptr) continue;
     try {
       store->Commit_Pending();
     } catch (...) {
@@ -216,6 +212,10 @@ void Embedded_Outlook::Commit_Pending() {
     }
   }
   if (first_failure != nullptr) std::rethrow_exception(first_failure);
+}
+
+void Embedded_Outlook::Watch(Group_Watcher* watcher) {
+  session_->watcher = watcher;
 }
 
 void Embedded_Outlook::Set_Display(Display_Callback display) {

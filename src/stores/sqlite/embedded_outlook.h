@@ -6,13 +6,14 @@
 #include <string>
 #include <vector>
 
+#include "outlook/change_groups.h"
 #include "outlook/object_model.h"
 #include "stores/sqlite/displayed_item.h"
 #include "stores/sqlite/embedded_store.h"
 
 namespace tidyfold {
 
-class Embedded_Outlook : public Automation {
+class Embedded_Outlook : public Automation, public Change_Groups {
  public:
   Embedded_Outlook();
   ~Embedded_Outlook() override;
@@ -29,8 +30,11 @@ class Embedded_Outlook : public Automation {
   // In the order given. Empty after nothing was opened.
   const std::vector<std::shared_ptr<Embedded_Store>>& Stores() const;
 
-  // Commits the changes of every store, also where one fails; throws the first failure's Automation_Error.
-  void Commit_Pending();
+  // Also those stores that have left the list, while objects of theirs keep them open.
+  void Commit_Pending() override;
+  // A store tells nothing while it is closed: Commit_Pending comes first.
+  void Watch(Group_Watcher* watcher) override;
+  Change_Groups* Groups() override { return this; }
 
   // What Item::Display calls. Without it Display throws Automation_Error (not_supported).
   void Set_Display(Display_Callback display);

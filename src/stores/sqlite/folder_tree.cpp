@@ -4,12 +4,11 @@
 #include <unordered_set>
 
 #include "base/text.h"
+#include "outlook/default_folders.h"
 
 namespace tidyfold::sqlite {
 
 namespace {
-
-constexpr const char* deleted_items_name = "Deleted Items";
 
 bool Stands_Before(const Folder_Record* left, const Folder_Record* right) {
   const int order = Compare_Ignoring_Case(left->name, right->name);
@@ -57,7 +56,7 @@ std::vector<std::int64_t> Folder_Tree::Load(Database& database) {
   std::erase_if(folders_, [&](const auto& entry) { return !reached.contains(entry.first); });
   last_found_ = nullptr;
   Count_Items(database);
-  Find_Deleted_Items();
+  deleted_items_ = Default_Folder(default_folder_deleted_items);
   return removed;
 }
 
@@ -89,7 +88,7 @@ Folder_Record& Folder_Tree::Add(std::int64_t id, Folder_Record& parent, const st
   folder.item_type = item_type;
   auto& siblings = parent.children;
   siblings.insert(std::upper_bound(siblings.begin(), siblings.end(), &folder, Stands_Before), &folder);
-  Find_Deleted_Items();
+  deleted_items_ = Default_Folder(default_folder_deleted_items);
   return folder;
 }
 
@@ -107,14 +106,16 @@ void Folder_Tree::Remove(Folder_Record& folder) {
   if (folder.parent != nullptr) std::erase(folder.parent->children, &folder);
   for (const Folder_Record* one : doomed) folders_.erase(one->id);
   last_found_ = nullptr;
-  Find_Deleted_Items();
+  deleted_items_ = Default_Folder(default_folder_deleted_items);
 }
 
-void Folder_Tree::Find_Deleted_Items() {
-  const auto& children = top_->children;
-  const auto found = std::find_if(children.begin(), children.end(),
-                                  [](const auto* child) { return child->name == deleted_items_name; });
-  deleted_items_ = found == children.end() ? nullptr : *found;
+Folder_Record* Folder_Tree::Default_Folder(std::int32_t type) {
+  const auto* wanted = Find_Default_Folder(type);
+  Folder_Record* found = nullptr;
+  if (wanted == nullptr) return found;
+  for (Folder_Record* child : top_->children)
+    if (child->name == wanted->name && (found == nullptr || child->id < found->id)) found = child;
+  return found;
 }
 
 }  // namespace tidyfold::sqlite

@@ -31,7 +31,9 @@ class Folder_Tree {
   // Null when there is none. Records stay where they are until they are removed or all is read anew.
   Folder_Record* Find(std::int64_t id);
   Folder_Record& Top() { return *top_; }
-  // The top-level folder of that very name, null when there is none.
+  // By its OlDefaultFolders number; null when there is none.
+  Folder_Record* Default_Folder(std::int32_t type);
+  // The same for Deleted Items, which every deletion asks for.
   Folder_Record* Deleted_Items() { return deleted_items_; }
 
   Folder_Record& Add(std::int64_t id, Folder_Record& parent, const std::string& name, std::int32_t item_type);
@@ -42,7 +44,6 @@ class Folder_Tree {
 
  private:
   void Count_Items(Database& database);
-  void Find_Deleted_Items();
 
   std::unordered_map<std::int64_t, Folder_Record> folders_;
   Folder_Record* top_ = nullptr;

@@ -4,6 +4,7 @@
 
 #include "base/text.h"
 #include "errors/automation_error.h"
+#include "outlook/default_folders.h"
 #include "stores/sqlite/entry_id.h"
 
 namespace tidyfold::sqlite {
@@ -65,6 +66,17 @@ class Embedded_Item : public Item, public Mapi_Object, public std::enable_shared
     place_ = now;
     age_ = store_->Age();
   }
+  Item_Ptr Move(MAPIFolder& folder) override {
+    const std::int64_t id = Alive().id;
+    if (folder.StoreID() != store_->StoreID()) {
+      Fail(automation_error::not_supported, "An item can only be moved within its own store.");
+    }
+    const auto target = Folder_Of_Entry_Id(folder.EntryID());
+    if (!target) Fail(automation_error::not_found, "The folder is no longer there.");
+    place_ = store_->Move_Item(id, place_, *target);
+    age_ = store_->Age();
+    return shared_from_this();
+  }
   void Display() override {
     Alive();
     store_->Display(found_, place_.folder);
@@ -114,6 +126,9 @@ class Embedded_Folders : public Folders, Folder_View {
       : Folder_View(std::move(store), folder) {}
   std::int32_t Count() override { return static_cast<std::int32_t>(Record().children.size()); }
   MAPIFolder_Ptr Item(std::int32_t index) override { return Make_Folder(store_, Child(index)); }
+  MAPIFolder_Ptr Add(const std::string& name, std::int32_t default_item_type) override {
+    return Make_Folder(store_, store_->Add_Folder(id_, name, default_item_type));
+  }
   void Remove(std::int32_t index) override { store_->Remove_Folder(Child(index)); }
 
  private:
@@ -126,9 +141,21 @@ class Embedded_Folders : public Folders, Folder_View {
   }
 };
 
+class Store_Object : public tidyfold::Store {
+ public:
+  explicit Store_Object(std::shared_ptr<sqlite::Store> store) : store_(std::move(store)) {}
+  MAPIFolder_Ptr GetDefaultFolder(std::int32_t folder_type) override {
+    return Find_Default_Folder(store_, folder_type);
+  }
+
+ private:
+  std::shared_ptr<sqlite::Store> store_;
+};
+
 class Embedded_Folder : public MAPIFolder, Folder_View {
  public:
-  Embedded_Folder(std::shared_ptr<sqlite::Store> store, std::int64_t id) : Folder_View(std::move(store), id) {}
+  Embedded_Folder(std::shared_ptr<sqlite::Store> store, std::int64_t id)
+      : Folder_View(std::move(store), id) {}
   MAPIFolder_Ptr Parent() override {
     const Folder_Record* parent = Record().parent;
     return parent == nullptr ? nullptr : Make_Folder(store_, parent->id);
@@ -147,6 +174,10 @@ class Embedded_Folder : public MAPIFolder, Folder_View {
   Items_Ptr Items() override {
     Record();
     return std::make_shared<Embedded_Items>(store_, id_);
+  }
+  Store_Ptr Store() override {
+    Record();
+    return std::make_shared<Store_Object>(store_);
   }
 };
 
@@ -182,6 +213,14 @@ class Embedded_Writer : public Store_Writer {
 
 MAPIFolder_Ptr Make_Folder(std::shared_ptr<Store> store, std::int64_t id) {
   return std::make_shared<Embedded_Folder>(std::move(store), id);
+}
+
+MAPIFolder_Ptr Find_Default_Folder(const std::shared_ptr<Store>& store, std::int32_t type) {
+  const Folder_Record* folder = store->Default_Folder(type);
+  if (folder != nullptr) return Make_Folder(store, folder->id);
+  const auto* wanted = tidyfold::Find_Default_Folder(type);
+  const std::string name = wanted != nullptr ? wanted->name : std::to_string(type);
+  Fail(automation_error::not_found, "The store has no default folder \"" + name + "\".");
 }
 
 Item_Ptr Find_Item(const std::shared_ptr<Store>& store, const std::string& entry_id) {

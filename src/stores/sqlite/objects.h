@@ -12,6 +12,8 @@
 namespace tidyfold::sqlite {
 
 MAPIFolder_Ptr Make_Folder(std::shared_ptr<Store> store, std::int64_t id);
+// By its OlDefaultFolders number. Throws Automation_Error (not_found).
+MAPIFolder_Ptr Find_Default_Folder(const std::shared_ptr<Store>& store, std::int32_t type);
 // Throws Automation_Error (not_found), also for a text that is no EntryID.
 Item_Ptr Find_Item(const std::shared_ptr<Store>& store, const std::string& entry_id);
 std::unique_ptr<Store_Writer> Make_Writer(std::shared_ptr<Store> store);

@@ -4,22 +4,30 @@
 #include <utility>
 
 #include "errors/automation_error.h"
+#include "outlook/default_folders.h"
 #include "stores/sqlite/check.h"
 
 namespace tidyfold::sqlite {
 
 namespace {
 
-constexpr std::pair<const char*, std::int32_t> default_folders[] = {
-    {"Deleted Items", item_type::mail},   {"Inbox", item_type::mail},
-    {"Outbox", item_type::mail},          {"Sent Items", item_type::mail},
-    {"Calendar", item_type::appointment}, {"Contacts", item_type::contact},
-    {"Drafts", item_type::mail},          {"Journal", item_type::journal},
-    {"Notes", item_type::note},           {"Tasks", item_type::task}};
-
 // What a window does not notice.
 constexpr std::chrono::milliseconds clearing_time{5};
 constexpr std::int64_t items_per_clearing = 100;
+
+Store_Open_Error::Reason Reason_Of(const Automation_Error& error) {
+  using Reason = Store_Open_Error::Reason;
+  switch (error.Number()) {
+    case automation_error::corrupt_data:
+      return Reason::Damaged;
+    case automation_error::busy:
+      return Reason::Locked;
+    case automation_error::no_access:
+      return Reason::No_Permission;
+    default:
+      return Reason::Cannot_Read;
+  }
+}
 
 }  // namespace
 
@@ -57,12 +65,13 @@ std::shared_ptr<Store> Store::Create(const std::filesystem::path& path, const st
   try {
     store->Start();
     store->Begin();
-    for (const auto& [folder, type] : default_folders) store->Add_Folder(store->Top().id, folder, type);
+    for (const auto& folder : default_folders)
+      store->Add_Folder(store->Top().id, folder.name, folder.item_type);
     store->Commit();
   } catch (const Automation_Error& error) {
     store.reset();
     Remove_File(path);
-    Fail_Open(Store_Open_Error::Reason::Cannot_Write, path, error.Description());
+    throw Store_Open_Error(Store_Open_Error::Reason::Cannot_Write, path, error.Description());
   } catch (...) {
     store.reset();
     Remove_File(path);
@@ -88,10 +97,7 @@ void Store::Start() {
     next_folder_ = std::max(last.Integer(0), last.Integer(2)) + 1;
     next_item_ = std::max(last.Integer(1), last.Integer(3)) + 1;
   } catch (const Automation_Error& error) {
-    if (error.Number() == automation_error::corrupt_data) {
-      throw Store_Open_Error(Store_Open_Error::Reason::Damaged, path_, error.Description());
-    }
-    Fail_Open(Store_Open_Error::Reason::Damaged, path_, sqlite3_errmsg(database_->Connection()));
+    throw Store_Open_Error(Reason_Of(error), path_, error.Description());
   }
 }
 
@@ -123,6 +129,11 @@ Folder_Record& Store::Find_Folder(std::int64_t id) {
 const Folder_Record& Store::Top() {
   Refresh();
   return folders_.Top();
+}
+
+const Folder_Record* Store::Default_Folder(std::int32_t type) {
+  Refresh();
+  return folders_.Default_Folder(type);
 }
 
 std::int64_t Store::Add_Folder(std::int64_t parent, const std::string& name, std::int32_t item_type) {
@@ -179,49 +190,63 @@ void Store::Check_Writable() const {
   }
 }
 
-void Store::Begin_Change() {
+void Store::Check_Changeable() const {
   Check_Writable();
   if (spoilt_) {
     Fail(automation_error::call_failed,
          "The changes to the store \"" + database_->File() + "\" were undone by an earlier failure.");
   }
+}
+
+// A group ends in front of a change, never behind one: whoever makes changes has then noted every change of
+// the group that ends. When the group cannot be kept, the next change is not made.
+void Store::Begin_Change() {
+  Check_Changeable();
+  if (!writing_ && pending_ >= changes_per_group) Commit_Pending();
   if (!database_->In_Transaction()) statements_->begin.Run();
 }
 
-void Store::End_Change() {
-  if (!writing_ && ++pending_ >= changes_per_group) Commit_Pending();
-}
-
-// The one change has not happened. Whether those before it in the group still stand is SQLite's choice.
+// The failed change has not happened. SQLite decides whether those before it in the transaction still stand.
 void Store::After_Failure() {
   known_ = false;
   ++age_;
   if (!database_->In_Transaction()) {
-    pending_ = 0;
     spoilt_ = writing_;
+    Tell_Group_Ended(false);
   } else if (!writing_ && pending_ == 0) {
     Undo();
   }
 }
 
+void Store::Commit_Group() {
+  if (const auto watcher = watcher_.lock(); watcher != nullptr && pending_ > 0) watcher->Group_Ending();
+  try {
+    // What is written to a file that was renamed or deleted would be lost without a word.
+    if (database_->Has_Moved()) database_->Fail_Moved();
+    statements_->commit.Run();
+  } catch (...) {
+    Undo();
+    throw;
+  }
+  Tell_Group_Ended(true);
+}
+
 void Store::Undo() {
   known_ = false;
   ++age_;
-  pending_ = 0;
-  if (database_->In_Transaction()) database_->Execute("ROLLBACK");
+  // Fails only where SQLite has rolled back by itself.
+  sqlite3_exec(database_->Connection(), "ROLLBACK", nullptr, nullptr, nullptr);
+  Tell_Group_Ended(false);
+}
+
+void Store::Tell_Group_Ended(bool kept) {
+  if (std::exchange(pending_, 0) == 0) return;
+  if (const auto watcher = watcher_.lock()) watcher->Group_Ended(store_id_, kept);
 }
 
 void Store::Commit_Pending() {
   if (mode_ == Store_Mode::Read_Only || writing_) return;
-  if (database_->In_Transaction()) {
-    try {
-      statements_->commit.Run();
-      pending_ = 0;
-    } catch (...) {
-      Undo();
-      throw;
-    }
-  }
+  if (database_->In_Transaction()) Commit_Group();
   Clear_Away(clearing_time);
 }
 
@@ -236,11 +261,10 @@ void Store::Begin() {
 
 void Store::Commit() {
   if (!writing_) Fail(automation_error::call_failed, "No transaction has been begun.");
-  Begin_Change();
+  Check_Changeable();
   try {
-    statements_->commit.Run();
+    Commit_Group();
   } catch (...) {
-    Undo();
     spoilt_ = true;
     throw;
   }

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "outlook/change_groups.h"
 #include "outlook/store_writer.h"
 #include "stores/sqlite/database.h"
 #include "stores/sqlite/displayed_item.h"
@@ -21,6 +22,7 @@
 
 namespace tidyfold::sqlite {
 
+// A larger group is committed in front of the next change.
 inline constexpr int changes_per_group = 100;
 
 // What an item's row holds of its text, where it has no sender to show.
@@ -51,10 +53,14 @@ class Store : public std::enable_shared_from_this<Store> {
   // For a copy that is open beside its original: both bear the same identity in the file.
   void Set_StoreID(std::string store_id) { store_id_ = std::move(store_id); }
   void Set_Display(Display_Callback display) { display_ = std::move(display); }
+  // Told of this store's groups of changes, and of the writer's transactions, for as long as it exists.
+  void Set_Watcher(std::weak_ptr<Group_Watcher> watcher) { watcher_ = std::move(watcher); }
 
   // Records are good until the next change.
   const Folder_Record& Folder(std::int64_t id) { return Find_Folder(id); }
   const Folder_Record& Top();
+  // By its OlDefaultFolders number; nullptr when there is none.
+  const Folder_Record* Default_Folder(std::int32_t type);
   std::int64_t Add_Folder(std::int64_t parent, const std::string& name, std::int32_t item_type);
   // With all that is in it.
   void Remove_Folder(std::int64_t id);
@@ -69,8 +75,9 @@ class Store : public std::enable_shared_from_this<Store> {
   std::string Body(std::int64_t id);
   void Display(const Found_Item& item, std::int64_t folder);
 
-  // To the end of "Deleted Items", or away for good from there. `place` must be where the item lies. Returns
-  // where it lies now; folder 0 when it is gone.
+  // `place` must be where the item lies. These return where it lies now.
+  Item_Place Move_Item(std::int64_t id, Item_Place place, std::int64_t folder);
+  // Moves to Deleted Items; removes for good from there (folder 0).
   Item_Place Delete_Item(std::int64_t id, Item_Place place);
   void Remove_Item(std::int64_t id, Item_Place place);
   // Returns the new item's number.
@@ -96,11 +103,13 @@ class Store : public std::enable_shared_from_this<Store> {
   void Refresh();
   void Item_Left(Item_Place place);
 
-  void Begin_Change();
-  void End_Change();
-  void After_Failure();
-  void Undo();
   void Check_Writable() const;
+  void Check_Changeable() const;
+  void Begin_Change();
+  void After_Failure();
+  void Commit_Group();
+  void Undo();
+  void Tell_Group_Ended(bool kept);
   // Runs one change. What it does to the file must be one statement or stand in In_Savepoint.
   template <class Work>
   void Change(Work&& work) {
@@ -111,7 +120,7 @@ class Store : public std::enable_shared_from_this<Store> {
       After_Failure();
       throw;
     }
-    End_Change();
+    ++pending_;
   }
   // Statements that are done all or not at all.
   template <class Work>
@@ -140,13 +149,14 @@ class Store : public std::enable_shared_from_this<Store> {
 
   std::string store_id_;
   Display_Callback display_;
+  std::weak_ptr<Group_Watcher> watcher_;
   Folder_Tree folders_;
   bool known_ = false;  // folders_ agrees with the file
   // Numbers are given here, not by SQLite: after a rollback it would give the same ones again.
   std::int64_t next_folder_ = 1, next_item_ = 1;
   std::vector<std::int64_t> to_clear_;  // folders that were removed and may still hold items
   std::uint64_t age_ = 0;
-  int pending_ = 0;  // changes in the group under way
+  int pending_ = 0;  // changes in the open transaction
   bool writing_ = false, spoilt_ = false;
   bool clearing_ = true;  // it has not failed yet
 };

@@ -114,26 +114,29 @@ void Store::Item_Left(Item_Place place) {
   read_ahead_->Item_Left(place.folder, place.position);
 }
 
-Item_Place Store::Delete_Item(std::int64_t id, Item_Place place) {
-  Refresh();
-  Folder_Record* target = folders_.Deleted_Items();
-  if (target == nullptr) {
-    Fail(automation_error::not_found,
-         "The store has no \"Deleted Items\" folder that the item could be moved to.");
-  }
-  if (place.folder == target->id) {
-    Remove_Item(id, place);
-    return {};
-  }
-  const Item_Place goal{target->id, target->last_position + 1};
+Item_Place Store::Move_Item(std::int64_t id, Item_Place place, std::int64_t folder) {
+  Folder_Record& target = Find_Folder(folder);
+  const Item_Place goal{folder, target.last_position + 1};
   Change([&] {
     statements_->move.Bind(1, id).Bind(2, goal.folder).Bind(3, goal.position).Run();
     if (database_->Changes() != 1) Fail_Item_Gone();
     Item_Left(place);
-    ++target->item_count;
-    target->last_position = goal.position;
+    ++target.item_count;
+    target.last_position = goal.position;
   });
   return goal;
+}
+
+Item_Place Store::Delete_Item(std::int64_t id, Item_Place place) {
+  Refresh();
+  const Folder_Record* target = folders_.Deleted_Items();
+  if (target == nullptr) {
+    Fail(automation_error::not_found,
+         "The store has no \"Deleted Items\" folder that the item could be moved to.");
+  }
+  if (place.folder != target->id) return Move_Item(id, place, target->id);
+  Remove_Item(id, place);
+  return {};
 }
 
 void Store::Remove_Item(std::int64_t id, Item_Place place) {

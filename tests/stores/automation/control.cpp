@@ -19,6 +19,7 @@ class Folder_Key : public MAPIFolder {
   std::string Name() override { return {}; }
   Folders_Ptr Folders() override { return nullptr; }
   Items_Ptr Items() override { return nullptr; }
+  Store_Ptr Store() override { return nullptr; }
 
  private:
   std::string store_id_, entry_id_;

@@ -42,7 +42,8 @@ Served::Served(Switches& switches, std::string type, std::int32_t item_class)
 
 // Names that every item has bear the same id in all of them, the others one of their class's own.
 DISPID Served::Id_At(std::size_t place, const std::string& name) const {
-  static const std::set<std::string> shared = {"Class", "Delete", "Display", "EntryID", "Parent", "Subject"};
+  static const std::set<std::string> shared = {"Class", "Delete", "Display", "EntryID",
+                                               "Move",  "Parent", "Subject"};
   if (class_ > 0 && switches_.ids_unlike)
     return static_cast<DISPID>(first_unlike + (place + class_) % most_names);
   return static_cast<DISPID>(place + 1 + (shared.contains(name) ? 0 : 100 * class_));

@@ -3,6 +3,8 @@
 #include <type_traits>
 #include <utility>
 
+#include "errors/automation_error.h"
+#include "outlook/default_folders.h"
 #include "server_ids.h"
 
 namespace tidyfold::test_server {
@@ -17,6 +19,7 @@ constexpr std::int32_t application_class = 0, namespace_class = 1, folder_class 
 Ptr<IDispatch> Serve(World& world, const Folders_Ptr& folders);
 Ptr<IDispatch> Serve(World& world, const Items_Ptr& items);
 Ptr<IDispatch> Serve(World& world, const Item_Ptr& item);
+Ptr<IDispatch> Serve(World& world, const Store_Ptr& store);
 Ptr<IUnknown> Serve(World& world, const std::shared_ptr<Mapi_Object>& message);
 
 // What a member answers, as automation passes it. A Date is a double, and nothing else is.
@@ -122,9 +125,26 @@ Ptr<IUnknown> Serve(World& world, const std::shared_ptr<Mapi_Object>& message) {
 }
 
 Ptr<IDispatch> Serve(World& world, const Folders_Ptr& folders) {
-  return As_Dispatch(Make(world, "Folders", folders, "Count", &Folders::Count, "Item", &Folders::Item,
-                          "Remove", &Folders::Remove));
+  Ptr<Served> served = Make(world, "Folders", folders, "Count", &Folders::Count, "Item", &Folders::Item,
+                            "Remove", &Folders::Remove);
+  served->Offer("Add", [=, &world](auto& a) {
+    const Default_Folder* like = Find_Default_Folder(a.at(1).Number());
+    if (like == nullptr || like->type == default_folder_deleted_items) com::Fail(E_INVALIDARG);
+    return Variant(Serve(world, folders->Add(a.at(0).Text(), like->item_type)));
+  });
+  return As_Dispatch(std::move(served));
 }
+
+Ptr<IDispatch> Serve(World& world, const Store_Ptr& store) {
+  return As_Dispatch(Make(world, "Store", store, "GetDefaultFolder", &Store::GetDefaultFolder));
+}
+
+class Served_Folder : public Served {
+ public:
+  Served_Folder(Switches& switches, MAPIFolder_Ptr folder)
+      : Served(switches, "MAPIFolder"), folder(std::move(folder)) {}
+  const MAPIFolder_Ptr folder;
+};
 
 Ptr<IDispatch> Serve(World& world, const Items_Ptr& items) {
   return As_Dispatch(
@@ -139,16 +159,20 @@ Ptr<IDispatch> Serve(World& world, const Item_Ptr& item) {
         &Item::End, "MAPIOBJECT", &Item::MAPIOBJECT, "Parent", &Item::Parent, "Delete", &Item::Delete,
         "Display", &Item::Display);
   served->Offer("Body", [=](auto&) { return Variant(item->Body()); });
+  // A folder that was served comes back as the object that it is.
+  served->Offer("Move", [=, &world](auto& a) {
+    return Variant(Serve(world, item->Move(*dynamic_cast<Served_Folder&>(*a.at(0).Object()).folder)));
+  });
   return As_Dispatch(std::move(served));
 }
 
 }  // namespace
 
 Ptr<IDispatch> Serve(World& world, const MAPIFolder_Ptr& folder) {
-  Ptr<Served> served =
-      Make(world, "MAPIFolder", folder, "Name", &MAPIFolder::Name, "EntryID", &MAPIFolder::EntryID, "StoreID",
-           &MAPIFolder::StoreID, "DefaultItemType", &MAPIFolder::DefaultItemType, "Folders",
-           &MAPIFolder::Folders, "Items", &MAPIFolder::Items);
+  Ptr<Served> served(new Served_Folder(world.switches, folder));
+  Offer(world, *served, folder, "Name", &MAPIFolder::Name, "EntryID", &MAPIFolder::EntryID, "StoreID",
+        &MAPIFolder::StoreID, "DefaultItemType", &MAPIFolder::DefaultItemType, "Folders",
+        &MAPIFolder::Folders, "Items", &MAPIFolder::Items, "Store", &MAPIFolder::Store);
   served->Offer("Class", [](auto&) { return Variant(folder_class); });
   served->Offer("Parent", [=, &world](auto&) {
     const MAPIFolder_Ptr above = folder->Parent();

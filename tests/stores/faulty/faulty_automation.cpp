@@ -79,6 +79,14 @@ class Faulty_Mapi_Object : public Decorated<Mapi_Object> {
   const Identity& Its_Identity() const { return Same_Identity(); }
 };
 
+// A store may look for its own folder object.
+MAPIFolder& Undecorated(MAPIFolder& folder) {
+  auto* decorated = dynamic_cast<Decorated<MAPIFolder>*>(&folder);
+  return decorated != nullptr ? decorated->Inner() : folder;
+}
+
+Item_Ptr Decorate_Item(const Item_Ptr& item, Fault_Plan& plan);
+
 class Faulty_Item : public Decorated<Item> {
  public:
   using Decorated::Decorated;
@@ -98,6 +106,9 @@ class Faulty_Item : public Decorated<Item> {
   std::int64_t Size() override { return Call("Item.Size").Size(); }
   MAPIFolder_Ptr Parent() override { return Decorate_Folder(Call("Item.Parent").Parent(), Plan()); }
   void Delete() override { Call("Item.Delete").Delete(); }
+  Item_Ptr Move(MAPIFolder& folder) override {
+    return Decorate_Item(Call("Item.Move").Move(Undecorated(folder)), Plan());
+  }
   void Display() override { Call("Item.Display").Display(); }
 };
 
@@ -122,7 +133,18 @@ class Faulty_Folders : public Decorated<Folders> {
   MAPIFolder_Ptr Item(std::int32_t index) override {
     return Decorate_Folder(Call("Folders.Item", index).Item(index), Plan());
   }
+  MAPIFolder_Ptr Add(const std::string& name, std::int32_t default_item_type) override {
+    return Decorate_Folder(Call("Folders.Add").Add(name, default_item_type), Plan());
+  }
   void Remove(std::int32_t index) override { Call("Folders.Remove", index).Remove(index); }
+};
+
+class Faulty_Store : public Decorated<Store> {
+ public:
+  using Decorated::Decorated;
+  MAPIFolder_Ptr GetDefaultFolder(std::int32_t folder_type) override {
+    return Decorate_Folder(Call("Store.GetDefaultFolder").GetDefaultFolder(folder_type), Plan());
+  }
 };
 
 class Faulty_Folder : public Decorated<MAPIFolder> {
@@ -139,6 +161,7 @@ class Faulty_Folder : public Decorated<MAPIFolder> {
   Items_Ptr Items() override {
     return Decorate<Faulty_Items>(Call("MAPIFolder.Items").Items(), Plan(), Same_Identity());
   }
+  Store_Ptr Store() override { return Decorate<Faulty_Store>(Call("MAPIFolder.Store").Store(), Plan(), {}); }
 };
 
 MAPIFolder_Ptr Decorate_Folder(const MAPIFolder_Ptr& folder, Fault_Plan& plan) {

@@ -18,6 +18,7 @@ class Faulty_Automation : public Automation {
   std::shared_ptr<Application> GetObject(const std::string& path, const std::string& program) override;
   std::shared_ptr<Application> CreateObject(const std::string& program) override;
   std::shared_ptr<Mapi_Utils> Create_Mapi_Utils(const std::string& program) override;
+  Change_Groups* Groups() override { return inner_.Groups(); }
 
  private:
   Automation& inner_;

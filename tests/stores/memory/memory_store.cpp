@@ -7,14 +7,12 @@
 
 #include "base/text.h"
 #include "errors/automation_error.h"
+#include "outlook/default_folders.h"
 #include "stores/memory/item_sequence.h"
 
 namespace tidyfold {
 
 namespace {
-
-constexpr const char* deleted_items_name = "Deleted Items";
-constexpr const char* inbox_name = "Inbox";
 
 [[noreturn]] void Fail(std::int32_t number, const std::string& description) {
   throw Automation_Error(number, description, "Memory store");
@@ -106,6 +104,17 @@ Stored_Folder_Ptr Child(const Stored_Folder& folder, std::string_view name) {
   return found == folder.folders.end() ? nullptr : *found;
 }
 
+// EntryIDs are equally long and grow.
+Stored_Folder_Ptr Default_Folder_Of(const Stored_Folder& top, std::int32_t type) {
+  const Default_Folder* wanted = Find_Default_Folder(type);
+  Stored_Folder_Ptr found;
+  for (const Stored_Folder_Ptr& folder : top.folders) {
+    const bool fits = wanted != nullptr && folder->name == wanted->name;
+    if (fits && (found == nullptr || folder->entry_id < found->entry_id)) found = folder;
+  }
+  return found;
+}
+
 MAPIFolder_Ptr Handle(const Stored_Folder_Ptr& folder);
 
 class Memory_Mapi_Object : public Mapi_Object {
@@ -142,7 +151,7 @@ class Memory_Item : public Item {
   std::int64_t Size() override { return Data().size; }
   MAPIFolder_Ptr Parent() override { return Handle(Alive().folder->shared_from_this()); }
   void Delete() override {
-    const auto deleted_items = Child(*Alive().folder->Top(), deleted_items_name);
+    const auto deleted_items = Default_Folder_Of(*Alive().folder->Top(), default_folder_deleted_items);
     if (deleted_items == nullptr) {
       Fail(automation_error::not_found,
            "The store has no \"Deleted Items\" folder that the item could be moved to.");
@@ -153,6 +162,13 @@ class Memory_Item : public Item {
       Take_Out(*item_);
       deleted_items->Append(item_);
     }
+  }
+  Item_Ptr Move(MAPIFolder& folder) override {
+    Memory_Store& store = *Alive().folder->store;
+    if (folder.StoreID() != store.StoreID())
+      Fail(automation_error::not_supported, "An item can only be moved within its own store.");
+    store.Move_Item(item_->entry_id, folder);
+    return std::make_shared<Memory_Item>(item_);
   }
   void Display() override { Alive().folder->Outlook().displayed.push_back(item_->entry_id); }
 
@@ -209,6 +225,10 @@ class Memory_Folders : public Folders, Folder_View {
   explicit Memory_Folders(const Stored_Folder_Ptr& folder) : Folder_View(folder) {}
   std::int32_t Count() override { return static_cast<std::int32_t>(Alive().folders.size()); }
   MAPIFolder_Ptr Item(std::int32_t index) override { return Handle(At(index)); }
+  MAPIFolder_Ptr Add(const std::string& name, std::int32_t default_item_type) override {
+    Stored_Folder& folder = Alive();
+    return folder.store->Add_Folder(*Handle(folder.shared_from_this()), name, default_item_type);
+  }
   void Remove(std::int32_t index) override {
     const Stored_Folder_Ptr folder = At(index);
     Remove_For_Good(folder);
@@ -219,6 +239,19 @@ class Memory_Folders : public Folders, Folder_View {
     auto& folders = Alive().folders;
     return folders[Position(index, folders.size())];
   }
+};
+
+class Memory_Store_Object : public Store {
+ public:
+  explicit Memory_Store_Object(Stored_Folder_Ptr top) : top_(std::move(top)) {}
+  MAPIFolder_Ptr GetDefaultFolder(std::int32_t folder_type) override {
+    const Stored_Folder_Ptr folder = Default_Folder_Of(*top_, folder_type);
+    if (folder == nullptr) Fail(automation_error::not_found, "There is no such default folder.");
+    return Handle(folder);
+  }
+
+ private:
+  Stored_Folder_Ptr top_;
 };
 
 class Memory_Folder : public MAPIFolder, Folder_View {
@@ -234,6 +267,7 @@ class Memory_Folder : public MAPIFolder, Folder_View {
   std::string Name() override { return Alive().name; }
   Folders_Ptr Folders() override { return std::make_shared<Memory_Folders>(Shared()); }
   Items_Ptr Items() override { return std::make_shared<Memory_Items>(Shared()); }
+  Store_Ptr Store() override { return std::make_shared<Memory_Store_Object>(Alive().Top()); }
 };
 
 MAPIFolder_Ptr Handle(const Stored_Folder_Ptr& folder) {
@@ -246,6 +280,9 @@ class Memory_Top_Folders : public Folders {
   std::int32_t Count() override { return static_cast<std::int32_t>(outlook_.Stores()); }
   MAPIFolder_Ptr Item(std::int32_t index) override {
     return outlook_.Store(Position(index, outlook_.Stores()) + 1).Top_Folder();
+  }
+  MAPIFolder_Ptr Add(const std::string&, std::int32_t) override {
+    Fail(automation_error::no_access, "A store cannot be added like a folder.");
   }
   void Remove(std::int32_t index) override {
     Position(index, outlook_.Stores());
@@ -261,10 +298,8 @@ class Memory_Name_Space : public NameSpace {
   explicit Memory_Name_Space(Memory_Outlook& outlook) : outlook_(outlook) {}
   Folders_Ptr Folders() override { return std::make_shared<Memory_Top_Folders>(outlook_); }
   MAPIFolder_Ptr GetDefaultFolder(std::int32_t folder_type) override {
-    if (folder_type != default_folder_inbox || outlook_.Stores() == 0) {
-      Fail(automation_error::not_found, "There is no such default folder.");
-    }
-    return outlook_.Store(1).Folder({inbox_name});
+    if (outlook_.Stores() == 0) Fail(automation_error::not_found, "No store is open.");
+    return outlook_.Store(1).Top_Folder()->Store()->GetDefaultFolder(folder_type);
   }
   Item_Ptr GetItemFromID(const std::string& entry_id, const std::string& store_id) override {
     for (std::size_t number = 1; number <= outlook_.Stores(); ++number) {
@@ -437,23 +472,13 @@ Stored_Item_Ptr Memory_Store::Find_Item(const std::string& entry_id) const {
   return found->second;
 }
 
-Memory_Store& Memory_Outlook::Add_Store(const std::string& name, Default_Folders default_folders) {
+Memory_Store& Memory_Outlook::Add_Store(const std::string& name, Default_Folders which) {
   stores_.push_back(
       std::make_unique<Memory_Store>(*this, name, "STORE" + std::to_string(stores_.size() + 1)));
   Memory_Store& store = *stores_.back();
-  if (default_folders == Default_Folders::All) {
-    constexpr std::pair<const char*, std::int32_t> folders[] = {{deleted_items_name, item_type::mail},
-                                                                {inbox_name, item_type::mail},
-                                                                {"Outbox", item_type::mail},
-                                                                {"Sent Items", item_type::mail},
-                                                                {"Calendar", item_type::appointment},
-                                                                {"Contacts", item_type::contact},
-                                                                {"Drafts", item_type::mail},
-                                                                {"Journal", item_type::journal},
-                                                                {"Notes", item_type::note},
-                                                                {"Tasks", item_type::task}};
+  if (which == Default_Folders::All) {
     const MAPIFolder_Ptr top = store.Top_Folder();
-    for (const auto& [folder, type] : folders) store.Add_Folder(*top, folder, type);
+    for (const auto& folder : default_folders) store.Add_Folder(*top, folder.name, folder.item_type);
   }
   return store;
 }

@@ -56,7 +56,7 @@ class Memory_Store : public Store_Writer {
   void Rename_Folder(MAPIFolder& folder, const std::string& name);
   // Behind the last of the new parent's folders. A folder cannot go below itself (call_failed).
   void Move_Folder(MAPIFolder& folder, MAPIFolder& new_parent);
-  // Behind the last item of the folder.
+  // To the end of the folder.
   void Move_Item(const std::string& entry_id, MAPIFolder& folder);
   void Change_Item(const std::string& entry_id, const std::function<void(New_Item&)>& change);
 
@@ -87,8 +87,8 @@ class Memory_Outlook : public Automation {
  public:
   enum class Default_Folders { None, All };
 
-  // All: Deleted Items, Inbox, Outbox, Sent Items, Calendar, Contacts, Drafts, Journal, Notes, Tasks.
-  Memory_Store& Add_Store(const std::string& name, Default_Folders default_folders = Default_Folders::All);
+  // All: those of outlook/default_folders.h.
+  Memory_Store& Add_Store(const std::string& name, Default_Folders which = Default_Folders::All);
   Memory_Store& Store(std::size_t number) { return *stores_.at(number - 1); }  // from 1
   std::size_t Stores() const { return stores_.size(); }
 

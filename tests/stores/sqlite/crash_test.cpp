@@ -51,8 +51,8 @@ INSTANTIATE_TEST_SUITE_P(
     Stores, Crashes,
     testing::Values(Crash{"Nothing_Committed", 5, false, Numbers(1, 300, 1), ""},
                     Crash{"All_Committed", 5, true, Numbers(1, 295, 1), Numbers(300, 296, -1)},
-                    Crash{"The_Group_Is_Full", 100, false, Numbers(1, 200, 1), Numbers(300, 201, -1)},
-                    Crash{"In_The_Second_Group", 150, false, Numbers(1, 200, 1), Numbers(300, 201, -1)}),
+                    Crash{"The_Group_Is_Full", 100, false, Numbers(1, 300, 1), ""},
+                    Crash{"In_The_Second_Group", 101, false, Numbers(1, 200, 1), Numbers(300, 201, -1)}),
     [](const auto& one) { return one.param.name; });
 
 TEST(Crash, An_Unfinished_Import_Has_Not_Happened) {

@@ -166,8 +166,12 @@ TEST(Open, Reading_Only_Leaves_No_Trace) {
       EXPECT_EQ(items->Count(), left);
       EXPECT_EQ(items->Item(left)->Body(), "Body of " + std::to_string(left));
       const std::function<void()> changes[] = {
-          [&] { items->Item(1)->Delete(); }, [&] { items->Remove(1); }, [&] { store->Writer().Begin(); },
+          [&] { items->Item(1)->Delete(); },
+          [&] { items->Remove(1); },
+          [&] { store->Writer().Begin(); },
           [&] { store->Top_Folder()->Folders()->Remove(1); },
+          [&] { store->Top_Folder()->Folders()->Add("New", item_type::mail); },
+          [&] { items->Item(1)->Move(*Folder_Named(*store, "Tasks")); },
           [&] { store->Writer().Add_Item(*Folder_Named(*store, "Inbox"), {}); }};
       for (const auto& change : changes) EXPECT_EQ(Error_Of(change), automation_error::no_access);
       EXPECT_EQ(items->Count(), left);

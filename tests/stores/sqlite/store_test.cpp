@@ -76,8 +76,12 @@ TEST_F(Embedded_Store_Test, No_Place_Ever_Stands_For_Another_Item) {
       items->Remove(index);
     } else if (action == 3 && step % 50 == 0) {
       expected.push_back(store_->Writer().Add_Item(*inbox, {}));
+    } else if (action == 4 && step % 10 == 0) {
+      items->Item(index)->Move(*inbox);
+      expected.push_back(expected[at]);
     }
-    if (action < 3) expected.erase(expected.begin() + static_cast<std::ptrdiff_t>(at));
+    if (action < 3 || (action == 4 && step % 10 == 0))
+      expected.erase(expected.begin() + static_cast<std::ptrdiff_t>(at));
     if (action >= 3 && forwards) ++at;
     if (!forwards && at > 0) --at;
     ASSERT_EQ(items->Count(), static_cast<std::int32_t>(expected.size()));

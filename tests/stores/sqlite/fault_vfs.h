@@ -1,0 +1,82 @@
+// SQLite's way to the disk, with writing and reading that fail when a test wants them to.
+#pragma once
+
+#include <sqlite3.h>
+
+#include <cerrno>
+#include <map>
+
+namespace tidyfold {
+
+struct Planned_Failure {
+  int left = -1;  // calls that still succeed; never fails when negative
+  int result = SQLITE_OK, system_error = 0;
+
+  bool Comes() {
+    if (left == 0) {
+      errno = system_error;
+      return true;
+    }
+    if (left > 0) --left;
+    return false;
+  }
+};
+
+// Serves every file that is opened while it exists. One at a time.
+class Fault_Vfs {
+ public:
+  Fault_Vfs() {
+    real_ = sqlite3_vfs_find(nullptr);
+    own_ = *real_;
+    own_.zName = "faulty";
+    own_.xOpen = &Open;
+    sqlite3_vfs_register(&own_, 1);
+    Repair();
+  }
+  Fault_Vfs(const Fault_Vfs&) = delete;
+  Fault_Vfs& operator=(const Fault_Vfs&) = delete;
+  ~Fault_Vfs() {
+    Repair();
+    sqlite3_vfs_unregister(&own_);
+  }
+
+  // From the `number`-th call on, counted from 1, all fail with this result of SQLite's and this errno.
+  void Fail_Writing(int number, int result, int system_error) {
+    writing_ = {number - 1, result, system_error};
+  }
+  void Fail_Reading(int number, int result, int system_error) {
+    reading_ = {number - 1, result, system_error};
+  }
+  void Repair() { writing_ = reading_ = {}; }
+
+ private:
+  // The file is the real one; only its table of functions is exchanged.
+  struct Table {
+    sqlite3_io_methods own;
+    const sqlite3_io_methods* real;
+  };
+  static const sqlite3_io_methods& Real(sqlite3_file* file) {
+    return *reinterpret_cast<const Table*>(file->pMethods)->real;
+  }
+  static int Open(sqlite3_vfs*, sqlite3_filename name, sqlite3_file* file, int flags, int* out) {
+    const int result = real_->xOpen(real_, name, file, flags, out);
+    if (file->pMethods == nullptr) return result;
+    Table& table = tables_[file->pMethods];
+    table = {*file->pMethods, file->pMethods};
+    table.own.xWrite = [](sqlite3_file* target, const void* bytes, int count, sqlite3_int64 at) {
+      return writing_.Comes() ? writing_.result : Real(target).xWrite(target, bytes, count, at);
+    };
+    table.own.xRead = [](sqlite3_file* source, void* bytes, int count, sqlite3_int64 at) {
+      return reading_.Comes() ? reading_.result : Real(source).xRead(source, bytes, count, at);
+    };
+    file->pMethods = &table.own;
+    return result;
+  }
+
+  static inline sqlite3_vfs* real_ = nullptr;
+  static inline sqlite3_vfs own_{};
+  static inline std::map<const sqlite3_io_methods*, Table> tables_;
+  static inline Planned_Failure writing_, reading_;
+};
+
+}  // namespace tidyfold
