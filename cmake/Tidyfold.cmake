@@ -1,4 +1,4 @@
-# One way to make a library, a program and a test, so that every one gets the same warnings.
+# Functions that define libraries, programs and tests, so that all get the same warnings.
 
 find_package(PkgConfig REQUIRED)
 
@@ -35,14 +35,16 @@ function(tidyfold_test name)
   cmake_parse_arguments(ARG "ALONE" "" "SOURCES;DEPENDS" ${ARGN})
   add_executable(test_${name} ${ARG_SOURCES})
   target_include_directories(test_${name} PRIVATE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/tests)
+  # Files of other programs, which are not part of this project.
+  target_compile_definitions(test_${name} PRIVATE TIDYFOLD_SHARED_DATA="${PROJECT_SOURCE_DIR}/../shared/data")
   target_link_libraries(test_${name} PRIVATE ${ARG_DEPENDS} GTest::gtest GTest::gmock GTest::gtest_main
                                              tidyfold_warnings)
   if(CMAKE_CROSSCOMPILING)
-    # Starting a program costs more there than most cases do.
+    # Starting a program under Wine takes longer than most test cases.
     add_test(NAME ${name} COMMAND test_${name})
     set_tests_properties(${name} PROPERTIES TIMEOUT 300)
     return()
   endif()
-  # Cases bear the names that they were given, not the bytes of their parameters.
+  # Without NO_PRETTY_VALUES, names would show the bytes of parameters.
   gtest_discover_tests(test_${name} NO_PRETTY_VALUES DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300 RUN_SERIAL ${ARG_ALONE})
 endfunction()

@@ -1,4 +1,4 @@
-# What a build for Windows needs beside its compiler.
+# Settings for Windows builds.
 add_compile_definitions(NOMINMAX WIN32_LEAN_AND_MEAN)
 
 enable_language(RC)
@@ -20,9 +20,8 @@ function(tidyfold_windows_resources program description)
   set(TIDYFOLD_RESOURCES ${resources} PARENT_SCOPE)
 endfunction()
 
-# Elsewhere, its programs run under Wine, in a Windows of their own that lies in the build tree. Wine's replacements
-# of .NET and the web browser are not asked for. Without a locale, Wine cannot make a file whose name is not plain
-# ASCII.
+# When cross-compiling, programs run under Wine, with a prefix in the build tree and without Wine's .NET and web
+# browser. Without a locale, Wine cannot create files with non-ASCII names.
 if(CMAKE_CROSSCOMPILING)
   find_program(WINE NAMES wine wine64 REQUIRED)
   set(TIDYFOLD_WINE_PREFIX ${CMAKE_BINARY_DIR}/wine)
@@ -34,7 +33,7 @@ exec '${WINE}' \"$@\"
   file(CHMOD ${run_in_wine} PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
   set(CMAKE_CROSSCOMPILING_EMULATOR ${run_in_wine})
   if(NOT EXISTS ${TIDYFOLD_WINE_PREFIX}/system.reg)
-    message(STATUS "Making a Windows to run tests in: ${TIDYFOLD_WINE_PREFIX}")
+    message(STATUS "Creating a Wine prefix for the tests: ${TIDYFOLD_WINE_PREFIX}")
     execute_process(COMMAND ${run_in_wine} wineboot --init OUTPUT_QUIET ERROR_QUIET COMMAND_ERROR_IS_FATAL ANY)
   endif()
 endif()

@@ -1,5 +1,5 @@
-# For Windows, 64 bits, with Debian's MinGW-w64 (package g++-mingw-w64-x86-64-posix).
-# The posix flavour, because the win32 one has no std::thread and std::mutex.
+# Cross-compiles for 64-bit Windows with Debian's MinGW-w64 (package g++-mingw-w64-x86-64-posix).
+# The posix variant: the win32 one has no std::thread and std::mutex.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 
@@ -8,14 +8,13 @@ set(CMAKE_C_COMPILER ${triplet}-gcc-posix)
 set(CMAKE_CXX_COMPILER ${triplet}-g++-posix)
 set(CMAKE_RC_COMPILER ${triplet}-windres)
 
-# Headers and libraries come from the target and from the folders in TIDYFOLD_WINDOWS_PREFIX (a list), where the
-# libraries built for Windows lie (scripts/build_windows_libraries.sh); programs that run while building come from
-# this machine.
-set(TIDYFOLD_WINDOWS_PREFIX "" CACHE STRING "Where the libraries built for Windows lie")
+# Headers and libraries come from the target and from the folders in TIDYFOLD_WINDOWS_PREFIX (a list), the libraries
+# that scripts/build_windows_libraries.sh builds; build tools come from this machine.
+set(TIDYFOLD_WINDOWS_PREFIX "" CACHE STRING "Folders of the libraries built for Windows")
 list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES TIDYFOLD_WINDOWS_PREFIX)
 set(CMAKE_FIND_ROOT_PATH /usr/${triplet})
 foreach(folder IN LISTS TIDYFOLD_WINDOWS_PREFIX)
-  # wx-config tells its folders without links.
+  # wx-config resolves links in its paths.
   file(REAL_PATH ${folder} folder)
   list(APPEND CMAKE_FIND_ROOT_PATH ${folder})
 endforeach()
@@ -27,6 +26,6 @@ list(TRANSFORM TIDYFOLD_WINDOWS_PREFIX APPEND /lib/pkgconfig OUTPUT_VARIABLE pkg
 list(JOIN pkgconfig_folders ":" pkgconfig_folders)
 set(ENV{PKG_CONFIG_LIBDIR} "${pkgconfig_folders}")
 
-# A program needs no library but the system's.
+# Static: programs depend on system libraries only.
 set(CMAKE_EXE_LINKER_FLAGS_INIT -static)
 set(CMAKE_SHARED_LINKER_FLAGS_INIT -static)

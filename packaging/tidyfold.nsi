@@ -1,6 +1,6 @@
 ; Puts Tidyfold in place on Windows, and takes all of it away again.
 ;
-;   makensis -DVERSION=2.0.0 -DBIN=<folder of the programs> -DICON=<icon> -DOUT=<installer> packaging/tidyfold.nsi
+;   makensis -DVERSION=<version> -DBIN=<folder of the programs> -DICON=<icon> -DOUT=<installer> packaging/tidyfold.nsi
 ;
 ; /S does it without questions; /D=FOLDER (last) chooses the place.
 Unicode true

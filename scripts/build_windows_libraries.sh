@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# Builds the libraries that the Windows program stands on, from the distribution's own source packages, once.
+# Builds the libraries of the Windows program from the distribution's source packages, once.
 #
 #   scripts/build_windows_libraries.sh core   SQLite, utf8proc, GoogleTest and the libraries that are headers only
 #   scripts/build_windows_libraries.sh        these, and wxWidgets (about a quarter of an hour on two cores)
 #
-# They are kept in $TIDYFOLD_CACHE, by default ~/.cache/tidyfold, each in a folder named after its version and a key
-# of compiler and options: what lies there is not built again. build/windows-libraries/ leads to the ones to use.
-# The versions are those of the installed packages that Tidyfold is built with on this machine.
+# Results are kept in $TIDYFOLD_CACHE, by default ~/.cache/tidyfold, in folders named by version and a key of compiler
+# and options, and are not built again. build/windows-libraries/ links to the ones in use. The versions are those of
+# the development packages that are installed on this machine.
 set -euo pipefail
 
 home=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -14,7 +14,7 @@ case ${1:-} in
   core) with_wxwidgets=no ;;
   '') with_wxwidgets=yes ;;
   -h | --help) sed -n '2,9s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" && exit 0 ;;
-  *) echo "${BASH_SOURCE[0]}: it knows no '$1'. Try --help." >&2 && exit 2 ;;
+  *) echo "${BASH_SOURCE[0]}: unknown argument '$1'. Try --help." >&2 && exit 2 ;;
 esac
 
 cache=${TIDYFOLD_CACHE:-${XDG_CACHE_HOME:-$HOME/.cache}/tidyfold}/windows
@@ -22,7 +22,7 @@ links=$home/build/windows-libraries
 host=x86_64-w64-mingw32
 export CC=$host-gcc-posix CXX=$host-g++-posix AR=$host-ar RANLIB=$host-ranlib
 jobs=${TIDYFOLD_JOBS:-$(nproc)}
-# Another compiler, or another edition of this script's recipes, makes another library.
+# Part of the key: the edition of this script's recipes, and the compiler.
 edition="1 $($CXX -dumpfullversion) $(dpkg-query -W -f='${Version}' mingw-w64-common)"
 
 scratch=$(mktemp -d "${TMPDIR:-/tmp}/tidyfold-libraries-XXXXXX")
@@ -31,13 +31,13 @@ trap 'rm -rf "$scratch"' EXIT
 version_of() { dpkg-query -W -f="\${source:Version}" "$1"; }
 key_of() { printf '%s\n' "$edition" "$@" | sha256sum | cut -c1-10; }
 
-# Two builds at once would each make the same library.
+# Parallel builds would build the same library twice.
 mkdir -p "$cache" "$links"
 exec 9>"$cache/lock"
 flock 9
 
-# Where apt keeps what it knows of source packages: a place of our own, from the sources that the machine has, so
-# that neither rights nor a change of its settings are needed. apt checks signatures and sums as it always does.
+# Keeps the lists of source packages in a directory of our own, from this machine's sources, so that neither root
+# rights nor changed settings are needed. apt checks signatures and checksums as usual.
 apt_of_sources() {
   apt-get -q -o Dir::Etc::SourceList=/dev/null -o Dir::Etc::SourceParts="$scratch/sources.list.d" \
     -o Dir::State::Lists="$scratch/lists" -o Dir::Cache="$scratch/cache" -o APT::Sandbox::User="$(id -un)" \
@@ -56,7 +56,7 @@ know_source_packages() {
     sed -n 's/^deb[[:space:]]/deb-src /p' >"$scratch/sources.list.d/one-line.list" || true
   apt_of_sources update || echo "Not every list of source packages could be read; going on with the others." >&2
 }
-# fetch PACKAGE VERSION: its source, unpacked and patched as the distribution does; says where.
+# fetch PACKAGE VERSION: unpacks its source with the distribution's patches and prints the folder.
 fetch() {
   know_source_packages >&2
   mkdir -p "$scratch/source"
@@ -68,7 +68,7 @@ fetch() {
   find "$scratch/source" -maxdepth 1 -type d -name "$1-*" -print -quit
 }
 
-# begin NAME PREFIX: false when the library is there. Its folder counts only when `complete` stands in it.
+# begin NAME PREFIX: false if the library exists. Its folder counts only if it has the file `complete`.
 begin() {
   if [[ -f $2/complete ]]; then
     echo "$1: there, in $2"
@@ -88,7 +88,7 @@ build_core() {
   local sqlite_version utf8proc_version prefix
   sqlite_version=$(version_of libsqlite3-dev)
   utf8proc_version=$(version_of libutf8proc-dev)
-  # What the distribution's SQLite is compiled with, as far as Tidyfold leans on it: deleted mail is overwritten.
+  # The options of the distribution's SQLite that Tidyfold relies on: deleted mail is overwritten.
   local sqlite_options=(-DSQLITE_THREADSAFE=1 -DSQLITE_SECURE_DELETE -DSQLITE_OMIT_LOAD_EXTENSION)
   prefix=$cache/core-$(key_of "$sqlite_version" "$utf8proc_version" "${sqlite_options[*]}" "$(version_of googletest)" \
     "$(version_of libcli11-dev)" "$(version_of nlohmann-json3-dev)")
@@ -96,7 +96,7 @@ build_core() {
   begin "core libraries" "$prefix" || return 0
   mkdir -p "$prefix"/{include,lib/pkgconfig,share/cmake}
 
-  # Headers only: this machine's own, without the rest of /usr/include.
+  # Header-only libraries: this machine's, without the rest of /usr/include.
   cp -r /usr/include/CLI /usr/include/nlohmann "$prefix/include/"
   cp -r /usr/share/cmake/CLI11 /usr/share/cmake/nlohmann_json "$prefix/share/cmake/"
 
@@ -105,7 +105,7 @@ build_core() {
   mkdir "$scratch/sqlite"
   (
     cd "$scratch/sqlite"
-    # The one big C file is put together by this machine's tools.
+    # This machine's tools make the amalgamated C file.
     CC=gcc AR=ar RANLIB=ranlib "$source/configure" --disable-shared --disable-readline >configure.log
     CC=gcc AR=ar RANLIB=ranlib make sqlite3.c sqlite3.h >make.log
     $CC -O2 "${sqlite_options[@]}" -c sqlite3.c -o sqlite3.o
@@ -139,7 +139,7 @@ PC
 build_wxwidgets() {
   local version prefix
   version=$(version_of libwxgtk3.2-dev)
-  # Nothing that the program does not show: each of these would cost time here and room in the program.
+  # Leaves out what the program does not use, which would cost build time and size.
   local options=(
     --disable-shared --enable-unicode --disable-precomp-headers --disable-tests --disable-sys-libs
     --enable-html --enable-webview --enable-webviewie --disable-webviewedge

@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
-"""Fails on an include that goes the wrong way through the house.
+"""Fails on an include that does not go down.
 
     scripts/check_includes.py [SRC]     SRC: the folder of the sources, src/ of this project by default
 
-The folders under src/ are floors. A folder includes itself and floors below its own, so that the list of floors
-stays the architecture. Stores and importers stand behind the object model and know nothing above it; only the
-front ends name them, and nobody names the front ends. A folder that is not in the list is refused: it has to be
-given its place here first.
+Each folder under src/ stands on a floor and may include itself and lower floors, so that the list of floors is
+the architecture. Stores and importers stand behind the object model and may include nothing above it; only the
+front ends include them, and nothing includes the front ends. A folder that is not in the list is an error: add it
+first.
 """
 
 import pathlib
@@ -18,17 +18,18 @@ FLOORS = {
     "controls": 1, "settings": 1,
     "errors": 2, "layout": 2,
     "outlook": 3,
-    "cache": 4, "runs": 4,
-    "grid": 5,
-    "marking": 6,
-    "clean": 7,
-    "help": 7,
-    "app": 8,
+    "plan": 4, "runs": 4,
+    "cache": 5,
+    "grid": 6,
+    "marking": 7,
+    "clean": 8,
+    "help": 8,
+    "app": 9,
 }
 BEHIND = ("stores", "import", "export")
 IN_FRONT = ("desktop", "cli", "companion")
 
-# The highest floor that a folder may include, where that is not simply the one below its own.
+# The highest floor that a folder may include, if not the one below its own.
 CEILINGS = {"help": FLOORS["errors"], **{folder: FLOORS["outlook"] for folder in BEHIND}}
 
 SOURCES = (".h", ".hpp", ".c", ".cpp", ".inc", ".rc")
@@ -36,7 +37,7 @@ INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[ \t]*(?:"([^"\n]*)"|<([^>\n]*)>)', 
 
 
 def folder_of(path):
-    """The folder of a path relative to src/; each store is a folder of its own. None: the path names none."""
+    """The folder of a path relative to src/, each store by itself; None for a path without folder."""
     parts = pathlib.PurePosixPath(path).parts[:-1]
     if not parts:
         return None
@@ -49,7 +50,7 @@ def is_known(folder):
 
 
 def objection(folder, other):
-    """Why `folder` may not include `other`, both known; None: it may."""
+    """Why `folder` may not include `other`, both known; None if it may."""
     top, other_top = folder.split("/")[0], other.split("/")[0]
     if folder == other:
         return None
@@ -67,12 +68,12 @@ def objection(folder, other):
 
 
 def without_comments(text):
-    """The same text, the same number of lines, with blanks where /* */ comments were."""
+    """Removes /* */ comments but keeps the number of lines."""
     return re.sub(r"/\*.*?\*/", lambda comment: "\n" * comment.group().count("\n"), text, flags=re.DOTALL)
 
 
 def problems(src):
-    """One line of text for each include that is wrong."""
+    """Yields a line of text for each wrong include."""
     src = pathlib.Path(src)
     unknown = set()
     for path in sorted(file for file in src.rglob("*") if file.suffix in SOURCES):
@@ -87,13 +88,13 @@ def problems(src):
             where = f"{path}:{text.count(chr(10), 0, include.start()) + 1}"
             other = folder_of(name)
             if quoted is not None and (".." in pathlib.PurePosixPath(name).parts or not (src / name).is_file()):
-                yield f'{where}: "{name}" is no file of {src}/ (includes are written from there)'
+                yield f'{where}: "{name}" is not a file in {src}/ (includes are relative to it)'
             elif other is not None and is_known(other) and (src / name).is_file():
                 why = objection(folder, other)
                 if why:
                     yield f"{where}: {folder}/ may not include {name}: {why}"
     for folder in sorted(unknown):
-        yield f"{src}/{folder}: this folder has no floor; give it one in {pathlib.Path(__file__).name}"
+        yield f"{src}/{folder}: this folder has no floor; add it in {pathlib.Path(__file__).name}"
 
 
 def main():

@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
-# The one list of the Debian packages that Tidyfold needs, and what installs those that are missing.
+# Lists the Debian packages that Tidyfold needs and installs those that are missing.
 #
-#   scripts/install_packages.sh run          what ./run needs: build the programs and show the window
-#   scripts/install_packages.sh test         the same and what the tests need
-#   scripts/install_packages.sh windows      what ./test windows needs: build and test the Windows program here
+#   scripts/install_packages.sh run          for ./run: build the programs and show the window
+#   scripts/install_packages.sh test         for ./test
+#   scripts/install_packages.sh check        for scripts/check_sources.sh
+#   scripts/install_packages.sh windows      for ./test windows: build and test the Windows program here
 #   scripts/install_packages.sh --list run   only print the names
 #
-# Nothing is asked of apt, and nobody for a password, when nothing is missing.
+# Neither runs apt nor asks for a password if nothing is missing.
 set -euo pipefail
 
 to_build=(
@@ -16,8 +17,8 @@ to_build=(
   pkg-config
   libwxgtk3.2-dev      # the window
   libwxgtk-webview3.2-dev  # on-line help in a window of its own; without it, in the system's browser
-  libwebkit2gtk-4.0-dev    # what that window stands on
-  libgtk-3-dev         # what wxWidgets stands on, where the window reaches below it
+  libwebkit2gtk-4.0-dev    # its page engine
+  libgtk-3-dev         # for calls below wxWidgets
   libsqlite3-dev       # the embedded store
   libpff-dev           # PST, OST, PAB
   libgmime-3.0-dev     # mbox, Maildir, EML
@@ -29,32 +30,35 @@ to_build=(
 )
 to_show=(
   adwaita-icon-theme   # icons
-  librsvg2-common      # which are SVG
-  fonts-dejavu-core    # a font, on a machine that has none
+  librsvg2-common      # icons in SVG
+  fonts-dejavu-core    # at least one font
 )
 to_test=(
   libgtest-dev
   libgmock-dev
   libbenchmark-dev
   python3              # the check of the includes
-  p7zip-full           # a second reader of the help book
-  xvfb                 # a screen for the window's tests
-  openbox              # a window manager on it
-  xdotool              # clicks and keys
+  xvfb                 # a virtual screen
+  openbox              # a window manager
+  xdotool              # mouse and keyboard
 )
-# The development packages of this machine say which versions the libraries for Windows are built in.
+to_check=(
+  clang-format         # layout of the sources
+  clang-tidy           # static checks
+)
+# Libraries for Windows are built in the versions of this machine's development packages.
 for_windows=(
   cmake
   ninja-build
   pkg-config
-  g++                  # puts SQLite's sources together, with tcl
+  g++                  # merges SQLite's sources, with tcl
   tcl
   make
   dpkg-dev             # unpacks source packages
   g++-mingw-w64-x86-64-posix
   wine
   wine64
-  fonts-wine           # what Windows writes with
+  fonts-wine           # fonts that Windows has
   nsis                 # the installer
   libwxgtk3.2-dev
   libsqlite3-dev
@@ -72,7 +76,7 @@ for_windows=(
   fonts-dejavu-core
 )
 
-usage() { sed -n '2,9s/^# \{0,1\}//p' "$0"; }
+usage() { sed -n '2,10s/^# \{0,1\}//p' "$0"; }
 
 only_list=no
 if [[ ${1:-} == --list ]]; then
@@ -82,6 +86,7 @@ fi
 case ${1:-} in
   run) needed=("${to_build[@]}" "${to_show[@]}") ;;
   test) needed=("${to_build[@]}" "${to_show[@]}" "${to_test[@]}") ;;
+  check) needed=("${to_check[@]}") ;;
   windows) needed=("${for_windows[@]}") ;;
   -h | --help) usage && exit 0 ;;
   *) usage >&2 && exit 2 ;;
@@ -119,12 +124,12 @@ apt() {
   "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q -o DPkg::Lock::Timeout=600 -o Acquire::Retries=3 "$@"
 }
 update() {
-  # One source that does not answer, of several, is no reason to give up: whether it matters shows at once.
-  apt update || echo "The package lists could not all be brought up to date; going on with those there are." >&2
+  # One of several sources may fail; the installation shows whether it matters.
+  apt update || echo "Not all package lists could be updated; continuing with the others." >&2
 }
 install() { apt install --yes --no-install-recommends "${missing[@]}"; }
 
-# Lists that are missing or out of date show in packages that apt does not know, or no longer finds.
+# Missing or outdated lists show up as packages that apt does not know or find.
 if apt-get -qq install --simulate --no-install-recommends "${missing[@]}" >/dev/null 2>&1 && install; then exit 0; fi
 update
 install

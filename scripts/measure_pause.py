@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""How long the window keeps an event waiting while it loads a store.
+"""Measures how long the window keeps an event waiting while it loads a store.
 
     scripts/measure_pause.py build/bin/tidyfold-driven STORE
 
-A timer of the window's own comes due every 30 ms and writes the window's state; what lies between two writings
-beyond these 30 ms, somebody's click would have waited. Times in milliseconds, to about 4 ms.
+A timer in the window writes its state every 30 ms; a click would have waited for any longer gap. Times in
+milliseconds, accurate to about 4 ms.
 """
 
 import sys

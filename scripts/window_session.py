@@ -1,4 +1,4 @@
-"""Runs build/bin/tidyfold-driven on a screen of its own, as a person would, for pictures and measurements."""
+"""Runs build/bin/tidyfold-driven on a virtual screen by mouse and keyboard, for pictures and measurements."""
 
 import json
 import os

@@ -1,5 +1,5 @@
-// What filtering and sorting cost beside the same work done bare: a loop over the records with the
-// comparisons written out, std::sort over the same texts.
+// Filtering and sorting, compared with the bare work: a loop over the records with the comparisons written
+// out, and std::sort over the same texts.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -32,7 +32,7 @@ class No_Events : public Events {
   void Do_Events() override {}
 };
 
-// One marked folder of items that have been read, and its rows in the grid.
+// One marked folder with all items read, and its rows in the grid.
 class Loaded_Folder {
  public:
   Loaded_Folder() {
@@ -134,7 +134,7 @@ void Check_Filtered_Record_Bare(benchmark::State& state) {
 }
 BENCHMARK(Check_Filtered_Record_Bare)->Unit(benchmark::kMillisecond);
 
-// Every mark changes from one round to the next: the filter lets pass what is unread too, or not.
+// Unread is switched on and off in turn, so that marks change in every round.
 void Change_Filtered_Rows(benchmark::State& state) {
   Loaded_Folder& folder = Folder();
   for (auto _ : state) {

@@ -1,10 +1,11 @@
-// What the embedded store costs beside bare SQLite over the same data: reading every item of a store, and
-// moving items to "Deleted Items".
+// The embedded store compared with bare SQLite on the same data: reading every item, and moving items to
+// "Deleted Items".
 #include <benchmark/benchmark.h>
 #include <sqlite3.h>
 
 #include <chrono>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
@@ -25,7 +26,7 @@ namespace fs = std::filesystem;
 constexpr std::int32_t item_count = 100'000;
 constexpr int group = 100;
 
-// A sample store, made once, and a copy of it for each run that changes it.
+// A sample store, made once, and a fresh copy for each run that changes it.
 class Files {
  public:
   Files() {
@@ -39,7 +40,7 @@ class Files {
   ~Files() { fs::remove_all(directory_); }
   fs::path Store() const { return directory_ / "store.tfs"; }
   fs::path Copy() const {
-    const fs::path copy = directory_ / "copy.tfs";
+    fs::path copy = directory_ / "copy.tfs";
     fs::copy_file(Store(), copy, fs::copy_options::overwrite_existing);
     return copy;
   }
@@ -48,7 +49,7 @@ class Files {
   fs::path directory_;
 };
 
-// Bare SQLite, set up as the store sets it up.
+// Bare SQLite with the store's settings.
 class Bare {
  public:
   explicit Bare(const fs::path& file) {
@@ -92,7 +93,7 @@ void Load_Bare_Steps(benchmark::State& state, const Files& files) {
   }
 }
 
-// The same, and every value taken out, texts as texts.
+// The same, and reads every value.
 void Load_Bare_Values(benchmark::State& state, const Files& files) {
   Bare bare(files.Store());
   for (auto _ : state) {
@@ -148,8 +149,8 @@ void Load_Store(benchmark::State& state, const Files& files) {
   }
 }
 
-// Times the work alone, without the copying before it: by the clock as the benchmark's time, and what the
-// processor had to do for it as a counter, which other programs on the machine disturb less.
+// Times the work without the copying before it: wall time as the benchmark's time, processor time as a
+// counter, since other programs disturb it less.
 void Time(benchmark::State& state, const std::function<void()>& work) {
   const std::clock_t processor = std::clock();
   const auto start = std::chrono::steady_clock::now();
@@ -209,7 +210,7 @@ void Move_Store(benchmark::State& state, const Files& files) {
   }
 }
 
-// A run over items that were read before, each found again by its identity.
+// A run over items that were read before, each found by its EntryID.
 void Move_Store_By_Id(benchmark::State& state, const Files& files) {
   for (auto _ : state) {
     Embedded_Outlook outlook;
@@ -236,7 +237,7 @@ void Move_Store_By_Id(benchmark::State& state, const Files& files) {
 }  // namespace
 }  // namespace tidyfold
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv) try {
   using namespace tidyfold;
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
@@ -254,4 +255,7 @@ int main(int argc, char** argv) {
   benchmark::RunSpecifiedBenchmarks();
   benchmark::Shutdown();
   return 0;
+} catch (const std::exception& error) {
+  std::fprintf(stderr, "store_bench: %s\n", error.what());
+  return 1;
 }

@@ -1,52 +1,102 @@
-// The main window's life: start-up, loading, quitting. Builds every flow of the program and wires them.
+// The main window's life (start-up, loading, quitting), and the one place where everything that works on the
+// window is built and joined.
 #pragma once
 
-#include <cstdint>
 #include <memory>
-#include <vector>
 
+#include "app/panes.h"
 #include "base/clock.h"
-#include "controls/interaction.h"
-#include "controls/main_window.h"
-#include "outlook/object_model.h"
+#include "clean/cleaning_run.h"
+#include "grid/item_display.h"
+#include "grid/row_selection.h"
+#include "help/help.h"
 
 namespace tidyfold {
 
-class FolderData_Array;
-struct Help_Environment;
-struct Run_State;
+// What the program needs from outside.
+struct Surroundings {
+  Automation& automation;
+  Message_Box& message_box;
+  Events& events;
+  Clock& clock;
+  Run_Log& log;
+  Deleted_Items_Limits& limits;
+  // Front ends without help give none.
+  Help_Environment* help_environment = nullptr;
+};
+
+// Procedures that are still unwinding when the window has been closed ask nobody any more: every question
+// gets its safest answer.
+class Window_Message_Box : public Message_Box {
+ public:
+  Window_Message_Box(const Form& form, Message_Box& message_box) : form_(form), message_box_(message_box) {}
+  Answer Show(const std::string& text, Buttons buttons, Icon icon, const std::string& title) override;
+  Answer Show_Review(const Review& review) override;
+
+ private:
+  const Form& form_;
+  Message_Box& message_box_;
+};
 
 // Everything that the program does to one main window. All calls come from one thread; every handler may run
 // inside a yield of a longer one. The object must outlive the last of them: a front end destroys it only
 // after its event loop has unwound.
-class App {
- public:
-  // Front ends without help give no environment for it.
-  App(MainWindow& window, Automation& automation, Message_Box& message_box, Events& events, Clock& clock,
-      Help_Environment* help_environment = nullptr);
-  ~App();
+//
+// Members are built from top to bottom; each uses only what stands above it. What has to be told upward goes
+// through the interfaces that App itself implements.
+struct App : private Interface_Loader {
+  App(MainWindow& w, const Surroundings& surroundings);
 
   // Start-up: reaches Outlook, lays the window out, builds the tree and loads the items. Returns when
   // everything is loaded or the window was closed meanwhile (window.frmRemoveItems.Loaded() then is false).
   void Form_Load();
   // Rebuilds the tree and loads the items, again and again while a refresh is asked for on the way.
-  void Load_Interface();
+  void Load_Interface() override;
 
-  // For front ends that have no widgets: the records behind the tree (record numbers are node indexes), and
-  // what the last run did.
-  const FolderData_Array& Folder_Data() const;
-  const Run_State& Run() const;
-  // The checks and questions that a run begins with, without the run: whether it would go on.
-  bool Check_Screen();
-  // What a run over the marked folders would take with the options as they are. Positions in a folder's
-  // cache, from 1, in order.
-  std::vector<std::int32_t> Items_To_Take(int folder) const;
-  // Whether a run would remove the folder itself, and not only items.
-  bool Takes_Folder(int folder) const;
+  MainWindow& window;
+  Events& events;
+  Clock& clock;
+  Window_Message_Box window_message_box;
+  Message_Box& message_box{window_message_box};
+  Error_Handler errors{message_box};
+  Program_Phase phase;
+  FolderData_Array records;
+  Filter_In_Force filter;
+  Run_State run;
+  Outlook_Session session;
+  Folder_Tree folder_tree{window, records, session, message_box, events, errors};
+  Deleted_Items_Folders deleted_items{window, records, folder_tree, errors};
+  Planner planner{window, records, filter, errors};
+  Control_Enabling enabling{window, phase, errors};
+  Grid_Columns columns{window, records, errors};
+  Choice_Status choice{window, records, planner, errors};
+  Grid_Rows rows{window, records, planner, columns, choice, enabling, message_box, errors};
+  Item_Filters filters{window, filter, rows, errors};
+  Item_Cache cache{window, records, folder_tree, session, rows, phase, message_box, events, errors};
+  Row_Selection selection{window, records, deleted_items, rows, enabling, message_box, errors};
+  Item_Display display{window, records, session, message_box, errors};
+  Refresh refresh{window, records, folder_tree, cache, rows, *this, phase, message_box, errors};
+  Folder_Marking marking{window, records, folder_tree, deleted_items, rows, message_box, errors};
+  Processing_Options options{window,  records,  folder_tree, deleted_items, rows,
+                             marking, enabling, message_box, errors};
+  Safety_Checks checks;
+  Run_Journal journal;
+  Item_Removal removal{records, session, checks, journal, run, phase, errors};
+  Status_Line status{window, errors};
+  Deletion_Strategies strategies{window, records, folder_tree, rows,   removal, journal,
+                                 status, run,     phase,       events, errors};
+  Cleaning_Run cleaning{window,  records, folder_tree, deleted_items, planner, filters,
+                        cache,   rows,    options,     refresh,       checks,  strategies,
+                        journal, run,     phase,       message_box,   events,  errors};
+  Panes panes{window, columns, errors};
+  std::unique_ptr<Help> help;
 
  private:
-  struct Parts;
-  std::unique_ptr<Parts> parts_;
+  void Wire();
+  void End_Without_Store();
+  void Form_Unload();
+  void mnuQuit_Click();
+  bool Build_Interface();
 };
 
 }  // namespace tidyfold

@@ -4,9 +4,10 @@
 #include <utility>
 #include <vector>
 
+#include "base/flag_scope.h"
+#include "base/text.h"
 #include "cache/item_dates.h"
 #include "cache/item_filters.h"
-#include "base/text.h"
 #include "errors/automation_error.h"
 
 namespace tidyfold {
@@ -30,28 +31,31 @@ void Pack_Items_Array(FolderData& record) {
     hole->ItemClass = ItemData::deleted;
   }
   record.CachedCount = static_cast<std::int32_t>(kept - begin);
-  record.Passing = {};
+  record.Judged = {};
 }
 
 Item_Cache::Item_Cache(MainWindow& window, FolderData_Array& records, Folder_Tree& folder_tree,
-                       Outlook_Session& session, Message_Box& message_box, Events& events,
-                       Error_Handler& errors)
+                       Outlook_Session& session, Item_View& view, Program_Phase& phase,
+                       Message_Box& message_box, Events& events, Error_Handler& errors)
     : window_(window),
       tree_(window.trvFolders),
       records_(records),
       folder_tree_(folder_tree),
       session_(session),
+      view_(view),
+      phase_(phase),
       message_box_(message_box),
       events_(events),
       errors_(errors) {}
 
 void Item_Cache::Cache_Folder_Items() {
-  if (std::exchange(running_, true)) return;
+  if (running_) return;
+  const Flag_Scope running(running_);
+  const Program_Phase::Scope loading(phase_, Phase::Loading);
   errors_.Run("Cache_Folder_Items", [&] {
     AllFoldersCached = LoadFailed = LoadGivenUp = false;
     // The command that found the store gone begins nothing new.
     StopCaching = InterruptCaching = errors_.Store_Gone();
-    window_.mnuStopLoading.Set_Enabled(true);
     item_failure_reported_ = folder_failure_reported_ = false;
     for (int index = 1; index <= records_.Upper_Bound(); ++index) records_[index].LoadError = false;
     Create_Companion();
@@ -77,11 +81,9 @@ void Item_Cache::Cache_Folder_Items() {
     window_.sbStatusBar.Set_Panel_Text(1, "");
     window_.sbStatusBar.Set_Panel_Text(2, "");
     window_.sbStatusBar.Set_Gauge(0, 0);
-    Display_Selected_Items_Total();
+    view_.Display_Selected_Items_Total();
     mapi_utils_.reset();
   });
-  running_ = false;
-  window_.mnuStopLoading.Set_Enabled(false);
 }
 
 // Mail is shown without its sender where the companion is missing, or Outlook does not let it look.
@@ -100,21 +102,20 @@ void Item_Cache::Say_That_Senders_Are_Missing() {
 // One pass. False when there was nothing left that can be loaded.
 bool Item_Cache::Load_Next_Folders() {
   const int selected = tree_.Selected_Item();
-  if (selected != 0 && !Check_Cache_Status(folder_tree_.Get_Node_Index(selected), selected)) {
-    Cache_Selected_Folder(folder_tree_.Get_Node_Index(selected), selected);
+  if (selected != 0 && !Check_Cache_Status(selected)) {
+    Cache_Selected_Folder(selected);
     return true;
   }
   if (const int marked = Get_Next_Unloaded_Checked_Node(); marked != 0) {
-    Cache_Selected_Folder(folder_tree_.Get_Node_Index(marked), marked);
+    Cache_Selected_Folder(marked);
     return true;
   }
   bool found = false;
-  for (int node = 1; node <= tree_.Upper_Bound(); ++node) {
-    const int folder = folder_tree_.Get_Node_Index(node);
-    if (folder == 0 || Check_Cache_Status(folder, node)) continue;
+  for (int folder = 1; folder <= tree_.Upper_Bound(); ++folder) {
+    if (!tree_.Exists(folder) || Check_Cache_Status(folder)) continue;
     found = true;
     // A folder that cannot be read holds up no other.
-    if (!Cache_Selected_Folder(folder, node) && !records_[folder].LoadError) break;
+    if (!Cache_Selected_Folder(folder) && !records_[folder].LoadError) break;
     events_.Do_Events();
     if (StopCaching || InterruptCaching) break;
   }
@@ -125,7 +126,7 @@ int Item_Cache::Get_Next_Unloaded_Checked_Node() {
   return errors_.Run("Get_Next_Unloaded_Checked_Node", [&] {
     for (int node = 1; node <= tree_.Upper_Bound(); ++node) {
       if (tree_.Exists(node) && tree_.Checked(node) && tree_.Fore_Colour(node) == unloaded_colour &&
-          !Check_Cache_Status(folder_tree_.Get_Node_Index(node), node))
+          !Check_Cache_Status(node))
         return node;
     }
     return 0;
@@ -135,7 +136,7 @@ int Item_Cache::Get_Next_Unloaded_Checked_Node() {
 bool Item_Cache::All_Folders_Cached() {
   return errors_.Run("All_Folders_Cached", [&] {
     for (int node = 1; node <= tree_.Upper_Bound(); ++node)
-      if (tree_.Exists(node) && !records_[folder_tree_.Get_Node_Index(node)].Loaded) return false;
+      if (tree_.Exists(node) && !records_[node].Loaded) return false;
     return true;
   });
 }
@@ -154,7 +155,7 @@ bool Item_Cache::Attempt(int folder, Work&& work) {
   });
 }
 
-bool Item_Cache::Check_Cache_Status(int folder, int node) {
+bool Item_Cache::Check_Cache_Status(int folder) {
   return errors_.Run("Check_Cache_Status", [&] {
     FolderData& record = records_[folder];
     if (record.Loaded || record.LoadError) return true;
@@ -170,12 +171,12 @@ bool Item_Cache::Check_Cache_Status(int folder, int node) {
         loaded = record.CachedCount == count && Has_Its_Place(*items, folder, count);
       }
     });
-    if (answered && loaded) Finish_Folder(folder, node);
+    if (answered && loaded) Finish_Folder(folder);
     return loaded;
   });
 }
 
-bool Item_Cache::Cache_Selected_Folder(int folder, int node) {
+bool Item_Cache::Cache_Selected_Folder(int folder) {
   return errors_.Run("Cache_Selected_Folder", [&](Procedure& procedure) {
     if (records_[folder].LoadError) return false;
     bool finished = false;
@@ -187,11 +188,11 @@ bool Item_Cache::Cache_Selected_Folder(int folder, int node) {
       if (InterruptCaching || records_[folder].Folder == nullptr) return;
       const Items_Ptr items = object->Items();
       for (int reading = 1; reading <= most_readings; ++reading) {
-        if (!Read_Items(*items, name, folder, node)) return;
+        if (!Read_Items(*items, name, folder)) return;
         // What has arrived since reading began is read too.
         if (items->Count() == records_[folder].CachedCount) break;
       }
-      Finish_Folder(folder, node);
+      Finish_Folder(folder);
       finished = true;
     });
     return finished;
@@ -201,12 +202,16 @@ bool Item_Cache::Cache_Selected_Folder(int folder, int node) {
 // Reads as many items as the folder holds when reading begins. False when loading was broken off; then
 // everything read so far counts, and reading goes on from there.
 //
-// To ask after every item whether another program has added something or taken something away would cost a
-// call each: it is asked after every batch, and wherever reading stops. A batch in which something moved is
-// read again.
-bool Item_Cache::Read_Items(Items& items, const std::string& name, int folder, int node) {
+// Three things may happen on the way. A handler that runs in a yield, or in the box that reports a failure,
+// may reset or remove the folder (Is_Touched); the person may turn to another folder or stop the loading
+// (`stop`); and another program may add or take away items, so that positions shift. To ask about the last
+// after every item would cost a call each. It is asked after every batch and wherever reading stops:
+// `checked` is the last item known to stand where it was read, and what was read behind it is forgotten and
+// read again when something moved. `reads_left` ends the reading of a folder that never stands still.
+bool Item_Cache::Read_Items(Items& items, const std::string& name, int folder) {
   Extent extent = Extent_Of(items);
   Keep_What_Has_Its_Place(items, folder, extent.count);
+  resets_ = records_[folder].Resets;
   std::int32_t end = extent.count, checked = records_[folder].CachedCount;
   std::int64_t reads_left = std::int64_t{most_readings} * (end + batch);
   while (records_[folder].CachedCount < end) {
@@ -218,7 +223,7 @@ bool Item_Cache::Read_Items(Items& items, const std::string& name, int folder, i
     const std::int32_t i = records_[folder].CachedCount + 1;
     if (i > records_[folder].Cache_Bound()) {
       records_[folder].ItemCache.resize(static_cast<std::size_t>(i));
-      folder_tree_.Set_Node_Text(node);
+      folder_tree_.Set_Node_Text(folder);
     }
     const bool read = Cache_Current_Item(items, i, folder);
     // The report of a failure and every yield let handlers run, and they may have done something to the
@@ -242,9 +247,7 @@ bool Item_Cache::Read_Items(Items& items, const std::string& name, int folder, i
     }
     if (stop) return false;
     if (i % batch == 0) {
-      window_.grdItems.Set_Redraw(false);
       Add_100_New_Rows(folder);
-      window_.grdItems.Set_Redraw(true);
       Display_Cache_Status(name, i);
       if (InterruptCaching || Is_Touched(folder, i)) return false;
     }
@@ -254,7 +257,8 @@ bool Item_Cache::Read_Items(Items& items, const std::string& name, int folder, i
 
 // A handler has changed what is known of the folder.
 bool Item_Cache::Is_Touched(int folder, std::int32_t item) {
-  return records_[folder].Folder == nullptr || records_[folder].CachedCount != item;
+  const FolderData& record = records_[folder];
+  return record.Folder == nullptr || record.Resets != resets_ || record.CachedCount != item;
 }
 
 // Whatever the handler did, items that have not been looked at again can only be the last that are left.
@@ -267,7 +271,7 @@ bool Item_Cache::Another_Folder_Is_Wanted() {
   const int selected = tree_.Selected_Item();
   if (selected == LastSelectedNode) return false;
   LastSelectedNode = selected;
-  return selected != 0 && !records_[folder_tree_.Get_Node_Index(selected)].Loaded;
+  return selected != 0 && !records_[selected].Loaded;
 }
 
 // Empty for an item that does not say it.
@@ -330,24 +334,42 @@ void Item_Cache::Keep_What_Has_Its_Place(Items& items, int folder, std::int32_t 
 
 // Forgets what was read behind an item.
 void Item_Cache::Keep(int folder, std::int32_t kept) {
-  if (records_[folder].RowCount > kept) Remove_Folder_Rows(folder);
+  if (records_[folder].RowCount > kept) view_.Remove_Folder_Rows(folder);
   FolderData& record = records_[folder];
   record.CachedCount = kept;
   if (record.RowCount > kept) record.RowCount = 0;
-  record.Passing = {};
+  record.Judged = {};
 }
 
-void Item_Cache::Finish_Folder(int folder, int node) {
+void Item_Cache::Finish_Folder(int folder) {
   FolderData& record = records_[folder];
   record.ItemCache.resize(static_cast<std::size_t>(record.CachedCount));
   record.Loaded = true;
-  tree_.Set_Fore_Colour(node, loaded_colour);
+  tree_.Set_Fore_Colour(folder, loaded_colour);
   if (record.CachedCount == 0) return;
-  window_.grdItems.Set_Redraw(false);
+  const No_Redraw no_redraw(window_.grdItems);
   Add_100_New_Rows(folder);
   // The rows came in the order of the folder; now that all are there they stand where they belong.
-  if (In_View(folder)) Set_Grid_Order();
-  window_.grdItems.Set_Redraw(true);
+  if (view_.In_View(folder)) view_.Set_Grid_Order();
+  view_.Follow_Choice();
+}
+
+// In this order, so that a record which could not be read to its end holds what came before.
+void Item_Cache::Read(Item& object, ItemData& data) {
+  data.ItemClass = object.Class();
+  data.Subject = object.Subject();
+  data.ItemDate = Get_Item_Date(object, data.ItemClass);
+  data.Unread = Check_Unread(object, errors_);
+  data.EntryID = object.EntryID();
+  data.Size = object.Size();
+  if (data.ItemClass != item_class::mail) {
+    data.SenderOrText = object.Body(text_characters);
+  } else if (mapi_utils_ != nullptr && !errors_.Try([&] {
+               const std::shared_ptr<Mapi_Object> mapi_object = object.MAPIOBJECT();
+               data.SenderOrText = mapi_utils_->HrGetOneProp(*mapi_object, sender_name_tag);
+             })) {
+    Say_That_Senders_Are_Missing();
+  }
 }
 
 bool Item_Cache::Cache_Current_Item(Items& items, std::int32_t item, int folder) {
@@ -363,22 +385,20 @@ bool Item_Cache::Cache_Current_Item(Items& items, std::int32_t item, int folder)
         there = false;
         return;
       }
-      ItemData& data = records_[folder].Cached(item);
-      data = ItemData{};
-      data.ItemClass = object->Class();
-      data.Subject = object->Subject();
-      data.ItemDate = Get_Item_Date(*object, data.ItemClass);
-      data.Unread = Check_Unread(*object, errors_);
-      data.EntryID = object->EntryID();
-      data.Size = object->Size();
-      if (data.ItemClass != item_class::mail) {
-        data.SenderOrText = object->Body(text_characters);
-      } else if (mapi_utils_ != nullptr && !errors_.Try([&] {
-                   const std::shared_ptr<Mapi_Object> mapi_object = object->MAPIOBJECT();
-                   data.SenderOrText = mapi_utils_->HrGetOneProp(*mapi_object, sender_name_tag);
-                 })) {
-        Say_That_Senders_Are_Missing();
+      // Filled apart: reading may show a box, and what runs meanwhile may reset the folder's records.
+      ItemData data;
+      const std::uint32_t resets = records_[folder].Resets;
+      const auto keep = [&] {
+        FolderData& record = records_[folder];
+        if (record.Resets == resets && item <= record.Cache_Bound()) record.Cached(item) = data;
+      };
+      try {
+        Read(*object, data);
+      } catch (...) {
+        keep();
+        throw;
       }
+      keep();
     });
     return read && there;
   });
@@ -386,7 +406,9 @@ bool Item_Cache::Cache_Current_Item(Items& items, std::int32_t item, int folder)
 
 void Item_Cache::Add_100_New_Rows(int folder) {
   errors_.Run("Add_100_New_Rows", [&] {
-    if (In_View(folder)) Add_Folder_Rows(folder);
+    if (!view_.In_View(folder)) return;
+    const No_Redraw no_redraw(window_.grdItems);
+    view_.Add_New_Records(folder);
   });
 }
 
@@ -405,7 +427,7 @@ void Item_Cache::Show_Progress() {
   std::int64_t read = 0;
   for (int index = 1; index <= records_.Upper_Bound(); ++index) read += records_[index].CachedCount;
   window_.sbStatusBar.Set_Gauge(read, items_to_read_);
-  Display_Selected_Items_Total();
+  view_.Follow_Choice();
 }
 
 }  // namespace tidyfold

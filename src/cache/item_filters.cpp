@@ -1,10 +1,5 @@
 #include "cache/item_filters.h"
 
-#include <algorithm>
-#include <cmath>
-
-#include "base/text.h"
-
 namespace tidyfold {
 
 namespace {
@@ -24,82 +19,34 @@ bool Check_Unread(Item& item, Error_Handler& errors) {
   });
 }
 
-bool Item_Filters::Check_Filtered_Record(int node, int folder, std::int32_t item) {
-  return errors_.Run("Check_Filtered_Record", [&] {
-    const FolderData& record = records_[folder];
-    if (item < 1 || item > record.Cache_Bound()) return false;
-    const ItemData& data = record.Cached(item);
-    if (data.ItemClass <= 0 || data.EntryID.empty()) return false;
-    const bool passes = Check_Item(data.ItemClass, data.ItemDate, data.Subject, data.Unread);
-    return passes && window_.trvFolders.Checked(node);
-  });
-}
-
-bool Item_Filters::Check_Item(std::int32_t item_class, Date date, std::string_view subject, bool unread) {
-  const bool d = Check_Date(date), s = Check_Subject(subject), t = Check_Type(item_class);
-  return d && s && t && (!unread || window_.chkSelectUnread.Checked());
-}
-
-bool Item_Filters::Check_Type(std::int32_t item_class) {
-  return errors_.Run("Check_Type", [&] {
-    if (!window_.chkSelectType.Checked()) return true;
-    return std::any_of(window_.chkType.begin(), window_.chkType.end(),
-                       [&](const TypeBox& type) { return type.box.Checked() && type.index == item_class; });
-  });
-}
-
-bool Item_Filters::Check_Date(Date item_date) {
-  return errors_.Run("Check_Date", [&] {
-    return !window_.chkSelectDate.Checked() || std::floor(item_date) <= window_.dtpCutoffDate.Value();
-  });
-}
-
-bool Item_Filters::Check_Subject(std::string_view subject) {
-  return errors_.Run("Check_Subject", [&] {
-    if (!window_.chkSelectSubject.Checked()) return true;
-    const std::string_view wanted = Trim_Right(window_.txtSelectSubject.Text());
-    const std::string_view given = Trim_Right(subject);
-    const bool word = window_.chkMatchWord.Checked();
-    if (window_.chkMatchCase.Checked()) return word ? given == wanted : given.starts_with(wanted);
-    const std::string_view text = Trim(wanted), in = Trim(given);
-    return Begins_Ignoring_Case(in, text) && (!word || Begins_Ignoring_Case(text, in));
-  });
-}
-
-Filter_State Item_Filters::State() const {
-  const MainWindow& w = window_;
-  Filter_State state;
-  state.by_type = w.chkSelectType.Checked();
-  state.by_date = w.chkSelectDate.Checked();
-  state.by_subject = w.chkSelectSubject.Checked();
-  state.unread_too = w.chkSelectUnread.Checked();
-  state.match_case = state.by_subject && w.chkMatchCase.Checked();
-  state.match_word = state.by_subject && w.chkMatchWord.Checked();
-  if (state.by_type)
-    for (std::size_t i = 0; i < state.types.size(); ++i) state.types[i] = w.chkType[i].box.Checked();
-  if (state.by_date) state.cutoff = w.dtpCutoffDate.Value();
-  if (state.by_subject) state.subject = w.txtSelectSubject.Text();
-  return state;
-}
-
-void Item_Filters::Apply() {
-  applied_ = State();
-  Change_Filtered_Rows();
+Item_Filter Read_Filter(const MainWindow& window) {
+  Item_Filter filter;
+  filter.by_type = window.chkSelectType.Checked();
+  filter.by_date = window.chkSelectDate.Checked();
+  filter.by_subject = window.chkSelectSubject.Checked();
+  filter.unread_too = window.chkSelectUnread.Checked();
+  if (filter.by_type) {
+    for (std::size_t i = 0; i < filter.types.size(); ++i)
+      filter.types[i] = window.chkType[i].box.Checked() ? window.chkType[i].index : 0;
+  }
+  if (filter.by_date) filter.cutoff = window.dtpCutoffDate.Value();
+  if (filter.by_subject) {
+    filter.subject = window.txtSelectSubject.Text();
+    filter.match_case = window.chkMatchCase.Checked();
+    filter.match_word = window.chkMatchWord.Checked();
+  }
+  return filter;
 }
 
 void Item_Filters::Filter_Changed() {
-  window_.grdItems.Set_Redraw(false);
-  Apply();
-  Enable_Command_Buttons();
-  window_.grdItems.Set_Redraw(true);
+  const No_Redraw no_redraw(window_.grdItems);
+  in_force_.Set(Read_Filter(window_));
+  view_.Change_Filtered_Rows();
 }
 
-// A box that merely loses the focus must not touch the rows: their marks may have been set by hand.
+// A box that merely loses the focus must not touch the rows.
 void Item_Filters::Focus_Lost() {
-  if (State() == applied_) return;
-  window_.grdItems.Set_Redraw(false);
-  Apply();
-  window_.grdItems.Set_Redraw(true);
+  if (Read_Filter(window_) != in_force_.Filter()) Filter_Changed();
 }
 
 void Item_Filters::Wire() {
@@ -150,8 +97,7 @@ void Item_Filters::chkSelectSubject_Click() {
 void Item_Filters::chkSelectType_Click() {
   errors_.Run("chkSelectType_Click", [&] {
     for (TypeBox& type : window_.chkType) type.box.Set_Enabled(window_.chkSelectType.Checked());
-    Apply();
-    Enable_Command_Buttons();
+    Filter_Changed();
   });
 }
 

@@ -1,79 +1,75 @@
 // The ways in which a run removes things. Each adds what it removed to the run's counter, notes a failure and
-// goes on, and stops at its next test once the run's Processing is false.
+// goes on, and stops at its next test once the phase is no longer Cleaning.
+//
+// A change that a store has made is not yet kept: stores keep changes in groups, which end at yields. So what
+// a strategy does comes in two steps. At once, the item's cached record becomes a hole, so that nothing takes
+// it a second time. When the group has ended, the change counts, or the record is put back. Every hundred
+// items, and at its end, a strategy settles what is pending, so that its numbers are true when they are
+// shown.
 #pragma once
 
-#include <map>
 #include <string>
-#include <unordered_set>
 
-#include "clean/safety_checks.h"
+#include "clean/item_removal.h"
 #include "clean/status_line.h"
-#include "marking/run_state.h"
-#include "outlook/session.h"
+#include "grid/grid_rows.h"
 
 namespace tidyfold {
 
 class Deletion_Strategies {
  public:
   Deletion_Strategies(MainWindow& window, FolderData_Array& records, Folder_Tree& folder_tree,
-                      Outlook_Session& session, Item_Filters& filters, Grid_Rows& rows, Safety_Checks& checks,
-                      Status_Line& status, Run_State& run, Events& events, Error_Handler& errors);
+                      Grid_Rows& rows, Item_Removal& removal, Run_Journal& journal, Status_Line& status,
+                      Run_State& run, Program_Phase& phase, Events& events, Error_Handler& errors);
 
-  // Forgets the run before, and shows on the gauge how much the one that begins has to look at.
-  void Begin_Run();
-  // Shows on the gauge that a marked folder is passed over.
-  void Pass_Over(int index) { status_.Move_Gauge(Work_On(index)); }
+  // Shows on the gauge how much the run that begins has to look at.
+  void Begin_Run(const Clean_Plan& plan);
+  // Shows on the gauge that a folder is passed over.
+  void Pass_Over(const Plan_Stop& stop) { status_.Move_Gauge(Work_On(stop)); }
   void Clear_Gauge() { status_.Clear_Gauge(); }
 
   // Removes a folder that has no folders below it any more. A default folder, a store's top folder and one
   // that still holds folders are left alone.
-  void Delete_Selected_Folder(int index, int node);
+  void Delete_Selected_Folder(const Plan_Stop& stop);
   // Removes every item of a folder for good, without filters and questions.
-  void Delete_All_Items(int index);
+  void Delete_All_Items(const Plan_Stop& stop);
   // Works on the live items of a folder that is not read to its end.
-  void Delete_Selected_Items_By_MAPIFolder(int index);
+  void Delete_Selected_Items_By_MAPIFolder(const Plan_Stop& stop, const Run_Options& options);
   // Works on the cached items of a folder.
-  void Delete_Filtered_Items_By_FolderData_Array(int node, int index);
-  // Works on the rows that are marked in the grid.
-  void Delete_Filtered_Items_By_Row();
+  void Delete_Filtered_Items_By_FolderData_Array(const Plan_Stop& stop);
+  // Works on the rows that are picked in the grid.
+  void Delete_Filtered_Items_By_Row(const Clean_Plan& plan);
 
-  // Forgets the folders whose items an earlier run of the strategies has deleted: closes the holes in the
-  // cache and takes the rows away, whose keys no longer agree with it.
-  void Pack_Folder(int index);
+  // Closes the holes in the cache that a strategy has left, and takes the rows away, whose keys no longer
+  // agree with it.
+  void Pack_Folder(int folder);
 
  private:
-  struct Outcome {
-    bool deleted = false;      // as the options ask: moved, or gone for good
-    bool left_folder = false;  // it no longer lies in the folder; its cached record is a hole
-  };
-  // Runs a strategy's body; one that breaks off has left things undone.
+  // Runs a strategy's body; one that breaks off has left things undone. Nothing is pending afterwards.
   template <class Body>
   void Run_Strategy(Literal name, Body&& body);
-  std::int64_t Work_On(int index);
-  Outcome Delete_Current_Item(int index, const std::string& entry_id, const std::string& subject,
-                              ProcessError& process_error);
-  bool Is_Deleted_Items(int index);
-  void Remove_Item(int index, Item& item, const std::string& entry_id, Outcome& outcome);
-  Outcome Delete_Cached_Item(int index, std::int32_t item, ProcessError& process_error);
-  void Note_Deleted_Records(int index, const std::unordered_set<std::string>& gone);
-  std::int32_t Yield_In_Front_Of(Items& items, std::int32_t next);
+  // Nothing more can be kept or written down: the run ends, and says why.
+  void End_If_Useless();
+  std::int64_t Work_On(const Plan_Stop& stop);
+  bool Delete_Cached_Item(int folder, const Planned_Item& planned, ProcessError& process_error,
+                          std::function<void()> put_back);
   bool Is_Beyond_End(Items& items, std::int32_t position);
-  void Failed(ProcessError& process_error, std::string_view process, std::string_view item);
+  void Show_Progress(int folder, const std::string& name, std::int32_t checked);
+  void Remove_Folder(const Plan_Stop& stop, MAPIFolder& folder, Folders& siblings);
 
   MainWindow& window_;
   TreeView& tree_;
   FlexGrid& grid_;
   FolderData_Array& records_;
   Folder_Tree& folder_tree_;
-  Outlook_Session& session_;
-  Item_Filters& filters_;
   Grid_Rows& rows_;
-  Safety_Checks& checks_;
+  Item_Removal& removal_;
+  Run_Journal& journal_;
   Status_Line& status_;
   Run_State& run_;
+  Program_Phase& phase_;
   Events& events_;
   Error_Handler& errors_;
-  std::map<int, bool> is_deleted_items_;  // as far as the run has asked
 };
 
 }  // namespace tidyfold

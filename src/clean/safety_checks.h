@@ -2,48 +2,42 @@
 #pragma once
 
 #include "base/clock.h"
-#include "cache/item_filters.h"
-#include "grid/grid_rows.h"
-#include "marking/folder_marking.h"
-#include "marking/run_state.h"
+#include "clean/deleted_items_limits.h"
+#include "clean/run_state.h"
 #include "outlook/deleted_items.h"
+#include "plan/clean_plan.h"
 
 namespace tidyfold {
 
-// The most items that a Deleted Items folder may hold after a run.
-inline constexpr std::int32_t most_deleted_items = 16383;
-
 class Safety_Checks {
  public:
-  Safety_Checks(MainWindow& window, FolderData_Array& records, Folder_Tree& folder_tree,
-                Deleted_Items_Folders& deleted_items, Item_Filters& filters, Grid_Rows& rows,
-                Folder_Marking& marking, Run_State& run, Message_Box& message_box, Clock& clock,
+  Safety_Checks(MainWindow& window, FolderData_Array& records, Deleted_Items_Folders& deleted_items,
+                Deleted_Items_Limits& limits, Run_State& run, Message_Box& message_box, Clock& clock,
                 Error_Handler& errors);
 
   // The whole gate before a run; false ends the Clean command before anything has changed.
-  bool Check_Screen();
-  // Says how many items or folders were identified, and warns of folders that are not loaded.
-  bool Confirm_Selection_Count();
+  bool Check_Screen(const Clean_Plan& plan);
+  // Shows what the run would take, folder by folder, and warns of folders that are not loaded. False when the
+  // person does not want it.
+  bool Confirm_Selection_Count(const Clean_Plan& plan);
   // Refuses a run that would overfill a store's Deleted Items folder.
-  bool Check_Deleted_Items_Folder();
-  // A folder that cannot be asked about is reported, and the run has not deleted everything.
-  bool Confirm_Current_Folder(int index);
-  // Yes, No or Cancel; none of them when the item cannot be asked about, which is reported.
-  Answer Confirm_Current_Item(Item& item);
+  bool Check_Deleted_Items_Folder(const Clean_Plan& plan);
+  // Yes, No or Cancel; none of them when the folder cannot be asked about, which is reported.
+  Answer Confirm_Current_Folder(const Plan_Stop& stop, const Run_Options& options);
+  // The same for an item.
+  Answer Confirm_Current_Item(Item& item, const Run_Options& options);
 
  private:
   bool Ask(const std::string& question);
-  std::int32_t Items_To_Take(int node);
-  std::int32_t Items_In_Marked_Folders(int deleted_items_index);
+  bool Check_Input(const Run_Options& options);
+  Review Make_Review(const Clean_Plan& plan) const;
+  std::int64_t Most_That_Could_Go(const Plan_Stop& stop);
+  void Say_Overflow(std::int64_t present, std::int64_t selected, std::int32_t limit);
 
   MainWindow& window_;
-  TreeView& tree_;
   FolderData_Array& records_;
-  Folder_Tree& folder_tree_;
   Deleted_Items_Folders& deleted_items_;
-  Item_Filters& filters_;
-  Grid_Rows& rows_;
-  Folder_Marking& marking_;
+  Deleted_Items_Limits& limits_;
   Run_State& run_;
   Message_Box& message_box_;
   Clock& clock_;

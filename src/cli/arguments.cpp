@@ -30,7 +30,7 @@ constexpr std::pair<const char*, int> types[] = {
     {"contacts", item_class::contact}, {"journals", item_class::journal},
     {"tasks", item_class::task},       {"notes", item_class::note}};
 
-// The same as a bare word after "import".
+// Equals a bare word after "import".
 constexpr const char* source_option = "--source";
 
 [[noreturn]] void Fail(const std::string& text) {
@@ -43,7 +43,7 @@ bool Is_Command(const std::string& word) {
 }
 
 // Puts a name before every value of a list: "--store A --store B" for "--store A B", "--source A" for a bare
-// "A". The library takes lists as well, but then it takes "[Gmail]" for a list of its own.
+// "A". CLI11 accepts lists, too, but would then parse "[Gmail]" as one.
 std::vector<std::string> With_Every_Value_Named(const std::vector<std::string>& arguments) {
   std::vector<std::string> named;
   std::string command, list;
@@ -69,7 +69,7 @@ std::vector<std::string> With_Every_Value_Named(const std::vector<std::string>& 
   return named;
 }
 
-// The texts as they were given, before they are understood.
+// The arguments as text, before they are parsed.
 struct Raw {
   std::vector<std::string> stores, types, folders, sources;
   std::string cutoff, subject, target, sample_file;
@@ -214,7 +214,7 @@ Arguments Read_Arguments(std::vector<std::string> given) {
                       command->get_name() + " ...");
 
   given = With_Every_Value_Named(given);
-  // The library takes them from the end.
+  // CLI11 takes them from the end.
   std::reverse(given.begin(), given.end());
   try {
     app.parse(std::move(given));

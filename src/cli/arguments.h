@@ -1,4 +1,4 @@
-// What the program was asked to do.
+// The parsed command line.
 #pragma once
 
 #include <cstdint>
@@ -58,10 +58,10 @@ struct Arguments {
   std::uint64_t sample_seed = 0;
 };
 
-// `arguments` without the program's name. Throws Failure for bad usage, Help where help was asked for.
+// `arguments` without the program's name. Throws Failure for bad usage, Help if help was asked for.
 Arguments Read_Arguments(std::vector<std::string> arguments);
 
-// Not a failure: the text is what was asked for.
+// The help text that was asked for; not a failure.
 struct Help {
   std::string text;
 };

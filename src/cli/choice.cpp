@@ -8,7 +8,7 @@ namespace tidyfold::cli {
 
 namespace {
 
-// What the window said last, for an error that stands by itself.
+// The window's last message, as the text of an error.
 std::string Last_Message(const Session& session) {
   const auto& shown = session.Messages().Shown();
   return shown.empty() ? "refused." : shown.back().text;
@@ -33,7 +33,7 @@ void Choice::Tick(CheckBox& box, const char* option) {
                   std::string(option) + ": " + Last_Message(session_) + " Nothing was changed.");
 }
 
-// What forces others comes first: the window then has switched off what no longer goes with it.
+// Options that force others come first, so that the window has already disabled what they exclude.
 void Choice::Set(const Options& options, const Filters& filters) {
   if (options.turbo && options.delete_folders)
     throw Failure(Exit_Status::Bad_Input,

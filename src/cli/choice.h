@@ -1,4 +1,4 @@
-// Ticking boxes and folders as a person does in the window, so that every rule of the window holds.
+// Ticks boxes and folders as a person does in the window, so that all of the window's rules apply.
 #pragma once
 
 #include "cli/arguments.h"
@@ -11,12 +11,12 @@ class Choice {
  public:
   explicit Choice(Session& session) : session_(session), window_(session.Window()) {}
 
-  // Options, then filters. Throws Failure where the window would not let the one be ticked beside the other.
+  // Options, then filters. Throws Failure if the window does not allow the combination.
   void Set(const Options& options, const Filters& filters);
-  // Throws Failure where the window refuses the mark.
+  // Throws Failure if the window refuses the mark.
   void Mark(const Store_Folder& folder);
 
-  // Marking one folder marks what lies below it.
+  // Marking a folder marks its sub-folders.
   void Mark_Sub_Folders();
 
  private:

@@ -1,4 +1,4 @@
-// What happens between two items of long work, where there is no window to redraw.
+// Yields of the command line, which has no window to redraw.
 #pragma once
 
 #include <chrono>
@@ -8,13 +8,13 @@
 
 namespace tidyfold::cli {
 
-// Due by the clock: a yield that comes too early costs a look at it.
+// Due by the clock: a yield that comes too early costs one clock reading.
 class Cli_Events : public Events {
  public:
   void Do_Events() override;
 
   std::function<void()> due;
-  // What cannot wait for the clock.
+  // True if something cannot wait for the clock.
   std::function<bool()> urgent;
 
  private:

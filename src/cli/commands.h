@@ -1,4 +1,4 @@
-// The commands. Each returns how it ended, or throws Failure, Store_Open_Error, Run_Log_Error or
+// The commands. Each returns its exit status or throws Failure, Store_Open_Error, Run_Log_Error or
 // Automation_Error.
 #pragma once
 
@@ -20,7 +20,7 @@ Exit_Status Check(const Arguments& arguments, Terminal& terminal);
 Exit_Status Runs(const Arguments& arguments, Terminal& terminal);
 Exit_Status Undo(const Arguments& arguments, Terminal& terminal);
 
-// Runs what `words` (without the program's name) ask for, errors included.
+// Runs the command in `words` (without the program's name) and reports its errors.
 Exit_Status Run(const std::vector<std::string>& words);
 
 }  // namespace tidyfold::cli

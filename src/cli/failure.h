@@ -1,4 +1,4 @@
-// How the program ends, and how a command says that it cannot do what it was asked.
+// Exit statuses, and the failure of a command.
 #pragma once
 
 #include <exception>
@@ -7,7 +7,7 @@
 
 namespace tidyfold::cli {
 
-// What the shell is told. Scripts depend on the numbers.
+// Exit statuses. Scripts depend on the numbers.
 enum class Exit_Status {
   Done = 0,
   Not_All_Done = 1,  // something could not be processed
@@ -16,7 +16,7 @@ enum class Exit_Status {
   Cancelled = 4,     // on the way
 };
 
-// The text names the file, folder or option and says what to do about it.
+// The text names the file, folder or option and suggests what to do.
 class Failure : public std::exception {
  public:
   Failure(Exit_Status status, std::string text) : status_(status), text_(std::move(text)) {}

@@ -1,4 +1,4 @@
-// Folders as they are written on the command line.
+// Folder paths on the command line.
 #pragma once
 
 #include <string>
@@ -9,8 +9,8 @@
 
 namespace tidyfold::cli {
 
-// The names from below the top folder down, none for the top folder itself. Throws Failure where a "\" stands
-// before anything else than "/" or "\".
+// The names from below the top folder down, none for the top folder itself. Throws Failure for a "\" before any
+// other character than "/" or "\".
 std::vector<std::string> Parse_Folder_Path(std::string_view path);
 
 }  // namespace tidyfold::cli

@@ -1,4 +1,4 @@
-// What only looks: folders, items, check.
+// The commands that only read: folders, items, check.
 #include "cli/choice.h"
 #include "cli/commands.h"
 #include "cli/listing.h"
@@ -17,7 +17,7 @@ Exit_Status Items(const Arguments& arguments, Terminal& terminal) {
   const std::vector<Store_Folder> folders = session.Find(arguments.folders);
   session.Load();
   Choice choice(session);
-  // A look at Deleted Items needs no protection, unlike a run over it.
+  // Listing Deleted Items is harmless, unlike a run over it.
   Options options;
   options.permanent = true;
   choice.Set(options, arguments.filters);

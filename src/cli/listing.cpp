@@ -16,7 +16,7 @@ using Json = nlohmann::ordered_json;
 
 constexpr std::size_t type_width = 17, sender_width = 24, subject_width = 44;
 
-// As the grid shows it: empty where there is none.
+// As in the grid: empty if there is no date.
 std::string Date_Text(const ItemData& item) {
   return item.ItemDate == no_date ? std::string() : Format_Date(item.ItemDate);
 }
@@ -143,7 +143,7 @@ void Item_Listing::Write_Item(const Store_Folder& folder, const ItemData& item) 
   ++count_;
 }
 
-// In a larger document the array is not the end.
+// The array may be part of a larger document.
 void Item_Listing::End() {
   if (form_ == Form::Json) terminal_.Write(count_ == 0 ? "]" : "\n]");
 }

@@ -12,7 +12,7 @@
 
 namespace tidyfold::cli {
 
-// UTF-8 whatever the texts hold.
+// Always valid UTF-8.
 std::string To_Json(const nlohmann::ordered_json& value);
 
 // The message boxes that were shown, as documents list them.
@@ -26,13 +26,13 @@ std::string Counted(std::int64_t count, const std::string& word);
 
 void List_Folders(Session& session, Terminal& terminal, Form form);
 
-// Writes items one by one; a store may hold more than fit into memory twice.
+// Writes items one by one: a copy of all of them may not fit into memory.
 class Item_Listing {
  public:
   Item_Listing(Session& session, Terminal& terminal, Form form)
       : session_(session), terminal_(terminal), form_(form) {}
 
-  // What a run with the marks and options of the window would take, folder by folder. Returns how many.
+  // The items that a run with the window's marks and options would take, by folder. Returns their number.
   std::int64_t Write();
 
  private:

@@ -30,7 +30,7 @@ Exit_Status Run_Command(const Arguments& arguments, Terminal& terminal) {
   return Exit_Status::Bad_Input;
 }
 
-// The command's errors, told.
+// Reports the command's errors.
 Exit_Status Guarded(Terminal& terminal, const std::vector<std::string>& words) {
   try {
     return Run_Command(Read_Arguments(words), terminal);
@@ -52,7 +52,7 @@ Exit_Status Guarded(Terminal& terminal, const std::vector<std::string>& words) {
     terminal.Write_Error(std::string("Something unexpected went wrong: ") + error.what());
     return Exit_Status::Not_All_Done;
   }
-  // Whatever was begun has been taken back.
+  // Everything that was begun has been rolled back.
   return Exit_Status::Bad_Input;
 }
 

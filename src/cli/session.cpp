@@ -53,8 +53,8 @@ void Session::Load() {
   if (terminal_.Interrupted())
     throw Failure(Exit_Status::Cancelled, "Cancelled while the stores were read; nothing was changed.");
   const bool closed = !window_.frmRemoveItems.Loaded();
-  // The first failure says it; the labels of the procedures follow, and that not all is loaded. What is no
-  // failure concerns the window alone.
+  // The first failure is the cause; the stack of procedures and a note that not all is loaded follow it. All
+  // other messages are only for the window.
   std::string failure;
   for (const Shown_Message& message : message_box_.Shown_While_Loading())
     if (failure.empty() && (closed || message.icon == Icon::Critical)) failure = message.text;
@@ -78,6 +78,7 @@ void Session::Commit() {
 
 std::vector<Store_Folder> Session::Find(const std::vector<std::string>& paths) const {
   std::vector<Store_Folder> found;
+  found.reserve(paths.size());
   for (const std::string& path : paths) found.push_back(Find_Folder(folders_, path));
   return found;
 }

@@ -1,4 +1,4 @@
-// The program at work on the stores that the command line names, without a window on a screen.
+// The program at work on the stores of the command line, without a visible window.
 #pragma once
 
 #include <string>
@@ -6,13 +6,13 @@
 #include <vector>
 
 #include "app/app.h"
+#include "base/system_clock.h"
 #include "cli/arguments.h"
 #include "cli/cli_events.h"
 #include "cli/store_folders.h"
 #include "cli/terminal.h"
 #include "cli/terminal_message_box.h"
 #include "controls/main_window.h"
-#include "base/system_clock.h"
 #include "outlook/folder_data.h"
 #include "stores/sqlite/embedded_outlook.h"
 
@@ -20,21 +20,21 @@ namespace tidyfold::cli {
 
 class Session {
  public:
-  // Opens the stores and looks at their folders. Throws Store_Open_Error.
+  // Opens the stores and lists their folders. Throws Store_Open_Error.
   Session(const std::vector<std::filesystem::path>& stores, Store_Mode mode, Terminal& terminal,
           Answering answering, bool quiet);
 
-  // Builds the tree and reads every item, as the window does when it opens. Throws Failure when that was
-  // broken off, or not everything could be read: what is not known must not be decided on.
+  // Builds the tree and reads every item, as the window does when it opens. Throws Failure if that was
+  // cancelled or incomplete: nothing may be decided on partial data.
   void Load();
-  // Ends the changes under way. Throws Automation_Error when they could not be kept.
+  // Commits pending changes. Throws Automation_Error if they could not be kept.
   void Commit();
 
   const std::vector<Store_Folder>& Folders() const { return folders_; }
-  // In the order of the paths. Throws Failure where one of them does not lead to exactly one folder.
+  // In the order of the paths. Throws Failure if a path does not match exactly one folder.
   std::vector<Store_Folder> Find(const std::vector<std::string>& paths) const;
   const FolderData_Array& Records() const { return app_.Folder_Data(); }
-  // The tree's node, and the record, of a folder.
+  // The index of a folder in the tree and the records.
   int Node(const Store_Folder& folder) const;
 
   MainWindow& Window() { return window_; }

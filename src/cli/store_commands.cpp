@@ -1,4 +1,4 @@
-// What makes and fills stores: sample, import.
+// The commands that create and fill stores: sample, import.
 #include <algorithm>
 #include <optional>
 
@@ -20,7 +20,7 @@ class Import_Command {
       : arguments_(arguments), terminal_(terminal) {}
 
   Exit_Status Run() {
-    // What can be seen to be no source is refused before a store is made for it.
+    // Refuses bad sources before a store is created for them.
     for (const std::filesystem::path& source : arguments_.sources) Detect_Source(source);
     Find_Target();
     try {
@@ -44,7 +44,7 @@ class Import_Command {
   }
 
  private:
-  // With several stores the path's first name tells which; without a path it is the first.
+  // With several stores, the first name of the path is the store; without a path it is the first one.
   void Find_Target() {
     if (arguments_.target) names_ = Parse_Folder_Path(*arguments_.target);
     for (const std::filesystem::path& path : arguments_.stores) {
@@ -65,7 +65,7 @@ class Import_Command {
 
   void Open(const std::filesystem::path& path) {
     target_path_ = path;
-    // Whatever lies there in another form is for Open to refuse.
+    // Open refuses anything else that exists there.
     created_ = !std::filesystem::exists(std::filesystem::symlink_status(path));
     store_ = created_ ? Embedded_Store::Create(path, path.stem().string())
                       : Embedded_Store::Open(path, Store_Mode::Read_Write);
@@ -75,7 +75,7 @@ class Import_Command {
     throw Failure(Exit_Status::Bad_Input, "The folder path \"" + *arguments_.target + "\"" + what);
   }
 
-  // Mail must not get into another folder of the same name than the person thinks.
+  // With equal names, mail could get into another folder than the one meant.
   void Check_Target() const {
     MAPIFolder_Ptr folder = store_->Top_Folder();
     for (const std::string& name : names_) {
@@ -129,7 +129,7 @@ class Import_Command {
     }
   }
 
-  // A store that was made for nothing.
+  // Removes a store that was created in vain.
   void Put_Away() {
     store_.reset();
     if (created_) sqlite::Remove_File(target_path_);

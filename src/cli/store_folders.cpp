@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/text.h"
 #include "cli/failure.h"
 #include "cli/folder_path.h"
-#include "base/text.h"
 
 namespace tidyfold::cli {
 
@@ -60,7 +60,7 @@ std::vector<Store_Folder> List_Folders(const Embedded_Outlook& outlook) {
 
 const Store_Folder& Find_Folder(const std::vector<Store_Folder>& folders, const std::string& path) {
   Parse_Folder_Path(path);
-  // Listings show the bytes of a name that are no UTF-8 as U+FFFD; so such a name can be typed.
+  // Listings show invalid UTF-8 as U+FFFD; such a name can be typed that way.
   const std::string wanted = Valid_Utf8(path);
   const Store_Folder* found = nullptr;
   for (const Store_Folder& folder : folders) {

@@ -1,4 +1,4 @@
-// The folders of the open stores under their paths.
+// The folders of the open stores, by path.
 #pragma once
 
 #include <string>
@@ -11,17 +11,17 @@ namespace tidyfold::cli {
 
 struct Store_Folder {
   MAPIFolder_Ptr folder;
-  std::string store;  // the file's name as it was given
-  std::string path;   // as the command line takes it
+  std::string store;  // the file name as given
+  std::string path;   // in the form of the command line
   std::string name;
 };
 
 // Parents before children, siblings by name. With several stores a path begins with the name of the store's
-// top folder. Throws Automation_Error where a store cannot be read.
+// top folder. Throws Automation_Error if a store cannot be read.
 std::vector<Store_Folder> List_Folders(const Embedded_Outlook& outlook);
 
-// The one folder of that path. Throws Failure where there is none, or more than one: no path may ever mean
-// another folder than the person had in mind.
+// The folder with this path. Throws Failure if there is none or more than one, so that a path never stands
+// for another folder than the one meant.
 const Store_Folder& Find_Folder(const std::vector<Store_Folder>& folders, const std::string& path);
 
 }  // namespace tidyfold::cli

@@ -14,7 +14,7 @@ using namespace std::chrono_literals;
 
 constexpr auto before_progress = 1s;
 constexpr auto between_progress = 100ms;
-// Longer lines would wrap, and a wrapped line cannot be replaced.
+// Longer lines would wrap, and a wrapped line cannot be overwritten.
 constexpr std::size_t progress_width = 79;
 constexpr const char* clear_line = "\r\x1B[K";
 
@@ -34,7 +34,7 @@ std::string Printable(std::string_view text) {
   for (std::size_t at = 0; at < valid.size(); ++at) {
     const auto byte = static_cast<unsigned char>(valid[at]);
     if (byte == '\r' && at + 1 < valid.size() && valid[at + 1] == '\n') continue;
-    // U+0080 to U+009F are the only ones beyond ASCII.
+    // The C1 controls, U+0080 to U+009F, are the only ones beyond ASCII.
     const bool pair = byte == 0xC2 && at + 1 < valid.size();
     const char32_t character = pair ? static_cast<unsigned char>(valid[at + 1]) : byte;
     if ((byte < 0x80 || pair) && Steers_Terminal(character)) {
@@ -51,7 +51,7 @@ std::string Printable_Line(std::string_view text) {
   std::string line;
   for (const char character : Printable(text)) {
     const bool blank = character == '\n' || character == '\t';
-    // Runs of line ends and tabs only lay the text out.
+    // Runs of line ends and tabs are only layout.
     if (!blank || (!line.empty() && line.back() != ' ')) line += blank ? ' ' : character;
   }
   return line;
@@ -83,7 +83,7 @@ void Terminal::Check_Output() {
 
 void Terminal::Write_Aside(std::string_view text) {
   End_Progress();
-  // What was said before stands before.
+  // Keeps the order of the two streams.
   std::fflush(stdout);
   std::fwrite(text.data(), 1, text.size(), stderr);
 }

@@ -1,4 +1,4 @@
-// The streams that the program was started with: results, errors, questions and progress.
+// The standard streams: results, errors, questions and progress.
 #pragma once
 
 #include <chrono>
@@ -8,42 +8,42 @@
 
 namespace tidyfold::cli {
 
-// Text that came from a store, fit for a terminal: UTF-8, lines end with LF, and no character that steers
-// the terminal but tabs and line ends.
+// Makes text from a store safe for a terminal: valid UTF-8, LF line ends, no control characters but tabs and
+// line ends.
 std::string Printable(std::string_view text);
 // The same on a single line.
 std::string Printable_Line(std::string_view text);
 
 class Terminal {
  public:
-  // From here on Ctrl-C asks instead of killing; a second one kills.
+  // From now on Ctrl-C cancels instead of killing; a second one kills.
   Terminal();
 
   // Standard output.
   void Write(std::string_view text);
-  // Lets what was written be seen.
+  // Flushes the output.
   void Flush();
-  // Throws Failure where standard output could not be written, now or before.
+  // Throws Failure if standard output could not be written, now or before.
   void Check_Output();
-  // Standard error, as it is.
+  // Standard error, unchanged.
   void Write_Aside(std::string_view text);
-  // Standard error, in the form that errors have.
+  // Standard error, as "tidyfold-cli: TEXT".
   void Write_Error(std::string_view text);
 
-  // Whether somebody sits at standard input.
+  // Whether standard input is a terminal.
   bool Can_Ask() const { return can_ask_; }
   bool Output_Is_Terminal() const { return output_is_terminal_; }
-  // A line of standard input without its end; nothing at the end of the input and on Ctrl-C.
+  // A line of standard input without its line end; nothing at the end of the input and after Ctrl-C.
   std::optional<std::string> Read_Line();
 
-  // Shows how far long work has come, on one line that the next one replaces; nothing before the work has
-  // lasted a second, nor where standard error is no terminal. May be called often.
+  // Shows progress on one line that the next call overwrites; nothing during the first second, nor if
+  // standard error is not a terminal. Cheap to call.
   void Progress(std::string_view text);
-  // Whether a progress line would be shown now; for callers whose texts cost something.
+  // Whether Progress would show something now, so that callers need not build the text in vain.
   bool Progress_Due() const;
   void End_Progress();
 
-  // True once Ctrl-C was pressed.
+  // True after Ctrl-C.
   bool Interrupted() const;
 
  private:

@@ -9,17 +9,6 @@ namespace tidyfold::cli {
 
 namespace {
 
-Answer Refusal(Buttons buttons) {
-  switch (buttons) {
-    case Buttons::OK_Only:
-      return Answer::OK;
-    case Buttons::Yes_No:
-      return Answer::No;
-    default:
-      return Answer::Cancel;
-  }
-}
-
 std::string Buttons_Line(Buttons buttons) {
   std::string line;
   for (const Answer answer : Answers(buttons))
@@ -59,10 +48,10 @@ std::vector<Answer> Answers(Buttons buttons) {
 
 Answer Terminal_Message_Box::Show(const std::string& text, Buttons buttons, Icon icon, const std::string&) {
   if (loading_) {
-    shown_while_loading_.push_back({text, buttons, icon, Refusal(buttons)});
-    return Refusal(buttons);
+    shown_while_loading_.push_back({text, buttons, icon, Safest_Answer(buttons)});
+    return Safest_Answer(buttons);
   }
-  // In a rehearsal only what is refused is worth a word.
+  // A rehearsal reports only refusals.
   if (answering_ == Answering::Rehearse && icon != Icon::Critical) return Answers(buttons).front();
   const Answer answer = Choose(text, buttons);
   shown_.push_back({text, buttons, icon, answer});
@@ -78,7 +67,7 @@ void Terminal_Message_Box::Agree_During(const std::function<void()>& work) {
 Answer Terminal_Message_Box::Choose(const std::string& text, Buttons buttons) {
   const bool agree = answering_ == Answering::Agree || answering_ == Answering::Rehearse;
   if (answering_ == Answering::Ask && buttons != Buttons::OK_Only) return Ask(text, buttons);
-  const Answer answer = agree ? Answers(buttons).front() : Refusal(buttons);
+  const Answer answer = agree ? Answers(buttons).front() : Safest_Answer(buttons);
   if (!quiet_) {
     terminal_.Write(Printable(text) + "\n");
     if (buttons != Buttons::OK_Only) terminal_.Write(Buttons_Line(buttons) + Answer_Name(answer) + "\n");
@@ -87,7 +76,7 @@ Answer Terminal_Message_Box::Choose(const std::string& text, Buttons buttons) {
   return answer;
 }
 
-// Where the results go into a file, the question goes to the person.
+// If standard output is not a terminal, questions go to standard error.
 Answer Terminal_Message_Box::Ask(const std::string& text, Buttons buttons) {
   const bool aside = quiet_ || !terminal_.Output_Is_Terminal();
   const auto say = [&](const std::string& words) {
@@ -100,7 +89,7 @@ Answer Terminal_Message_Box::Ask(const std::string& text, Buttons buttons) {
     const std::optional<std::string> line = terminal_.Read_Line();
     if (!line) {
       say("\n");
-      return Refusal(buttons);
+      return Safest_Answer(buttons);
     }
     const std::string given = Upper_Case(Trim(*line));
     for (const Answer answer : Answers(buttons)) {

@@ -11,10 +11,10 @@
 namespace tidyfold::cli {
 
 enum class Answering {
-  Ask,       // the person at the terminal
+  Ask,       // ask at the terminal
   Agree,     // Yes or OK to everything
   Decline,   // No or Cancel; nobody is there
-  Rehearse,  // Yes or OK to everything, without a word: nothing will be done
+  Rehearse,  // Yes or OK to everything, silently: nothing will be changed
 };
 
 struct Shown_Message {
@@ -26,19 +26,19 @@ struct Shown_Message {
 
 class Terminal_Message_Box : public Message_Box {
  public:
-  // With `quiet`, boxes are only noted, except those that are asked.
+  // With `quiet`, boxes are recorded but not shown, except questions.
   Terminal_Message_Box(Terminal& terminal, Answering answering, bool quiet)
       : terminal_(terminal), answering_(answering), quiet_(quiet) {}
 
   Answer Show(const std::string& text, Buttons buttons, Icon icon, const std::string& title) override;
 
-  // While the stores are loaded, boxes are noted apart and not shown: most people never hear of them.
+  // While the stores load, boxes are recorded separately and not shown.
   void Begin_Loading() { loading_ = true; }
   void End_Loading() { loading_ = false; }
   const std::vector<Shown_Message>& Shown_While_Loading() const { return shown_while_loading_; }
   const std::vector<Shown_Message>& Shown() const { return shown_; }
 
-  // Boxes that come meanwhile are answered Yes or OK without being asked.
+  // Boxes during this time are answered Yes or OK without asking.
   void Agree_During(const std::function<void()>& work);
 
  private:
@@ -53,7 +53,7 @@ class Terminal_Message_Box : public Message_Box {
 };
 
 const char* Answer_Name(Answer answer);
-// What can be answered, in the order of the buttons.
+// The possible answers, in the order of the buttons.
 std::vector<Answer> Answers(Buttons buttons);
 
 }  // namespace tidyfold::cli

@@ -66,6 +66,21 @@ class FlexGrid : public Control {
   // Appends a row; false when the grid can take no more.
   bool Add_Item(const GridRow& row);
   void Set_Mark(int row, bool marked);
+  // Sets every row's mark and the colour that goes with it, telling of it once.
+  template <class Predicate>
+  void Set_Marks(Predicate&& marked, Colour marked_colour, Colour other_colour) {
+    bool any = false;
+    for (GridRow& row : rows_) {
+      const bool mark = marked(row);
+      const Colour colour = mark ? marked_colour : other_colour;
+      if (row.marked == mark && row.back_colour == colour) continue;
+      marked_rows_ += static_cast<int>(mark) - static_cast<int>(row.marked);
+      row.marked = mark;
+      row.back_colour = colour;
+      any = true;
+    }
+    if (any) Rows_Changed();
+  }
   // Rows whose mark is "1".
   int Marked_Rows() const { return marked_rows_; }
   void Set_Paint(int row, bool bold, Colour back_colour);
@@ -139,6 +154,19 @@ class FlexGrid : public Control {
   bool redraw_ = true;
   bool untold_ = false;
   std::uint64_t row_version_ = 0, column_version_ = 0;
+};
+
+// While it stands, the front end is told nothing of the grid's changes. They nest.
+class No_Redraw {
+ public:
+  explicit No_Redraw(FlexGrid& grid) : grid_(grid), before_(grid.Redraw()) { grid.Set_Redraw(false); }
+  No_Redraw(const No_Redraw&) = delete;
+  No_Redraw& operator=(const No_Redraw&) = delete;
+  ~No_Redraw() { grid_.Set_Redraw(before_); }
+
+ private:
+  FlexGrid& grid_;
+  bool before_;
 };
 
 // The key of a row: the folder's number as at least three digits, "-", the item's as at least five; the

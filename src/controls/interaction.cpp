@@ -2,15 +2,15 @@
 
 namespace tidyfold {
 
+Answer Safest_Answer(Buttons buttons) {
+  if (buttons == Buttons::OK_Only) return Answer::OK;
+  return buttons == Buttons::Yes_No ? Answer::No : Answer::Cancel;
+}
+
 std::string Review::Text() const {
   std::string text = sentence;
-  if (!rows.empty()) text += "\r\n";
-  for (const std::vector<std::string>& row : rows) {
-    std::string line;
-    for (std::size_t cell = 0; cell < row.size(); ++cell)
-      line += (cell == 0 ? "" : cell == 1 ? ": " : ", ") + row[cell];
-    text += "\r\n" + line;
-  }
+  if (!lines.empty()) text += "\r\n";
+  for (const std::string& line : lines) text += "\r\n" + line;
   if (!notes.empty()) text += "\r\n";
   for (const std::string& note : notes) text += "\r\n" + note;
   return text;

@@ -10,6 +10,9 @@ enum class Buttons { OK_Only = 0, OK_Cancel = 1, Yes_No_Cancel = 3, Yes_No = 4 }
 enum class Icon { None = 0, Critical = 16 };
 enum class Answer { OK = 1, Cancel = 2, Yes = 6, No = 7 };
 
+// The answer that changes nothing: what a box that is closed without one counts as.
+Answer Safest_Answer(Buttons buttons);
+
 // The application's title, which a message box without a title of its own shows.
 inline constexpr const char* application_title = "Tidyfold";
 
@@ -19,6 +22,7 @@ struct Review {
   // A table: every row has as many cells as there are headers.
   std::vector<std::string> headers;
   std::vector<std::vector<std::string>> rows;
+  std::vector<std::string> lines;  // the rows as text, one line each
   std::vector<std::string> notes;  // what else decides, one line each
 
   // The same as lines, joined by CR LF: the sentence, the rows, the notes.

@@ -26,7 +26,7 @@ int TreeView::Add(int parent, std::string_view key, std::string_view text) {
   if (parent != 0) At(parent);
   Node& node = nodes_.emplace_back();
   node.key = key;
-  node.text = text;
+  node.text = node.sort_text = text;
   const int index = Upper_Bound();
   Link(index, parent);
   ++count_;
@@ -41,7 +41,8 @@ void TreeView::Link(int index, int parent) {
   Node& above = At(parent);
   int before = above.last_child;
   if (above.sorted) {
-    while (before != 0 && Compare_Ignoring_Case(node.text, At(before).text) < 0) before = At(before).previous;
+    while (before != 0 && Compare_Ignoring_Case(node.sort_text, At(before).sort_text) < 0)
+      before = At(before).previous;
   }
   node.previous = before;
   node.next = before == 0 ? above.first_child : At(before).next;
@@ -80,6 +81,7 @@ void TreeView::Forget(int index) {
     const int next = doomed.back();
     doomed.pop_back();
     for (int child = At(next).first_child; child != 0; child = At(child).next) doomed.push_back(child);
+    if (At(next).checked) --checked_count_;
     nodes_[static_cast<std::size_t>(next - 1)] = Node{};
     nodes_[static_cast<std::size_t>(next - 1)].exists = false;
     --count_;
@@ -88,7 +90,7 @@ void TreeView::Forget(int index) {
 
 void TreeView::Clear() {
   nodes_.clear();
-  count_ = 0;
+  count_ = checked_count_ = 0;
   selected_ = 0;
   if (observer != nullptr) observer->Cleared();
 }
@@ -110,6 +112,7 @@ void TreeView::Set_Text(int index, std::string_view text) {
   Assign_Node(index, &Node::text, text);
 }
 void TreeView::Set_Checked(int index, bool checked) {
+  if (At(index).checked != checked) checked_count_ += checked ? 1 : -1;
   Assign_Node(index, &Node::checked, checked);
 }
 void TreeView::Set_Bold(int index, bool bold) {

@@ -28,7 +28,8 @@ class TreeView : public Control {
   using Control::Control;
 
   // Adds a node as the last child of `parent`, or in the place that its text has among the children when the
-  // parent keeps them sorted (ignoring case; later changes of a text do not move a node). Returns its index.
+  // parent keeps them sorted (ignoring case, by the texts that the nodes were added with: a text that changes
+  // moves no node). Returns its index.
   int Add(int parent, std::string_view key, std::string_view text);
   // Removes a node and everything below it.
   void Remove(int index);
@@ -36,6 +37,8 @@ class TreeView : public Control {
 
   // Nodes that exist, and the highest index given.
   int Count() const { return count_; }
+  // Nodes that are checked.
+  int Checked_Count() const { return checked_count_; }
   int Upper_Bound() const { return static_cast<int>(nodes_.size()); }
   bool Exists(int index) const {
     return index >= 1 && index <= Upper_Bound() && nodes_[static_cast<std::size_t>(index - 1)].exists;
@@ -83,7 +86,7 @@ class TreeView : public Control {
 
  private:
   struct Node {
-    std::string key, text, tag;
+    std::string key, text, sort_text, tag;
     int parent = 0, first_child = 0, last_child = 0, next = 0, previous = 0, children = 0;
     Colour fore_colour = 0;
     bool exists = true, checked = false, bold = false, expanded = false, sorted = false;
@@ -101,6 +104,7 @@ class TreeView : public Control {
 
   std::vector<Node> nodes_;  // element 0 is node 1
   int count_ = 0;
+  int checked_count_ = 0;
   int selected_ = 0;
 };
 

@@ -13,7 +13,7 @@ constexpr const char* support_contact = "Tidyfold Support (support@tidyfold.exam
 
 }  // namespace
 
-void Current_Error::Set(std::exception_ptr failure) {
+void Current_Error::Set(const std::exception_ptr& failure) {
   try {
     std::rethrow_exception(failure);
   } catch (const Automation_Error& error) {
@@ -33,8 +33,8 @@ ErrorStack::ErrorStack(Message_Box& message_box, Current_Error& error)
     : message_box_(message_box), error_(error), entries_(static_cast<std::size_t>(capacity_)) {}
 
 void ErrorStack::Enlarge() {
-  entries_.resize(static_cast<std::size_t>(capacity_ + 10));
   capacity_ += 10;
+  entries_.resize(static_cast<std::size_t>(capacity_));
 }
 
 void ErrorStack::Push_Text(std::string label, std::int32_t kind) {

@@ -24,7 +24,7 @@ class Current_Error {
   void Clear() { *this = Current_Error{}; }
   // Takes number, description and source from an Automation_Error; any other exception becomes number 440
   // (the platform's "automation error"), 7 (out of memory) or 6 (overflow) with its own text.
-  void Set(std::exception_ptr failure);
+  void Set(const std::exception_ptr& failure);
 };
 
 // A text that lives as long as the program: pushing it costs no allocation.

@@ -4,7 +4,7 @@
 
 namespace tidyfold {
 
-bool Error_Handler::Is_Gone(std::exception_ptr failure) {
+bool Error_Handler::Is_Gone(const std::exception_ptr& failure) {
   try {
     std::rethrow_exception(failure);
   } catch (const Automation_Error& gone) {
@@ -14,7 +14,7 @@ bool Error_Handler::Is_Gone(std::exception_ptr failure) {
   }
 }
 
-void Error_Handler::Record(std::exception_ptr failure) {
+void Error_Handler::Record(const std::exception_ptr& failure) {
   error.Set(failure);
   if (!Is_Gone(failure)) return;
   if (!std::exchange(store_gone_, true))

@@ -148,8 +148,8 @@ class Error_Handler {
       Leave_After_Failure(is_command);
   }
   void Leave_After_Failure(bool is_command);
-  static bool Is_Gone(std::exception_ptr failure);
-  void Record(std::exception_ptr failure);
+  static bool Is_Gone(const std::exception_ptr& failure);
+  void Record(const std::exception_ptr& failure);
   void Report(std::string_view trap, bool is_command);
   void Tell_Gone();
 

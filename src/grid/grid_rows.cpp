@@ -5,17 +5,17 @@
 
 namespace tidyfold {
 
-Grid_Rows::Grid_Rows(MainWindow& window, FolderData_Array& records, Folder_Tree& folder_tree,
-                     Item_Filters& filters, Grid_Columns& columns, Selection_Total& total,
-                     Message_Box& message_box, Error_Handler& errors)
+Grid_Rows::Grid_Rows(MainWindow& window, FolderData_Array& records, Planner& planner, Grid_Columns& columns,
+                     Choice_Status& status, Command_State& commands, Message_Box& message_box,
+                     Error_Handler& errors)
     : window_(window),
       tree_(window.trvFolders),
       grid_(window.grdItems),
       records_(records),
-      folder_tree_(folder_tree),
-      filters_(filters),
+      planner_(planner),
       columns_(columns),
-      total_(total),
+      status_(status),
+      commands_(commands),
       message_box_(message_box),
       errors_(errors) {}
 
@@ -70,9 +70,10 @@ void Grid_Rows::Add_Folder_Rows(int folder, Marker marker) {
     const std::int32_t given = records_[folder].RowCount, cached = records_[folder].CachedCount;
     const std::int32_t first = all_kinds ? given + 1 : 1, last = all_kinds ? cached : given;
     if (all_kinds) records_[folder].RowCount = cached;
+    const bool ticked = tree_.Checked(folder);
     for (std::int32_t item = first; item <= last; ++item) {
       if (records_[folder].Cached(item).ItemClass == ItemData::deleted) continue;
-      const bool selected = filters_.Check_Filtered_Record(folder, folder, item);
+      const bool selected = ticked && planner_.Passes(folder, item);
       if (!(selected ? selected_wanted : unselected_wanted)) continue;
       if (!Add_New_Row(folder, item, selected && !by_hand)) return;
     }
@@ -81,9 +82,8 @@ void Grid_Rows::Add_Folder_Rows(int folder, Marker marker) {
 
 void Grid_Rows::Add_All_Folders_Rows(Marker marker) {
   errors_.Run("Add_All_Folders_Rows", [&] {
-    for (int node = 1; node <= tree_.Upper_Bound(); ++node) {
-      const int folder = folder_tree_.Get_Node_Index(node);
-      if (folder == 0 || !In_View(folder)) continue;
+    for (int folder = 1; folder <= tree_.Upper_Bound(); ++folder) {
+      if (!In_View(folder)) continue;
       Display_Update_Grid_Status(folder);
       Add_Folder_Rows(folder, marker);
     }
@@ -128,21 +128,34 @@ void Grid_Rows::Change_Filtered_Rows() {
       Remove_All_Rows();
       Add_All_Folders_Rows(Marker::None);
     }
-    Display_Selected_Items_Total();
-    Display_Empty_Text();
+    Follow_Choice();
   });
 }
 
-void Grid_Rows::Change_Folder_Rows(int node) {
+void Grid_Rows::Change_Folder_Rows(int folder) {
   errors_.Run("Change_Folder_Rows", [&] {
-    const int folder = folder_tree_.Get_Node_Index(node);
     Remove_Nonselected_Folder_Rows();
-    // Rows that were picked by hand keep their marks.
-    if (window_.chkSelectByRow.Checked() && In_View(folder) && records_[folder].RowCount > 0) return;
-    Remove_Folder_Rows(folder);
-    if (In_View(folder)) Add_Folder_Rows(folder, Marker::None);
-    Set_Grid_Order();
+    const bool all_given = records_[folder].RowCount == records_[folder].CachedCount;
+    const bool all_kinds = window_.chkShowSelectedItems.Checked() && window_.chkShowUnselectedItems.Checked();
+    if (In_View(folder) && records_[folder].RowCount > 0 && all_given && all_kinds) {
+      // Every item has its row already, where it belongs; only the marks change.
+      Mark_Or_Unmark_Filtered_Rows();
+    } else {
+      Remove_Folder_Rows(folder);
+      if (In_View(folder)) Add_Folder_Rows(folder, Marker::None);
+      Set_Grid_Order();
+    }
+    Follow_Choice();
   });
+}
+
+void Grid_Rows::Say_What_Was_Let_Go(int picked_before) {
+  const int let_go = picked_before - Picked();
+  if (let_go <= 0 || !window_.chkSelectByRow.Checked()) return;
+  message_box_.Show(let_go == 1
+                        ? "1 item that was picked is let go, as the list no longer shows it."
+                        : std::to_string(let_go) +
+                              " items that were picked are let go, as the list no longer shows them.");
 }
 
 void Grid_Rows::Set_Grid_Order() {
@@ -155,30 +168,21 @@ void Grid_Rows::Set_Grid_Order() {
 
 void Grid_Rows::Mark_Or_Unmark_Filtered_Rows() {
   errors_.Run("Mark_Or_Unmark_Filtered_Rows", [&] {
-    struct Found {
-      std::int32_t rows = 0;
-      std::int64_t passing = 0, bytes = 0;
-    };
-    std::vector<Found> folders(static_cast<std::size_t>(records_.Upper_Bound()) + 1);
-    for (int row = 1; row < grid_.Rows(); ++row) {
-      const GridRow at = grid_.Row_At(row);
-      const bool marked = filters_.Check_Filtered_Record(at.row_data, at.row_data, at.item);
-      Found& found = folders.at(static_cast<std::size_t>(at.row_data));
-      ++found.rows;
-      if (marked) {
-        ++found.passing;
-        found.bytes += records_[at.row_data].Cached(at.item).Size;
-      }
-      if (marked == at.marked) continue;
-      grid_.Set_Mark(row, marked);
-      Paint_Row(row);
-    }
-    // Where every record has its row, nobody need ask the filters again for the total.
-    for (int folder = 1; folder <= records_.Upper_Bound(); ++folder) {
-      const Found& found = folders[static_cast<std::size_t>(folder)];
-      if (found.rows > 0 && found.rows == records_[folder].RowCount)
-        total_.Take_Over(folder, {0, found.rows, found.passing, found.bytes});
-    }
+    // Rows that were picked by hand stay picked, whatever the filters say.
+    if (window_.chkSelectByRow.Checked()) return;
+    // Rows of all folders stand between each other; each folder is asked once.
+    std::vector<const std::vector<char>*> marks(static_cast<std::size_t>(records_.Upper_Bound()) + 1,
+                                                nullptr);
+    for (int folder = 1; folder <= tree_.Upper_Bound(); ++folder)
+      if (In_View(folder) && tree_.Checked(folder))
+        marks[static_cast<std::size_t>(folder)] = &planner_.Verdicts_Of(folder);
+    grid_.Set_Marks(
+        [&](const GridRow& row) {
+          const std::vector<char>* passes = marks[static_cast<std::size_t>(row.row_data)];
+          const auto item = static_cast<std::size_t>(row.item);
+          return passes != nullptr && item >= 1 && item <= passes->size() && (*passes)[item - 1] != 0;
+        },
+        selected_row_colour, system_window_background);
   });
 }
 
@@ -195,31 +199,31 @@ void Grid_Rows::Paint_Entire_Grid() {
   });
 }
 
-std::int32_t Grid_Rows::Get_Rows_Selected_Count(std::int32_t deleted_items_index) {
-  return errors_.Run("Get_Rows_Selected_Count", [&] {
-    if (deleted_items_index == 0) return static_cast<std::int32_t>(grid_.Marked_Rows());
-    std::int32_t count = 0;
-    for (int row = 1; row < grid_.Rows(); ++row) {
-      const GridRow& at = grid_.Row_At(row);
-      if (at.marked && records_[at.row_data].DeletedItemsIndex == deleted_items_index) ++count;
+void Grid_Rows::Follow_Choice() {
+  errors_.Run("Follow_Choice", [&] {
+    Display_Sort_Menu();
+    status_.Display_Selected_Items_Total();
+    status_.Display_Empty_Text(CurrentNodeIndex);
+    commands_.Enable_Command_Buttons();
+  });
+}
+
+bool Grid_Rows::Check_Select_By_Row() {
+  return errors_.Run("Check_Select_By_Row", [&] {
+    if (window_.chkShowAllFolders.Checked()) {
+      if (planner_.Check_Selected_Folders()) return true;
+      message_box_.Show(
+          "Cannot select or use \"Show All Seleted Folders\" and \"Select By Row\" until all selected "
+          "folders have been loaded.",
+          Buttons::OK_Only, Icon::Critical);
+      return false;
     }
-    return count;
+    if (CurrentNodeIndex == 0 || records_[CurrentNodeIndex].Loaded) return true;
+    message_box_.Show(
+        "Cannot use \"Select By Row\" until folder is completely loaded (appears black in the Folder Tree).",
+        Buttons::OK_Only, Icon::Critical);
+    return false;
   });
-}
-
-void Grid_Rows::Display_Selected_Items_Total() {
-  errors_.Run("Display_Selected_Items_Total", [&] {
-    total_.Count();
-    std::string text = "Total Selected:  " + std::to_string(total_.Items());
-    if (total_.Bytes() > 0) text += " (" + Format_Size(total_.Bytes()) + ")";
-    window_.sbStatusBar.Set_Panel_Text(3, text);
-    for (MenuItem* const entry : {&window_.mnuOpenItem, &window_.mnuCopyRows})
-      entry->Set_Enabled(grid_.Enabled() && grid_.Rows() > 1);
-  });
-}
-
-void Grid_Rows::Display_Empty_Text() {
-  errors_.Run("Display_Empty_Text", [&] { grid_.Set_Empty_Text(total_.Empty_Text()); });
 }
 
 void Grid_Rows::Display_Update_Grid_Status(int folder) {
@@ -238,27 +242,40 @@ void Grid_Rows::chkShowAllFolders_Click() {
       return;
     }
     showing_all_folders_ = all_folders;
-    grid_.Set_Redraw(false);
-    Display_Sort_Menu();
-    columns_.Set_Grid_Columns();
+    const int picked = Picked();
+    const No_Redraw no_redraw(grid_);
     Remove_All_Rows();
+    columns_.Set_Grid_Columns();
+    // The columns that a single folder has may be those of the folder shown before all were.
+    if (!all_folders) Fit_Columns_To_Folder(CurrentNodeIndex);
     Add_All_Folders_Rows(Marker::None);
-    Display_Selected_Items_Total();
-    Display_Empty_Text();
-    grid_.Set_Redraw(true);
+    Follow_Choice();
+    Say_What_Was_Let_Go(picked);
+  });
+}
+
+void Grid_Rows::Fit_Columns_To_Folder(int folder) {
+  // A folder that does not tell its type leaves the columns as they are.
+  errors_.Run("Node_Click_Or_Check - changing folder types", [&] {
+    const MAPIFolder_Ptr object = records_.Has(folder) ? records_[folder].Folder : nullptr;
+    if (window_.chkShowAllFolders.Checked() || object == nullptr) return;
+    const std::int32_t type = object->DefaultItemType();
+    if (type < 0 || type == columns_.CurrentGridItemType) return;
+    // Rows of the folder before do not fit the new columns.
+    Remove_All_Rows();
+    columns_.CurrentGridItemType = type;
+    columns_.Set_Grid_Columns();
   });
 }
 
 void Grid_Rows::Show_Option_Click(const CheckBox& box, bool selected) {
-  grid_.Set_Redraw(false);
+  const No_Redraw no_redraw(grid_);
   if (box.Checked()) {
     Add_All_Folders_Rows(selected ? Marker::Selected : Marker::Unselected);
   } else {
     Remove_Selected_Or_Unselected_Rows(selected);
   }
-  Display_Selected_Items_Total();
-  Display_Empty_Text();
-  grid_.Set_Redraw(true);
+  Follow_Choice();
 }
 
 void Grid_Rows::Header_Click(int column) {
@@ -267,9 +284,8 @@ void Grid_Rows::Header_Click(int column) {
     SortAscending = field == SortField ? !SortAscending : true;
     SortField = field;
     Display_Sort_Menu();
-    grid_.Set_Redraw(false);
+    const No_Redraw no_redraw(grid_);
     Set_Grid_Order();
-    grid_.Set_Redraw(true);
   });
 }
 

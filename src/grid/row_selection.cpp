@@ -7,13 +7,14 @@
 namespace tidyfold {
 
 Row_Selection::Row_Selection(MainWindow& window, FolderData_Array& records,
-                             Deleted_Items_Folders& deleted_items, Grid_Rows& rows, Message_Box& message_box,
-                             Error_Handler& errors)
+                             Deleted_Items_Folders& deleted_items, Grid_Rows& rows, Command_State& commands,
+                             Message_Box& message_box, Error_Handler& errors)
     : window_(window),
       grid_(window.grdItems),
       records_(records),
       deleted_items_(deleted_items),
       rows_(rows),
+      commands_(commands),
       message_box_(message_box),
       errors_(errors) {}
 
@@ -29,7 +30,7 @@ void Row_Selection::chkSelectByRow_Click() {
   errors_.Run("chkSelectByRow_Click", [&] {
     Set_Anchor(0);
     if (window_.chkSelectByRow.Checked()) {
-      if (Check_Select_By_Row()) {
+      if (rows_.Check_Select_By_Row()) {
         window_.chkShowSelectedItems.Set_Value(1);
         window_.chkShowUnselectedItems.Set_Value(1);
         window_.chkTurbo.Set_Value(0);
@@ -40,32 +41,11 @@ void Row_Selection::chkSelectByRow_Click() {
       }
     }
     if (!window_.chkSelectByRow.Checked()) {
-      grid_.Set_Redraw(false);
+      const No_Redraw no_redraw(grid_);
       rows_.Mark_Or_Unmark_Filtered_Rows();
-      grid_.Set_Redraw(true);
     }
-    Enable_Check_Boxes();
-    Enable_Command_Buttons();
-  });
-}
-
-bool Row_Selection::Check_Select_By_Row() {
-  return errors_.Run("Check_Select_By_Row", [&] {
-    if (window_.chkShowAllFolders.Checked()) {
-      if (Check_Selected_Folders()) return true;
-      message_box_.Show(
-          "Cannot select or use \"Show All Seleted Folders\" and \"Select By Row\" until all selected "
-          "folders have "
-          "been loaded.",
-          Buttons::OK_Only, Icon::Critical);
-      return false;
-    }
-    const int folder = rows_.CurrentNodeIndex;
-    if (folder == 0 || records_[folder].Loaded) return true;
-    message_box_.Show(
-        "Cannot use \"Select By Row\" until folder is completely loaded (appears black in the Folder Tree).",
-        Buttons::OK_Only, Icon::Critical);
-    return false;
+    commands_.Enable_Check_Boxes();
+    rows_.Follow_Choice();
   });
 }
 
@@ -87,10 +67,10 @@ bool Row_Selection::In_Protected_Deleted_Items(const GridRow& row) {
 
 void Row_Selection::grdItems_MouseUp(int button, int shift) {
   errors_.Run("grdItems_MouseUp", [&] {
-    grid_.Set_Redraw(false);
+    const No_Redraw no_redraw(grid_);
     const int row = grid_.MouseRow();
     const bool on_row = row >= 1 && row < grid_.Rows() && grid_.RowData(row) >= 1;
-    if (button == 1 && on_row && window_.chkSelectByRow.Checked() && Check_Select_By_Row()) {
+    if (button == 1 && on_row && window_.chkSelectByRow.Checked() && rows_.Check_Select_By_Row()) {
       if (In_Protected_Deleted_Items(grid_.Row_At(row))) {
         message_box_.Show("Cannot select \"Deleted Items\" items unless Permanent Delete is marked");
       } else if (shift == 2) {
@@ -102,9 +82,8 @@ void Row_Selection::grdItems_MouseUp(int button, int shift) {
         Mark_And_Unmark_Selected_Range(row, row);
         Set_Anchor(row);
       }
-      Enable_Command_Buttons();
+      rows_.Follow_Choice();
     }
-    grid_.Set_Redraw(true);
   });
 }
 
@@ -136,7 +115,7 @@ void Row_Selection::Select_Or_Unselect(int row) {
   errors_.Run("Select_Or_Unselect", [&] {
     grid_.Set_Mark(row, !grid_.Row_At(row).marked);
     rows_.Paint_Row(row);
-    Enable_Command_Buttons();
+    rows_.Follow_Choice();
   });
 }
 
@@ -149,11 +128,10 @@ void Row_Selection::mnuSelectRow_Click() {
 
 void Row_Selection::mnuSelectAllRows_Click() {
   errors_.Run("mnuSelectAllRows_Click", [&] {
-    if (!window_.chkSelectByRow.Checked() || grid_.Rows() < 2 || !Check_Select_By_Row()) return;
-    grid_.Set_Redraw(false);
+    if (!window_.chkSelectByRow.Checked() || grid_.Rows() < 2 || !rows_.Check_Select_By_Row()) return;
+    const No_Redraw no_redraw(grid_);
     Mark_And_Unmark_Selected_Range(1, grid_.Rows() - 1);
-    Enable_Command_Buttons();
-    grid_.Set_Redraw(true);
+    rows_.Follow_Choice();
   });
 }
 

@@ -1,8 +1,6 @@
 // Picking rows by hand: with Select By Row on, a row's mark is the person's choice and is kept nowhere else.
 #pragma once
 
-#include <functional>
-
 #include "grid/grid_rows.h"
 #include "outlook/deleted_items.h"
 
@@ -11,7 +9,7 @@ namespace tidyfold {
 class Row_Selection {
  public:
   Row_Selection(MainWindow& window, FolderData_Array& records, Deleted_Items_Folders& deleted_items,
-                Grid_Rows& rows, Message_Box& message_box, Error_Handler& errors);
+                Grid_Rows& rows, Command_State& commands, Message_Box& message_box, Error_Handler& errors);
 
   // Sets the handlers of the option's box, of the grid's mouse and of the menu's commands on rows.
   void Wire();
@@ -29,19 +27,13 @@ class Row_Selection {
   // Every row that may be selected; a message when some may not.
   void mnuSelectAllRows_Click();
   // Puts the rows that are picked by hand, or the one that the keyboard is at, on the clipboard: columns
-  // parted by tabs.
+  // separated by tabs.
   void mnuCopyRows_Click();
-  // Whether rows may be picked now; a message when they may not.
-  bool Check_Select_By_Row();
 
   // The row of the last plain click or Ctrl-click, from which a Shift-click selects; 0 for none, or when it
   // shows another item by now.
   int Anchor() const;
   void Set_Anchor(int row);
-
-  std::function<bool()> Check_Selected_Folders;
-  std::function<void()> Enable_Check_Boxes;
-  std::function<void()> Enable_Command_Buttons;
 
  private:
   bool In_Protected_Deleted_Items(const GridRow& row);
@@ -51,6 +43,7 @@ class Row_Selection {
   FolderData_Array& records_;
   Deleted_Items_Folders& deleted_items_;
   Grid_Rows& rows_;
+  Command_State& commands_;
   Message_Box& message_box_;
   Error_Handler& errors_;
   int anchor_ = 0;

@@ -13,9 +13,8 @@ constexpr const char* legal_notice =
     "Tidyfold removes messages and folders from a store, for good where it is told to. Look at what it lists "
     "before you press Clean, and keep a copy of what you cannot do without.\r\n"
     "\r\n"
-    "Tidyfold comes without any warranty, as far as the law allows. It uses libraries that others wrote; "
-    "their "
-    "notices and licences are listed below.";
+    "Tidyfold is licensed under the Apache License 2.0 and comes without any warranty, as far as the law "
+    "allows. It uses libraries that others wrote; their notices and licences are listed below.";
 
 }  // namespace
 

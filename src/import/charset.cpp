@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::string_view replacement = "\xEF\xBF\xBD";
 
-// Names that writers give to a charset which holds more than they say.
+// Charset names that are in use for a larger charset.
 constexpr std::array<std::pair<std::string_view, const char*>, 9> wider = {{
     {"iso-8859-1", "CP1252"},
     {"latin1", "CP1252"},
@@ -44,7 +44,7 @@ struct Close_Converter {
   void operator()(GIConv converter) const { g_iconv_close(converter); }
 };
 
-// False when the system knows no such charset.
+// False if the system does not know the charset.
 bool Convert(std::string_view bytes, const char* charset, std::string& text) {
   const GIConv opened = g_iconv_open("UTF-8", charset);
   if (opened == reinterpret_cast<GIConv>(-1)) return false;
@@ -82,7 +82,7 @@ std::string To_Utf8(std::string_view bytes, std::string_view charset) {
   const bool declared = std::find(undeclared.begin(), undeclared.end(), name) == undeclared.end();
   const auto* known =
       std::find_if(wider.begin(), wider.end(), [&](const auto& pair) { return pair.first == name; });
-  static std::once_flag once;  // the library's own names of charsets stand in tables that it makes then
+  static std::once_flag once;  // builds the library's charset tables
   std::call_once(once, g_mime_init);
   const char* converter = known != wider.end() ? known->second : g_mime_charset_iconv_name(name.c_str());
   if (!declared || name.find('\0') != std::string::npos || !Convert(bytes, converter, text)) {

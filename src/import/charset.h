@@ -1,4 +1,4 @@
-// Bytes of any charset as UTF-8 text.
+// Converts bytes of any charset to UTF-8.
 #pragma once
 
 #include <cstdint>
@@ -7,12 +7,11 @@
 
 namespace tidyfold {
 
-// Mail that names no charset, a wrong one or plain ASCII mostly holds UTF-8, and where it does not,
-// Windows-1252: so that is how such bytes are read. Bytes that mean nothing in their charset become U+FFFD,
-// NULs are dropped.
+// Bytes with no charset, an unknown one or plain ASCII are read as UTF-8 if they are valid UTF-8, otherwise
+// as Windows-1252. Bytes that are invalid in their charset become U+FFFD, NULs are dropped.
 std::string To_Utf8(std::string_view bytes, std::string_view charset);
 
-// The name of a Windows code page; empty for numbers that stand for none.
+// The charset name of a Windows code page; empty for an unknown number.
 std::string Code_Page_Charset(std::uint32_t code_page);
 
 // For names and subjects: valid UTF-8 whose line breaks and other control characters are blanks.

@@ -1,4 +1,4 @@
-// Owning pointers to what GMime makes.
+// Owning pointers to GMime objects.
 #pragma once
 
 #include <gmime/gmime.h>

@@ -96,7 +96,7 @@ class Text_Writer {
     blank_ = false;
     text_ += piece;
   }
-  // A line break or blank that is to stay as it is.
+  // A line break or blank that is kept as it is.
   void Append_Exactly(char c) {
     Append({});
     text_ += c;
@@ -176,7 +176,7 @@ class Html_Reader {
   void Element(std::string_view name, bool closing) {
     if (Is_One_Of(unseen_elements, name)) {
       if (!closing) Skip_Element(name);
-    } else if (name == "br" || name == "nl") {  // "nl" is rich text's
+    } else if (name == "br" || name == "nl") {  // "nl" is from text/enriched
       writer_.Line();
     } else if (Is_One_Of(paragraph_elements, name)) {
       writer_.Break(2);
@@ -225,17 +225,17 @@ class Html_Reader {
       writer_.Append(" ");
     } else if (c < 0x20) {
       writer_.Blank();
-    } else if (c >= 0x80 && c < 0xA0) {  // meant, and read everywhere, as Windows-1252
+    } else if (c >= 0x80 && c < 0xA0) {  // in practice Windows-1252
       const char byte = static_cast<char>(static_cast<unsigned char>(c));
       writer_.Append(To_Utf8(std::string_view(&byte, 1), "windows-1252"));
-    } else if (c != 0xAD) {  // a place to break a word, not a character
+    } else if (c != 0xAD) {  // a soft hyphen is not shown
       std::string text;
       Append_Utf8(text, c);
       writer_.Append(text);
     }
   }
 
-  // 0 where the name or number stands for no character.
+  // 0 if the name or number is that of no character.
   static char32_t Referenced(std::string_view name) {
     if (name.starts_with('#')) return Numbered(name.substr(1));
     for (const auto& [known, c] : other_names) {

@@ -1,4 +1,4 @@
-// What a reader of an HTML body sees, as plain text.
+// The visible text of an HTML body.
 #pragma once
 
 #include <string>
@@ -6,10 +6,10 @@
 
 namespace tidyfold {
 
-// Takes and gives UTF-8. Markup goes, blocks and table rows become lines, character references characters.
+// UTF-8 in and out. Markup is removed, blocks and table rows become lines, character references are decoded.
 std::string Html_To_Text(std::string_view html);
 
-// The charset that an HTML page names in its head; empty where it names none.
+// The charset declared in the head of an HTML page; empty if there is none.
 std::string Html_Charset(std::string_view html);
 
 }  // namespace tidyfold

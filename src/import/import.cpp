@@ -22,15 +22,15 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::int64_t longest_look = 64 * 1024;
+constexpr std::int64_t longest_look = std::int64_t{64} * 1024;
 
-// A text of any kind may begin with "Word: ...", but hardly with one of these.
+// Any text may begin with "Word: ...", but hardly with one of these.
 constexpr std::array<std::string_view, 16> mail_fields = {
     "from",       "to",           "subject",        "date",    "received",     "return-path",
     "message-id", "sender",       "reply-to",       "cc",      "mime-version", "content-type",
     "bcc",        "delivered-to", "dkim-signature", "x-mailer"};
 
-// Whether the text begins with header fields, one of them such as every mail has.
+// Whether the text begins with header fields, among them one that every mail has.
 bool Begins_With_Mail_Headers(std::string_view text) {
   bool mail = false;
   while (!text.empty() && text.front() != '\n' && text.front() != '\r') {
@@ -67,7 +67,7 @@ void Import_Kind(Source_Kind kind, const fs::path& source, Import_Run& run) {
   }
 }
 
-// A failure to take back what was done must not hide why it is taken back.
+// A failure to roll back must not hide the failure that caused it.
 void Roll_Back(Store_Writer& writer, const std::string& reason) {
   try {
     writer.Roll_Back();

@@ -13,7 +13,7 @@
 
 namespace tidyfold {
 
-// A source that cannot be imported. The text names the file and says what to do about it.
+// A source that cannot be imported. The text names the file and suggests what to do.
 class Import_Error : public std::exception {
  public:
   explicit Import_Error(const std::string& text);
@@ -23,7 +23,7 @@ class Import_Error : public std::exception {
   std::string text_;
 };
 
-// An item that was found and could not be read.
+// An item that was found but could not be read.
 struct Import_Failure {
   std::string where;  // its file, or its folder and position
   std::string why;
@@ -35,14 +35,14 @@ struct Import_Report {
   std::int64_t imported = 0;
   std::int64_t failed = 0;
   std::vector<Import_Failure> failures;
-  // The progress callback said no: the store is as it was, and the counts are 0.
+  // The progress callback returned false: the store is unchanged, and the counts are 0.
   bool cancelled = false;
 };
 
 enum class Source_Kind { Pst, Mbox, Maildir, Eml };  // Pst: PST, OST and PAB
 
-// Takes the number of items found so far, and of all items where that is known. Returns false to cancel.
-// Called on the importing thread, every 10 to 20 ms.
+// Gets the number of items found so far and the total, if known. Returns false to cancel. Called on the
+// importing thread, every 10 to 20 ms.
 using Import_Progress = std::function<bool(std::int64_t found, std::optional<std::int64_t> total)>;
 
 struct Import_Options {
@@ -53,10 +53,10 @@ struct Import_Options {
   Import_Progress progress;  // may be empty
 };
 
-// Whether this edition of the program has importers. Where it has none, each source is an Import_Error.
+// Whether this build has importers. Without them, every source is an Import_Error.
 bool Can_Import();
 
-// Tells by content, never by name. Throws Import_Error where the source is missing, empty or none of them.
+// Goes by content, never by name. Throws Import_Error if the source is missing, empty or of no known kind.
 Source_Kind Detect_Source(const std::filesystem::path& source);
 
 // Imports one source, all of it between one Begin and one Commit: after an error or a cancel the store is as

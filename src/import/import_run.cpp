@@ -10,7 +10,7 @@ Import_Run::Import_Run(const std::filesystem::path& source, Store_Writer& writer
                        const Import_Options& options)
     : writer_(writer), options_(options), last_tick_(std::chrono::steady_clock::now()) {
   report_.source = Valid_Utf8(source.string());
-  // "mail/" and "." have no name of their own to give.
+  // "mail/" and "." have no file name.
   std::filesystem::path whole = std::filesystem::absolute(source).lexically_normal();
   if (!whole.has_filename()) whole = whole.parent_path();
   default_folder_ = std::filesystem::is_directory(whole) ? whole.filename().string() : whole.stem().string();

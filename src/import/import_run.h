@@ -1,4 +1,4 @@
-// What all importers share: where items go, what is counted, and that the person who waits is told and asked.
+// What all importers share: target folders, counts, progress and cancelling.
 #pragma once
 
 #include <chrono>
@@ -14,7 +14,7 @@
 
 namespace tidyfold {
 
-// Thrown when the progress callback said no. Ends the run; the store is rolled back.
+// Thrown when the progress callback returned false. Ends the run; the store is rolled back.
 struct Import_Cancelled {};
 
 class Import_Run {
@@ -22,10 +22,9 @@ class Import_Run {
   Import_Run(const std::filesystem::path& source, Store_Writer& writer, const Import_Options& options);
 
   MAPIFolder_Ptr Top_Folder() const { return top_; }
-  // Where mail goes that has no folder of its own.
+  // The target of mail that brings no folder of its own.
   MAPIFolder_Ptr Target_Folder();
-  // The first folder of that name below the parent; made where there is none. The type is an item_type
-  // number.
+  // The first folder of that name below the parent; created if missing. The type is an item_type number.
   MAPIFolder_Ptr Folder(const MAPIFolder_Ptr& parent, std::string_view name, std::int32_t default_item_type);
   MAPIFolder_Ptr Deleted_Items();
 
@@ -33,10 +32,10 @@ class Import_Run {
   void Fail(std::string_view where, std::string_view why);
   void Expect(std::int64_t total) { total_ = total; }
 
-  // Tells the progress callback, when it is due. To be called often; costs next to nothing when it is not.
+  // Calls the progress callback when it is due. Cheap otherwise, so call it often.
   void Tick();
-  // Runs what takes long and knows no ticks on a thread of its own, and ticks meanwhile. `stop` is called
-  // before waiting for it, when the run is cancelled.
+  // Runs long work that cannot tick on a thread of its own and ticks meanwhile. When the run is cancelled,
+  // `stop` is called before waiting for the thread.
   template <class Work>
   auto Beside(Work work, const std::function<void()>& stop = {}) {
     auto result = std::async(std::launch::async, std::move(work));

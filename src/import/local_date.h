@@ -7,8 +7,8 @@
 
 namespace tidyfold {
 
-// All give no_date for what lies before 1900, or from 4500 on: the beginning of 4501, in whatever time zone,
-// is how Outlook writes that there is no date.
+// All return no_date for dates before 1900 and from 4500 on: Outlook stores the start of 4501, in some time
+// zone, for "no date".
 
 // Seconds since 1970 in UTC, shown in the user's time zone.
 Date Local_Date(std::int64_t unix_seconds);

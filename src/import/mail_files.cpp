@@ -15,7 +15,7 @@ namespace {
 // A message that takes longer than a progress period to read.
 constexpr std::int64_t long_message = 1 << 20;
 
-// Reads the text and then the message in it, which both take long where the message is.
+// Reads the text, then parses the message; both take long if it is long.
 template <class Read_Text>
 New_Item Read_Message(std::int64_t size, Read_Text read_text, Import_Run& run) {
   const auto read = [&] { return Read_Mime_Message(read_text()); };
@@ -52,7 +52,7 @@ Date Separator_Date(std::string_view separator) {
   return date == std::string_view::npos ? no_date : Parse_Mail_Date(separator.substr(date + 1), true);
 }
 
-// What to do about a file that only looks cut off; empty for one that does not.
+// What to do about a file that seems cut off; empty for any other.
 std::string Remedy_If_Whole(Mbox_Cut cut) {
   switch (cut) {
     case Mbox_Cut::Line:

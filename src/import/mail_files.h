@@ -1,4 +1,4 @@
-// The importers of mail that lies in plain files.
+// The importers of mail in plain files.
 #pragma once
 
 #include <filesystem>
@@ -7,7 +7,7 @@
 
 namespace tidyfold {
 
-// Each imports one source and throws Import_Error where it cannot be read as a whole.
+// Each imports one source. Throws Import_Error if the source as a whole cannot be read.
 void Import_Mbox(const std::filesystem::path& source, Import_Run& run);
 void Import_Maildir(const std::filesystem::path& source, Import_Run& run);
 void Import_Eml(const std::filesystem::path& source, Import_Run& run);

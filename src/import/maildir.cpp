@@ -16,7 +16,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Servers code names as "Entw&APw-rfe"; a name that is not so coded stays as it is.
+// Decodes modified UTF-7 ("Entw&APw-rfe"); any other name stays as it is.
 std::string Folder_Name(const std::string& name) {
   for (std::size_t at = name.find('&'); at != std::string::npos; at = name.find('&', at + 1)) {
     const std::size_t end = std::min(
@@ -56,7 +56,7 @@ std::vector<std::string> Entries(const fs::path& directory, const std::function<
 
 void List(const fs::path& directory, const std::vector<std::string>& names, const std::function<void()>& tick,
           std::set<fs::path>& listed, std::vector<Maildir_Folder>& folders) {
-  // Links may lead in circles.
+  // Links may form cycles.
   std::error_code error;
   if (!listed.insert(fs::canonical(directory, error)).second) return;
   Maildir_Folder folder{directory, names, {}};
@@ -92,7 +92,7 @@ bool Is_Maildir(const fs::path& directory) {
 Maildir_Message Read_Maildir_Name(std::string name, bool is_new) {
   Maildir_Message message;
   message.is_new = is_new;
-  // On disks that know no colon in names another character stands for it.
+  // Another character replaces the colon on file systems that do not allow it.
   for (const std::string_view mark : {":2,", ";2,", "!2,"}) {
     const std::size_t info = name.rfind(mark);
     if (info == std::string::npos || is_new) continue;

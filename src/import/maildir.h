@@ -1,4 +1,4 @@
-// What lies in a Maildir, and what its file names tell.
+// The contents of a Maildir, and the meaning of its file names.
 #pragma once
 
 #include <filesystem>
@@ -17,7 +17,7 @@ struct Maildir_Message {
   std::string name;
   bool is_new = false;  // in new/, not yet looked at by any program
   bool seen = false;
-  bool trashed = false;  // moved to the trash, which is yet to be emptied
+  bool trashed = false;  // moved to the trash, not yet removed
   Date delivered = no_date;
 
   std::filesystem::path Path(const Maildir_Folder& folder) const;
@@ -31,12 +31,12 @@ struct Maildir_Folder {
 
 bool Is_Maildir(const std::filesystem::path& directory);
 
-// What a message's file name says: "1029384756.M20046P2137.mailserver:2,FS".
+// Parses a message's file name: "1029384756.M20046P2137.mailserver:2,FS".
 Maildir_Message Read_Maildir_Name(std::string name, bool is_new);
 
-// Parents before children. Sub-folders are ".Parent.Child" beside cur/ and new/, with the names' characters
-// coded as mail servers do, or plain directories. `tick` is called for each file. Throws Import_Error where a
-// directory cannot be listed.
+// Parents before children. Sub-folders are ".Parent.Child" beside cur/ and new/, with names in modified
+// UTF-7, or plain directories. `tick` is called for each file. Throws Import_Error if a directory cannot be
+// listed.
 std::vector<Maildir_Folder> List_Maildir(const std::filesystem::path& directory,
                                          const std::function<void()>& tick);
 

@@ -12,8 +12,8 @@ namespace {
 
 constexpr std::string_view mark = "From ";
 constexpr std::int64_t longest_separator = 1024;
-constexpr std::int64_t usual_header = 16 * 1024;
-constexpr std::int64_t longest_header = 256 * 1024;
+constexpr std::int64_t usual_header = std::int64_t{16} * 1024;
+constexpr std::int64_t longest_header = std::int64_t{256} * 1024;
 constexpr std::array<std::string_view, 12> months = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                                      "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
 
@@ -21,7 +21,7 @@ bool Is_Digit(char c) {
   return c >= '0' && c <= '9';
 }
 
-// "... Aug 23 02:32:53 ..." in any order of zone and year behind it.
+// "... Aug 23 02:32:53 ...", followed by zone and year in any order.
 bool Has_Date(std::string_view line) {
   for (const std::string_view month : months) {
     for (std::size_t at = line.find(month); at != std::string_view::npos; at = line.find(month, at + 1)) {
@@ -42,7 +42,7 @@ std::string_view Line(std::string_view text) {
   return line;
 }
 
-// Where the blank line behind the headers ends; npos where there is none.
+// The end of the blank line behind the headers; npos if there is none.
 std::size_t Header_End(std::string_view text) {
   for (std::size_t at = 0; at < text.size();) {
     const std::size_t end = text.find('\n', at);
@@ -83,7 +83,7 @@ bool Begins_With_Separator(std::string_view text, bool after_blank_line) {
   if (next == std::string_view::npos) return false;
   const std::string_view following = text.substr(next + 1);
   if (!Begins_With_Header(following) && !following.starts_with(">From ")) return false;
-  // Some writers give no date and only "-", some a sender alone.
+  // Some writers put only "-" there, some only a sender.
   const std::string_view sender = line.substr(mark.size(), line.find(' ', mark.size()) - mark.size());
   if (Has_Date(line) || (sender == "-" && line.size() <= mark.size() + 2)) return true;
   return after_blank_line && sender.find('@') != std::string_view::npos;
@@ -181,7 +181,7 @@ Mbox_Cut Mbox_Reader::Cut() {
   }
   if (!missing_ || lengths_too_long_ > 0) return Mbox_Cut::None;
   if (lengths_right_ > 0) return Mbox_Cut::Length;
-  // A file whose line breaks were shortened from CR LF to LF lacks one byte for each, and nothing else.
+  // A file whose CR LF became LF lacks exactly one byte per line.
   std::int64_t lines = 0;
   for (std::int64_t at = content_ + static_cast<std::int64_t>(header_end);
        at < file_.Size() && lines < *missing_;) {

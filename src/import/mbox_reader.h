@@ -1,9 +1,9 @@
 // Finds the messages of an mbox file.
 //
 // A message begins at a separator line, "From " with a sender and a date, that is followed by header fields.
-// How it ends depends on who wrote the file: some quote body lines that begin with "From " as ">From ", some
-// leave them and write a Content-Length header. So a Content-Length is believed when the next separator or
-// the end of the file lies where it says, and ignored otherwise.
+// Its end depends on the writer: some quote body lines that begin with "From " as ">From ", others leave them
+// alone and write a Content-Length header. A Content-Length is used if the next separator or the end of the
+// file is where it says, and ignored otherwise.
 #pragma once
 
 #include <cstdint>
@@ -19,14 +19,14 @@ struct Mbox_Message {
   std::int64_t begin = 0;    // its separator line
   std::int64_t content = 0;  // its first header
   std::int64_t end = 0;
-  bool by_length = false;  // Content-Length told the end
+  bool by_length = false;  // the end is from Content-Length
 };
 
-// What gives a file away that was cut off.
+// The sign that a file was cut off.
 enum class Mbox_Cut {
   None,
-  Line,     // its last line does not end
-  Headers,  // the headers of its last message do not
+  Line,     // its last line has no end
+  Headers,  // the headers of its last message are incomplete
   Length    // the last message says that it is longer, and can be trusted
 };
 
@@ -37,7 +37,7 @@ class Mbox_Reader {
 
   // The next message; none at the end of the file.
   std::optional<Mbox_Message> Next();
-  // After the last message: whether the file is only the beginning of what it once was.
+  // After the last message: whether the file was cut off.
   Mbox_Cut Cut();
 
   // The message without its separator and with the quoting of its body undone.
@@ -56,7 +56,7 @@ class Mbox_Reader {
   std::int64_t lengths_too_long_ = 0;
   // Of the last message:
   std::int64_t content_ = 0;
-  std::optional<std::int64_t> missing_;  // bytes, when it says that it is longer than what is there
+  std::optional<std::int64_t> missing_;  // bytes, if its Content-Length exceeds the file
 };
 
 // Whether the text begins with a separator line; what follows that line must be in the text too.

@@ -26,7 +26,7 @@ std::string Unfolded(std::string_view calendar) {
   return Upper_Case(text);
 }
 
-// The word behind the first `mark` that is found.
+// The word behind the first `mark`.
 std::string_view Word_Behind(std::string_view text, std::string_view mark) {
   const std::size_t found = text.find(mark);
   if (found == std::string_view::npos) return {};

@@ -1,4 +1,4 @@
-// What a calendar part makes of the message that carries it.
+// The item class of messages with a calendar part.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +7,7 @@
 namespace tidyfold {
 
 // The item class of a message with this iCalendar text: a meeting request, cancellation or response, else
-// mail. The method is the one that the part's header names; where that is empty, the text's own counts.
+// mail. The method is that of the part's header; if empty, that of the text itself.
 std::int32_t Meeting_Class(std::string_view calendar, std::string_view method);
 
 }  // namespace tidyfold

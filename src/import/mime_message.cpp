@@ -18,7 +18,7 @@
 namespace tidyfold {
 namespace {
 
-// Deeper parts are nothing that a person sent.
+// No real message is nested deeper.
 constexpr int max_depth = 100;
 
 std::string Text_Of(const char* text) {
@@ -63,7 +63,7 @@ std::string Sender(GMimeMessage* message) {
   return One_Line(Header(message, "From"));
 }
 
-// A mail is dated by its arrival, which the last server on its way wrote on top.
+// A mail has the date of its arrival, which the last server wrote on top.
 Date Received(GMimeMessage* message) {
   const std::string received = Header(message, "Received");
   const std::size_t semicolon = received.rfind(';');
@@ -88,7 +88,7 @@ bool Is_Type(GMimeObject* part, const char* type, const char* subtype) {
   return content != nullptr && g_mime_content_type_is_type(content, type, subtype);
 }
 
-// Old mail says "text" alone, which the library takes for nothing that it knows.
+// Old mail has just "text", which the library does not know.
 bool Is_Text(GMimeObject* part) {
   if (Is_Type(part, "text", "*")) return true;
   const std::string type = Upper_Case(Text_Of(g_mime_object_get_header(part, "Content-Type")));
@@ -137,7 +137,7 @@ class Body_Reader {
     Collect(root_, 0, found);
     return found;
   }
-  // The class that a calendar part gives the message; mail where there is none.
+  // The class from the calendar part; mail if there is none.
   std::int32_t Meeting() { return Find_Meeting(root_, 0); }
 
  private:
@@ -220,7 +220,7 @@ class Body_Reader {
   GMimeObject* root_;
 };
 
-// A message whose parts lie in the text that it was made from; the text must outlive it.
+// The parts point into the text, which must outlive the message.
 class Parsed_Message {
  public:
   explicit Parsed_Message(std::string& raw)

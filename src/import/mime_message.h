@@ -1,4 +1,4 @@
-// Messages in the Internet's form: headers, a blank line, a MIME body.
+// Internet messages: headers, a blank line, a MIME body.
 #pragma once
 
 #include <cstdint>
@@ -10,10 +10,10 @@
 
 namespace tidyfold {
 
-// Larger than any mail server passes on; a larger one would not fit into a store's row either.
+// Larger than any mail server passes on, and small enough for one row of a store.
 inline constexpr std::int64_t max_message_size = 512LL * 1024 * 1024;
 
-// What cannot be read as a message.
+// Data that cannot be read as a message.
 class Message_Error : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
@@ -22,13 +22,12 @@ class Message_Error : public std::runtime_error {
 // Whether the text begins with a header field ("Name: ...").
 bool Begins_With_Header(std::string_view text);
 
-// The class is mail, report, or a meeting's where a calendar part says so. Unread unless its own Status
-// header says that it was read; received is no_date where no header tells. Throws Message_Error for what has
-// no headers.
+// The class is mail, report or, with a calendar part, that of a meeting. Unread unless its Status header says
+// otherwise; received is no_date if no header has a date. Throws Message_Error for data without headers.
 New_Item Read_Mime_Message(std::string raw);
 
-// The time that a date in any of the forms found in mail means, in local time; no_date where it is none. With
-// `as_written` its own time of day counts, without regard to time zones.
+// Parses a date in any form found in mail and converts it to local time; no_date if it is none. With
+// `as_written` its time zone is ignored.
 Date Parse_Mail_Date(std::string_view text, bool as_written = false);
 
 }  // namespace tidyfold

@@ -1,4 +1,4 @@
-// Where the program is built without the libraries that read other programs' files.
+// For builds without the libraries that read other programs' files.
 #include "base/text.h"
 #include "import/import.h"
 

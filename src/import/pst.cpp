@@ -35,7 +35,7 @@ std::uint64_t Little_Endian(std::string_view bytes) {
   return number;
 }
 
-// The header says what the file is and how long; libpff would read on in a shorter one and miss items.
+// The header has the kind and the length of the file; libpff would read a shorter file and miss items.
 void Check_Header(const fs::path& source) {
   constexpr std::int64_t header_size = 512;
   constexpr std::uint64_t first_version_of_64_bits = 20;
@@ -61,7 +61,7 @@ void Check_Header(const fs::path& source) {
 
 struct Listed_Folder {
   Pff_Item item;
-  std::size_t parent;  // its place in the list
+  std::size_t parent;  // index in the list
   std::string name;
   std::string path;  // for reports
   std::int32_t item_type;
@@ -109,7 +109,7 @@ class Pst_Importer {
                        std::string(repair));
   }
 
-  // The folder that Outlook shows as the file's top. Deleted Items is found on the way.
+  // The folder that Outlook shows as the file's top. Finds Deleted Items, too.
   Pff_Item Top() {
     Pff_Error error;
     libpff_item_t* found = nullptr;
@@ -130,7 +130,7 @@ class Pst_Importer {
     return top ? std::move(top) : std::move(root);
   }
 
-  // Offline files and address books may not say which folder is their top; then its name does.
+  // Offline files and address books may not mark their top folder; then it is found by name.
   static Pff_Item Named_Top(libpff_item_t* parent, int levels) {
     Pff_Error error;
     int count = 0;
@@ -147,7 +147,7 @@ class Pst_Importer {
     return nullptr;
   }
 
-  // Parents before children, without what Outlook does not show in its tree.
+  // Parents before children, without folders that Outlook hides.
   void List_Folders() {
     std::vector<Listed_Folder> waiting;
     waiting.push_back({Top(), 0, {}, {}, item_type::mail, 0, false});
@@ -187,7 +187,7 @@ class Pst_Importer {
 
   static std::string Shown(const Listed_Folder& folder) { return folder.path.empty() ? "/" : folder.path; }
 
-  // What cannot be listed is a failure of its own; the rest can still be read.
+  // A folder that cannot be listed counts as one failure; the rest can still be read.
   template <class Call>
   std::optional<int> Count(Call call, const Listed_Folder& folder, const std::string& failure) {
     Pff_Error error;
@@ -211,7 +211,7 @@ class Pst_Importer {
     }
   }
 
-  // An entry's identifier ends with the number of its node; 0 where there is none.
+  // An entry identifier ends with the number of its node; 0 if there is none.
   static std::uint32_t Node(const std::optional<std::string>& entry_id) {
     if (!entry_id || entry_id->size() < 4) return 0;
     return static_cast<std::uint32_t>(

@@ -7,8 +7,8 @@
 
 namespace tidyfold {
 
-// PST, OST and PAB: the tree of folders with their items, without search folders and what Outlook keeps for
-// itself. Throws Import_Error where the file cannot be read as a whole.
+// PST, OST and PAB: the tree of folders with their items, without search folders and Outlook's internal ones.
+// Throws Import_Error if the file as a whole cannot be read.
 void Import_Pst(const std::filesystem::path& source, Import_Run& run);
 
 }  // namespace tidyfold

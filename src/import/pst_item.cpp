@@ -18,7 +18,7 @@ namespace {
 
 using Class_Name = std::pair<std::string_view, std::int32_t>;
 
-// In upper case, as names of classes are compared.
+// In upper case: class names are compared without case.
 constexpr std::array<Class_Name, 20> message_classes = {{
     {"IPM.NOTE", item_class::mail},
     {"IPM.APPOINTMENT", item_class::appointment},
@@ -104,7 +104,7 @@ void Read_Dates(const Pst_Properties& properties, New_Item& item) {
     item.end = First_Of(Local(properties.Time(appointment_end)), end);
   if (item.item_class == item_class::journal) item.end = First_Of(Local(properties.Time(journal_end)), end);
   if (item.item_class == item_class::task) {
-    // A due date has no time zone; a completion has.
+    // Due dates have no time zone, completion dates do.
     const auto due = properties.Time(task_due);
     if (due) item.due = Date_From_Floating_Filetime(*due);
     item.completed = Local(properties.Time(task_completed));
@@ -128,7 +128,7 @@ std::vector<New_Attachment> Attachments(libpff_item_t* message) {
          {pst_property::attachment_long_name, pst_property::attachment_name, pst_property::display_name}) {
       if (name.empty()) name = One_Line(properties.Text(property));
     }
-    // The size of the data itself is only told for plain files.
+    // libpff gives the size of the data only for plain files.
     size64_t size = properties.Number(pst_property::attachment_size).value_or(0);
     int type = 0;
     if (libpff_attachment_get_type(found, &type, error.Out()) == 1 && type == LIBPFF_ATTACHMENT_TYPE_DATA) {

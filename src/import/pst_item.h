@@ -1,4 +1,4 @@
-// One item of an Outlook file as an item of a store.
+// Converts an item of an Outlook file to an item of a store.
 #pragma once
 
 #include <cstdint>
@@ -9,14 +9,13 @@
 
 namespace tidyfold {
 
-// The item class that a message class ("IPM.Note.SMIME") stands for, by its nearest known parent; mail where
-// there is none.
+// The item class of a message class ("IPM.Note.SMIME"), by its nearest known parent; mail if there is none.
 std::int32_t Item_Class_Of(std::string_view message_class);
 
 // The item_type that a folder of this container class ("IPF.Appointment") holds by default.
 std::int32_t Item_Type_Of(std::string_view container_class);
 
-// Everything of the item. Throws Message_Error where the file is damaged.
+// Reads the whole item. Throws Message_Error if the file is damaged.
 New_Item Read_Pst_Item(libpff_item_t* message);
 
 }  // namespace tidyfold

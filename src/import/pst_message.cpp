@@ -15,18 +15,18 @@
 namespace tidyfold {
 namespace {
 
-// Messages within messages within messages; deeper is damage.
+// Nested messages; anything deeper is damage.
 constexpr int max_depth = 20;
 
 constexpr std::int64_t filetime_second = 10'000'000;
 constexpr std::int64_t filetime_of_1970 = 11'644'473'600;
 
-// Fields that tell how the lost original was put together.
+// Fields that describe the structure of the original, which is lost.
 constexpr std::array<std::string_view, 3> structure_fields = {"CONTENT-", "MIME-VERSION", "LINES"};
 
 std::string Built(libpff_item_t* message, const Pst_Properties& properties, const Pst_Body& body, int depth);
 
-// The headers as they came, with CR LF, without those of the structure.
+// The original headers with CR LF, without those of the structure.
 std::string Kept_Headers(std::string_view headers) {
   std::string kept;
   bool keep = false;
@@ -38,7 +38,7 @@ std::string Kept_Headers(std::string_view headers) {
     const bool continued = line.starts_with(' ') || line.starts_with('\t');
     if (!continued) {
       const std::string name = Upper_Case(line.substr(0, line.find(':')));
-      // The first line may be a title of the program that passed them on.
+      // The first line may be a title by the program that delivered the message.
       keep = Begins_With_Header(line);
       for (const std::string_view field : structure_fields) keep = keep && !name.starts_with(field);
     }
@@ -148,7 +148,7 @@ std::string Attached_Message(libpff_item_t* attachment, int depth) {
   return Built(found, properties, Read_Pst_Body(found, properties), depth + 1);
 }
 
-// Empty for a reference to something that lies elsewhere.
+// Empty for a reference to external data.
 Gmime_Ptr<GMimeObject> Attachment_Part(libpff_item_t* attachment, int depth) {
   Pff_Error error;
   int type = LIBPFF_ATTACHMENT_TYPE_UNDEFINED;

@@ -1,4 +1,4 @@
-// Messages of an Outlook file in the Internet's form.
+// Builds Internet messages from those of an Outlook file.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@
 
 namespace tidyfold {
 
-// The body in the richest form that there is, as it is kept; any of the three may be empty.
+// The body in each form that the file has; any of the three may be empty.
 struct Pst_Body {
   std::string plain;
   std::string html;
@@ -15,9 +15,9 @@ struct Pst_Body {
 };
 Pst_Body Read_Pst_Body(libpff_item_t* message, const Pst_Properties& properties);
 
-// Outlook keeps no message as it came over the wire, only its headers, if it came over the wire at all. So
-// the message is built anew: those headers, else ones made of its properties, then its texts and attachments.
-// A signature over the original does not hold for it.
+// Outlook does not keep the original message, only its headers, and those only if it was sent by Internet
+// mail. So the message is rebuilt: these headers, or else ones made from its properties, then texts and
+// attachments. Signatures of the original do not match it.
 std::string Rebuild_Message(libpff_item_t* message, const Pst_Properties& properties, const Pst_Body& body);
 
 }  // namespace tidyfold

@@ -95,14 +95,14 @@ std::string Pst_Properties::Text(std::uint32_t property) const {
   const bool page = property == pst_property::html;
   const auto code_page = Number(page ? pst_property::internet_code_page : pst_property::message_code_page);
   const std::string bytes = Data(entry);
-  // The code page of a message's own properties is that of the program which wrote it.
+  // A message's properties are in the code page of the program that wrote it.
   return To_Utf8(bytes, Code_Page_Charset(code_page.value_or(0)));
 }
 
 std::string Pst_Properties::Subject() const {
   std::string subject = Text(pst_property::subject);
   if (!subject.starts_with('\x01')) return subject;
-  // 01 and one more character, whatever its size.
+  // 01 and one more character, of whatever size.
   std::size_t end = 2;
   while (end < subject.size() && (static_cast<unsigned char>(subject[end]) & 0xC0) == 0x80) ++end;
   return subject.size() < 2 ? std::string() : subject.substr(end);

@@ -1,8 +1,8 @@
-// Reading the properties of what lies in an Outlook file, through libpff.
+// Reads properties from an Outlook file with libpff.
 #pragma once
 
 #include <libpff/features.h>
-// Opening files through handles of our own would need one more library's headers.
+// Opening files through our own handles would need the headers of another library.
 #undef LIBPFF_HAVE_BFIO
 #include <libpff.h>
 
@@ -19,7 +19,7 @@ struct Free_Pff_Item {
 };
 using Pff_Item = std::unique_ptr<libpff_item_t, Free_Pff_Item>;
 
-// Takes the error of a libpff call: passed as `error.Out()`, asked for its text afterwards.
+// Receives the error of a libpff call: pass `error.Out()`, read the text afterwards.
 class Pff_Error {
  public:
   Pff_Error() = default;
@@ -34,7 +34,7 @@ class Pff_Error {
   libpff_error_t* error_ = nullptr;
 };
 
-// Throws Message_Error with the error's text where the result is that of a call that failed (-1).
+// Throws Message_Error with the error's text if the result is that of a failed call (-1).
 void Check_Pff(int result, const Pff_Error& error);
 
 // MAPI property identifiers
@@ -55,21 +55,20 @@ inline constexpr std::uint32_t message_class = 0x001A, subject = 0x0037, client_
                                sender_smtp_address = 0x5D01, attachment_flags = 0x7FFD;
 }
 
-// A property that a program named: its number within a set. The sets differ in the first 32 bits of their
-// GUIDs.
+// A named property: its number within a set. Sets are told apart by the first 32 bits of their GUIDs.
 struct Named_Property {
   std::uint32_t set;
   std::uint32_t number;
 };
 
 // The properties of one row; most items have one row, a table of recipients has one for each. Absent
-// properties are empty; all throw Message_Error where the file is damaged.
+// properties are empty; all throw Message_Error if the file is damaged.
 class Pst_Properties {
  public:
   explicit Pst_Properties(libpff_item_t* item, int row = 0);
 
   std::string Text(std::uint32_t property) const;
-  // The subject, whose first characters may tell the length of its prefix ("Re: ").
+  // The subject, whose first characters may encode the length of its prefix ("Re: ").
   std::string Subject() const;
   std::optional<std::string> Bytes(std::uint32_t property) const;
   std::optional<std::uint32_t> Number(std::uint32_t property) const;

@@ -34,7 +34,7 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 13> characte
 }};
 
 struct Group {
-  bool elsewhere = false;  // holds something else than the body's text
+  bool elsewhere = false;  // not part of the body's text
   bool hidden = false;
   std::int32_t characters_after_unicode = 1;
 };
@@ -108,7 +108,7 @@ class Rtf_Reader {
     Group& group = groups_.back();
     if (word == "u" && numbered) {
       if (!bytes_.empty()) Flush();
-      // 16 bits with a sign; a character beyond them comes as two halves, which only make sense together.
+      // Signed 16 bits; characters beyond them come as surrogate pairs.
       if (Seen()) {
         utf16_ += static_cast<char>(number & 0xFF);
         utf16_ += static_cast<char>((number >> 8) & 0xFF);
@@ -157,7 +157,7 @@ class Rtf_Reader {
     text_ += text;
   }
 
-  // Characters may take several bytes, so bytes become text in one go.
+  // Characters may take several bytes, so runs of bytes are converted together.
   void Flush() {
     if (!utf16_.empty()) text_ += To_Utf8(std::exchange(utf16_, {}), "UTF-16LE");
     if (!bytes_.empty()) text_ += To_Utf8(std::exchange(bytes_, {}), charset_);

@@ -1,4 +1,4 @@
-// What a reader of an RTF body sees, as plain text.
+// The visible text of an RTF body.
 #pragma once
 
 #include <string>
@@ -6,7 +6,7 @@
 
 namespace tidyfold {
 
-// Gives UTF-8. Pictures, styles, fields' instructions and hidden text go.
+// Returns UTF-8, without pictures, styles, field instructions and hidden text.
 std::string Rtf_To_Text(std::string_view rtf);
 
 }  // namespace tidyfold

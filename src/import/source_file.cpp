@@ -32,7 +32,7 @@ std::string_view Source_File::View(std::int64_t at, std::int64_t minimum) {
   const std::int64_t end = std::min(at + minimum, size_);
   if (at >= end) return {};
   if (at < window_at_ || end > window_at_ + static_cast<std::int64_t>(window_.size())) {
-    // A little of what stands before is kept, since a look back is common.
+    // Keeps a few bytes before `at`: callers often look back.
     window_at_ = std::max<std::int64_t>(at - 16, 0);
     Fill(window_at_, std::max(window_size, minimum + 16), window_);
   }

@@ -11,16 +11,15 @@ namespace tidyfold {
 
 class Source_File {
  public:
-  // Throws Import_Error where the file cannot be opened.
+  // Throws Import_Error if the file cannot be opened.
   explicit Source_File(const std::filesystem::path& path);
 
-  // As it was on opening.
+  // The size when the file was opened.
   std::int64_t Size() const { return size_; }
-  // The bytes from `at` on, as many as there are up to `length`. Throws Import_Error where they cannot be
-  // read.
+  // Up to `length` bytes from `at` on. Throws Import_Error if they cannot be read.
   std::string Read(std::int64_t at, std::int64_t length);
-  // What is at hand from `at` on: at least `minimum` bytes, fewer only at the end of the file. Valid until
-  // the next call.
+  // The buffered bytes from `at` on: at least `minimum`, fewer only at the end of the file. Valid until the
+  // next call.
   std::string_view View(std::int64_t at, std::int64_t minimum);
 
  private:

@@ -32,9 +32,9 @@ bool Holds(const std::string_view (&names)[count], std::string_view name) {
 }
 
 // A position that does not fit is not followed.
-std::int16_t Recorded(Twips position) {
+Twips Recorded(Twips position) {
   try {
-    return Rounded<std::int16_t>(position);
+    return static_cast<Twips>(Rounded<std::int16_t>(position));
   } catch (const std::overflow_error&) {
     return 0;
   }

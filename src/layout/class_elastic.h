@@ -22,7 +22,7 @@ class class_Elastic {
  private:
   struct Designed {
     Control* control;
-    std::int16_t left, height, width;
+    Twips left, height, width;
   };
 
   std::int16_t form_height_ = 0, form_width_ = 0;

@@ -1,22 +1,39 @@
 #include "marking/control_enabling.h"
 
-#include <utility>
-
 namespace tidyfold {
+
+namespace {
+
+constexpr const char* clean_caption = "&Clean";
+constexpr const char* cancel_caption = "&Cancel";
+
+}  // namespace
+
+void Control_Enabling::Wire() {
+  phase_.changed = [this] { Follow_Phase(); };
+}
+
+void Control_Enabling::Follow_Phase() {
+  const Phase phase = phase_.Now();
+  // While a run's questions are open, everything stays as it was: nothing may have come of them.
+  if (phase == Phase::Asking) return;
+  const bool running = phase == Phase::Cleaning || phase == Phase::Cancelling ||
+                       (phase == Phase::Store_Gone && phase_.Is_Run());
+  const bool enable = !running && phase != Phase::Building;
+  if (enable != all_enabled_ || running != (window_.cmdRun.Caption() == cancel_caption))
+    Enable_All_Controls(enable);
+  window_.mnuStopLoading.Set_Enabled(all_enabled_ && phase == Phase::Loading);
+}
 
 void Control_Enabling::Enable_All_Controls(bool enable) {
   errors_.Run("Enable_All_Controls", [&] {
     all_enabled_ = enable;
+    const bool running = !enable && phase_.Is_Run();
     // Cancel is never off, not even for a moment, in which it would lose the keyboard. Quit only tells the
     // loops to end.
     for (Control* control : window_.controls)
-      control->Set_Enabled(enable || control == &window_.mnuQuit ||
-                           (run_.Processing && control == &window_.cmdRun));
-    if (run_.Processing) {
-      window_.cmdRun.Set_Caption("&Cancel");
-    } else {
-      window_.cmdRun.Set_Caption("&Clean");
-    }
+      control->Set_Enabled(enable || control == &window_.mnuQuit || (running && control == &window_.cmdRun));
+    window_.cmdRun.Set_Caption(running ? cancel_caption : clean_caption);
     Enable_Check_Boxes();
     Enable_Command_Buttons();
   });
@@ -52,61 +69,20 @@ void Control_Enabling::Enable_Check_Boxes() {
 void Control_Enabling::Enable_Command_Buttons() {
   errors_.Run("Enable_Command_Buttons", [&] {
     if (!all_enabled_) return;
-    const int marked_folders = Count_Selected_Nodes();
-    const int selected = window_.chkSelectByRow.Checked() ? rows_.Get_Rows_Selected_Count() : marked_folders;
-    window_.cmdRun.Set_Enabled(selected >= 1);
-    window_.mnuClean.Set_Enabled(selected >= 1);
-    window_.mnuUnmark.Set_Enabled(marked_folders >= 1);
     const TreeView& tree = window_.trvFolders;
-    const int node = tree.Selected_Item();
-    window_.mnuMark.Set_Enabled(node != 0 && !tree.Checked(node));
-    window_.mnuUnmarkFolder.Set_Enabled(node != 0 && tree.Checked(node));
-    window_.mnuMarkBranch.Set_Enabled(node != 0 && tree.Children(node) > 0);
-    window_.mnuStopLoading.Set_Enabled(Loading());
+    const FlexGrid& grid = window_.grdItems;
+    const bool by_row = window_.chkSelectByRow.Checked();
+    const bool any = (by_row ? grid.Marked_Rows() : tree.Checked_Count()) >= 1;
+    window_.cmdRun.Set_Enabled(any);
+    window_.mnuClean.Set_Enabled(any);
+    window_.mnuUnmark.Set_Enabled(tree.Checked_Count() >= 1);
+    const int folder = tree.Selected_Item();
+    window_.mnuMark.Set_Enabled(folder != 0 && !tree.Checked(folder));
+    window_.mnuUnmarkFolder.Set_Enabled(folder != 0 && tree.Checked(folder));
+    window_.mnuMarkBranch.Set_Enabled(folder != 0 && tree.Children(folder) > 0);
+    window_.mnuStopLoading.Set_Enabled(phase_.Now() == Phase::Loading);
     for (MenuItem* entry : {&window_.mnuSelectRow, &window_.mnuSelectAllRows})
-      entry->Set_Enabled(window_.chkSelectByRow.Checked() && window_.grdItems.Rows() > 1);
-    rows_.Display_Sort_Menu();
-    rows_.Display_Selected_Items_Total();
-    rows_.Display_Empty_Text();
-  });
-}
-
-void Control_Enabling::Load_Tooltips() {
-  errors_.Run("Load_Tooltips", [&] {
-    MainWindow& w = window_;
-    const std::pair<Control*, const char*> texts[] = {
-        {&w.trvFolders, "Folder Tree - Click on check boxes to select folders"},
-        {&w.grdItems, "Items List - check Select By Row to enable"},
-        {&w.lblCurrentFolder, "Current Folder"},
-        {&w.lblScreenOptions, "Options controlling screen behaviour"},
-        {&w.chkMarkSubFolders, "Mark all sub folders."},
-        {&w.chkCollapseFolders, "Allow marked sub folders to be collapsed and hidden."},
-        {&w.chkShowAllFolders, "Show items from all selected folders"},
-        {&w.chkShowSelectedItems, "Show selected items"},
-        {&w.chkShowUnselectedItems, "Show unselected items"},
-        {&w.chkSelectByRow, "Enable select by row"},
-        {&w.lblProcessingOptions, "Options controlling how records are processed"},
-        {&w.chkTurbo, "Specify maximum processing speed."},
-        {&w.chkPermanentDelete, "Permanently remove items."},
-        {&w.chkConfirmFolders, "Confirm each folder before processing."},
-        {&w.chkConfirmItems, "Confirm each item before removal."},
-        {&w.chkDeleteFolders, "Permanently delete selected folders."},
-        {&w.lblFilterOptions, "Options controlling which records are deleted."},
-        {&w.chkSelectUnread, "Remove unread items."},
-        {&w.chkSelectDate, "Remove only items as old or older than the indicated date."},
-        {&w.chkSelectSubject, "Remove only items matching indicated subject line."},
-        {&w.chkSelectType, "Remove only items of selected type(s)."},
-        {&w.txtSelectSubject, "Enter text then press <Tab> or <Enter> to change filter."},
-        {&w.dtpCutoffDate,
-         "Click drop down box to pick date or \r\n"
-         "use arrow keys to change date then press <Tab> or <Enter> to change filter."},
-        {&w.chkMatchCase, "Case must match to select item."},
-        {&w.chkMatchWord, "Entire subject line must be entered to select item."},
-        {&w.cmdRun, "Start cleaning."},
-    };
-    for (const auto& [control, text] : texts) control->Set_Tool_Tip_Text(text);
-    for (PictureBox* bar : {&w.picSlider, &w.picSlider2})
-      bar->Set_Tool_Tip_Text("Re-sizing bar - click, hold and drag");
+      entry->Set_Enabled(by_row && grid.Rows() > 1);
   });
 }
 

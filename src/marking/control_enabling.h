@@ -1,38 +1,34 @@
-// Which controls can be used when, what their tooltips say, and their default values.
+// Which controls can be used when, and the options' default values.
 #pragma once
 
-#include <functional>
-
+#include "cache/window_updates.h"
 #include "controls/main_window.h"
 #include "errors/procedure.h"
-#include "grid/grid_rows.h"
-#include "marking/run_state.h"
+#include "plan/phase.h"
 
 namespace tidyfold {
 
-class Control_Enabling {
+class Control_Enabling : public Command_State {
  public:
-  Control_Enabling(MainWindow& window, Grid_Rows& rows, const Run_State& run, Error_Handler& errors)
-      : window_(window), rows_(rows), run_(run), errors_(errors) {}
+  Control_Enabling(MainWindow& window, Program_Phase& phase, Error_Handler& errors)
+      : window_(window), phase_(phase), errors_(errors) {}
 
+  // Follows the phase from then on.
+  void Wire();
   // All controls on or off; while a run is under way the Clean button stays on, as Cancel.
   void Enable_All_Controls(bool enable);
   // Each option's box according to the others; nothing while all controls are off.
-  void Enable_Check_Boxes();
+  void Enable_Check_Boxes() override;
   // Clean when something is selected, Unmark when a folder is marked; nothing while all controls are off.
-  void Enable_Command_Buttons();
-  void Load_Tooltips();
+  void Enable_Command_Buttons() override;
   // The defaults: nothing permanent, no folders, no filters, every row shown.
   void Set_Checkbox_Values();
 
-  std::function<int()> Count_Selected_Nodes;
-  // Whether items are being loaded.
-  std::function<bool()> Loading;
-
  private:
+  void Follow_Phase();
+
   MainWindow& window_;
-  Grid_Rows& rows_;
-  const Run_State& run_;
+  Program_Phase& phase_;
   Error_Handler& errors_;
   bool all_enabled_ = true;
 };

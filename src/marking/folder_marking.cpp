@@ -1,18 +1,18 @@
 #include "marking/folder_marking.h"
 
+#include "base/flag_scope.h"
+
 namespace tidyfold {
 
 Folder_Marking::Folder_Marking(MainWindow& window, FolderData_Array& records, Folder_Tree& folder_tree,
-                               Deleted_Items_Folders& deleted_items, Grid_Columns& columns, Grid_Rows& rows,
-                               Control_Enabling& enabling, Message_Box& message_box, Error_Handler& errors)
+                               Deleted_Items_Folders& deleted_items, Grid_Rows& rows,
+                               Message_Box& message_box, Error_Handler& errors)
     : window_(window),
       tree_(window.trvFolders),
       records_(records),
       folder_tree_(folder_tree),
       deleted_items_(deleted_items),
-      columns_(columns),
       rows_(rows),
-      enabling_(enabling),
       message_box_(message_box),
       errors_(errors) {}
 
@@ -40,10 +40,9 @@ void Folder_Marking::Wire() {
 
 void Folder_Marking::trvFolders_MouseUp() {
   errors_.Run("trvFolders_MouseUp", [&] {
-    window_.grdItems.Set_Redraw(false);
+    const No_Redraw no_redraw(window_.grdItems);
     if (tree_.Selected_Item() != 0) Node_Click_Or_Check(tree_.Selected_Item());
     NodeChecked = NodeClicked = false;
-    window_.grdItems.Set_Redraw(true);
   });
 }
 
@@ -56,7 +55,7 @@ bool Folder_Marking::Refuse(int node, bool checked, const char* message) {
 bool Folder_Marking::Check_Node_Click(int node) {
   return errors_.Run("Check_Node_Click", [&] {
     if (!NodeClicked) return false;
-    const MAPIFolder_Ptr folder = records_[folder_tree_.Get_Node_Index(node)].Folder;
+    const MAPIFolder_Ptr folder = records_[node].Folder;
     if (folder == nullptr) return true;
     const bool delete_folders = window_.chkDeleteFolders.Checked();
     if (delete_folders && tree_.Checked(node) && folder_tree_.Check_Default_Folder(folder))
@@ -78,47 +77,38 @@ bool Folder_Marking::Check_Node_Click(int node) {
 
 void Folder_Marking::Node_Click_Or_Check(int node) {
   errors_.Run("Node_Click_Or_Check", [&](Procedure& procedure) {
-    if (!Check_Node_Click(node)) return enabling_.Enable_Command_Buttons();
+    if (!Check_Node_Click(node)) return Put_Highlight_Back();
     // A message of the check may have let other handlers run.
     if (!tree_.Exists(node)) return;
+    const int picked = rows_.Picked();
     const bool checked = tree_.Checked(node);
-    if (checked && (window_.chkMarkSubFolders.Checked() || marking_branch_) && tree_.Children(node) > 0)
+    // A mere click on a folder's name ticks nothing.
+    const bool with_all_below = (NodeChecked && window_.chkMarkSubFolders.Checked()) || marking_branch_;
+    if (checked && with_all_below && tree_.Children(node) > 0)
       Set_Children_Nodes_Checkboxes(tree_.Child(node), checked);
     if (checked) tree_.Set_Expanded(node, true);
     folder_tree_.Set_Node_Text(node);
-    if (node == rows_.CurrentNodeIndex) {
-      rows_.Change_Folder_Rows(node);
-      enabling_.Enable_Command_Buttons();
-      return;
+    if (node != rows_.CurrentNodeIndex) {
+      const int previous = rows_.CurrentNodeIndex;
+      const bool all_folders = window_.chkShowAllFolders.Checked();
+      if (previous >= 1 && tree_.Exists(previous) && !all_folders && window_.chkSelectByRow.Checked()) {
+        tree_.Set_Checked(previous, false);
+        folder_tree_.Set_Node_Text(previous);
+      }
+      rows_.Fit_Columns_To_Folder(node);
+      procedure.Step("Node_Click_Or_Check - changing current folder");
+      rows_.CurrentNodeIndex = node;
+      folder_tree_.Set_Folder_Label(node);
     }
-    const int previous = rows_.CurrentNodeIndex;
-    const bool all_folders = window_.chkShowAllFolders.Checked();
-    if (previous >= 1 && tree_.Exists(previous) && !all_folders && window_.chkSelectByRow.Checked()) {
-      tree_.Set_Checked(previous, false);
-      folder_tree_.Set_Node_Text(previous);
-    }
-    const int index = folder_tree_.Get_Node_Index(node);
-    Fit_Columns_To_Folder(index);
-    procedure.Step("Node_Click_Or_Check - changing current folder");
-    rows_.CurrentNodeIndex = node;
-    Set_Folder_Label(index);
     rows_.Change_Folder_Rows(node);
-    enabling_.Enable_Command_Buttons();
+    rows_.Say_What_Was_Let_Go(picked);
   });
 }
 
-void Folder_Marking::Fit_Columns_To_Folder(int index) {
-  // A folder that does not tell its type leaves the columns as they are.
-  errors_.Run("Node_Click_Or_Check - changing folder types", [&] {
-    const MAPIFolder_Ptr folder = records_.Has(index) ? records_[index].Folder : nullptr;
-    if (window_.chkShowAllFolders.Checked() || folder == nullptr) return;
-    const std::int32_t type = folder->DefaultItemType();
-    if (type < 0 || type == columns_.CurrentGridItemType) return;
-    // Rows of the folder before do not fit the new columns.
-    rows_.Remove_All_Rows();
-    columns_.CurrentGridItemType = type;
-    columns_.Set_Grid_Columns();
-  });
+// After a refused tick the tree shows again which folder the list is about.
+void Folder_Marking::Put_Highlight_Back() {
+  if (tree_.Exists(rows_.CurrentNodeIndex)) tree_.Set_Selected_Item(rows_.CurrentNodeIndex);
+  rows_.Follow_Choice();
 }
 
 bool Folder_Marking::Check_Root_Node(int node) {
@@ -138,24 +128,8 @@ bool Folder_Marking::Check_For_Unmarked_Child(int node) {
   });
 }
 
-bool Folder_Marking::Check_Selected_Folders() {
-  return errors_.Run("Check_Selected_Folders", [&] {
-    for (int node = 1; node <= tree_.Upper_Bound(); ++node) {
-      if (!tree_.Exists(node) || !tree_.Checked(node)) continue;
-      const FolderData& record = records_[folder_tree_.Get_Node_Index(node)];
-      if (record.Folder != nullptr && !record.Loaded) return false;
-    }
-    return true;
-  });
-}
-
 int Folder_Marking::Count_Selected_Nodes() {
-  return errors_.Run("Count_Selected_Nodes", [&] {
-    int count = 0;
-    for (int node = 1; node <= tree_.Upper_Bound(); ++node)
-      if (tree_.Exists(node) && tree_.Checked(node)) ++count;
-    return count;
-  });
+  return errors_.Run("Count_Selected_Nodes", [&] { return tree_.Checked_Count(); });
 }
 
 void Folder_Marking::Deselect_Folder_Nodes(int keep) {
@@ -183,8 +157,7 @@ void Folder_Marking::Unmark_Nodes(int node) {
 bool Folder_Marking::May_Be_Marked_With_Its_Parent(int node) {
   if (!window_.chkPermanentDelete.Checked() && deleted_items_.Is_Deleted_Items_Folder(node)) return false;
   return !window_.chkDeleteFolders.Checked() ||
-         (!Check_Root_Node(node) &&
-          !folder_tree_.Check_Default_Folder(records_[folder_tree_.Get_Node_Index(node)].Folder));
+         (!Check_Root_Node(node) && !folder_tree_.Check_Default_Folder(records_[node].Folder));
 }
 
 void Folder_Marking::Set_Children_Nodes_Checkboxes(int node, bool checked) {
@@ -194,10 +167,9 @@ void Folder_Marking::Set_Children_Nodes_Checkboxes(int node, bool checked) {
       if (!tree_.Checked(at) && checked && May_Be_Marked_With_Its_Parent(at)) {
         tree_.Set_Checked(at, true);
         if (window_.chkShowAllFolders.Checked()) {
-          const int index = folder_tree_.Get_Node_Index(at);
-          // Looking through all rows for each folder of a large branch would take for ever.
-          if (records_[index].RowCount > 0) rows_.Remove_Folder_Rows(index);
-          rows_.Add_Folder_Rows(index, Marker::None);
+          // Removing looks through all rows, which takes too long for each folder of a large branch.
+          if (records_[at].RowCount > 0) rows_.Remove_Folder_Rows(at);
+          rows_.Add_Folder_Rows(at, Marker::None);
         }
       }
       tree_.Set_Bold(at, tree_.Checked(at));
@@ -209,12 +181,13 @@ void Folder_Marking::Set_Children_Nodes_Checkboxes(int node, bool checked) {
 void Folder_Marking::mnuUnmark_Click() {
   errors_.Run("mnuUnmark_Click", [&] {
     if (!tree_.Exists(1)) return;
-    window_.grdItems.Set_Redraw(false);
+    const No_Redraw no_redraw(window_.grdItems);
+    const int picked = rows_.Picked();
     Unmark_Nodes(1);
     rows_.Remove_All_Rows();
     rows_.Mark_Or_Unmark_Filtered_Rows();
-    enabling_.Enable_Command_Buttons();
-    window_.grdItems.Set_Redraw(true);
+    rows_.Follow_Choice();
+    rows_.Say_What_Was_Let_Go(picked);
   });
 }
 
@@ -236,17 +209,8 @@ void Folder_Marking::mnuMarkBranch_Click() {
     } else {
       tree_.Tick(node, true);
     }
-    marking_branch_ = true;
+    const Flag_Scope branch(marking_branch_);
     trvFolders_MouseUp();
-    marking_branch_ = false;
-  });
-}
-
-void Folder_Marking::Set_Folder_Label(int index) {
-  errors_.Run("Set_Folder_Label", [&] {
-    const MAPIFolder_Ptr folder = records_.Has(index) ? records_[index].Folder : nullptr;
-    window_.lblCurrentFolder.Set_Caption(folder == nullptr ? "Current Folder:"
-                                                           : "Current Folder: " + folder->Name());
   });
 }
 

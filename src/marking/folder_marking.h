@@ -1,10 +1,7 @@
 // Which folders may be marked, and what a mark changes in the window.
 #pragma once
 
-#include <functional>
-
 #include "grid/grid_rows.h"
-#include "marking/control_enabling.h"
 #include "outlook/deleted_items.h"
 
 namespace tidyfold {
@@ -12,8 +9,8 @@ namespace tidyfold {
 class Folder_Marking {
  public:
   Folder_Marking(MainWindow& window, FolderData_Array& records, Folder_Tree& folder_tree,
-                 Deleted_Items_Folders& deleted_items, Grid_Columns& columns, Grid_Rows& rows,
-                 Control_Enabling& enabling, Message_Box& message_box, Error_Handler& errors);
+                 Deleted_Items_Folders& deleted_items, Grid_Rows& rows, Message_Box& message_box,
+                 Error_Handler& errors);
 
   // Sets the handlers of the tree and of the unmark command.
   void Wire();
@@ -26,10 +23,8 @@ class Folder_Marking {
   bool Check_Root_Node(int node);
   // True when some marked folder below or at the node has a child that is not marked.
   bool Check_For_Unmarked_Child(int node);
-  // True when every marked folder is read to its end.
-  bool Check_Selected_Folders();
   int Count_Selected_Nodes();
-  // Unmarks every node but one.
+  // Unmarks every node but one. Part of the program's fixed interface; no command calls it.
   void Deselect_Folder_Nodes(int keep);
   // Unmarks a node, its siblings and everything below them.
   void Unmark_Nodes(int node);
@@ -41,12 +36,10 @@ class Folder_Marking {
   void mnuUnmarkFolder_Click() { Mark_Selected_Folder(false); }
   // The selected folder and, whatever Mark Sub Folders says, all below it.
   void mnuMarkBranch_Click();
-  void Set_Folder_Label(int index);
-  // The columns of the grid follow the type of the folder that it shows while it shows a single one.
-  void Fit_Columns_To_Folder(int index);
 
  private:
   void Mark_Selected_Folder(bool checked);
+  void Put_Highlight_Back();
   bool Refuse(int node, bool checked, const char* message);
   bool May_Be_Marked_With_Its_Parent(int node);
 
@@ -55,9 +48,7 @@ class Folder_Marking {
   FolderData_Array& records_;
   Folder_Tree& folder_tree_;
   Deleted_Items_Folders& deleted_items_;
-  Grid_Columns& columns_;
   Grid_Rows& rows_;
-  Control_Enabling& enabling_;
   Message_Box& message_box_;
   Error_Handler& errors_;
   // Set by click and tick, cleared when the mouse-up that follows them has been handled.

@@ -46,6 +46,7 @@ void Processing_Options::chkDeleteFolders_Click() {
   errors_.Run("chkDeleteFolders_Click", [&] {
     if (window_.chkDeleteFolders.Checked()) Delete_Folders_Ticked();
     enabling_.Enable_Check_Boxes();
+    rows_.Follow_Choice();
   });
 }
 
@@ -62,8 +63,7 @@ void Processing_Options::Delete_Folders_Ticked() {
   }
   for (int node = 1; node <= tree_.Upper_Bound(); ++node) {
     if (!tree_.Exists(node) || !tree_.Checked(node)) continue;
-    if (marking_.Check_Root_Node(node) ||
-        folder_tree_.Check_Default_Folder(records_[folder_tree_.Get_Node_Index(node)].Folder)) {
+    if (marking_.Check_Root_Node(node) || folder_tree_.Check_Default_Folder(records_[node].Folder)) {
       Refuse(window_.chkDeleteFolders, 0,
              "Cannot mark \"Delete Folders\" while default folders are selected.");
       return;
@@ -98,15 +98,14 @@ void Processing_Options::chkPermanentDelete_Click() {
       }
       if (window_.chkSelectByRow.Checked()) {
         FlexGrid& grid = window_.grdItems;
-        grid.Set_Redraw(false);
+        const No_Redraw no_redraw(grid);
         for (int row = 1; row < grid.Rows(); ++row)
           if (grid.Row_At(row).marked && deleted_items_.Is_Deleted_Items_Folder(grid.RowData(row)))
             grid.Set_Mark(row, false);
         rows_.Paint_Entire_Grid();
-        grid.Set_Redraw(true);
       }
     }
-    enabling_.Enable_Command_Buttons();
+    rows_.Follow_Choice();
   });
 }
 
@@ -123,6 +122,7 @@ void Processing_Options::chkTurbo_Click() {
              {&window_.chkSelectType, 0}});
     }
     enabling_.Enable_Check_Boxes();
+    rows_.Follow_Choice();
   });
 }
 
@@ -137,9 +137,25 @@ void Processing_Options::chkCollapseFolders_Click() {
 
 void Processing_Options::mnuResetOptions_Click() {
   errors_.Run("mnuResetOptions_Click", [&] {
-    window_.grdItems.Set_Redraw(false);
+    const No_Redraw no_redraw(window_.grdItems);
     enabling_.Set_Checkbox_Values();
-    window_.grdItems.Set_Redraw(true);
+  });
+}
+
+void Processing_Options::Put_Away_Dangerous_Options() {
+  errors_.Run("Put_Away_Dangerous_Options", [&] {
+    window_.chkTurbo.Set_Value(0);
+    window_.chkDeleteFolders.Set_Value(0);
+    if (!window_.chkPermanentDelete.Checked()) return;
+    // Deleted Items may be marked only for a permanent delete.
+    for (int node = 1; node <= tree_.Upper_Bound(); ++node) {
+      if (!tree_.Exists(node) || !tree_.Checked(node) || !deleted_items_.Is_Deleted_Items_Folder(node))
+        continue;
+      tree_.Set_Checked(node, false);
+      folder_tree_.Set_Node_Text(node);
+      rows_.Change_Folder_Rows(node);
+    }
+    window_.chkPermanentDelete.Set_Value(0);
   });
 }
 

@@ -1,6 +1,7 @@
 // The options that decide how a run treats the marked folders, and how they interlock.
 #pragma once
 
+#include "marking/control_enabling.h"
 #include "marking/folder_marking.h"
 
 namespace tidyfold {
@@ -19,6 +20,8 @@ class Processing_Options {
   void chkTurbo_Click();
   void chkCollapseFolders_Click();
   void mnuResetOptions_Click();
+  // The options that take something for good are used for one run: off, without a question.
+  void Put_Away_Dangerous_Options();
 
  private:
   void Delete_Folders_Ticked();

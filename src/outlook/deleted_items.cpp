@@ -16,20 +16,33 @@ void Deleted_Items_Folders::Assigne_Deleted_Items_Folders() {
 
 int Deleted_Items_Folders::Get_Deleted_Items_Folder(int store_node) {
   return errors_.Run("Get_Deleted_Items_Folder", [&] {
+    if (const int known = Known_By_The_Store(store_node); known != 0) return known;
     for (int child = tree_.Child(store_node); child != 0; child = tree_.Next(child)) {
-      const int index = folder_tree_.Get_Node_Index(child);
-      const MAPIFolder_Ptr& folder = records_[index].Folder;
+      const MAPIFolder_Ptr& folder = records_[child].Folder;
       if (folder == nullptr) continue;
       bool found = false;
-      if (errors_.Try([&] { found = folder->Name() == deleted_items_name; }) && found) return index;
+      if (errors_.Try([&] { found = folder->Name() == deleted_items_name; }) && found) return child;
     }
     return 0;
   });
 }
 
+// By its identity, where the store tells it: two top folders may bear the name.
+int Deleted_Items_Folders::Known_By_The_Store(int store_node) {
+  const MAPIFolder_Ptr top = records_[store_node].Folder;
+  int found = 0;
+  errors_.Try([&] {
+    if (top == nullptr) return;
+    const MAPIFolder_Ptr wastebasket = top->Store()->GetDefaultFolder(default_folder_deleted_items);
+    found = tree_.Find_Key(Folder_Tree::Key_Of(*wastebasket));
+  });
+  errors_.error.Clear();
+  return found;
+}
+
 void Deleted_Items_Folders::Assign_Deleted_Items_Folder_Index(int node, int index) {
   errors_.Run("Assign_Deleted_Items_Folder_Index", [&] {
-    records_[folder_tree_.Get_Node_Index(node)].DeletedItemsIndex = index;
+    records_[node].DeletedItemsIndex = index;
     for (int child = tree_.Child(node); child != 0; child = tree_.Next(child))
       Assign_Deleted_Items_Folder_Index(child, index);
   });
@@ -38,8 +51,9 @@ void Deleted_Items_Folders::Assign_Deleted_Items_Folder_Index(int node, int inde
 bool Deleted_Items_Folders::Is_Deleted_Items_Folder(int node) {
   return errors_.Run("Is_Deleted_Items_Folder", [&] {
     if (!tree_.Exists(node)) return false;
-    const MAPIFolder_Ptr& folder = records_[folder_tree_.Get_Node_Index(node)].Folder;
-    return folder != nullptr && folder->Name() == deleted_items_name;
+    const MAPIFolder_Ptr folder = records_[node].Folder;
+    if (folder == nullptr) return false;
+    return records_[node].DeletedItemsIndex == node || folder->Name() == deleted_items_name;
   });
 }
 

@@ -18,10 +18,11 @@ class Deleted_Items_Folders {
 
   // Finds each store's Deleted Items folder and notes it in every record of that store.
   void Assigne_Deleted_Items_Folders();
-  // The record of the store's Deleted Items folder, 0 if there is none at the store's top level.
+  // The store's Deleted Items folder, known by its identity or else by its name at the store's top level; 0
+  // if there is none.
   int Get_Deleted_Items_Folder(int store_node);
   void Assign_Deleted_Items_Folder_Index(int node, int index);
-  // By name alone, wherever in the tree the folder stands.
+  // The store's own one, and every other folder of that name, wherever in the tree it stands.
   bool Is_Deleted_Items_Folder(int node);
   // False for a marked Deleted Items folder while items are not deleted for good.
   bool Allow_Deleted_Items_Folder(int node);
@@ -29,6 +30,8 @@ class Deleted_Items_Folders {
   int First_Store_Node() const;
 
  private:
+  int Known_By_The_Store(int store_node);
+
   MainWindow& window_;
   TreeView& tree_;
   FolderData_Array& records_;

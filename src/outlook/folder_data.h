@@ -22,11 +22,33 @@ struct ItemData {
   std::int64_t Size = 0;  // bytes; 0 where the store does not say
 };
 
-// How many of a folder's cached items pass the filters, as far as they have been looked at.
-struct Passing_Items {
-  std::uint32_t filter_version = 0;  // which filters were asked
-  std::int32_t looked_at = 0;        // leading elements of ItemCache
+// Numbers about items. Oldest and newest are of those that have a date; no_date when none has.
+struct Tally {
   std::int64_t items = 0, bytes = 0;
+  Date oldest = no_date, newest = no_date;
+
+  void Add(const ItemData& item) {
+    ++items;
+    bytes += item.Size;
+    if (item.ItemDate == no_date) return;
+    if (oldest == no_date || item.ItemDate < oldest) oldest = item.ItemDate;
+    if (newest == no_date || item.ItemDate > newest) newest = item.ItemDate;
+  }
+  void Add(const Tally& other) {
+    items += other.items;
+    bytes += other.bytes;
+    if (other.oldest != no_date && (oldest == no_date || other.oldest < oldest)) oldest = other.oldest;
+    if (other.newest != no_date && (newest == no_date || other.newest > newest)) newest = other.newest;
+  }
+  bool operator==(const Tally&) const = default;
+};
+
+// Which of a folder's cached items pass the filter, whether the folder is marked or not, as far as they have
+// been looked at. An empty one is brought up to date when it is asked for.
+struct Verdicts {
+  std::uint32_t filter_version = 0;  // which filter was asked
+  std::vector<char> passes;          // of the leading elements of ItemCache; element 0 is item 1
+  Tally tally;                       // of those that pass
 };
 
 struct FolderData {
@@ -37,9 +59,10 @@ struct FolderData {
   std::int32_t CachedCount = 0;        // leading elements of ItemCache that have been read
   std::int32_t RowCount = 0;           // leading elements of ItemCache that the grid has been given
   bool Loaded = false;
-  bool Reload = false;     // to be reset and read again
-  bool LoadError = false;  // reading it failed and was reported; left alone until the next loading run
-  Passing_Items Passing;
+  bool Reload = false;       // to be reset and read again
+  bool LoadError = false;    // reading it failed and was reported; left alone until the next loading run
+  std::uint32_t Resets = 0;  // how often the record was reset; who reads the folder notices by it
+  Verdicts Judged;
   std::vector<ItemData> ItemCache;  // element 0 is item 1
 
   // The cache's upper bound.

@@ -71,10 +71,7 @@ void Folder_Tree::Add_Tree_Node(const MAPIFolder_Ptr& folder, int parent) {
   errors_.Run("Add_Tree_Node", [&](Procedure& procedure) {
     procedure.Step("Add_Tree_Node - Accessing EntryID");
     std::string key = "-:::-";
-    errors_.Try([&] {
-      key += folder->EntryID();
-      key += "-:::-" + folder->StoreID();
-    });
+    errors_.Try([&] { key = Key_Of(*folder); });
     int node = 0;
     Folders_Ptr children;
     const bool added = errors_.Report_First(adding_failure_reported_, [&] {
@@ -117,11 +114,11 @@ void Folder_Tree::Set_Start_Folder() {
   errors_.Run("Set_Start_Folder", [&] {
     const bool found = errors_.Try([&] {
       const MAPIFolder_Ptr inbox = session_.name_space->GetDefaultFolder(default_folder_inbox);
-      const int node = tree_.Find_Key("-:::-" + inbox->EntryID() + "-:::-" + inbox->StoreID());
+      const int node = tree_.Find_Key(Key_Of(*inbox));
       if (node == 0) throw std::runtime_error("The Inbox is not in the folder tree.");
       tree_.Set_Selected_Item(node);
       tree_.Ensure_Visible(node);
-      Set_Folder_Label(Get_Node_Index(node));
+      Set_Folder_Label(node);
     });
     errors_.error.Clear();
     if (!found && !errors_.Store_Gone()) message_box_.Show("Error assigning startup folder");
@@ -137,6 +134,10 @@ bool Folder_Tree::Check_Default_Folder(const MAPIFolder_Ptr& folder) {
   return is_default;
 }
 
+std::string Folder_Tree::Key_Of(MAPIFolder& folder) {
+  return "-:::-" + folder.EntryID() + "-:::-" + folder.StoreID();
+}
+
 int Folder_Tree::Get_Node_Index(int node) const {
   if (!tree_.Exists(node)) return 0;
   const std::string& tag = tree_.Node_Tag(node);
@@ -148,9 +149,9 @@ int Folder_Tree::Get_Node_Index(int node) const {
 void Folder_Tree::Set_Node_Text(int node) {
   errors_.Run("Set_Node_Text", [&] {
     if (!tree_.Exists(node)) return;
-    const MAPIFolder_Ptr folder = records_[Get_Node_Index(node)].Folder;
+    const MAPIFolder_Ptr folder = records_[node].Folder;
     const std::string name = folder == nullptr ? "Outlook" : folder->Name();
-    records_[Get_Node_Index(node)].FolderName = name;
+    records_[node].FolderName = name;
     bool bold = tree_.Checked(node);
     std::int32_t count = 0;
     if (tree_.Expanded(node)) {
@@ -169,7 +170,7 @@ void Folder_Tree::Set_Node_Text(int node) {
 }
 
 std::int32_t Folder_Tree::Own_Item_Count(int node) {
-  const MAPIFolder_Ptr folder = records_[Get_Node_Index(node)].Folder;
+  const MAPIFolder_Ptr folder = records_[node].Folder;
   std::int32_t count = 0;
   if (folder != nullptr) {
     // The captions of all folders above count this one too, and they are made again and again.
@@ -188,6 +189,14 @@ std::int32_t Folder_Tree::Get_Folder_Item_Count(int node, bool only_marked) {
   });
 }
 
+void Folder_Tree::Set_Folder_Label(int folder) {
+  errors_.Run("Set_Folder_Label", [&] {
+    const MAPIFolder_Ptr object = records_.Has(folder) ? records_[folder].Folder : nullptr;
+    window_.lblCurrentFolder.Set_Caption(object == nullptr ? "Current Folder:"
+                                                           : "Current Folder: " + object->Name());
+  });
+}
+
 void Folder_Tree::Reset_Folder_Node(int index) {
   FolderData& record = records_[index];
   record.DeletedItemsIndex = 0;
@@ -196,7 +205,8 @@ void Folder_Tree::Reset_Folder_Node(int index) {
   record.Loaded = false;
   record.Reload = false;
   record.LoadError = false;
-  record.Passing = {};
+  record.Judged = {};
+  ++record.Resets;
   record.ItemCache = {};
 }
 
@@ -206,10 +216,9 @@ void Folder_Tree::Remove_Folder_Node(int node) {
     for (std::size_t i = 0; i < doomed.size(); ++i)
       for (int child = tree_.Child(doomed[i]); child != 0; child = tree_.Next(child)) doomed.push_back(child);
     for (const int gone : doomed) {
-      const int index = Get_Node_Index(gone);
-      Reset_Folder_Node(index);
-      records_[index].Folder.reset();
-      records_[index].Loaded = true;
+      Reset_Folder_Node(gone);
+      records_[gone].Folder.reset();
+      records_[gone].Loaded = true;
     }
     // A store's wastebasket that went is nobody's wastebasket any more.
     for (int index = 1; index <= records_.Upper_Bound(); ++index) {

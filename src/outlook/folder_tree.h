@@ -1,7 +1,6 @@
 // The tree of folders and the record behind each of its nodes.
 #pragma once
 
-#include <functional>
 #include <string>
 
 #include "controls/main_window.h"
@@ -30,20 +29,23 @@ class Folder_Tree {
   // True for the ten names of default folders, wherever in the tree the folder stands, and for a folder that
   // does not tell its name.
   bool Check_Default_Folder(const MAPIFolder_Ptr& folder);
-  // The record's number that a node's tag holds; 0 for a node that does not exist.
+  // The key of a folder's node. Throws Automation_Error.
+  static std::string Key_Of(MAPIFolder& folder);
+  // A folder's number is its node's index, its record's number and the number in the node's tag alike; this
+  // reads the tag, as the program's fixed interface has it. 0 for a node that does not exist.
   int Get_Node_Index(int node) const;
   // Makes the caption, "name - (count)", and the boldness of a node.
   void Set_Node_Text(int node);
   // Items in the node's folder and in all below it; of the marked ones alone when only those are to count.
   std::int32_t Get_Folder_Item_Count(int node, bool only_marked);
+  // Writes the current-folder label; 0 for no folder.
+  void Set_Folder_Label(int folder);
   void Reset_Folder_Node(int index);
   // Takes a deleted folder's node and all below it out of the tree; their records are emptied.
   void Remove_Folder_Node(int node);
 
   // True when the root stands for several stores; then the top two levels both count as roots.
   bool TopLevelIsRoot = false;
-  // Writes the current-folder label for a record.
-  std::function<void(int index)> Set_Folder_Label;
 
  private:
   void Add_Children(Folders& children, int parent, Literal step);

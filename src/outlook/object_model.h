@@ -167,6 +167,10 @@ class Automation {
   virtual std::shared_ptr<Mapi_Utils> Create_Mapi_Utils(const std::string& program) = 0;
   // The groups in which changes are kept; none where each change lasts at once.
   virtual Change_Groups* Groups() { return nullptr; }
+  // Whether each question about an item is a call into another program.
+  virtual bool Asking_Costs_Calls() const { return false; }
+  // What opens a store again, a file for one; empty where nothing does.
+  virtual std::string Place_Of_Store(const std::string& /*store_id*/) { return {}; }
 };
 
 }  // namespace tidyfold

@@ -23,6 +23,8 @@ class Outlook_Session {
     return automation_.Create_Mapi_Utils("TidyDll.TidyMAPIUtils");
   }
 
+  bool Asking_Costs_Calls() const { return automation_.Asking_Costs_Calls(); }
+
   // Empty until Start_Outlook has succeeded.
   std::shared_ptr<Application> application;
   std::shared_ptr<NameSpace> name_space;

@@ -11,12 +11,7 @@
 #include <utility>
 #include <vector>
 
-#include "app/app.h"
-#include "doubles/fake_events.h"
-#include "doubles/fixed_clock.h"
-#include "doubles/scripted_message_box.h"
-#include "marking/run_state.h"
-#include "outlook/folder_tree.h"
+#include "doubles/surroundings.h"
 #include "stores/faulty/faulty_automation.h"
 #include "stores/memory/memory_store.h"
 
@@ -24,7 +19,7 @@ namespace tidyfold {
 
 constexpr Answer OK = Answer::OK, Yes = Answer::Yes, No = Answer::No, Cancel = Answer::Cancel;
 
-struct Window_Fixture {
+struct Window_Fixture : Test_Surroundings {
   // Where the program is to work on something else than the stores in memory, these are filled the same way
   // and tell the identifiers.
   struct Instead {
@@ -36,10 +31,7 @@ struct Window_Fixture {
   Fault_Plan plan;
   Faulty_Automation automation{instead.outlook != nullptr ? *instead.outlook : outlook, plan};
   MainWindow window;
-  Scripted_Message_Box box;
-  Fake_Events events;
-  Fixed_Clock clock;  // 2023-03-15
-  App app{window, automation, box, events, clock};
+  App app{window, Around(automation)};
   TreeView& tree = window.trvFolders;
   FlexGrid& grid = window.grdItems;
 
@@ -56,24 +48,35 @@ struct Window_Fixture {
   void Do(const std::string& steps) {
     std::istringstream all(steps);
     for (std::string step; std::getline(all >> std::ws, step, ';');) {
+      if (step.empty()) continue;
       const std::size_t blank = step.find(' ');
       const std::string verb = step.substr(0, blank), what = step.substr(blank + 1);
-      if (verb == "add") Add(what.substr(0, what.rfind('/')), what.substr(what.rfind('/') + 1));
-      if (verb == "folder") Folder(what);
-      if (verb == "load") Expect({{"All Folders Loaded", OK}}), app.Form_Load(), box.Verify();
-      if (verb == "set" || verb == "unset") Set(what, verb == "set");
-      if (verb == "tick" || verb == "untick") tree.Tick(Node(what), verb == "tick"), tree.MouseUp();
-      if (verb == "click") tree.Click_Node(Node(what)), tree.MouseUp();
-      if (verb == "row") Pick(std::stoi(what), 0);
-      if (verb == "rows-to") Pick(std::stoi(what), 1);
-      if (verb == "turn-row") Pick(std::stoi(what), 2);
+      const std::map<std::string, std::function<void()>> verbs = {
+          {"add", [&] { Add(what.substr(0, what.rfind('/')), what.substr(what.rfind('/') + 1)); }},
+          {"folder", [&] { Folder(what); }},
+          {"load",
+           [&] {
+             Expect({{"All Folders Loaded", OK}}), app.Form_Load(), box.Verify();
+           }},
+          {"set", [&] { Set(what, true); }},
+          {"unset", [&] { Set(what, false); }},
+          {"tick", [&] { tree.Tick(Node(what), true), tree.MouseUp(); }},
+          {"untick", [&] { tree.Tick(Node(what), false), tree.MouseUp(); }},
+          {"click", [&] { tree.Click_Node(Node(what)), tree.MouseUp(); }},
+          {"row", [&] { Pick(std::stoi(what), 0); }},
+          {"rows-to", [&] { Pick(std::stoi(what), 1); }},
+          {"turn-row", [&] { Pick(std::stoi(what), 2); }}};
+      verbs.at(verb)();
     }
   }
   void Set(const std::string& names, bool on) {
     std::istringstream all(names);
-    for (std::string name; all >> name;)
-      for (Control* control : window.controls)
-        if (control->Name() == "chk" + name) dynamic_cast<CheckBox&>(*control).Set_Value(on);
+    for (std::string name; all >> name;) {
+      const auto found = std::find_if(window.controls.begin(), window.controls.end(),
+                                      [&](Control* control) { return control->Name() == "chk" + name; });
+      if (found == window.controls.end()) throw std::invalid_argument("no option: " + name);
+      dynamic_cast<CheckBox&>(**found).Set_Value(on);
+    }
   }
   void Pick(int row, int shift) { grid.Set_MouseRow(row), grid.MouseUp(1, shift, 0, 0); }
   // The names of the options that are on, in tab order.
@@ -126,7 +129,7 @@ struct Window_Fixture {
     return node == 0 ? 1 : node;
   }
   bool Checked(const std::string& path) { return tree.Checked(Node(path)); }
-  const FolderData& Record(int node) const { return app.Folder_Data()[node]; }
+  const FolderData& Record(int node) const { return app.records[node]; }
   std::string Path(int node) const {
     const bool top = node == 1 || (tree.Parent(node) == 1 && Record(1).Folder == nullptr);
     return top ? "" : Path(tree.Parent(node)) + "/" + Record(node).FolderName;
@@ -135,8 +138,12 @@ struct Window_Fixture {
   // The boxes to come: whole texts with their answers. Clean shows them all.
   using Script = std::vector<std::pair<std::string, Answer>>;
   void Expect(const Script& script) {
-    for (const auto& [text, answer] : script)
-      box.Expect(Exact(text), answer == OK ? Buttons::OK_Only : Buttons::Yes_No, answer);
+    for (const auto& [text, answer] : script) box.Expect(Exact(text), Buttons_Of(text, answer), answer);
+  }
+  static Buttons Buttons_Of(const std::string& text, Answer answer) {
+    if (text.find(" identified for ") != std::string::npos) return Buttons::OK_Cancel;
+    if (text.find(" items in \"") != std::string::npos) return Buttons::Yes_No_Cancel;
+    return answer == OK ? Buttons::OK_Only : Buttons::Yes_No;
   }
   void Clean(const Script& script) {
     Expect(script);

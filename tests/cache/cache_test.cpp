@@ -1,6 +1,8 @@
 #include "cache/item_cache.h"
 
+#include <functional>
 #include <map>
+#include <set>
 #include <tuple>
 
 #include "cache/item_dates.h"
@@ -50,9 +52,14 @@ class Filters : public Core_Window {
     tree.Set_Node_Tag(tree.Add(0, "OUTLOOK", "Outlook"), "1");
     records.Recreate();
     records[1].ItemCache.assign(3, {item_class::mail, "", "RE: invoice", 37802, false, "ID", 0});
+    records[1].CachedCount = 3;
     tree.Set_Checked(1, true);
   }
-  bool Passes() { return filters.Check_Filtered_Record(1, 1, 2); }
+  bool Passes(std::int32_t item) {
+    records[1].Judged = {};
+    return app.planner.Check_Filtered_Record(1, item);
+  }
+  Item_Filter Filter() const { return Read_Filter(window); }
 };
 
 TEST_F(Filters, Compare_Subjects) {
@@ -72,71 +79,81 @@ TEST_F(Filters, Compare_Subjects) {
     window.txtSelectSubject.Set_Text(c.text);
     window.chkMatchCase.Set_Value(std::string_view(c.match).starts_with('c') ? 1 : 0);
     window.chkMatchWord.Set_Value(std::string_view(c.match).ends_with('w') ? 1 : 0);
-    EXPECT_EQ(filters.Check_Subject(c.subject), c.passes) << c.text << " / " << c.subject << " " << c.match;
+    EXPECT_EQ(Filter().Check_Subject(c.subject), c.passes) << c.text << " / " << c.subject << " " << c.match;
     window.chkSelectSubject.Set_Value(0);
-    EXPECT_TRUE(filters.Check_Subject(c.subject));
+    EXPECT_TRUE(Filter().Check_Subject(c.subject));
   }
 }
 
 TEST_F(Filters, Compare_Dates_Types_And_What_Is_Unread) {
-  EXPECT_TRUE(filters.Check_Date(no_date) && filters.Check_Type(99));
+  EXPECT_TRUE(Filter().Check_Date(no_date));
+  EXPECT_TRUE(Filter().Check_Type(99));
   window.chkSelectDate.Set_Value(1);
   for (const Date cutoff : {37802.0, 37802.4}) {
     window.dtpCutoffDate.Set_Value(cutoff);
-    EXPECT_TRUE(filters.Check_Date(37802) && filters.Check_Date(1));
-    EXPECT_FALSE(filters.Check_Date(37803) || filters.Check_Date(no_date));
+    for (const Date passing : {37802.0, 1.0}) EXPECT_TRUE(Filter().Check_Date(passing)) << passing;
+    for (const Date failing : {37803.0, no_date}) EXPECT_FALSE(Filter().Check_Date(failing)) << failing;
   }
   window.chkSelectType.Set_Value(1);
-  EXPECT_FALSE(filters.Check_Type(item_class::mail)) << "no type is wanted";
+  EXPECT_FALSE(Filter().Check_Type(item_class::mail)) << "no type is wanted";
   window.chkType[0].box.Set_Value(1);
   window.chkType[5].box.Set_Value(1);
-  for (const int passing : {item_class::mail, item_class::note}) EXPECT_TRUE(filters.Check_Type(passing));
-  for (const int failing : {53, 26, 45, 69}) EXPECT_FALSE(filters.Check_Type(failing)) << failing;
-  EXPECT_TRUE(Passes());
+  for (const int passing : {item_class::mail, item_class::note}) EXPECT_TRUE(Filter().Check_Type(passing));
+  for (const int failing : {53, 26, 45, 69}) EXPECT_FALSE(Filter().Check_Type(failing)) << failing;
+  window.dtpCutoffDate.CloseUp();
+  EXPECT_TRUE(Passes(2));
   records[1].Cached(2).Unread = true;
-  EXPECT_FALSE(Passes());
+  EXPECT_FALSE(Passes(2));
   window.chkSelectUnread.Set_Value(1);
-  EXPECT_TRUE(Passes());
+  EXPECT_TRUE(Passes(2));
 }
 
 TEST_F(Filters, Let_Nothing_Pass_That_Is_Not_Marked_Read_And_There) {
-  for (const std::int32_t outside : {-1, 0, 4}) EXPECT_FALSE(filters.Check_Filtered_Record(1, 1, outside));
+  for (const std::int32_t outside : {-1, 0, 4}) EXPECT_FALSE(Passes(outside)) << outside;
   records[1].Cached(1).ItemClass = 0;
   records[1].Cached(2).ItemClass = ItemData::deleted;
-  EXPECT_FALSE(filters.Check_Filtered_Record(1, 1, 1) || Passes());
-  EXPECT_TRUE(filters.Check_Filtered_Record(1, 1, 3));
+  EXPECT_FALSE(Passes(1));
+  EXPECT_FALSE(Passes(2));
+  EXPECT_TRUE(Passes(3));
   records[1].Cached(3).EntryID.clear();
-  EXPECT_FALSE(filters.Check_Filtered_Record(1, 1, 3)) << "it could not be read to its end";
+  EXPECT_FALSE(Passes(3)) << "it could not be read to its end";
   records[1].Cached(3).EntryID = "ID";
   tree.Set_Checked(1, false);
-  EXPECT_FALSE(filters.Check_Filtered_Record(1, 1, 3));
+  EXPECT_FALSE(Passes(3));
 }
 
-TEST_F(Filters, Change_The_Rows_Once_For_Each_Change) {
+// A text or date counts from Enter, or from when its box loses the focus, and not before.
+TEST_F(Filters, Are_In_Force_When_They_Are_Taken_Over) {
   int changes = 0;
-  filters.Change_Filtered_Rows = [&] { ++changes; };
-  window.chkSelectSubject.Set_Value(1);
-  window.chkSelectDate.Set_Value(1);
-  window.chkSelectType.Set_Value(1);
-  EXPECT_TRUE(window.txtSelectSubject.Enabled() && window.chkMatchWord.Enabled() &&
-              window.dtpCutoffDate.Enabled() && window.chkType[3].box.Enabled());
-  EXPECT_EQ(window.txtSelectSubject.Back_Colour(), system_window_background);
+  std::uint32_t version = app.filter.Version();
+  const auto changed = [&] { return std::exchange(version, app.filter.Version()) != version; };
+  for (CheckBox* option : {&window.chkSelectSubject, &window.chkSelectDate, &window.chkSelectType}) {
+    option->Set_Value(1);
+    changes += changed() ? 1 : 0;
+  }
   EXPECT_EQ(changes, 3);
-  window.chkType[1].box.Set_Value(1);
-  window.txtSelectSubject.KeyPress(13);
-  window.dtpCutoffDate.KeyDown(13);
-  window.dtpCutoffDate.CloseUp();
-  window.txtSelectSubject.Set_Text("new");
-  window.txtSelectSubject.Validate();
-  EXPECT_EQ(changes, 8);
-  // Neither other keys nor a box that loses the focus as it was change anything.
+  for (const Control* control : std::initializer_list<const Control*>{
+           &window.txtSelectSubject, &window.chkMatchWord, &window.dtpCutoffDate, &window.chkType[3].box})
+    EXPECT_TRUE(control->Enabled()) << control->Name();
+  EXPECT_EQ(window.txtSelectSubject.Back_Colour(), system_window_background);
+  const std::pair<const char*, std::function<void()>> steps[] = {
+      {"chkType", [&] { window.chkType[1].box.Set_Value(1); }},
+      {"text, Enter", [&] { window.txtSelectSubject.Set_Text("a"), window.txtSelectSubject.KeyPress(13); }},
+      {"date, Enter", [&] { window.dtpCutoffDate.Set_Value(5), window.dtpCutoffDate.KeyDown(13); }},
+      {"date, calendar", [&] { window.dtpCutoffDate.Set_Value(6), window.dtpCutoffDate.CloseUp(); }},
+      {"text, Tab", [&] { window.txtSelectSubject.Set_Text("new"), window.txtSelectSubject.Validate(); }}};
+  for (const auto& [name, step] : steps) {
+    step();
+    EXPECT_TRUE(changed()) << name;
+  }
+  window.txtSelectSubject.Set_Text("being typed");
   window.txtSelectSubject.KeyPress('x');
   window.dtpCutoffDate.KeyDown(9);
-  window.txtSelectSubject.Validate();
-  window.dtpCutoffDate.Validate();
-  EXPECT_EQ(changes, 8);
+  EXPECT_FALSE(changed());
+  EXPECT_EQ(app.filter.Filter().subject, "new");
   window.chkSelectSubject.Set_Value(0);
-  EXPECT_FALSE(window.txtSelectSubject.Enabled() || window.chkMatchCase.Enabled());
+  EXPECT_FALSE(window.txtSelectSubject.Enabled());
+  EXPECT_FALSE(window.chkMatchCase.Enabled());
   EXPECT_EQ(window.txtSelectSubject.Back_Colour(), system_button_face);
   EXPECT_TRUE(grid.Redraw());
 }
@@ -177,13 +194,11 @@ class Cache : public Core_Window {
 
 TEST_F(Cache, Hands_Rows_Over_In_Hundreds) {
   Add_Items(Inbox(), 250);
-  std::vector<int> seen;
-  cache.Add_Folder_Rows = [&](int folder) {
-    rows.Add_Folder_Rows(folder, Marker::None);
-    seen.push_back(grid.Rows());
-  };
+  std::set<int> seen;
+  grid.changed = [&] { seen.insert(grid.Rows()); };
   Load();
-  EXPECT_EQ(seen, (std::vector<int>{101, 201, 251}));
+  EXPECT_EQ(seen, (std::set<int>{1, 101, 201, 251}));
+  grid.changed = {};
   EXPECT_TRUE(cache.AllFoldersCached);
   Expect_In_Step("Inbox", 250);
   EXPECT_EQ(most_often_read_, 1);

@@ -8,7 +8,7 @@ namespace tidyfold {
 
 TEST(Faults, A_Call_That_Fails_Costs_What_It_Was_About_And_No_More) {
   int met = 0;
-  for (const Way& way : ways)
+  for (const Kind_Of_Run& way : ways)
     for (const std::string member :
          {"NameSpace.GetItemFromID", "Items.Count", "Items.Item", "Items.Remove", "Folders.Count",
           "Folders.Item", "Folders.Remove", "MAPIFolder.Name", "MAPIFolder.EntryID", "MAPIFolder.StoreID",
@@ -16,7 +16,7 @@ TEST(Faults, A_Call_That_Fails_Costs_What_It_Was_About_And_No_More) {
           "Item.EntryID", "Item.ReceivedTime", "Item.Parent", "Item.Delete"})
       for (int number = 0, thrown = 1; thrown > 0 || number == 1; ++number) {  // 0: always
         SCOPED_TRACE(way.name + " " + member + std::to_string(number));
-        Way_Run f(way);
+        Kind_Run f(way);
         f.before_run = [&] {
           if (number == 0) f.plan.Fail_Always(member, {1, "it fails", "store"});
           f.plan.Fail_Call(member, number, {1, "it fails", "store"});
@@ -27,7 +27,7 @@ TEST(Faults, A_Call_That_Fails_Costs_What_It_Was_About_And_No_More) {
         f.plan.Forget_Faults();
         f.Expect_Nothing_Else();
         EXPECT_TRUE(f.window.cmdRun.Caption() == "&Clean" && f.window.chkTurbo.Enabled());
-        EXPECT_TRUE(!f.app.Run().NotAllDeleted || f.box.Count("it fails") > 0) << "said without a reason";
+        EXPECT_TRUE(!f.app.run.NotAllDeleted || f.box.Count("it fails") > 0) << "said without a reason";
         f.window.mnuRefresh.Click();
         f.Expect_Agreement();
         if (HasFailure()) return;
@@ -40,14 +40,14 @@ TEST(Faults, A_Call_That_Fails_Costs_What_It_Was_About_And_No_More) {
 TEST(Faults, A_Store_That_Vanishes_Is_Told_Of_Once_And_Ends_What_Is_Under_Way) {
   const std::string gone = "Outlook was closed.";
   for (const bool in_run : {false, true})
-    for (const Way& way : ways)
+    for (const Kind_Of_Run& way : ways)
       for (int number = 1, calls = number; calls >= number && !HasFailure(); ++number) {
         if (!in_run && !(way == "cached")) break;
         SCOPED_TRACE(way.name + (in_run ? " run " : " loading ") + std::to_string(number));
-        Way_Run f(way);
+        Kind_Run f(way);
         calls = 0;
         int late = 0;
-        Way_Run::Contents then = f.expected;
+        Kind_Run::Contents then = f.expected;
         const auto vanish = [&] {
           f.plan.Fail_Where(
               [&](const Store_Call& call) {
@@ -84,10 +84,10 @@ TEST(Faults, A_Store_That_Vanishes_Is_Told_Of_Once_And_Ends_What_Is_Under_Way) {
 
 // At every yield of the run something is taken, moved or added.
 TEST(Faults, Another_Program_In_The_Same_Store_Never_Costs_A_Neighbour) {
-  for (const Way& way : ways)
+  for (const Kind_Of_Run& way : ways)
     for (std::uint32_t seed = 1; seed <= 20 && !HasFailure(); ++seed) {
       SCOPED_TRACE(way.name + " " + std::to_string(seed));
-      Way_Run f(way, way == "turbo" ? 60 : 4);
+      Kind_Run f(way, way == "turbo" ? 60 : 4);
       std::mt19937 random(seed);
       const auto one_of = [&](std::int32_t count) {
         return static_cast<std::int32_t>(random() % static_cast<std::uint32_t>(count));
@@ -98,7 +98,7 @@ TEST(Faults, Another_Program_In_The_Same_Store_Never_Costs_A_Neighbour) {
         const std::string status = f.window.sbStatusBar.Panel_Text(1);
         const auto of = [&](const char* name) { return status.find(name) != std::string::npos; };
         // Turbo takes what is in a folder when it begins there, Delete Folders also what comes later.
-        if (!f.app.Run().Processing || (way == "turbo" && !of("Cleaning"))) return;
+        if (!f.app.phase.Processing() || (way == "turbo" && !of("Cleaning"))) return;
         int any = way == "folders" ? 0 : one_of(3);
         if (way == "turbo") any = of("Inbox") ? 0 : of("Old") ? 1 : 2;
         const std::string source = any == 0 ? "Inbox" : any == 1 ? "Old" : "Old/Deep";
@@ -126,13 +126,13 @@ TEST(Faults, Another_Program_In_The_Same_Store_Never_Costs_A_Neighbour) {
 // In every yield and box of loading, of the run, and of loading afterwards.
 TEST(Faults, Commands_That_Come_In_Between_Wait_Or_End_The_Run_At_Once) {
   enum Command { Clean, Refresh, Refresh_Current, Quit, Close };
-  for (const Way& way : ways)
+  for (const Kind_Of_Run& way : ways)
     for (int place = 0; place < 10; ++place)
       for (int number = 1, met = 1; met == 1 && !HasFailure(); ++number) {
         const bool in_box = place % 2 == 1;
         SCOPED_TRACE(way.name + (in_box ? " box " : " yield ") + std::to_string(place / 2) + " at " +
                      std::to_string(number));
-        Way_Run f(way);
+        Kind_Run f(way);
         met = 0;
         std::size_t boxes = 0;
         const std::function<void()> commands[] = {f.window.cmdRun.Click, f.window.mnuRefresh.Click,
@@ -161,7 +161,7 @@ TEST(Faults, Commands_That_Come_In_Between_Wait_Or_End_The_Run_At_Once) {
         f.Run();
         const bool closed = !f.window.frmRemoveItems.Loaded();
         EXPECT_EQ(closed, met == 1 && place / 2 >= Quit);
-        if (closed || f.app.Run().Cancelled) {
+        if (closed || f.app.run.Cancelled) {
           EXPECT_EQ(f.Everything(), f.expected) << "deleted after the end";
         } else {
           f.Expect_Nothing_Else();

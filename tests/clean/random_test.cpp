@@ -54,7 +54,7 @@ TEST(Random, A_Run_Takes_Exactly_What_The_Options_Say) {
     f.app.Form_Load();
     if (seed % 3 != 0) run();
     EXPECT_EQ(f.Everything(), f.expected);
-    EXPECT_EQ(f.app.Run().ProcessedCount, f.to_take);
+    EXPECT_EQ(f.app.run.ProcessedCount, f.to_take);
     f.Expect_Agreement();
     taken += f.to_take;
   }

@@ -59,12 +59,12 @@ struct Run_Fixture : Window_Fixture {
 };
 
 // One run of each kind over a small store.
-struct Way {
+struct Kind_Of_Run {
   std::string name, before, after;  // steps before and after the folders are ticked
   bool operator==(const char* other) const { return name == other; }
 };
 
-inline const Way ways[] = {{"cached", "", ""},
+inline const Kind_Of_Run ways[] = {{"cached", "", ""},
                            {"permanent", "set PermanentDelete", ""},
                            {"confirmed", "set ConfirmFolders ConfirmItems", ""},
                            {"live", "", ""},  // Clean is pressed while the first folder is being read
@@ -72,11 +72,11 @@ inline const Way ways[] = {{"cached", "", ""},
                            {"rows", "set ShowAllFolders", "set SelectByRow"},
                            {"folders", "set DeleteFolders ConfirmFolders", ""}};
 
-struct Way_Run : Run_Fixture {
-  const Way way;
+struct Kind_Run : Run_Fixture {
+  const Kind_Of_Run way;
   std::function<void()> before_run = [] {};  // the last moment before Clean is pressed
 
-  explicit Way_Run(const Way& the_way, int copies = 1, Instead instead_of_memory = {})
+  explicit Kind_Run(const Kind_Of_Run& the_way, int copies = 1, Instead instead_of_memory = {})
       : Run_Fixture(instead_of_memory), way(the_way) {
     New_Item item;
     for (const char* path : {"Deleted Items", "Inbox", "Old", "Old/Deep", "Projects"})
@@ -114,11 +114,11 @@ struct Way_Run : Run_Fixture {
       EXPECT_TRUE(chosen || as_foreseen) << id << " of " << path << " was not chosen";
       if (chosen && items.contains(id)) ++(as_foreseen ? done : left);
     }
-    EXPECT_FALSE(app.Run().Processing);
+    EXPECT_FALSE(app.phase.Processing());
     const bool one_run = box.Count(" identified for ") == 1 && !(way == "folders");
-    const int processed = app.Run().ProcessedCount, most = done + static_cast<int>(touched.size());
+    const int processed = app.run.ProcessedCount, most = done + static_cast<int>(touched.size());
     EXPECT_TRUE(!one_run || (processed >= done && processed <= most)) << processed << " of " << done;
-    const bool summed_up = box.Count("item was ") + box.Count("items were ") > 0 && !app.Run().Cancelled;
+    const bool summed_up = box.Count("item was ") + box.Count("items were ") > 0 && !app.run.Cancelled;
     EXPECT_TRUE(!summed_up || left == 0 || box.Count("Not all items could be deleted") == 1) << left;
   }
 };

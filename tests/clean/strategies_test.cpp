@@ -42,7 +42,14 @@ TEST(Strategies, Confirmations_Name_What_Goes_And_Are_Obeyed) {
   f.box.Expect(Exact("Move item a to \"Deleted Items\" folder?"), Buttons::Yes_No_Cancel, No);
   f.box.Expect(Exact("Move item b to \"Deleted Items\" folder?"), Buttons::Yes_No_Cancel, Cancel);
   f.Clean({{"No items were processed.", OK}});
-  EXPECT_TRUE(f.Checked("Old") && f.app.Run().Cancelled) << "what was not reached keeps its mark";
+  EXPECT_TRUE(f.Checked("Old") && f.app.run.Cancelled) << "what was not reached keeps its mark";
+  f.Do("untick Old; tick Inbox");
+  f.Clean({{"2 items in 1 folder identified for cleaning.", OK},
+           {move_inbox, No},
+           {"No items were processed.", OK}});
+  f.Do("tick Old; tick Inbox");
+  f.Clean({{count, OK}, {move_inbox, Cancel}, {"No items were processed.", OK}});
+  EXPECT_TRUE(f.Checked("Old")) << "Cancel ends the run";
   f.Do("untick Old; tick Inbox");
   f.Clean({{"2 items in 1 folder identified for cleaning.", OK},
            {move_inbox, No},
@@ -61,7 +68,7 @@ TEST(Strategies, The_Walk_Takes_Children_First_And_Says_So) {
   f.events.When([&] { return f.tree.Text(f.Node("Inbox/Sub")) == "Sub - (1) <<<<"; }, [] {});
   f.box.Answer_Anything();
   f.window.cmdRun.Click();
-  const std::string& trace = f.app.Run().RunTrace;
+  const std::string& trace = f.app.run.RunTrace;
   EXPECT_TRUE(trace.starts_with("START\r\n**Calendar - (0)\r\n**Contacts - (0)")) << trace;
   EXPECT_NE(trace.find("\r\n****Deep - (1)\r\n***Sub - (1)\r\n**Inbox - (0)"), std::string::npos) << trace;
   EXPECT_GT(trace.find("\r\n*Store 1 - ("), trace.find("\r\n**Tasks")) << trace;

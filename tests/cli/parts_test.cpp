@@ -1,4 +1,4 @@
-// Pieces that need no program around them.
+// Parts that are tested without starting the program.
 #include <csignal>
 
 #include "cli/arguments.h"

@@ -1,4 +1,4 @@
-// The built program, run as a script runs it: no terminal, output caught.
+// Runs the built program as a script does: no terminal, output captured.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -6,13 +6,13 @@
 #include <sys/wait.h>
 
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
 #include <vector>
+
+#include "doubles/temporary_directory.h"
 
 namespace tidyfold::cli {
 
@@ -25,21 +25,9 @@ struct Outcome {
   Json Document() const { return Json::parse(out); }
 };
 
-inline std::string Bytes_Of(const std::filesystem::path& file) {
-  std::ifstream stream(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-// Each test has a folder of its own.
+// A folder of its own for each test.
 class Program_Test : public testing::Test {
  protected:
-  Program_Test() {
-    std::string form = (std::filesystem::temp_directory_path() / "tidyfold-cli-XXXXXX").string();
-    folder_ = mkdtemp(form.data());
-    store_ = Path("store.tidyfold");
-  }
-  ~Program_Test() override { std::filesystem::remove_all(folder_); }
-
   std::string Path(const std::string& name) const { return (folder_ / name).string(); }
 
   Outcome Run(const Words& words) const {
@@ -49,10 +37,11 @@ class Program_Test : public testing::Test {
       EXPECT_EQ(word.find('\''), std::string::npos) << "The shell would not take " << word;
       line += " '" + word + "'";
     }
-    const int status = std::system((line + " </dev/null >" + Path("out") + " 2>" + Path("err")).c_str());
+    const int status =
+        std::system((line + " </dev/null >'" + Path("out") + "' 2>'" + Path("err") + "'").c_str());
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, Bytes_Of(Path("out")), Bytes_Of(Path("err"))};
   }
-  // On the test's store.
+  // Runs a command on the test's store.
   Outcome On_Store(Words words) const {
     words.insert(words.begin(), {"--store", store_});
     return Run(words);
@@ -61,7 +50,7 @@ class Program_Test : public testing::Test {
     const Outcome made = Run({"sample", store_, "--items", std::to_string(items)});
     ASSERT_EQ(made.status, 0) << made.err;
   }
-  // What no command can do to a store.
+  // Changes the store behind the program's back.
   void Alter(const char* sql) const {
     sqlite3* connection = nullptr;
     ASSERT_EQ(sqlite3_open(store_.c_str(), &connection), SQLITE_OK);
@@ -74,8 +63,8 @@ class Program_Test : public testing::Test {
     return On_Store({"items", "--folder", "/", "--sub-folders", "--unread", "--json"}).Document();
   }
 
-  std::filesystem::path folder_;
-  std::string store_;
+  Temporary_Directory folder_;
+  std::string store_ = Path("store.tidyfold");
 };
 
 inline Words operator+(Words left, const Words& right) {
@@ -83,7 +72,7 @@ inline Words operator+(Words left, const Words& right) {
   return left;
 }
 
-// At blanks.
+// Splits at blanks.
 inline Words Split(const std::string& text) {
   std::istringstream stream(text);
   return {std::istream_iterator<std::string>(stream), {}};

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <set>
 
+#include "doubles/requirements.h"
 #include "program.h"
 #include "stores/sqlite/embedded_store.h"
 
@@ -158,11 +159,11 @@ TEST_F(Import, goes_on_after_a_source_that_fails_on_the_way) {
 }
 
 TEST_F(Import, takes_what_other_programs_wrote) {
-  if (!fs::exists(TIDYFOLD_SHARED_DATA)) GTEST_SKIP() << "The files of other programs are not here.";
+  REQUIRE_OR_SKIP(fs::exists(TIDYFOLD_SHARED_DATA), TIDYFOLD_SHARED_DATA " is missing");
   long imported = 0;
   for (const auto& entry : fs::directory_iterator(TIDYFOLD_SHARED_DATA)) {
     const fs::path kind = entry.path().extension();
-    if (kind != ".pst" && kind != ".mbox") continue;  // the kinds that are read completely
+    if (kind != ".pst" && kind != ".mbox") continue;  // these are read completely
     const std::string source = entry.path().string();
     const Outcome outcome = On_Store({"import", source});
     EXPECT_EQ(outcome.status, 0) << outcome.err;
@@ -178,7 +179,7 @@ TEST_F(Import, takes_what_other_programs_wrote) {
   EXPECT_EQ(On_Store({"check"}).status, 0);
 }
 
-// What is said, and a word of what is told. STORE stands for the store's file.
+// Arguments, and a part of the error. STORE stands for the store's file.
 const std::pair<const char*, const char*> bad_cases[] = {
     {"--store STORE", "--help"},
     {"folders", "--store"},

@@ -1,4 +1,4 @@
-// The program in the hands of a person: a terminal on all its streams.
+// The program with a terminal on all its streams.
 #include <pty.h>
 #include <unistd.h>
 
@@ -11,7 +11,7 @@ class At_Terminal : public Program_Test {
  protected:
   void SetUp() override { Make_Sample(); }
 
-  // Types each answer when the prompt has come once more. Returns the status; what was shown is in shown_.
+  // Types one answer at each prompt. Returns the exit status; shown_ is the output.
   int Type(const Words& words, const std::string& prompt, const Words& answers) {
     int terminal = -1;
     const pid_t process = forkpty(&terminal, nullptr, nullptr, nullptr);

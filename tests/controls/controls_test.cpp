@@ -3,8 +3,8 @@
 #include <limits>
 
 #include "base/dates.h"
-#include "controls/flex_grid.h"
 #include "base/text.h"
+#include "controls/flex_grid.h"
 #include "controls/tree_view.h"
 #include "controls/widgets.h"
 

@@ -1,4 +1,4 @@
-// Help in the built window: What's This, the book, pages in the program's own browser window, About.
+// Help in the built window: What's This, the book, the browser window, About.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -77,7 +77,7 @@ TEST_F(Help_Window, Whats_This_Shows_The_Topic_Of_What_Is_Clicked_And_The_Click_
   Wait_For_Window("frmHelpViewer", "Help: Tidyfold Help");
   Close_By_Escape("frmHelpViewer");
 
-  // Left open, it goes with the window.
+  // An open What's This ends with the window.
   Ask_Whats_This();
   Close();
 }
@@ -88,7 +88,7 @@ TEST_F(Help_Window, Pages_Have_A_Window_That_Keeps_Its_Size_And_A_Site_That_Is_G
   setenv("TIDYFOLD_SITE", server->Address().c_str(), 1);
   Open();
   window_->Key("ctrl+h");
-  // The page asks for its style when it is shown.
+  // The style sheet is requested when the page is shown.
   EXPECT_TRUE(server->Wait_For("/tidyfoldhelp/index.html") && server->Wait_For("/tidyfoldhelp/style.css"));
   Wait_For_Window("frmHelpBrowser", "Tidyfold Help");
   window_->Xdotool({"search", "--onlyvisible", "--name", "^Tidyfold Help$", "windowsize", "840", "620"});
@@ -97,7 +97,7 @@ TEST_F(Help_Window, Pages_Have_A_Window_That_Keeps_Its_Size_And_A_Site_That_Is_G
     return browser["rectangle"][2] == 840 &&
            browser["widgets"]["WebBrowser1"]["rectangle"] == browser["rectangle"];
   })["beside"]["frmHelpBrowser"]["rectangle"];
-  // The main window stays usable beside it, and the window is used again.
+  // The main window stays usable, and the browser window is reused.
   window_->Tick_Folder("Inbox");
   window_->Wait("the Inbox to be ticked", [](const State& state) {
     return std::any_of(state["tree"].begin(), state["tree"].end(), [](const State& node) {
@@ -117,7 +117,7 @@ TEST_F(Help_Window, Pages_Have_A_Window_That_Keeps_Its_Size_And_A_Site_That_Is_G
   Close_By_Escape("frmAbout");
   Close();
 
-  // Nobody answers at its address any more; or somebody does who has no such page.
+  // No server at the address, then one without the page.
   server.reset();
   for (const char* reason : {"", "The site answered with status 404."}) {
     if (*reason != '\0') {
@@ -144,7 +144,7 @@ TEST_F(Help_Window, About_Says_What_The_Program_Is_Until_Escape) {
   window_->Xdotool({"key", "a"});
   const State shown = Wait_For_Window("frmAbout", "About Tidyfold")["widgets"];
   EXPECT_EQ(shown["lblHeading"]["label"], "Tidyfold");
-  EXPECT_EQ(shown["txtVersionNumber"]["text"], "2.0.0");
+  EXPECT_EQ(shown["txtVersionNumber"]["text"], TIDYFOLD_VERSION);
   EXPECT_TRUE(shown["txtLicences"]["text"].get<std::string>().starts_with("Libraries that Tidyfold uses"));
   Close_By_Escape("frmAbout");
   Close();

@@ -1,4 +1,4 @@
-// Commands in the middle of loading and of a run, which go on around them.
+// Commands during loading and during a run.
 #include "desktop/window_fixture.h"
 
 namespace tidyfold {
@@ -13,7 +13,7 @@ bool Under_Way(const State& state) {
 
 class Middle : public Window {
  protected:
-  // Waits for long work to be at another place than it was.
+  // Waits for the progress of long work to change.
   void Wait_For_Change(const char* what, const State& was, bool further) {
     window_->Wait(what, [&](const State& now) {
       return now["boxes"].empty() && (!Under_Way(now) || (now["done"] > was["done"]) == further);
@@ -35,10 +35,10 @@ TEST_F(Middle, Of_Loading) {
     window_->Answer("Quit Tidyfold?", answer);
     Wait_For_Change("loading to go on", state, true);
   }
-  // One message for all the passes.
+  // One message for all passes.
   EXPECT_EQ(window_->Wait_For_Box("All Folders Loaded")["boxes_closed"], 2);
   window_->Answer("All Folders Loaded", "Return");
-  // And once more, to its end in the middle.
+  // Quitting during loading.
   for (const bool by_menu : {true, false}) {
     if (by_menu) {
       window_->Key("F5");
@@ -64,7 +64,7 @@ TEST_F(Middle, Of_A_Run) {
     window_->Answer("identified for cleaning", "Return");
     window_->Answer("Permanently delete items in selected folders?", "alt+y");
   };
-  // Twice; between the two the run goes on.
+  // Asks twice; the run continues in between.
   const auto ask = [&](const char* key, const char* question) {
     const State first = window_->Key_In_The_Middle("a run", Under_Way, key);
     window_->Press(question, "alt+n");

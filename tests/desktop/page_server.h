@@ -1,4 +1,4 @@
-// A Web server for one folder, on the loopback address.
+// A Web server for one folder on the loopback address.
 #pragma once
 
 #include <arpa/inet.h>
@@ -19,8 +19,7 @@
 
 namespace tidyfold {
 
-// Answers until it is destroyed; then nobody listens at its address any more. Lets pages be kept, as servers
-// do.
+// Listens until it is destroyed. Allows pages to be cached, as usual.
 class Page_Server {
  public:
   explicit Page_Server(std::filesystem::path folder)
@@ -42,7 +41,7 @@ class Page_Server {
 
   std::string Address() const { return "http://127.0.0.1:" + std::to_string(ntohs(address_.sin_port)); }
 
-  // True as soon as the path has been asked for.
+  // True as soon as the path has been requested.
   bool Wait_For(const std::string& path) {
     std::unique_lock lock(mutex_);
     return asked_.wait_for(lock, std::chrono::seconds(60), [&] { return paths_.contains(path); });

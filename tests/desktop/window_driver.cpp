@@ -129,7 +129,7 @@ Window_Driver::Window_Driver(const std::filesystem::path& folder,
     : folder_(folder), state_file_(folder / "window.json"), output_(folder / "output.txt") {
   for (char** variable = environ; *variable != nullptr; ++variable) {
     const std::string entry = *variable;
-    // The user's theme, configuration and screen are not the test's.
+    // Keeps the user's theme, configuration and screen out of the test.
     if (!entry.starts_with("DISPLAY=") && !entry.starts_with("XDG_") && !entry.starts_with("GTK_") &&
         !entry.starts_with("WAYLAND_") && !entry.starts_with("HOME=") && !entry.starts_with("GDK_"))
       environment_.push_back(entry);
@@ -143,7 +143,7 @@ Window_Driver::Window_Driver(const std::filesystem::path& folder,
       std::vector<std::string>{"Xvfb", "-displayfd", "N", "-screen", "0", "1280x900x24", "-nolisten", "tcp"},
       environment_, output_, "N");
   environment_.push_back("DISPLAY=:" + screen_->First_Line());
-  // A window that opens before there is anyone to manage it never gets the keyboard.
+  // A window that opens before the window manager runs never gets the keyboard.
   const std::filesystem::path managed = folder / "managed";
   manager_.emplace(
       std::vector<std::string>{"openbox", "--sm-disable", "--startup", "touch '" + managed.string() + "'"},

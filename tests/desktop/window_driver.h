@@ -1,4 +1,4 @@
-// Drives the built program on a screen of its own, with a real mouse and keyboard.
+// Drives the built program on a virtual screen with real mouse and keyboard events.
 #pragma once
 
 #include <sys/types.h>
@@ -16,8 +16,8 @@ namespace tidyfold {
 // A process that ends with its owner.
 class Child_Process {
  public:
-  // `output` names a file for what it prints. With `descriptor_name` given, that argument is replaced by the
-  // number of a pipe's writing end, whose first line First_Line reads.
+  // `output` is the file for what it prints. An argument equal to `descriptor_name` is replaced by the number
+  // of a pipe's writing end, whose first line First_Line reads.
   Child_Process(const std::vector<std::string>& command, const std::vector<std::string>& environment,
                 const std::filesystem::path& output, const std::string& descriptor_name = {});
   Child_Process(const Child_Process&) = delete;
@@ -25,7 +25,7 @@ class Child_Process {
   ~Child_Process();
 
   std::string First_Line();
-  // The exit status, once it has ended by itself within the time that a test gives; negative for a signal.
+  // The exit status, negative for a signal; nothing if the process does not end in time.
   std::optional<int> Wait_For_End();
   bool Running();
   void Signal(int signal) const;
@@ -36,10 +36,10 @@ class Child_Process {
   std::optional<int> status_;
 };
 
-// One window on one screen. Every wait is for something to show on the screen and fails after a minute.
+// One window on one screen. Waits are for a state of the window and fail after a minute.
 class Window_Driver {
  public:
-  // What the machine must have, or an empty text.
+  // A program that is missing on this machine, or an empty text.
   static std::string What_Is_Missing();
 
   // `stores` are given with --store each.
@@ -54,28 +54,28 @@ class Window_Driver {
 
   void Click(const std::string& control);
   void Tick_Option(const std::string& control);
-  // At the tick box of a tree's node; or beside it, on its name.
+  // On the tick box of a tree's node, or on its name.
   void Tick_Folder(const std::string& name);
   void Click_Folder(const std::string& name);
   void Click_Row(int row, const std::string& held_key = {}, int times = 1);
-  // To the window itself; a box has Press and Answer.
+  // To the main window; for boxes there are Press and Answer.
   void Type(const std::string& text);
   void Key(const std::string& key);
-  // Presses a key as soon as the condition shows, and holds the program still until it is pressed, so that it
-  // comes in the middle of whatever goes on. Returns what showed.
+  // Stops the program when the condition holds until the key is pressed, so that the key comes in the middle
+  // of the work. Returns that state.
   State Key_In_The_Middle(const std::string& what, const std::function<bool(const State&)>& condition,
                           const std::string& key);
   // To the window in front, which is neither the main one nor a box.
   void Key_To_Other(const std::string& key);
   void Drag(const std::string& control, int by_x);
-  // As the window manager does when its close button is pressed.
+  // Like the close button of the window manager.
   void Close_Window();
-  // Presses a key in the box that says `words`; returns how many boxes had been closed before.
+  // Presses a key in the box with `words`; returns how many boxes had been closed before.
   int Press(const std::string& words, const std::string& key);
-  // The same, and waits until the box has gone.
+  // Press, then waits until the box is closed.
   void Answer(const std::string& words, const std::string& key);
 
-  // What no other command does.
+  // For everything else.
   void Xdotool(std::initializer_list<std::string> arguments);
 
   Child_Process& Program() { return *program_; }
@@ -86,7 +86,7 @@ class Window_Driver {
   };
   void Click_At(Place place, int times = 1);
   void Wait_For_Keyboard();
-  // Whether the condition comes to hold; looks again whenever a file in the test's folder is replaced.
+  // Checks the condition whenever a file in the test's folder is replaced; false if it never holds.
   bool Wait_In_Folder(const std::function<bool()>& condition) const;
   std::optional<State> Read() const;
   State Node(const std::string& name);

@@ -1,4 +1,4 @@
-// The built window on a store of its own, and what it leaves in it.
+// The built window on a store of its own, and the content of that store.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -52,7 +52,7 @@ class Window : public testing::Test {
   }
 
   void Make_Store(std::int32_t items) { ASSERT_TRUE(Make_Sample(store_, "Sample", items)); }
-  // Opens the window on the store, or on what it had open last, and waits until everything is loaded.
+  // Opens the window on the store, or on the last ones if not named, and waits until everything is loaded.
   void Open(bool named = true) {
     window_.emplace(folder_, named ? std::vector{store_} : std::vector<std::filesystem::path>{});
     window_->Answer("All Folders Loaded", "Return");

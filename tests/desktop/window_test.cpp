@@ -1,4 +1,4 @@
-// The built window under a real mouse and keyboard, from tick to summary, and what it leaves in the store.
+// The built window under real mouse and keyboard events, from tick to summary, and the store afterwards.
 #include <fstream>
 #include <iterator>
 #include <set>
@@ -42,7 +42,7 @@ TEST_F(Window, Cleans_Exactly_What_Was_Ticked_And_Filtered) {
   Quit();
   EXPECT_EQ(Read_Store(), expected);
 
-  // Opened again, without being told what: the same store, as it is now.
+  // Opened again without arguments, it shows the same store.
   Open(false);
   const auto left = static_cast<std::size_t>(std::count_if(
       expected.begin(), expected.end(), [](const auto& entry) { return entry.second.folder == "Inbox"; }));
@@ -62,7 +62,7 @@ TEST_F(Window, Picks_Rows_By_Mouse_And_Keys_And_Deletes_No_Other) {
   struct Step {
     int row;  // 0: none is clicked
     const char* key;
-    std::size_t frame;  // the row that the keyboard is at then
+    std::size_t frame;  // the row with the keyboard focus afterwards
     const char* marks;  // of the first eight rows
     bool rest = false;  // whether the others are marked
   };
@@ -268,7 +268,7 @@ TEST_F(Window, Works_Without_A_Mouse) {
 TEST_F(Window, Right_Clicks_Offer_And_Choose_Nothing_And_F6_Goes_Round) {
   Make_Store(300);
   Open();
-  // Shows the menu, goes to its entry and says what the status bar says of it.
+  // Opens the menu, goes to the entry and returns its help in the status bar.
   const auto menu_says = [&](const State& rectangle, int x, const char* key) {
     const int left = rectangle[0], top = rectangle[1], height = rectangle[3];
     window_->Wait("the keyboard", [](const State& state) { return state["keyboard"] == "window"; });
@@ -413,7 +413,7 @@ TEST_F(Window, The_Bars_Move_The_Panes) {
     return now.grid.width == open.grid.width - 100 && now.options.width == open.options.width;
   });
   window_->Drag("picSlider2", 2000);
-  // It has been moved to where it fits, too.
+  // It has also been moved to fit.
   wait("a window as wide as the screen", [&](const Panes& now) {
     return now.grid.width > open.grid.width && now.options.left + now.options.width < 1280;
   });

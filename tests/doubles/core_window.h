@@ -1,5 +1,5 @@
-// Tree, cache, filters and grid over stores in memory whose calls can be made to fail: the window without the
-// rules of marking and cleaning.
+// The program over a store in memory whose calls can be made to fail, entered below its start-up: tests call
+// the procedures of single floors.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -7,36 +7,17 @@
 #include <string>
 #include <string_view>
 
-#include "cache/item_cache.h"
-#include "doubles/fake_events.h"
-#include "doubles/scripted_message_box.h"
-#include "grid/item_display.h"
-#include "grid/row_selection.h"
+#include "doubles/surroundings.h"
 #include "stores/faulty/faulty_automation.h"
 #include "stores/memory/memory_store.h"
 
 namespace tidyfold {
 
-class Core_Window : public testing::Test {
+class Core_Window : public testing::Test, protected Test_Surroundings {
  protected:
   Core_Window() {
     errors.Trap_Errors = true;
-    folder_tree.Set_Folder_Label = [this](int index) { labelled = index; };
-    cache.In_View = [this](int folder) { return rows.In_View(folder); };
-    cache.Add_Folder_Rows = [this](int folder) { rows.Add_Folder_Rows(folder, Marker::None); };
-    cache.Remove_Folder_Rows = [this](int folder) { rows.Remove_Folder_Rows(folder); };
-    cache.Set_Grid_Order = [this] { rows.Set_Grid_Order(); };
-    cache.Display_Selected_Items_Total = [this] { rows.Display_Selected_Items_Total(); };
-    filters.Change_Filtered_Rows = [this] { rows.Change_Filtered_Rows(); };
-    filters.Enable_Command_Buttons = [] {};
-    rows.Check_Select_By_Row = [this] { return selection.Check_Select_By_Row(); };
-    selection.Check_Selected_Folders = [this] { return selected_folders_loaded; };
-    selection.Enable_Check_Boxes = [] {};
-    selection.Enable_Command_Buttons = [] {};
-    filters.Wire();
-    rows.Wire();
-    selection.Wire();
-    display.Wire();
+    window.frmRemoveItems.Load();
     window.chkShowSelectedItems.Set_Value(1);
     window.chkShowUnselectedItems.Set_Value(1);
   }
@@ -94,8 +75,6 @@ class Core_Window : public testing::Test {
   }
 
   const Automation_Error fault{automation_error::busy, "Planned.", "Test"};
-  Fake_Events events;
-  Scripted_Message_Box box;
   MainWindow window;
   TreeView& tree = window.trvFolders;
   FlexGrid& grid = window.grdItems;
@@ -103,20 +82,16 @@ class Core_Window : public testing::Test {
   Memory_Store& store = outlook.Add_Store("Personal");
   Fault_Plan plan;
   Faulty_Automation automation{outlook, plan};
-  Error_Handler errors{box};
-  FolderData_Array records;
-  Outlook_Session session{automation, window, box, errors};
-  Folder_Tree folder_tree{window, records, session, box, events, errors};
-  Deleted_Items_Folders deleted_items{window, records, folder_tree, errors};
-  Item_Cache cache{window, records, folder_tree, session, box, events, errors};
-  Item_Filters filters{window, records, errors};
-  Grid_Columns columns{window, records, errors};
-  Selection_Total total{window, records, folder_tree, filters, errors};
-  Grid_Rows rows{window, records, folder_tree, filters, columns, total, box, errors};
-  Row_Selection selection{window, records, deleted_items, rows, box, errors};
-  Item_Display display{window, records, session, box, errors};
-  bool selected_folders_loaded = true;
-  int labelled = 0, items_added = 0;
+  App app{window, Around(automation)};
+  Error_Handler& errors = app.errors;
+  FolderData_Array& records = app.records;
+  Outlook_Session& session = app.session;
+  Folder_Tree& folder_tree = app.folder_tree;
+  Deleted_Items_Folders& deleted_items = app.deleted_items;
+  Item_Cache& cache = app.cache;
+  Grid_Columns& columns = app.columns;
+  Grid_Rows& rows = app.rows;
+  int items_added = 0;
 };
 
 }  // namespace tidyfold

@@ -1,5 +1,4 @@
-// Yields that a test can follow and use: what it queues runs inside Do_Events, where the handlers of a real
-// window would run.
+// Yields that a test controls: queued actions run inside Do_Events, like the handlers of a real window.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -17,7 +16,7 @@ class Fake_Events : public Events {
   Fake_Events() = default;
   Fake_Events(const Fake_Events&) = delete;
   Fake_Events& operator=(const Fake_Events&) = delete;
-  // An action that never ran fails the test: what it was to show has not been shown.
+  // An action that never ran fails the test.
   ~Fake_Events() override { EXPECT_EQ(Waiting(), 0U) << "actions queued for a yield that never came"; }
 
   // At the n-th yield from the start, counted from 1.

@@ -1,4 +1,4 @@
-// A day that stands still until the test moves it.
+// A clock that stands still until the test moves it.
 #pragma once
 
 #include "base/clock.h"

@@ -1,5 +1,5 @@
-// A message box that a test answers from a script. A box that the script does not expect fails the test, and
-// so does one that is expected and never shown.
+// A message box that a test answers from a script. Unexpected boxes fail the test, and so do expected ones
+// that are never shown.
 //
 //   Scripted_Message_Box box;
 //   box.Expect("Are you sure", Buttons::Yes_No, Answer::Yes);
@@ -19,7 +19,7 @@
 
 namespace tidyfold {
 
-// What the text of an expected box must be: a part of it, or all of it. A plain text is a part.
+// The text of an expected box: all of it, or a part. A plain string is a part.
 struct Expected_Text {
   Expected_Text(const char* part) : text(part) {}
   Expected_Text(std::string part) : text(std::move(part)) {}
@@ -50,8 +50,7 @@ class Scripted_Message_Box : public Message_Box {
   Scripted_Message_Box& operator=(const Scripted_Message_Box&) = delete;
   ~Scripted_Message_Box() override { Verify(); }
 
-  // Boxes come in the order in which they are expected. The action runs while the box is open, as a handler
-  // does that the box's own event loop lets through.
+  // Boxes must come in this order. The action runs while the box is open, like a handler in its event loop.
   void Expect(Expected_Text text, Buttons buttons, Answer answer, std::function<void()> while_open = {}) {
     script_.push_back({std::move(text), buttons, answer, std::move(while_open)});
   }
@@ -76,6 +75,13 @@ class Scripted_Message_Box : public Message_Box {
     script_.clear();
   }
 
+  // By its sentence; what else it says is in `last_review`.
+  Answer Show_Review(const Review& review) override {
+    last_review = review;
+    return Show(review.sentence, Buttons::OK_Cancel, Icon::None, application_title);
+  }
+  Review last_review;
+
   Answer Show(const std::string& text, Buttons buttons, Icon icon, const std::string& title) override {
     shown_.push_back({text, buttons, icon, title});
     const Answer answer = Scripted_Answer(text, buttons);
@@ -88,13 +94,13 @@ class Scripted_Message_Box : public Message_Box {
     if (script_.empty() || (answer_anything_ && !script_.front().text.Fits(text))) {
       if (answer_anything_) return Consenting(buttons);
       ADD_FAILURE() << "Unexpected message box: " << text;
-      return Refusing(buttons);
+      return Safest_Answer(buttons);
     }
     const Step step = std::move(script_.front());
     script_.pop_front();
     if (!step.text.Fits(text)) {
       ADD_FAILURE() << "Message box: " << text << "\nExpected: " << step.text.text;
-      return Refusing(buttons);
+      return Safest_Answer(buttons);
     }
     EXPECT_EQ(buttons, step.buttons) << "Buttons of: " << text;
     if (step.while_open) step.while_open();
@@ -111,17 +117,6 @@ class Scripted_Message_Box : public Message_Box {
   static Answer Consenting(Buttons buttons) {
     return buttons == Buttons::Yes_No || buttons == Buttons::Yes_No_Cancel ? Answer::Yes : Answer::OK;
   }
-  static Answer Refusing(Buttons buttons) {
-    switch (buttons) {
-      case Buttons::Yes_No:
-        return Answer::No;
-      case Buttons::OK_Only:
-        return Answer::OK;
-      default:
-        return Answer::Cancel;
-    }
-  }
-
   std::deque<Step> script_;
   std::vector<Shown> shown_;
   bool answer_anything_ = false;

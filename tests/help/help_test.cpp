@@ -2,11 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-#include <random>
-
 #include "doubles/scripted_message_box.h"
+#include "doubles/temporary_directory.h"
 #include "help/file_names.h"
 #include "settings/file_registry.h"
 
@@ -32,9 +29,7 @@ class Fake_Platform : public Help_Platform {
 
 class Help_Test : public testing::Test {
  protected:
-  Help_Test()
-      : folder_(std::filesystem::temp_directory_path() /
-                ("tidyfold help-" + std::to_string(std::random_device{}()))) {
+  Help_Test() {
     for (const char* folder : {"run", "built"}) std::filesystem::create_directories(folder_ / folder);
     environment_.program.HelpFile = (folder_ / "built" / "A.Book.chm").string();
     environment_.program.Path = (folder_ / "run").string();
@@ -45,14 +40,10 @@ class Help_Test : public testing::Test {
     help_.Wire();
     help_.Set_HTML_URLs();
   }
-  ~Help_Test() override { std::filesystem::remove_all(folder_); }
 
-  std::string Put(const char* file) {
-    std::ofstream(folder_ / file) << "x";
-    return (folder_ / file).make_preferred().string();
-  }
+  std::string Put(const char* file) { return Write_Bytes(folder_ / file, "x").make_preferred().string(); }
 
-  std::filesystem::path folder_;
+  Temporary_Directory folder_;
   Scripted_Message_Box box_;
   Error_Handler errors_{box_};
   File_Registry registry_{folder_ / "registry.json", nullptr};

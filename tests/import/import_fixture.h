@@ -1,24 +1,23 @@
-// A directory for sources, a store in memory, and a record of all that was written to it.
+// A directory for sources, a store in memory, and a record of everything written to it.
 #pragma once
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <ctime>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "doubles/requirements.h"
+#include "doubles/temporary_directory.h"
 #include "errors/automation_error.h"
 #include "import/import.h"
 #include "stores/memory/memory_store.h"
 
 namespace tidyfold {
 
-// Local time is New York's: half the year 5, half the year 4 hours behind UTC.
+// Sets local time to New York's: 5 hours behind UTC, 4 in summer.
 class In_New_York {
  public:
   In_New_York() {
@@ -71,17 +70,8 @@ class Recording_Writer : public Store_Writer {
 
 class Import_Test : public ::testing::Test {
  protected:
-  Import_Test() {
-    std::string name = (std::filesystem::temp_directory_path() / "tidyfold-import-XXXXXX").string();
-    directory = mkdtemp(name.data());
-  }
-  ~Import_Test() override { std::filesystem::remove_all(directory); }
-
   std::filesystem::path Write(const std::string& name, std::string_view content) const {
-    const std::filesystem::path path = directory / name;
-    std::filesystem::create_directories(path.parent_path());
-    std::ofstream(path, std::ios::binary) << content;
-    return path;
+    return Write_Bytes(directory / name, content);
   }
   Import_Report Import(const std::filesystem::path& source, const Import_Options& options = {}) {
     return Import_Source(source, writer, options);
@@ -104,20 +94,15 @@ class Import_Test : public ::testing::Test {
   }
 
   In_New_York zone;
-  std::filesystem::path directory;
+  Temporary_Directory directory;
   Memory_Outlook outlook;
   Memory_Store& store = outlook.Add_Store("Store");
   Recording_Writer writer{store};
 };
 
-inline std::string Content_Of(const std::filesystem::path& path) {
-  std::ifstream stream(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-// A file that another program wrote; skips the test where these are not at hand.
-#define SHARED_FILE_OR_SKIP(variable, name)                                                    \
+// A file that another program wrote.
+#define REQUIRE_SHARED_FILE(variable, name)                                                    \
   const std::filesystem::path variable = std::filesystem::path(TIDYFOLD_SHARED_DATA) / (name); \
-  if (!std::filesystem::exists(variable)) GTEST_SKIP() << variable << " is not there"
+  REQUIRE_OR_SKIP(std::filesystem::exists(variable), variable << " is missing")
 
 }  // namespace tidyfold

@@ -1,7 +1,8 @@
-// What holds for every kind of source: where it goes, all or nothing, and who is told.
-#include <gtest/gtest.h>
+// Which files are taken for what, and what holds for every kind; Maildir folders.
+#include <functional>
 
 #include "import/import_fixture.h"
+#include "import/maildir.h"
 
 namespace tidyfold {
 namespace {
@@ -12,8 +13,52 @@ std::string Mbox(int count) {
   return mbox;
 }
 
+TEST_F(Import_Test, Kinds_Are_Told_By_Content_Whatever_The_Name) {
+  const std::pair<std::string_view, Source_Kind> cases[] = {
+      {"!BDN....", Source_Kind::Pst},
+      {"From a@b Fri Aug 23 02:32:53 2002\nSubject: x\n\n", Source_Kind::Mbox},
+      {"From - \r\nSubject: x\r\n\r\n", Source_Kind::Mbox},
+      {"\n\nFrom a@b Fri Aug 23 02:32:53 2002\nSubject: x\n\n", Source_Kind::Mbox},
+      {"Return-Path: <a@b>\nX-Odd: y\n\tand on\n\nbody", Source_Kind::Eml},
+      {"\xEF\xBB\xBFSubject: x\r\n\r\nbody", Source_Kind::Eml},
+      {"From : a@b\n\nbody", Source_Kind::Eml},  // an old header form, not a separator
+  };
+  for (const auto& [content, kind] : cases) {
+    EXPECT_EQ(Detect_Source(Write("source.txt", content)), kind) << content;
+  }
+  std::filesystem::create_directories(directory / "mail.pst" / "cur");
+  std::filesystem::create_directories(directory / "mail.pst" / "new");
+  EXPECT_EQ(Detect_Source(directory / "mail.pst"), Source_Kind::Maildir);
+}
+
+TEST_F(Import_Test, What_Is_No_Source_Or_Cut_Off_Is_Refused_And_Changes_Nothing) {
+  const std::pair<std::string_view, std::string_view> cases[] = {
+      {"", "is empty"},
+      {std::string_view("\0\x01\xFFjunk\n", 8), "none that can be imported"},
+      {"From the beginning it was: text\nand no mail.\n", "none that can be imported"},
+      {"#!/bin/sh\necho From: a\n", "none that can be imported"},
+      {"Name: x\nColour: y\n\n", "none that can be imported"},  // header fields, but none of mail
+      {"!BDN and then something else, long enough for a header", "cut off"},
+      {std::string_view("!BD", 3), "none that can be imported"},
+      {"From a@b Fri Aug 23 02:32:53 2002\nS: 1\n\none\n\nFrom a@b Fri Aug 23 02:32:53 2002\nS: 2\n\nhalf",
+       "at byte 45"},
+  };
+  for (const auto& [content, part] : cases) {
+    const std::string error = Error_Of(Write("odd.mbox", content));
+    EXPECT_NE(error.find(part), std::string::npos) << error;
+    EXPECT_NE(error.find("odd.mbox: "), std::string::npos) << error;
+  }
+  EXPECT_NE(Error_Of(directory / "gone.pst").find("no such file"), std::string::npos);
+  EXPECT_NE(Error_Of(directory.Path()).find("no Maildir"), std::string::npos);
+  EXPECT_NE(Error_Of("/dev/null").find("neither a file nor a folder"), std::string::npos);
+  EXPECT_EQ(writer.commits, 0);
+  EXPECT_EQ(store.Top_Folder()->Folders()->Count(), 10);
+}
+
 TEST_F(Import_Test, Goes_Into_The_Folder_Named_Or_One_Named_After_The_Source) {
   const auto source = Write("Old mail.2003.mbox", Mbox(1));
+  for (int twin = 0; twin < 2; ++twin)
+    store.Add_Folder(*store.Top_Folder(), "Old mail.2003", item_type::mail);
   Import(source);
   EXPECT_EQ(Items_In({"Old mail.2003"}), 1);
   Import(source);
@@ -23,20 +68,13 @@ TEST_F(Import_Test, Goes_Into_The_Folder_Named_Or_One_Named_After_The_Source) {
   options.folder_path = {"Inbox", "a/b", "two\nlines", "bad\xFF"};
   Import(source, options);
   EXPECT_EQ(Items_In({"Inbox", "a/b", "two lines", "bad\uFFFD"}), 1);
-  options.folder_path = {"inbox"};  // names count by the letter
+  options.folder_path = {"inbox"};  // names are case-sensitive
   Import(source, options);
   EXPECT_EQ(Items_In({"Inbox"}), 0);
   EXPECT_EQ(Items_In({"inbox"}), 1);
   options.folder_path.emplace();  // the top folder
   Import(source, options);
   EXPECT_EQ(Items_In({}), 1);
-}
-
-TEST_F(Import_Test, Takes_The_First_Of_Folders_With_The_Same_Name) {
-  const auto first = store.Add_Folder(*store.Top_Folder(), "mail", item_type::mail);
-  store.Add_Folder(*store.Top_Folder(), "mail", item_type::mail);
-  Import(Write("mail", Mbox(2)));
-  EXPECT_EQ(first->Items()->Count(), 2);
 }
 
 TEST_F(Import_Test, Bad_Messages_Do_Not_Keep_The_Rest_Out) {
@@ -57,7 +95,7 @@ TEST_F(Import_Test, A_Store_That_Cannot_Be_Written_Is_Left_As_It_Was) {
 }
 
 TEST_F(Import_Test, Progress_Is_Told_And_Can_Cancel) {
-  // Enough to take longer than one period of progress on any machine.
+  // Takes longer than one progress period on any machine.
   const auto source = Write("mail", Mbox(5000));
   std::int64_t last = 0;
   Import_Options options;
@@ -75,6 +113,11 @@ TEST_F(Import_Test, Progress_Is_Told_And_Can_Cancel) {
   EXPECT_TRUE(report.cancelled);
   EXPECT_EQ(report.found, 0);
   EXPECT_EQ(writer.roll_backs, 1);
+  options.progress = [](std::int64_t, std::optional<std::int64_t>) -> bool {
+    throw std::bad_function_call();
+  };
+  EXPECT_THROW(Import(source, options), std::bad_function_call);
+  EXPECT_EQ(writer.roll_backs, 2);
   EXPECT_EQ(Items_In({"mail"}), 5000);
 }
 
@@ -91,13 +134,89 @@ TEST_F(Import_Test, Cancels_In_The_Middle_Of_One_Long_Message) {
   EXPECT_TRUE(writer.written.empty());
 }
 
-TEST_F(Import_Test, A_Failing_Progress_Callback_Rolls_Back_Too) {
-  Import_Options options;
-  options.progress = [](std::int64_t, std::optional<std::int64_t>) -> bool {
-    throw std::runtime_error("window gone");
+class Maildir_Test : public Import_Test {
+ protected:
+  std::filesystem::path Message(const std::string& name, const std::string& subject) const {
+    return Write("box/" + name, "Subject: " + subject + "\n\n");
+  }
+  void Make(const std::string& name) const {
+    for (const char* part : {"cur", "new", "tmp"})
+      std::filesystem::create_directories(directory / "box" / name / part);
+  }
+};
+
+TEST_F(Maildir_Test, File_Names_Tell_Flags_And_Delivery) {
+  struct Case {
+    std::string_view name;
+    bool is_new, seen, trashed;
+    Date delivered;
   };
-  EXPECT_THROW(Import(Write("mail", Mbox(5000)), options), std::runtime_error);
-  EXPECT_EQ(writer.roll_backs, 1);
+  const Case cases[] = {
+      {"1030084373.M1P2.host:2,FRS", false, true, false, Day(37491, 2, 32, 53)},
+      {"1030084373.host:2,ST", false, true, true, Day(37491, 2, 32, 53)},
+      {"1030084373.host;2,S", false, true, false, Day(37491, 2, 32, 53)},
+      {"1030084373.host!2,", false, false, false, Day(37491, 2, 32, 53)},
+      {"1030084373.STST", false, false, false, Day(37491, 2, 32, 53)},
+      {"1030084373.host:2,S", true, false, false, Day(37491, 2, 32, 53)},  // nothing in new/ is seen
+      {"msg.1", false, false, false, no_date},
+      {"12345678901234567890.x", false, false, false, no_date},
+  };
+  for (const Case& c : cases) {
+    const Maildir_Message message = Read_Maildir_Name(std::string(c.name), c.is_new);
+    EXPECT_EQ(message.seen, c.seen) << c.name;
+    EXPECT_EQ(message.trashed, c.trashed) << c.name;
+    EXPECT_DOUBLE_EQ(message.delivered, c.delivered) << c.name;
+  }
+}
+
+TEST_F(Maildir_Test, Comes_In_With_Flags_And_Sub_Folders) {
+  Make("");
+  Make(".Sent");
+  Make(".Lists.Entw&APw-rfe");
+  Make("plain/below");
+  Make("plain");
+  Make(".Odd&name");
+  Message("cur/1030084374.b:2,S", "second");
+  Message("new/1030084373.a", "first");
+  Message("cur/1030084375.c:2,T", "trash");
+  Message("tmp/1030084376.d", "unfinished");
+  Message("cur/.hidden", "hidden");
+  Message(".Sent/cur/1.x:2,S", "sent");
+  Message(".Lists.Entw&APw-rfe/new/1.x", "draft");
+  Message("plain/below/cur/1.x:2,", "deep");
+  std::filesystem::create_directory_symlink(directory / "box", directory / "box" / "loop");
+  const Import_Report report = Import(directory / "box" / "");
+  EXPECT_EQ(report.imported, 6);
+  EXPECT_EQ(report.found, 6);
+  EXPECT_EQ(Subjects(), (std::vector<std::string>{"first", "second", "trash", "draft", "sent", "deep"}));
+  EXPECT_TRUE(writer.written[0].item.unread);
+  EXPECT_FALSE(writer.written[1].item.unread);
+  EXPECT_DOUBLE_EQ(writer.written[0].item.received, Day(37491, 2, 32, 53));
+  EXPECT_EQ(Items_In({"box"}), 2);
+  EXPECT_EQ(Items_In({"Deleted Items"}), 1);
+  EXPECT_EQ(Items_In({"box", "Lists", "Entwürfe"}), 1);
+  EXPECT_EQ(Items_In({"box", "Sent"}), 1);
+  EXPECT_EQ(Items_In({"box", "plain", "below"}), 1);
+  EXPECT_EQ(Items_In({"box", "Odd&name"}), 0);
+}
+
+TEST_F(Maildir_Test, What_Cannot_Be_Read_Is_Counted_And_Named) {
+  Make("");
+  Message("cur/1.good", "good");
+  Write("box/cur/2.empty", "");
+  Write("box/cur/3.junk", std::string_view("\0\xFF\n", 3));
+  std::filesystem::create_directory(directory / "box" / "cur" / "4.directory");
+  std::filesystem::create_symlink("nowhere", directory / "box" / "cur" / "5.dangling");
+  Write("box/cur/6.\xFFinvalid", "");
+  const Import_Report report = Import(directory / "box");
+  EXPECT_EQ(report.found, 6);
+  EXPECT_EQ(report.imported, 1);
+  EXPECT_EQ(report.failed, 5);
+  ASSERT_EQ(report.failures.size(), 5U);
+  EXPECT_TRUE(report.failures[0].where.ends_with("2.empty"));
+  EXPECT_EQ(report.failures[0].why, "it is empty");
+  EXPECT_EQ(report.failures[1].why, "it has no message headers");
+  EXPECT_TRUE(report.failures[4].where.ends_with("6.\uFFFDinvalid"));
 }
 
 }  // namespace

@@ -12,7 +12,7 @@ namespace {
 
 class Mime_Test : public Import_Test {
  protected:
-  // Through the importer, since that is what makes the library ready.
+  // Through the importer, which initialises the library.
   New_Item Read(std::string_view message) {
     writer.written.clear();
     Import(Write("message.eml", message));

@@ -41,10 +41,10 @@ TEST(Pst_Classes, Follow_The_Nearest_Known_Parent) {
 }
 
 TEST_F(Pst_Test, Mail_With_Its_Attachment) {
-  SHARED_FILE_OR_SKIP(source, "sample1.pst");
+  REQUIRE_SHARED_FILE(source, "sample1.pst");
   EXPECT_EQ(Import(source).imported, 1);
   EXPECT_EQ(Items_In({"Sample1"}), 1);
-  EXPECT_EQ(store.Top_Folder()->Folders()->Count(), 11);  // Deleted Items is the store's own
+  EXPECT_EQ(store.Top_Folder()->Folders()->Count(), 11);  // Deleted Items is not imported as a folder
   EXPECT_EQ(Item(1).item_class, item_class::mail);
   EXPECT_EQ(Item(1).subject, "Here is a sample message");
   EXPECT_EQ(Item(1).sender, "Terry Mahaffey");
@@ -60,7 +60,7 @@ TEST_F(Pst_Test, Mail_With_Its_Attachment) {
   EXPECT_EQ(Item(1).attachments[0].name, "leah_thumper.jpg");
   EXPECT_EQ(Item(1).attachments[0].size, 93142);
 
-  // What was built anew reads like the original.
+  // The rebuilt message equals the original.
   const New_Item item = Item(1);
   Import(Write("rebuilt.eml", item.raw_message));
   EXPECT_EQ(Item(2).subject, item.subject);
@@ -72,13 +72,13 @@ TEST_F(Pst_Test, Mail_With_Its_Attachment) {
 }
 
 TEST_F(Pst_Test, Calendar_And_Contacts) {
-  SHARED_FILE_OR_SKIP(source, "dist-list.pst");
-  SHARED_FILE_OR_SKIP(ansi, "ansi-calendar.pst");
+  REQUIRE_SHARED_FILE(source, "dist-list.pst");
+  REQUIRE_SHARED_FILE(ansi, "ansi-calendar.pst");
   EXPECT_EQ(Import(source).found, 3);
   EXPECT_EQ(Item(1).item_class, item_class::appointment);
   EXPECT_EQ(Item(1).subject, "Test appointment");
   EXPECT_DOUBLE_EQ(Item(1).end, Day(42584, 11, 30));
-  EXPECT_TRUE(Item(1).attachments.empty());  // what is attached are the series' exceptions
+  EXPECT_TRUE(Item(1).attachments.empty());  // only the exceptions of the series are attached
   EXPECT_TRUE(Item(1).raw_message.empty());
   EXPECT_EQ(Item(2).item_class, item_class::distribution_list);
   EXPECT_EQ(Item(2).subject, "test dist list");
@@ -94,7 +94,7 @@ TEST_F(Pst_Test, Calendar_And_Contacts) {
   EXPECT_DOUBLE_EQ(Item(4).end, Day(38218, 15, 30));
 }
 
-// The header's checksum: that of PNG and zip, begun with 0 and left as it is.
+// The header's checksum: CRC-32 with initial value 0 and without final inversion.
 std::string Checksum(std::string_view bytes) {
   std::uint32_t sum = 0;
   for (const char byte : bytes) {
@@ -107,9 +107,9 @@ std::string Checksum(std::string_view bytes) {
 }
 
 TEST_F(Pst_Test, Offline_Files_And_Address_Books) {
-  SHARED_FILE_OR_SKIP(source, "dist-list.pst");
+  REQUIRE_SHARED_FILE(source, "dist-list.pst");
   for (const char* kind : {"SO", "BA"}) {
-    std::string content = Content_Of(source);
+    std::string content = Bytes_Of(source);
     content.replace(8, 2, kind);
     content.replace(4, 4, Checksum(std::string_view(content).substr(8, 471)));
     content.replace(524, 4, Checksum(std::string_view(content).substr(8, 516)));
@@ -119,7 +119,7 @@ TEST_F(Pst_Test, Offline_Files_And_Address_Books) {
 }
 
 TEST_F(Pst_Test, Posts_And_Those_In_The_Top_Folder) {
-  SHARED_FILE_OR_SKIP(source, "test_unicode.pst");
+  REQUIRE_SHARED_FILE(source, "test_unicode.pst");
   EXPECT_EQ(Import(source).found, 2);
   EXPECT_EQ(Items_In({}), 1);
   EXPECT_EQ(Items_In({"Folder"}), 1);
@@ -128,8 +128,8 @@ TEST_F(Pst_Test, Posts_And_Those_In_The_Top_Folder) {
 }
 
 TEST_F(Pst_Test, A_Damaged_Item_Is_Named_And_The_Rest_Goes_In) {
-  SHARED_FILE_OR_SKIP(source, "dist-list.pst");
-  std::string damaged = Content_Of(source);
+  REQUIRE_SHARED_FILE(source, "dist-list.pst");
+  std::string damaged = Bytes_Of(source);
   damaged.replace(45056, 64, 64, '\xFF');  // within the appointment's properties
   const Import_Report report = Import(Write("damaged.pst", damaged));
   EXPECT_EQ(report.found, 3);
@@ -139,8 +139,8 @@ TEST_F(Pst_Test, A_Damaged_Item_Is_Named_And_The_Rest_Goes_In) {
 }
 
 TEST_F(Pst_Test, Files_That_Cannot_Be_Read_Change_Nothing) {
-  SHARED_FILE_OR_SKIP(source, "dist-list.pst");
-  const std::string whole = Content_Of(source);
+  REQUIRE_SHARED_FILE(source, "dist-list.pst");
+  const std::string whole = Bytes_Of(source);
   std::string no_trees = whole;
   no_trees.replace(whole.size() / 8, whole.size() - whole.size() / 8, whole.size() - whole.size() / 8,
                    '\x5A');

@@ -1,4 +1,4 @@
-// Charsets, HTML, RTF and dates: what turns foreign text into the store's.
+// Charsets, HTML, RTF and dates.
 #include <gtest/gtest.h>
 
 #include <string>

@@ -64,7 +64,7 @@ TEST_F(Tree, One_Store_Is_The_Root) {
   EXPECT_FALSE(folder_tree.TopLevelIsRoot);
   folder_tree.Set_Start_Folder();
   EXPECT_EQ(tree.Selected_Item(), Node("Inbox"));
-  EXPECT_EQ(labelled, Node("Inbox"));
+  EXPECT_EQ(window.lblCurrentFolder.Caption(), "Current Folder: Inbox");
   EXPECT_TRUE(tree.Expanded(1));
   for (int node = 1; node <= tree.Upper_Bound(); ++node) EXPECT_EQ(tree.Node_Tag(node), std::to_string(node));
   EXPECT_FALSE(tree.Visible());

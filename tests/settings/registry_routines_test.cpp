@@ -11,7 +11,7 @@ namespace {
 using namespace std::string_literals;
 using Value = Registry_Routines::New_Value;
 
-// Holds one value, byte by byte, and counts the keys that are open.
+// A registry with one value as raw bytes; counts open keys.
 struct One_Value : Registry {
   std::uint32_t type = registry_type::none;
   std::string bytes;

@@ -11,7 +11,7 @@ namespace {
 
 constexpr const char* key = "Software\\Tidyfold";
 
-// What another program finds there: its type, and its bytes.
+// The type and bytes that another program reads.
 std::pair<DWORD, std::string> Stored(const char* name) {
   DWORD type = REG_NONE, size = 64;
   std::string bytes(size, '?');

@@ -33,7 +33,7 @@ TEST_P(Store_Contract, Indexes_Count_From_One) {
   EXPECT_EQ(folder->Folders()->Count(), 2);
 }
 
-// Long enough for any store that reads ahead or in batches.
+// Enough items for stores that read ahead or in batches.
 TEST_P(Store_Contract, Collections_Are_Live_While_Items_Come_And_Go) {
   constexpr int count = 700;
   Add_Folder(1, "Deleted Items");
@@ -41,7 +41,7 @@ TEST_P(Store_Contract, Collections_Are_Live_While_Items_Come_And_Go) {
   for (int number = 1; number <= count; ++number) Add_Item(1, inbox, std::to_string(number));
   const Items_Ptr items = Open(1, {2})->Items();
   const Items_Ptr others = Open(1, {2})->Items();
-  // Forwards, with another program removing what has just been read ahead.
+  // Forwards, while another program removes what has just been read ahead.
   EXPECT_EQ(items->Item(1)->Subject(), "1");
   EXPECT_EQ(items->Item(2)->Subject(), "2");
   others->Remove(3);
@@ -100,7 +100,7 @@ TEST_P(Store_Contract, Items_Of_Every_Class_Keep_Every_Property) {
     item.body = "Text";
     item.unread = item_class % 2 == 0;
     item.size = 1000 + item_class;
-    // Each date is missing in some class, and no two are alike.
+    // Each date is missing in some class; no two dates are equal.
     Date* dates[] = {&item.received, &item.last_modified, &item.completed, &item.due, &item.end};
     for (int date = 0; date < 5; ++date) {
       if (item_class % 5 != date) *dates[date] = 45000 + item_class + date * 0.125;
@@ -136,7 +136,7 @@ TEST_P(Store_Contract, Bodies_Are_Cut_At_Characters) {
   }
 }
 
-// Only the store's own Deleted Items, on its top level, takes items in and lets them go for good.
+// Only the Deleted Items on the store's top level receives items and removes them for good.
 TEST_P(Store_Contract, Delete_Moves_To_Deleted_Items_Unless_The_Item_Lies_There) {
   const auto deleted = Add_Folder(1, "Deleted Items");
   const auto inbox = Add_Folder(1, "Inbox");
@@ -330,7 +330,7 @@ TEST_P(Store_Contract, Texts_Come_Back_As_They_Were) {
     EXPECT_EQ(read->MAPIOBJECT()->String_Property(sender_name_tag), stores_->Sender_As_Kept(text));
     Open(1)->Folders()->Remove(1);
   }
-  // Bytes that are no UTF-8 may be replaced, and the rest stays readable.
+  // Invalid UTF-8 may be replaced; the rest stays readable.
   const auto folder = Add_Folder(1, "a\xff\x80z");
   EXPECT_EQ(Valid_Utf8(folder->Name()), Valid_Utf8("a\xff\x80z"));
 }
@@ -379,7 +379,7 @@ TEST_P(Store_Contract, Several_Stores_Are_Kept_Apart) {
   EXPECT_EQ(session_->Folders()->Count(), 2);
 }
 
-// An identifier that came back would make a caller delete another item than the one it remembers.
+// With a reused identifier a caller would delete another item than the one it remembers.
 TEST_P(Store_Contract, Identifiers_Are_Never_Given_Twice) {
   std::set<std::string> ids{Open(1)->EntryID()};
   auto& writer = stores_->Writer(1);

@@ -25,22 +25,5 @@ INSTANTIATE_TEST_SUITE_P(
                                [] { return Decorated(std::make_unique<Two_Memory_Stores>()); }}),
     Kind_Name);
 
-TEST(Memory_Store, Lets_Another_Program_Move_And_Rename) {
-  Memory_Outlook outlook;
-  Memory_Store& store = outlook.Add_Store("One");
-  const auto inbox = store.Folder({"Inbox"}), drafts = store.Folder({"Drafts"});
-  const std::string id = store.Add_Item(*inbox, {});
-  const Item_Ptr item = inbox->Items()->Item(1);
-  store.Move_Item(id, *drafts);
-  store.Move_Folder(*drafts, *inbox);
-  store.Rename_Folder(*drafts, "Renamed");
-  store.Change_Item(id, [](New_Item& changed) { changed.subject = "changed"; });
-  EXPECT_EQ(item->Parent()->EntryID(), store.Folder({"Inbox", "Renamed"})->EntryID());
-  EXPECT_EQ(store.Item(id)->Subject(), "changed");
-  EXPECT_EQ(store.Reads(id), 1) << "only what Items.Item hands out counts";
-  EXPECT_EQ(store.Top_Folder()->Folders()->Count(), 9);
-  EXPECT_EQ(Error_Of([&] { store.Move_Folder(*inbox, *drafts); }), automation_error::call_failed);
-}
-
 }  // namespace
 }  // namespace tidyfold

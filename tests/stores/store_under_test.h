@@ -31,9 +31,9 @@ class Store_Under_Test {
   virtual ~Store_Under_Test() = default;
   virtual Automation& Outlook() = 0;
   virtual Store_Writer& Writer(int number) = 0;  // 1 or 2, as in the session's Folders
-  // Whether Size says anything but 0.
+  // Whether Size returns the real size.
   virtual bool Tells_Sizes() const { return true; }
-  // What becomes of a sender's name in the store.
+  // The sender's name as the store returns it.
   virtual std::string Sender_As_Kept(const std::string& sender) const { return sender; }
 };
 
@@ -53,7 +53,7 @@ inline std::string Kind_Name(const testing::TestParamInfo<Store_Kind>& kind) {
 class Decorated_Store : public Store_Under_Test {
  public:
   explicit Decorated_Store(std::unique_ptr<Store_Under_Test> inner) : inner_(std::move(inner)) {
-    // A watched decorator asks for identities, which must change nothing either.
+    // With a hook, the decorator reads identities, which must change nothing.
     plan_.on_call = [](const Store_Call&) {};
   }
   Automation& Outlook() override { return outlook_; }
@@ -75,13 +75,13 @@ inline std::unique_ptr<Store_Under_Test> Decorated(std::unique_ptr<Store_Under_T
 
 class Store_Contract : public testing::TestWithParam<Store_Kind> {
  protected:
-  // By way of the session: the folder that the indexes lead to from the store's top folder.
+  // Through the session: the folder at these indexes, from the store's top folder down.
   MAPIFolder_Ptr Open(int store, std::initializer_list<std::int32_t> path = {}) {
     MAPIFolder_Ptr folder = session_->Folders()->Item(store);
     for (const std::int32_t index : path) folder = folder->Folders()->Item(index);
     return folder;
   }
-  // By way of the writer, behind the last folder or item.
+  // Through the writer; adds at the end.
   MAPIFolder_Ptr Add_Folder(int store, const std::string& name, MAPIFolder_Ptr parent = nullptr,
                             std::int32_t type = item_type::mail) {
     if (parent == nullptr) parent = stores_->Writer(store).Top_Folder();
@@ -92,7 +92,7 @@ class Store_Contract : public testing::TestWithParam<Store_Kind> {
     item.subject = subject;
     return stores_->Writer(store).Add_Item(*folder, item);
   }
-  // Every subject, parted by blanks.
+  // Every subject, with blanks between.
   static std::string Subjects(const MAPIFolder_Ptr& folder) {
     std::string all;
     const Items_Ptr items = folder->Items();
@@ -107,7 +107,7 @@ class Store_Contract : public testing::TestWithParam<Store_Kind> {
       stores_->Outlook().GetObject("", "Outlook.Application")->GetNamespace("MAPI");
 };
 
-// The number of the Automation_Error that the call throws; 0 when it throws none.
+// The number of the Automation_Error that the call throws; 0 if none.
 template <class Call>
 std::int32_t Error_Of(Call&& call) {
   try {

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""What the installer brings is there, and what it brought is gone after it was taken away again."""
+"""The installer installs everything, and the uninstaller removes exactly that."""
 
 import pathlib
 import subprocess
@@ -35,14 +35,14 @@ def main():
     own.write_text("mine")
     subprocess.run([wine, "C:\\Program Files\\Tidyfold\\tidyfold-cli.exe", "--version"], check=True)
     subprocess.run([wine, "C:\\Program Files\\Tidyfold\\uninstall.exe", "/S"], check=True)
-    # It goes on in a copy of itself; the key is the last that it takes away.
+    # The uninstaller continues in a copy of itself; it removes the key last.
     end = time.monotonic() + 60
     while has_key(uninstall_key) and time.monotonic() < end:
         time.sleep(0.1)
     check(False)
     assert own.read_text() == "mine", "A person's own file went with the program."
     own.unlink()
-    place.rmdir()  # nothing else was left in it
+    place.rmdir()  # fails unless empty
 
 
 if __name__ == "__main__":

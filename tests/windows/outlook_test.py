@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The window without a store file works on Outlook: on the test server, which another client fills and reads."""
+"""The window without a store file cleans Outlook: the test server, which a script fills and reads."""
 
 import pathlib
 import shutil

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The window on a store file, from tick to summary, what it leaves in the store, and its help."""
+"""The window on a store file, from tick to summary, the store afterwards, and help."""
 
 import json
 import pathlib
@@ -13,7 +13,7 @@ SITE = "http://help.invalid"
 
 
 def counts(wine, cli, store):
-    """Items by folder, as the command line tells them."""
+    """Items by folder, from the command line."""
     run = subprocess.run([wine, cli, "--store", windows_path(store), "folders", "--json"], check=True,
                          capture_output=True, text=True)
     return {folder["path"]: folder["items"] for folder in json.loads(run.stdout)}
@@ -22,14 +22,14 @@ def counts(wine, cli, store):
 def ask_for_help(window, browsed):
     def in_front(what):
         window.wait(f"{what} in front", lambda: window.state().get("keyboard") == what)
-    # The book, in the system's viewer, which draws no pages under Wine.
+    # The book opens in the system's viewer, which draws no pages under Wine.
     in_front("window")
     window.x("key", "F1")
     in_front("other")
     window.picture("help-book")
     window.x("key", "alt+F4")
     in_front("window")
-    # Wine has nothing that could show a page, so the system's browser is asked to.
+    # Wine has no page engine, so the system's browser is used.
     window.x("key", "ctrl+h")
     window.answer(f"opens in your Web browser:\r\n{SITE}/tidyfoldhelp/index.html")
     window.wait("the page in the browser", lambda: browsed.exists() and browsed.read_text().strip())

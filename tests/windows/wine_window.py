@@ -1,4 +1,4 @@
-"""tidyfold-driven.exe under Wine on a screen of its own, with a mouse and a keyboard."""
+"""Drives tidyfold-driven.exe under Wine on a virtual screen by mouse and keyboard."""
 
 import json
 import os
@@ -30,11 +30,11 @@ class Wine_Window:
         os.close(write)
         with os.fdopen(read) as told:
             display = told.readline().strip()
-        # A Windows of its own: one that was started without a screen shows no windows later.
+        # A prefix of its own: one that was started without a screen shows no windows later.
         self.environment = dict(os.environ, DISPLAY=":" + display, WINEPREFIX=str(self.folder / "wine"),
                                 TIDYFOLD_WINDOW_STATE=windows_path(self.state_file))
         self.run("wineboot", "--init")
-        # A desktop of Wine's own: the keyboard follows Windows' rules, not a window manager's.
+        # In a Wine desktop the keyboard focus follows Windows' rules, not a window manager's.
         for key, name, value in ((r"HKCU\Software\Wine\Explorer", "Desktop", "Tests"),
                                  (r"HKCU\Software\Wine\Explorer\Desktops", "Tests", SCREEN)):
             self.run("reg", "add", key, "/v", name, "/d", value, "/f")
@@ -46,12 +46,12 @@ class Wine_Window:
             self.program = self.start([str(wine), str(program), *arguments], stderr=errors)
 
     def run(self, *words):
-        """One of Wine's programs, to its end; gives what it printed."""
+        """Runs one of Wine's programs to its end; returns its output."""
         return subprocess.run([self.wine, *map(str, words)], env=self.environment, check=True, text=True,
                               stdout=subprocess.PIPE, stderr=subprocess.DEVNULL).stdout
 
     def give_fonts(self):
-        """Wine's fonts, where its package put them aside, and letters that they lack."""
+        """Links Wine's packaged fonts and a fallback for missing characters."""
         fonts = pathlib.Path(self.environment["WINEPREFIX"], "drive_c/windows/Fonts")
         for font in pathlib.Path("/usr/share/wine/fonts").glob("*.ttf"):
             if not (fonts / font.name).exists():
@@ -61,7 +61,7 @@ class Wine_Window:
                      "/t", "REG_MULTI_SZ", "/d", "DejaVuSans.ttf,DejaVu Sans", "/f")
 
     def quit(self):
-        """By the keyboard; the program must end well and its toolkit have nothing to complain of."""
+        """Quits by keyboard; expects exit status 0 and no failed checks of the toolkit."""
         self.x("key", "ctrl+q")
         self.answer("Quit Tidyfold?", "alt+y")
         self.program.wait(60)
@@ -89,7 +89,7 @@ class Wine_Window:
         return run.stdout.strip()
 
     def wait(self, what, condition):
-        """Until the condition gives something true, which is returned."""
+        """Waits until the condition is true and returns its value."""
         end = time.monotonic() + PATIENCE
         while time.monotonic() < end:
             found = condition()
@@ -102,7 +102,7 @@ class Wine_Window:
         raise AssertionError(f"There was never {what}. The last state: {json.dumps(self.state())[:3000]}")
 
     def state(self):
-        """The newest that the program has written. While it replaces the file there is none for a moment."""
+        """The last state that the program wrote; the file is missing for a moment while it is replaced."""
         try:
             self.last_state = json.loads(self.state_file.read_text(encoding="utf-8"))
         except (OSError, ValueError):
@@ -121,7 +121,7 @@ class Wine_Window:
         self.x("mousemove", round(x), round(top + height / 2), "click", 1)
 
     def box(self, words):
-        """Waits for a message box with these words that the keyboard writes to."""
+        """Waits for a message box with these words to have the keyboard."""
 
         def there():
             boxes = self.state().get("boxes")
@@ -156,6 +156,6 @@ class Wine_Window:
     def tick_folder(self, name):
         node = self.wait(f"the folder {name}", lambda: self.node(name))
         left, top, width, height = node["rectangle"]
-        # The box stands a little into the node, at its text's left.
+        # The check box is left of the text.
         self.click((left, top, width, height), 12)
         self.wait(f"{name}, ticked", lambda: self.node(name)["checked"])

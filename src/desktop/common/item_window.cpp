@@ -43,12 +43,12 @@ wxString Attachments(const Displayed_Item& item) {
   return line;
 }
 
-wxString Without_Forbidden_Characters(wxString name) {
-  for (wxUniCharRef character : name) {
-    if (wxFileName::GetForbiddenChars().Contains(character) || character == '/' || character < ' ')
-      character = '_';
-  }
-  return name.Left(100).Trim();
+wxString Without_Forbidden_Characters(const wxString& name) {
+  const wxString forbidden = wxFileName::GetForbiddenChars() + "/";
+  wxString allowed;
+  for (const wxUniChar character : name)
+    allowed += forbidden.Contains(character) || character < ' ' ? wxUniChar('_') : character;
+  return allowed.Left(100).Trim();
 }
 
 }  // namespace

@@ -30,6 +30,7 @@ int Run_Program(int argc, char** argv, Program_Observer* observer) {
   // wxWidgets makes the program by a plain function, once it is ready for timers and windows.
   static std::vector<std::filesystem::path> paths;
   static Program_Observer* watching;
+  paths.reserve(stores.size());
   for (const std::string& store : stores) paths.push_back(File_Path(store));
   watching = observer;
   wxApp::SetInitializerFunction([]() -> wxAppConsole* { return new Program(paths, watching); });

@@ -19,11 +19,11 @@ inline wxString To_Wx(std::string_view text) {
 // For one line of a list: line breaks and tabs show as one blank.
 inline wxString To_One_Line(std::string_view text) {
   const wxString lines = To_Wx(text);
-  if (lines.find_first_of("\r\n\t") == wxString::npos) return lines;
+  const wxString gaps = "\r\n\t";
+  if (lines.find_first_of(gaps) == wxString::npos) return lines;
   wxString line;
   for (const wxUniChar character : lines) {
-    const bool gap = character == '\r' || character == '\n' || character == '\t';
-    if (!gap) {
+    if (!gaps.Contains(character)) {
       line += character;
     } else if (!line.empty() && line.Last() != ' ') {
       line += ' ';

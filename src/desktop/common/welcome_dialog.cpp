@@ -35,7 +35,7 @@ Welcome_Dialog::Welcome_Dialog(Store_Files& files)
 
   auto* const offers = new wxFlexGridSizer(2, FromDIP(wxSize(16, 10)));
   const auto offer = [&](const wxString& name, const wxString& label, const wxString& note,
-                         std::function<bool()> command) {
+                         const std::function<bool()>& command) {
     auto* const button = new wxButton(this, wxID_ANY, label);
     button->SetName(name);
     button->SetMinSize(wxSize(-1, FromDIP(40)));

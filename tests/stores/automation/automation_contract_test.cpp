@@ -12,7 +12,7 @@ class Two_Outlook_Stores : public Store_Under_Test {
   Automation& Outlook() override { return outlook_; }
   Store_Writer& Writer(int number) override { return number == 1 ? first_ : second_; }
   bool Tells_Sizes() const override { return false; }
-  // MAPI's texts end at the first NUL.
+  // MAPI texts end at the first NUL.
   std::string Sender_As_Kept(const std::string& sender) const override { return sender.c_str(); }
 
  private:

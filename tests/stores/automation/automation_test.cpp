@@ -1,5 +1,5 @@
 // The whole program, and single calls, over real COM.
-// In front of all others, as it takes away a macro of the system's.
+// First, since it undefines a macro of the system headers.
 #include "stores/automation/com.h"
 
 #include <sddl.h>
@@ -24,7 +24,7 @@ struct Served_Store {
   std::shared_ptr<NameSpace> Open() {
     return outlook.GetObject("", "Outlook.Application")->GetNamespace("MAPI");
   }
-  // Calls to Outlook so far, and those that ask for the id of a name.
+  // Calls to Outlook so far, and those of GetIDsOfNames.
   std::pair<int, int> Calls() { return {server.Calls_Of(""), server.Calls_Of("GetIDsOfNames")}; }
 
   Test_Outlook server;
@@ -35,10 +35,10 @@ struct Served_Store {
 }  // namespace
 
 TEST(Automation, Every_Kind_Of_Run_Takes_What_Was_Chosen) {
-  for (const Way& way : ways) {
+  for (const Kind_Of_Run& way : ways) {
     SCOPED_TRACE(way.name);
     Served_Store store;
-    Way_Run f(way, 1, store.Instead());
+    Kind_Run f(way, 1, store.Instead());
     f.Run();
     f.Expect_Nothing_Else();
     EXPECT_EQ(f.Everything(), f.expected);
@@ -87,14 +87,14 @@ TEST(Automation, Attaches_To_What_Runs_And_Starts_What_Does_Not) {
   }
 }
 
-// What it costs, with the fixed part of a folder taken out: a mail read, and one deleted for good.
+// The marginal cost of a mail in calls, to read it and to delete it.
 TEST(Automation, Calls_Stay_Within_Their_Budget) {
   struct Cost {
     int read, deleted, ids;
   };
   const auto measure = [](int items, const std::string& options) {
     Served_Store store;
-    Way_Run f({"", options, ""}, 0, store.Instead());
+    Kind_Run f({"", options, ""}, 0, store.Instead());
     f.Add("Inbox", "to go", items);
     f.Add("Inbox", "unread", 2);  // stays
     const int at_first = store.Calls().first;
@@ -114,7 +114,7 @@ TEST(Automation, Calls_Stay_Within_Their_Budget) {
     std::cout << "calls for a mail: " << read << " to read it, " << deleted << " for a run ("
               << (options.empty() ? "moved, and read again" : "deleted for good") << ")\n";
     EXPECT_LE(read, 8);
-    // What only moved is read once more, in Deleted Items.
+    // Moved items are read once more in Deleted Items.
     EXPECT_LE(deleted, options.empty() ? 4 + 8 : 6);
     EXPECT_EQ(few.ids, more.ids) << "ids of names are asked for once";
   }
@@ -171,10 +171,10 @@ TEST(Automation, Failures_Come_As_They_Were_Told) {
 
 TEST(Automation, Outlook_That_Ends_In_The_Middle_Is_Told_Of_Once) {
   int number = 1;
-  for (const Way& way : ways) {
+  for (const Kind_Of_Run& way : ways) {
     SCOPED_TRACE(way.name + " " + std::to_string(number));
     Served_Store store;
-    Way_Run f(way, 1, store.Instead());
+    Kind_Run f(way, 1, store.Instead());
     f.before_run = [&] { store.server.Tell("Vanish", number); };
     f.Run();
     EXPECT_FALSE(Test_Outlook::Is_Running());
@@ -219,7 +219,7 @@ TEST(Companion, Without_It_Mail_Is_Shown_All_The_Same) {
   EXPECT_EQ(f.grid.Rows(), 2);
 }
 
-// For a while, a place where nothing can be written stands for what belongs to the machine.
+// A key without write access stands in for HKEY_LOCAL_MACHINE.
 TEST(Companion, Is_Registered_For_The_User_Where_The_Machine_Is_Out_Of_Reach) {
   ASSERT_TRUE(Test_Outlook::Register_Companion(false));
   const wchar_t* const place = L"Software\\Tidyfold test machine";

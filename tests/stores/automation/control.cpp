@@ -7,7 +7,7 @@ using com::Variant;
 
 namespace {
 
-// Stands for the folder with these identifiers, wherever a store asks for one.
+// Passes a folder's identifiers where a store expects a folder.
 class Folder_Key : public MAPIFolder {
  public:
   Folder_Key(const Variant& store_id, const Variant& entry_id)

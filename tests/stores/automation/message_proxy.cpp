@@ -1,5 +1,5 @@
-// The proxy of the test server's messages: it comes into being in the process of whoever asks for an item's
-// MAPIOBJECT, offers IMAPIProp there, and fetches properties from the server.
+// The proxy of the test server's messages: created in the process that asks for an item's MAPIOBJECT, it
+// offers IMAPIProp there and gets properties from the server.
 #include <windows.h>
 
 #include <mapicode.h>
@@ -20,7 +20,7 @@ const IID& tidyfold::com::Id_Of<IMAPIProp>() {
 
 namespace {
 
-// To be freed by MAPIFreeBuffer.
+// Free with MAPIFreeBuffer.
 void* Allocate(std::size_t size) {
   using Function = SCODE(WINAPI*)(ULONG, void**);
   static const HMODULE library = LoadLibraryW(L"mapi32.dll");

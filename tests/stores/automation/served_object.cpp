@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t most_names = 64, first_unlike = 1000;
 
-// Places of names are given as they come up, behind the one whose id is known.
+// Names in order of first use, after the one with a fixed id.
 std::vector<std::string>& Names() {
   static std::vector<std::string> names = {"GetProps"};
   return names;
@@ -40,7 +40,7 @@ Served::Served(Switches& switches, std::string type, std::int32_t item_class)
   most = std::max(most, ++switches_.open[type_]);
 }
 
-// Names that every item has bear the same id in all of them, the others one of their class's own.
+// Members of all items have the same id everywhere, the others one for each class.
 DISPID Served::Id_At(std::size_t place, const std::string& name) const {
   static const std::set<std::string> shared = {"Class", "Delete", "Display", "EntryID",
                                                "Move",  "Parent", "Subject"};

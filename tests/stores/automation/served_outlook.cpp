@@ -22,7 +22,7 @@ Ptr<IDispatch> Serve(World& world, const Item_Ptr& item);
 Ptr<IDispatch> Serve(World& world, const Store_Ptr& store);
 Ptr<IUnknown> Serve(World& world, const std::shared_ptr<Mapi_Object>& message);
 
-// What a member answers, as automation passes it. A Date is a double, and nothing else is.
+// Converts a result for automation. Only dates are doubles.
 template <class Value>
 Variant Pass(World& world, const Value& value) {
   if constexpr (std::is_same_v<Value, Date>) {
@@ -59,7 +59,7 @@ void Offer(World& world, Served& served, const std::shared_ptr<Object>& object, 
   });
 }
 
-// Names and members by turns.
+// Takes names and members in turn.
 template <class Object, class Member, class... More>
 void Offer(World& world, Served& served, const std::shared_ptr<Object>& object, const char* name,
            Member member, More... more) {
@@ -87,7 +87,7 @@ Ptr<IDispatch> Open_Name_Space(World& world, const std::string& type) {
   return As_Dispatch(std::move(served));
 }
 
-// Marshals itself into a client's process as message_proxy.dll, which offers IMAPIProp there.
+// Marshals itself into client processes as message_proxy.dll, which offers IMAPIProp.
 class Message : public com::Com_Object<IMarshal> {
  public:
   explicit Message(Ptr<IDispatch> reader) : reader_(std::move(reader)) {}
@@ -116,7 +116,7 @@ class Message : public com::Com_Object<IMarshal> {
 Ptr<IUnknown> Serve(World& world, const std::shared_ptr<Mapi_Object>& message) {
   Ptr<Served> reader(new Served(world.switches, "Message"));
   reader->Offer("GetProps", [=](auto& a) {
-    // Of all properties the stores in memory keep one.
+    // The only property that the stores in memory keep.
     const auto number = static_cast<std::uint32_t>(a.at(0).Number());
     const std::string text = message->String_Property((number << 16) | (sender_name_tag & 0xFFFF));
     return number == sender_name_tag >> 16 ? Variant(text) : Variant();
@@ -159,7 +159,7 @@ Ptr<IDispatch> Serve(World& world, const Item_Ptr& item) {
         &Item::End, "MAPIOBJECT", &Item::MAPIOBJECT, "Parent", &Item::Parent, "Delete", &Item::Delete,
         "Display", &Item::Display);
   served->Offer("Body", [=](auto&) { return Variant(item->Body()); });
-  // A folder that was served comes back as the object that it is.
+  // A served folder comes back as the same object.
   served->Offer("Move", [=, &world](auto& a) {
     return Variant(Serve(world, item->Move(*dynamic_cast<Served_Folder&>(*a.at(0).Object()).folder)));
   });

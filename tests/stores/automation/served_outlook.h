@@ -1,5 +1,5 @@
-// Outlook's object model, as far as it is published and the program uses it, over stores in memory; what its
-// objects are made of, and what a test can do to their calls.
+// The part of Outlook's published object model that the program uses, over stores in memory, and the switches
+// by which a test changes how calls behave.
 #pragma once
 
 #include <functional>
@@ -14,28 +14,28 @@
 
 namespace tidyfold::test_server {
 
-// Every call into a served object passes here first.
+// Consulted before every call of a served object.
 struct Switches {
   std::map<std::string, int> calls_of;  // "Item.Subject", "Folders.Count", ..., "GetIDsOfNames", "" for all
   std::map<std::string, int> open, most_open;  // objects, by type
   std::string fail_member;
-  int fail_in = 0;  // the how-manieth call of it from now on fails; all of them when negative
+  int fail_in = 0;  // which call of it from now on fails; negative: all
   std::int32_t fail_number = 0;
   std::function<void()> vanish;
-  int vanish_in = 0;        // the how-manieth call of anything from now on ends the process; 0: none
-  bool ids_unlike = false;  // items of different classes share no ids, and one's id is another's name's
+  int vanish_in = 0;        // which call from now on ends the process; 0: none
+  bool ids_unlike = false;  // classes of items have different, overlapping ids
 
   void Before(const std::string& member);
 };
 
 using Arguments = std::vector<com::Variant>;
 
-// Its members are those that it offers; called by name.
+// An object whose members are added one by one and called by name.
 class Served : public com::Com_Object<IDispatch> {
  public:
   using Body = std::function<com::Variant(const Arguments&)>;
-  // `type` stands in front of the names in counts and faults; an empty one is neither counted nor failed.
-  // Items have a class.
+  // `type` is the prefix of names in counts and faults; calls of an empty type are neither counted nor
+  // failed. The class is that of items.
   Served(Switches& switches, std::string type, std::int32_t item_class = 0);
   ~Served() override { --switches_.open[type_]; }
   void Offer(const char* name, Body body) { members_[name] = std::move(body); }
@@ -47,7 +47,7 @@ class Served : public com::Com_Object<IDispatch> {
                                    VARIANT* answer, EXCEPINFO* told, UINT*) override;
 
  private:
-  // From a name's place among all names to its id, and back.
+  // Converts the place of a name among all names to its id and back.
   DISPID Id_At(std::size_t place, const std::string& name) const;
   std::size_t Place_Of(DISPID id) const;
 
@@ -59,7 +59,7 @@ class Served : public com::Com_Object<IDispatch> {
 
 struct World {
   Switches switches;
-  int busy_calls = 0;  // so many calls from now on are turned away
+  int busy_calls = 0;  // the next calls that are rejected
   // The last one is open; clients may still hold objects of the others.
   std::vector<std::unique_ptr<Memory_Outlook>> outlooks;
 
@@ -68,7 +68,7 @@ struct World {
 
 com::Ptr<IDispatch> Make_Application(World& world);
 com::Ptr<IDispatch> Serve(World& world, const MAPIFolder_Ptr& folder);
-// Through which a test fills the stores and sets the switches. Not part of the object model.
+// For tests: fills the stores and sets the switches. Not part of the object model.
 com::Ptr<IDispatch> Make_Control(World& world);
 
 }  // namespace tidyfold::test_server

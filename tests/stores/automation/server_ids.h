@@ -1,4 +1,4 @@
-// The names under which the test server is registered, and what tests and server tell each other by.
+// Names and identifiers that the tests share with the test server.
 #pragma once
 
 #include <windows.h>
@@ -7,10 +7,10 @@ namespace tidyfold::test_server {
 
 inline constexpr const wchar_t* outlook_program = L"Outlook.Application";
 inline constexpr const wchar_t* control_program = L"Tidyfold.TestOutlook";
-// Set once the server can be found.
+// Set when the server is registered.
 inline constexpr const wchar_t* ready_event = L"Tidyfold test Outlook is ready";
 
-// {0B2F0A4E-6D0B-4C58-9E43-6A1F5D6B7C02} and, for the control, ...03.
+// {0B2F0A4E-6D0B-4C58-9E43-6A1F5D6B7C02}; the control ends in 03.
 inline constexpr CLSID outlook_class = {
     0x0B2F0A4E, 0x6D0B, 0x4C58, {0x9E, 0x43, 0x6A, 0x1F, 0x5D, 0x6B, 0x7C, 0x02}};
 inline constexpr CLSID control_class = {
@@ -19,7 +19,7 @@ inline constexpr CLSID control_class = {
 // {0B2F0A4E-6D0B-4C58-9E43-6A1F5D6B7C01}: the proxy of messages.
 inline constexpr CLSID message_proxy_class = {
     0x0B2F0A4E, 0x6D0B, 0x4C58, {0x9E, 0x43, 0x6A, 0x1F, 0x5D, 0x6B, 0x7C, 0x01}};
-// The id of what the proxy calls: GetProps(number of the property), its text or nothing.
+// The id of the proxy's call: GetProps(number of the property) returns its text or nothing.
 inline constexpr DISPID message_member = 1;
 
 }  // namespace tidyfold::test_server

@@ -1,8 +1,7 @@
-// A program that calls itself Outlook, for tests: it offers Outlook's published object model over stores in
-// memory.
+// Stands in for Outlook in tests: offers its published object model over stores in memory.
 //
-//   outlook_server.exe /RegServer   writes itself into the registry (under Wine only)
-//   outlook_server.exe              serves until it is told to quit, or nobody has called for two minutes
+//   outlook_server.exe /RegServer   registers itself (under Wine only)
+//   outlook_server.exe              serves until it is told to quit, or for two minutes without a call
 #include <array>
 #include <cstdio>
 #include <cstring>
@@ -56,7 +55,7 @@ class Filter : public com::Com_Object<IMessageFilter> {
   DWORD STDMETHODCALLTYPE HandleInComingCall(DWORD, HTASK, DWORD, LPINTERFACEINFO) override {
     last_call = GetTickCount64();
     if (world_.busy_calls <= 0) return SERVERCALL_ISHANDLED;
-    // Wine makes the call all the same where the answer is to try again later.
+    // Wine makes the call in spite of SERVERCALL_RETRYLATER.
     --world_.busy_calls;
     return SERVERCALL_REJECTED;
   }
@@ -75,7 +74,7 @@ int Serve() {
   world.outlooks.push_back(std::make_unique<Memory_Outlook>());
   Filter filter(world);
   CoRegisterMessageFilter(&filter, nullptr);
-  // One object for everybody.
+  // All clients share these objects.
   const com::Ptr<IDispatch> application = Make_Application(world), control = Make_Control(world);
   const auto factory = [](const com::Ptr<IDispatch>& object) {
     return new com::Class_Factory([object] { return com::Ptr<IUnknown>::Share(object.Get()); });
@@ -86,8 +85,8 @@ int Serve() {
                         &classes[0]);
   CoRegisterClassObject(outlook_class, factory(application), CLSCTX_LOCAL_SERVER, REGCLS_MULTIPLEUSE,
                         &classes[1]);
-  // Wine does not notice that a process has gone, and would go on to send clients there. Clients may hold
-  // objects; what they do with them now fails, and nothing is taken down under a call.
+  // Wine does not notice that a process has ended and would still send clients there. Objects that clients
+  // hold fail from now on; nothing is destroyed during a call.
   world.switches.vanish = [&] {
     RevokeActiveObject(active, nullptr);
     for (const DWORD one : classes) CoRevokeClassObject(one);

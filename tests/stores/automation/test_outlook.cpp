@@ -13,7 +13,7 @@ using test_server::control_class;
 using test_server::control_program;
 using test_server::ready_event;
 
-// The server's files lie beside the test's.
+// The server is beside the test program.
 std::wstring Beside(const wchar_t* name) {
   std::array<wchar_t, MAX_PATH> path{};
   GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
@@ -44,7 +44,7 @@ DWORD Run(const std::wstring& line) {
   return status;
 }
 
-// Server and companion are written into the registry before the first test; the server ends after the last.
+// Registers server and companion before the first test and stops the server after the last.
 class Registered_Server : public testing::Environment {
  public:
   void SetUp() override {
@@ -60,7 +60,7 @@ class Registered_Server : public testing::Environment {
 [[maybe_unused]] testing::Environment* const registered =
     testing::AddGlobalTestEnvironment(new Registered_Server);
 
-// A server that is to be busy turns away what a test needs of it as well.
+// A busy server rejects the test's own calls, too.
 template <class Make_Call>
 HRESULT Until_Answered(Make_Call&& call) {
   HRESULT result = call();
@@ -108,7 +108,7 @@ bool Test_Outlook::Is_Running() {
   CLSID outlook = test_server::outlook_class;
   com::Ptr<IUnknown> running;
   if (FAILED(GetActiveObject(outlook, nullptr, running.Receive()))) return false;
-  // What has ended without a word is found all the same.
+  // The table may still hold a process that has ended.
   com::Ptr<IDispatch> object;
   UINT count = 0;
   return SUCCEEDED(Until_Answered([&] {
@@ -144,7 +144,7 @@ void Test_Outlook::Stop() {
   try {
     Call(*control, "Quit", none);
   } catch (const Automation_Error&) {
-    // It may be gone before it has answered.
+    // The server may end before it answers.
   }
   WaitForSingleObject(process, INFINITE);
   CloseHandle(process);

@@ -1,4 +1,4 @@
-// The test server as tests see it: started, told what to hold and how to behave, and counted.
+// Starts and controls the test server and reads its counts.
 #pragma once
 
 #include <array>
@@ -12,14 +12,14 @@
 
 namespace tidyfold {
 
-// One server serves all tests of a program, one after the other; it is started when there is none.
+// One server for all tests of a program; started if it is not running.
 class Test_Outlook {
  public:
-  // Empty stores; all switches off.
+  // Resets the server: no stores, all switches off.
   Test_Outlook();
   ~Test_Outlook() = default;
 
-  // Of the control's members, by name; see control.cpp.
+  // Calls a member of the control by name; see control.cpp.
   template <class... Values>
   com::Variant Tell(const char* member, const Values&... values) {
     std::vector<com::Variant> arguments;
@@ -30,10 +30,10 @@ class Test_Outlook {
   int Calls_Of(const std::string& member) { return Tell("CallsOf", member).Number(); }
   com::Session_Ptr Session() { return session_; }
 
-  // Ends the server, if it runs, and waits until it has ended.
+  // Ends the server if it runs and waits for its end.
   static void Stop();
   static bool Is_Running();
-  // With the system's own tool; false when it failed.
+  // With regsvr32; false if it failed.
   static bool Register_Companion(bool there);
 
  private:
@@ -41,7 +41,7 @@ class Test_Outlook {
   com::Ptr<IDispatch> control_;
 };
 
-// Puts items into one of its stores.
+// Writes to one of the server's stores.
 class Test_Writer : public Store_Writer {
  public:
   Test_Writer(Test_Outlook& outlook, std::int32_t number) : outlook_(outlook), number_(number) {}

@@ -1,26 +1,26 @@
-// Which calls into a store fail, and what happens in front of them. A test sets it up and reads the counts
-// from it; faulty_automation.h puts it to work.
+// Which calls into a store fail, and what happens before them. A test sets it up and reads its counts;
+// faulty_automation.h applies it.
 #pragma once
 
 #include <cstdint>
 #include <functional>
 #include <map>
-#include <optional>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "errors/automation_error.h"
 
 namespace tidyfold {
 
-// One call, about to be made.
+// A call that is about to be made.
 struct Store_Call {
-  // The interface and the member, as in object_model.h: "Item.Delete", "Items.Count", "NameSpace.Folders",
-  // "Automation.GetObject".
+  // Interface and member, as in object_model.h: "Item.Delete", "NameSpace.Folders", "Automation.GetObject".
   std::string_view member;
-  // Of the item or folder; for a collection, and for a message object, of that which it belongs to. Empty
-  // where there is none, or where it cannot be read.
+  // Of the item or folder; for a collection or a message object, of its owner. Empty if there is none, or if
+  // it cannot be read.
   std::string entry_id;
   // The argument of a collection's Item and Remove, otherwise 0.
   std::int32_t index;
@@ -28,46 +28,57 @@ struct Store_Call {
 
 class Fault_Plan {
  public:
-  // The number-th call of the member from now on fails, counted from 1; those before and after it do not.
-  void Fail_Call(std::string member, int number, Automation_Error error);
-  // Every call for which the predicate holds fails.
-  void Fail_Where(std::function<bool(const Store_Call&)> predicate, Automation_Error error);
-  void Fail_Always(std::string member, Automation_Error error);
-  // No fault is set any more; the counts stay.
-  void Forget_Faults();
+  using Predicate = std::function<bool(const Store_Call&)>;
 
-  // Calls of a member so far, those that failed included.
-  int Calls(std::string_view member) const;
-  // Faults that have been thrown.
+  // Every call for which the predicate holds fails.
+  void Fail_Where(Predicate predicate, Automation_Error error) {
+    faults_.emplace_back(std::move(predicate), std::move(error));
+  }
+  void Fail_Always(std::string member, Automation_Error error) {
+    Fail_Where([=](const Store_Call& call) { return call.member == member; }, std::move(error));
+  }
+  // Only the number-th call of the member from now on fails, counted from 1.
+  void Fail_Call(std::string member, int number, Automation_Error error) {
+    Fail_Where([=](const Store_Call& call) mutable { return call.member == member && --number == 0; },
+               std::move(error));
+  }
+  void Forget_Faults() { faults_.clear(); }
+
+  // Calls of a member so far, failed ones included.
+  int Calls(std::string_view member) const {
+    const auto found = calls_.find(member);
+    return found == calls_.end() ? 0 : found->second;
+  }
+  // Faults thrown so far.
   int Thrown() const { return thrown_; }
 
-  // Runs in front of every call, before it is decided whether the call fails, so that a test can act as
-  // another program at that very moment. Not called for calls that it makes itself.
+  // Runs before every call, so that a test can act as another program at that moment. Not run for calls that
+  // it makes itself.
   std::function<void(const Store_Call&)> on_call;
 
-  // What a decorated object calls before it passes the call on; the identity is asked for only when somebody
-  // wants to know it.
-  void Before(std::string_view member, std::int32_t index, const std::function<std::string()>& entry_id);
+  // Called by decorated objects before they pass a call on; asks for the identity only if something depends
+  // on it.
+  void Before(std::string_view member, std::int32_t index, const std::function<std::string()>& entry_id) {
+    const auto count = calls_.find(member);
+    ++(count == calls_.end() ? calls_.emplace(member, 0).first : count)->second;
+    if (faults_.empty() && !on_call) return;
+    const Store_Call call{member, entry_id ? entry_id() : std::string(), index};
+    // The hook may replace itself while it runs.
+    if (const auto hook = on_call; hook && !std::exchange(in_hook_, true)) {
+      const std::shared_ptr<void> leave(nullptr, [this](void*) { in_hook_ = false; });
+      hook(call);
+    }
+    const Automation_Error* due = nullptr;
+    for (auto& [fails, error] : faults_)
+      if (fails(call) && due == nullptr) due = &error;
+    if (due == nullptr) return;
+    ++thrown_;
+    throw Automation_Error(*due);
+  }
 
  private:
-  struct Numbered_Fault {
-    std::string member;
-    int calls_left;
-    Automation_Error error;
-  };
-  struct Conditional_Fault {
-    std::function<bool(const Store_Call&)> predicate;
-    Automation_Error error;
-  };
-
-  void Run_Hook(const Store_Call& call);
-  // The error of the numbered fault whose turn it is.
-  std::optional<Automation_Error> Count_Down(std::string_view member);
-  [[noreturn]] void Throw(const Automation_Error& error);
-
   std::map<std::string, int, std::less<>> calls_;
-  std::vector<Numbered_Fault> numbered_;
-  std::vector<Conditional_Fault> conditional_;
+  std::vector<std::pair<Predicate, Automation_Error>> faults_;
   int thrown_ = 0;
   bool in_hook_ = false;
 };

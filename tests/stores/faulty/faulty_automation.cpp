@@ -1,43 +1,27 @@
 #include "stores/faulty/faulty_automation.h"
 
 #include <functional>
-#include <optional>
 #include <utility>
 
 namespace tidyfold {
 
 namespace {
 
-// The EntryID behind a decorated object, read when it is first wanted and then kept: an object that is gone
-// by the time of a later call can still be told by it.
-class Identity {
- public:
-  Identity() = default;
-  explicit Identity(MAPIFolder_Ptr folder)
-      : state_(std::make_shared<State>(State{std::move(folder), nullptr, {}})) {}
-  explicit Identity(Item_Ptr item) : state_(std::make_shared<State>(State{nullptr, std::move(item), {}})) {}
+using Identity = std::function<std::string()>;
 
-  std::string operator()() const {
-    if (state_ == nullptr) return {};
-    if (!state_->known) {
-      try {
-        state_->known = state_->folder != nullptr ? state_->folder->EntryID() : state_->item->EntryID();
-      } catch (const Automation_Error&) {
-        // The caller's own call meets the same failure and reports it.
-        return {};
-      }
+// Reads the object's EntryID when it is first needed and keeps it: an object that is gone later is still
+// known.
+template <class Object>
+Identity Identity_Of(const std::shared_ptr<Object>& object) {
+  return [object, known = std::make_shared<std::string>()] {
+    try {
+      if (known->empty()) *known = object->EntryID();
+    } catch (const Automation_Error&) {
+      // The call itself meets the same failure and reports it.
     }
-    return *state_->known;
-  }
-
- private:
-  struct State {
-    MAPIFolder_Ptr folder;
-    Item_Ptr item;
-    std::optional<std::string> known;
+    return *known;
   };
-  std::shared_ptr<State> state_;
-};
+}
 
 template <class Interface>
 class Decorated : public Interface {
@@ -46,13 +30,13 @@ class Decorated : public Interface {
       : inner_(std::move(inner)), plan_(plan), identity_(std::move(identity)) {}
 
   Interface& Inner() { return *inner_; }
+  const Identity& Its_Identity() const { return identity_; }
 
  protected:
   Interface& Call(const char* member, std::int32_t index = 0) {
-    plan_.Before(member, index, std::cref(identity_));
+    plan_.Before(member, index, identity_);
     return *inner_;
   }
-  const Identity& Same_Identity() const { return identity_; }
   Fault_Plan& Plan() const { return plan_; }
 
  private:
@@ -61,7 +45,7 @@ class Decorated : public Interface {
   Identity identity_;
 };
 
-// What is not there stays so.
+// Null stays null.
 template <class Wrapper, class Interface>
 std::shared_ptr<Interface> Decorate(std::shared_ptr<Interface> inner, Fault_Plan& plan, Identity identity) {
   if (inner == nullptr) return nullptr;
@@ -76,10 +60,9 @@ class Faulty_Mapi_Object : public Decorated<Mapi_Object> {
   std::string String_Property(std::uint32_t property_tag) override {
     return Call("Mapi_Object.String_Property").String_Property(property_tag);
   }
-  const Identity& Its_Identity() const { return Same_Identity(); }
 };
 
-// A store may look for its own folder object.
+// A store may expect its own folder object.
 MAPIFolder& Undecorated(MAPIFolder& folder) {
   auto* decorated = dynamic_cast<Decorated<MAPIFolder>*>(&folder);
   return decorated != nullptr ? decorated->Inner() : folder;
@@ -95,7 +78,7 @@ class Faulty_Item : public Decorated<Item> {
   std::string EntryID() override { return Call("Item.EntryID").EntryID(); }
   std::string Body(std::size_t characters) override { return Call("Item.Body").Body(characters); }
   std::shared_ptr<Mapi_Object> MAPIOBJECT() override {
-    return Decorate<Faulty_Mapi_Object>(Call("Item.MAPIOBJECT").MAPIOBJECT(), Plan(), Same_Identity());
+    return Decorate<Faulty_Mapi_Object>(Call("Item.MAPIOBJECT").MAPIOBJECT(), Plan(), Its_Identity());
   }
   Date ReceivedTime() override { return Call("Item.ReceivedTime").ReceivedTime(); }
   Date LastModificationTime() override { return Call("Item.LastModificationTime").LastModificationTime(); }
@@ -113,7 +96,7 @@ class Faulty_Item : public Decorated<Item> {
 };
 
 Item_Ptr Decorate_Item(const Item_Ptr& item, Fault_Plan& plan) {
-  return Decorate<Faulty_Item>(item, plan, Identity(item));
+  return Decorate<Faulty_Item>(item, plan, Identity_Of(item));
 }
 
 class Faulty_Items : public Decorated<Items> {
@@ -156,16 +139,16 @@ class Faulty_Folder : public Decorated<MAPIFolder> {
   std::string StoreID() override { return Call("MAPIFolder.StoreID").StoreID(); }
   std::string Name() override { return Call("MAPIFolder.Name").Name(); }
   Folders_Ptr Folders() override {
-    return Decorate<Faulty_Folders>(Call("MAPIFolder.Folders").Folders(), Plan(), Same_Identity());
+    return Decorate<Faulty_Folders>(Call("MAPIFolder.Folders").Folders(), Plan(), Its_Identity());
   }
   Items_Ptr Items() override {
-    return Decorate<Faulty_Items>(Call("MAPIFolder.Items").Items(), Plan(), Same_Identity());
+    return Decorate<Faulty_Items>(Call("MAPIFolder.Items").Items(), Plan(), Its_Identity());
   }
   Store_Ptr Store() override { return Decorate<Faulty_Store>(Call("MAPIFolder.Store").Store(), Plan(), {}); }
 };
 
 MAPIFolder_Ptr Decorate_Folder(const MAPIFolder_Ptr& folder, Fault_Plan& plan) {
-  return Decorate<Faulty_Folder>(folder, plan, Identity(folder));
+  return Decorate<Faulty_Folder>(folder, plan, Identity_Of(folder));
 }
 
 class Faulty_Name_Space : public Decorated<NameSpace> {
@@ -196,9 +179,8 @@ class Faulty_Mapi_Utils : public Decorated<Mapi_Utils> {
   using Decorated::Decorated;
   std::string HrGetOneProp(Mapi_Object& object, std::uint32_t property_tag) override {
     auto* decorated = dynamic_cast<Faulty_Mapi_Object*>(&object);
-    Plan().Before("Mapi_Utils.HrGetOneProp", 0,
-                  decorated != nullptr ? std::function<std::string()>(decorated->Its_Identity()) : nullptr);
-    // A store's own companion may look for the store's own message object.
+    Plan().Before("Mapi_Utils.HrGetOneProp", 0, decorated != nullptr ? decorated->Its_Identity() : nullptr);
+    // A store's companion may expect the store's own message object.
     return Inner().HrGetOneProp(decorated != nullptr ? decorated->Inner() : object, property_tag);
   }
 };

@@ -1,5 +1,4 @@
-// A store whose calls fail when a test wants them to. Put over any other one; with nothing planned it is
-// transparent.
+// A decorator for any store whose calls fail as a test plans; transparent if nothing is planned.
 #pragma once
 
 #include <memory>
@@ -10,8 +9,7 @@
 
 namespace tidyfold {
 
-// Every object that comes out of it is decorated in turn, and so is what comes out of those. The plan must
-// outlive them all.
+// Decorates every object that it returns, and theirs. The plan must outlive them all.
 class Faulty_Automation : public Automation {
  public:
   Faulty_Automation(Automation& inner, Fault_Plan& plan) : inner_(inner), plan_(plan) {}

@@ -8,7 +8,6 @@
 #include "base/text.h"
 #include "errors/automation_error.h"
 #include "outlook/default_folders.h"
-#include "stores/memory/item_sequence.h"
 
 namespace tidyfold {
 
@@ -22,7 +21,7 @@ namespace {
   Fail(automation_error::not_found, what + " is no longer there.");
 }
 
-// The position, from 0, of what the caller counts from 1.
+// Converts an index from 1 to a position from 0.
 std::size_t Position(std::int32_t index, std::size_t size) {
   if (index < 1 || static_cast<std::size_t>(index) > size) {
     Fail(automation_error::bad_index, "There is no element " + std::to_string(index) + ".");
@@ -38,7 +37,7 @@ struct Stored_Item {
   std::string entry_id;
   New_Item data;
   Stored_Folder* folder = nullptr;  // none: removed for good
-  std::uint64_t place = 0;          // grows along the folder
+  std::uint64_t place = 0;          // ascending within the folder
   int reads = 0;
 };
 
@@ -49,7 +48,8 @@ struct Stored_Folder : std::enable_shared_from_this<Stored_Folder> {
   std::string name;
   std::int32_t default_item_type = item_type::mail;
   std::vector<Stored_Folder_Ptr> folders;
-  Item_Sequence<Stored_Item_Ptr> items;
+  std::vector<Stored_Item_Ptr> items;
+  std::uint64_t last_place = 0;
 
   Memory_Outlook& Outlook() const { return store->outlook_; }
   std::string Store_Id() const { return store->StoreID(); }
@@ -57,14 +57,17 @@ struct Stored_Folder : std::enable_shared_from_this<Stored_Folder> {
 
   void Append(const Stored_Item_Ptr& item) {
     item->folder = this;
-    item->place = items.Append(item);
+    item->place = ++last_place;
+    items.push_back(item);
   }
 };
 
 namespace {
 
 void Take_Out(Stored_Item& item) {
-  item.folder->items.Remove(item.place);
+  std::vector<Stored_Item_Ptr>& items = item.folder->items;
+  items.erase(std::lower_bound(items.begin(), items.end(), item.place,
+                               [](const auto& other, std::uint64_t place) { return other->place < place; }));
   item.folder = nullptr;
 }
 
@@ -73,24 +76,17 @@ void Remove_For_Good(Stored_Item& item) {
   item.data = {};
 }
 
-void Take_Out(Stored_Folder& folder) {
-  if (folder.parent == nullptr) return;
-  std::erase_if(folder.parent->folders,
-                [&](const Stored_Folder_Ptr& other) { return other.get() == &folder; });
-  folder.parent = nullptr;
-}
-
 // Without recursion: trees may be deep.
 void Remove_For_Good(const Stored_Folder_Ptr& folder) {
-  Take_Out(*folder);
+  if (folder->parent != nullptr) std::erase(folder->parent->folders, folder);
   std::vector<Stored_Folder_Ptr> doomed{folder};
   while (!doomed.empty()) {
     const Stored_Folder_Ptr last = std::move(doomed.back());
     doomed.pop_back();
-    last->items.Clear([](const Stored_Item_Ptr& item) {
+    for (const Stored_Item_Ptr& item : std::exchange(last->items, {})) {
       item->folder = nullptr;
       item->data = {};
-    });
+    }
     last->store = nullptr;
     last->parent = nullptr;
     doomed.insert(doomed.end(), last->folders.begin(), last->folders.end());
@@ -104,7 +100,7 @@ Stored_Folder_Ptr Child(const Stored_Folder& folder, std::string_view name) {
   return found == folder.folders.end() ? nullptr : *found;
 }
 
-// EntryIDs are equally long and grow.
+// EntryIDs have the same length and ascend.
 Stored_Folder_Ptr Default_Folder_Of(const Stored_Folder& top, std::int32_t type) {
   const Default_Folder* wanted = Find_Default_Folder(type);
   Stored_Folder_Ptr found;
@@ -182,7 +178,7 @@ class Memory_Item : public Item {
   Stored_Item_Ptr item_;
 };
 
-// What every object that stands for a folder, or for what is in it, has.
+// The common part of folders and their collections.
 class Folder_View {
  protected:
   explicit Folder_View(Stored_Folder_Ptr folder) : folder_(std::move(folder)) {}
@@ -202,7 +198,7 @@ class Folder_View {
 class Memory_Items : public Items, Folder_View {
  public:
   explicit Memory_Items(const Stored_Folder_Ptr& folder) : Folder_View(folder) {}
-  std::int32_t Count() override { return static_cast<std::int32_t>(Alive().items.Size()); }
+  std::int32_t Count() override { return static_cast<std::int32_t>(Alive().items.size()); }
   Item_Ptr Item(std::int32_t index) override {
     const Stored_Item_Ptr& item = At(index);
     ++item->reads;
@@ -216,7 +212,7 @@ class Memory_Items : public Items, Folder_View {
  private:
   const Stored_Item_Ptr& At(std::int32_t index) {
     auto& items = Alive().items;
-    return items.At(Position(index, items.Size()));
+    return items[Position(index, items.size())];
   }
 };
 
@@ -425,17 +421,6 @@ void Memory_Store::Rename_Folder(MAPIFolder& folder, const std::string& name) {
   Find_Folder(folder)->name = name;
 }
 
-void Memory_Store::Move_Folder(MAPIFolder& folder, MAPIFolder& new_parent) {
-  const Stored_Folder_Ptr moved = Find_Folder(folder);
-  const Stored_Folder_Ptr above = Find_Folder(new_parent);
-  for (const Stored_Folder* up = above.get(); up != nullptr; up = up->parent) {
-    if (up == moved.get()) Fail(automation_error::call_failed, "A folder cannot be moved below itself.");
-  }
-  memory::Take_Out(*moved);
-  moved->parent = above.get();
-  above->folders.push_back(moved);
-}
-
 void Memory_Store::Move_Item(const std::string& entry_id, MAPIFolder& folder) {
   const Stored_Item_Ptr item = Find_Item(entry_id);
   const Stored_Folder_Ptr target = Find_Folder(folder);
@@ -484,7 +469,6 @@ Memory_Store& Memory_Outlook::Add_Store(const std::string& name, Default_Folders
 }
 
 std::shared_ptr<Application> Memory_Outlook::GetObject(const std::string& path, const std::string& program) {
-  ++get_object_calls;
   if (!running || !path.empty() || program != "Outlook.Application") {
     Fail(automation_error::call_failed, "Nothing of the kind is running: " + program + ".");
   }

@@ -1,5 +1,4 @@
-// Message stores that live in memory: what the tests run on, and the plainest statement of how a store
-// behaves.
+// Message stores in memory, which most tests use.
 #pragma once
 
 #include <cstdint>
@@ -25,15 +24,15 @@ using Stored_Folder_Ptr = std::shared_ptr<Stored_Folder>;
 using Stored_Item_Ptr = std::shared_ptr<Stored_Item>;
 }  // namespace memory
 
-// One information store. EntryIDs start anew in every store, so that a caller who forgets the StoreID meets
-// another store's item. Folders and items that are passed in may be any object with the EntryID and StoreID
-// of one in this store; anything else throws Automation_Error (not_found).
+// One information store. Every store has the same EntryIDs, so that a caller who forgets the StoreID finds
+// the wrong item. Folders and items are passed in by EntryID and StoreID, whatever the object; unknown ones
+// throw Automation_Error (not_found).
 class Memory_Store : public Store_Writer {
  public:
   Memory_Store(Memory_Outlook& outlook, const std::string& name, std::string store_id);
   Memory_Store(const Memory_Store&) = delete;
   Memory_Store& operator=(const Memory_Store&) = delete;
-  // Handles that a caller still holds are dead from then on.
+  // Handles that callers still hold become invalid.
   ~Memory_Store() override;
 
   const std::string& StoreID() const { return store_id_; }
@@ -42,8 +41,8 @@ class Memory_Store : public Store_Writer {
   MAPIFolder_Ptr Add_Folder(MAPIFolder& parent, const std::string& name,
                             std::int32_t default_item_type) override;
   std::string Add_Item(MAPIFolder& folder, const New_Item& item) override;
-  // Roll_Back takes back what was added through this object since Begin. A second Begin, and an end without
-  // a Begin, throw Automation_Error (call_failed).
+  // Roll_Back removes what was added since Begin. A second Begin, or an end without a Begin, throws
+  // Automation_Error (call_failed).
   void Begin() override;
   void Commit() override;
   void Roll_Back() override;
@@ -52,15 +51,13 @@ class Memory_Store : public Store_Writer {
   MAPIFolder_Ptr Folder(std::initializer_list<std::string_view> path);
   Item_Ptr Item(const std::string& entry_id);
 
-  // What another program may do to the store and this one never does.
+  // Changes by another program.
   void Rename_Folder(MAPIFolder& folder, const std::string& name);
-  // Behind the last of the new parent's folders. A folder cannot go below itself (call_failed).
-  void Move_Folder(MAPIFolder& folder, MAPIFolder& new_parent);
   // To the end of the folder.
   void Move_Item(const std::string& entry_id, MAPIFolder& folder);
   void Change_Item(const std::string& entry_id, const std::function<void(New_Item&)>& change);
 
-  // How often Items.Item has handed out the item, which may be gone since.
+  // How often Items.Item has returned the item, even if it is gone.
   int Reads(const std::string& entry_id) const;
 
  private:
@@ -74,7 +71,7 @@ class Memory_Store : public Store_Writer {
   Memory_Outlook& outlook_;
   std::string store_id_;
   std::uint64_t last_id_ = 0;
-  // Also what has been removed: an EntryID never comes back.
+  // Removed ones included: an EntryID is never used again.
   std::unordered_map<std::string, memory::Stored_Folder_Ptr> folders_;
   std::unordered_map<std::string, memory::Stored_Item_Ptr> items_;
   memory::Stored_Folder_Ptr top_;
@@ -82,7 +79,7 @@ class Memory_Store : public Store_Writer {
   std::vector<std::function<void()>> undo_;
 };
 
-// The program in which the stores are open. Objects that came out of it must not be used after it has gone.
+// The program in which the stores are open. It must outlive its objects.
 class Memory_Outlook : public Automation {
  public:
   enum class Default_Folders { None, All };
@@ -92,7 +89,7 @@ class Memory_Outlook : public Automation {
   Memory_Store& Store(std::size_t number) { return *stores_.at(number - 1); }  // from 1
   std::size_t Stores() const { return stores_.size(); }
 
-  // Throw Automation_Error when the switches below say so.
+  // Throw Automation_Error depending on the switches below.
   std::shared_ptr<Application> GetObject(const std::string& path, const std::string& program) override;
   std::shared_ptr<Application> CreateObject(const std::string& program) override;
   std::shared_ptr<Mapi_Utils> Create_Mapi_Utils(const std::string& program) override;
@@ -101,7 +98,6 @@ class Memory_Outlook : public Automation {
   bool startable = true;             // CreateObject works
   bool namespace_available = true;   // GetNamespace works
   bool mapi_utils_available = true;  // Create_Mapi_Utils works
-  int get_object_calls = 0;
   int create_object_calls = 0;
   std::vector<std::string> displayed;  // the EntryIDs of the items shown, in order
 

@@ -1,8 +1,6 @@
 #include <signal.h>
 #include <sys/resource.h>
 
-#include <vector>
-
 #include "stores/sqlite/embedded_outlook.h"
 #include "stores/sqlite/other_process.h"
 #include "stores/sqlite/temporary_store.h"
@@ -11,94 +9,66 @@
 namespace tidyfold {
 namespace {
 
-std::string Numbers(int first, int last, int step) {
-  std::string all = std::to_string(first);
-  for (int number = first + step; number != last + step; number += step) all += " " + std::to_string(number);
-  return all;
-}
-
-// Kept until the process is killed.
-std::shared_ptr<Embedded_Store> open_store;
-
-struct Crash {
-  const char* name;
-  int deletions;
-  bool commit;
-  std::string left, moved;
+class Crash : public Store_File {
+ protected:
+  // Works on the store in another process, which is then killed. The work says which of its steps failed.
+  void In_Crash(int items, const std::function<int(Embedded_Store& store)>& work) {
+    Make_Small_Store(file_, items);
+    EXPECT_EQ(In_Killed_Process([&] { return work(Left_Open(Open())); }), 0);
+  }
 };
 
-class Crashes : public testing::TestWithParam<Crash> {};
-
-TEST_P(Crashes, Leave_Every_Item_Where_It_Was_Or_Where_It_Was_Going) {
-  const Temporary_Directory directory;
-  const auto file = directory / "a.tfs";
-  Add_Numbered(*Embedded_Store::Create(file, "A"), "Inbox", 300);
-  EXPECT_EQ(In_Killed_Process([&] {
-              open_store = Embedded_Store::Open(file, Store_Mode::Read_Write);
-              const auto items = Folder_Named(*open_store, "Inbox")->Items();
-              for (int i = 0; i < GetParam().deletions; ++i) items->Item(items->Count())->Delete();
-              if (GetParam().commit) open_store->Commit_Pending();
-              return 1;
-            }),
-            1);
-  const auto store = Embedded_Store::Open(file, Store_Mode::Read_Write);
-  EXPECT_EQ(Subjects_Of(*store, "Inbox"), GetParam().left);
-  EXPECT_EQ(Subjects_Of(*store, "Deleted Items"), GetParam().moved);
-  EXPECT_EQ(store->Check(), std::vector<std::string>());
+TEST_F(Crash, Leaves_Every_Item_Where_It_Was_Or_Where_It_Was_Going) {
+  const struct {
+    int deletions;
+    bool commit;
+    int left;
+  } cases[] = {{5, false, 300}, {5, true, 295}, {100, false, 300}, {101, false, 200}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.deletions);
+    std::filesystem::remove(file_);
+    In_Crash(300, [&](Embedded_Store& store) {
+      const auto items = Folder_Named(store, "Inbox")->Items();
+      for (int i = 0; i < c.deletions; ++i) items->Item(items->Count())->Delete();
+      if (c.commit) store.Commit_Pending();
+      return 0;
+    });
+    Expect_Kept(Numbers(1, c.left), c.left == 300 ? "" : Numbers(300, c.left + 1, -1));
+  }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Stores, Crashes,
-    testing::Values(Crash{"Nothing_Committed", 5, false, Numbers(1, 300, 1), ""},
-                    Crash{"All_Committed", 5, true, Numbers(1, 295, 1), Numbers(300, 296, -1)},
-                    Crash{"The_Group_Is_Full", 100, false, Numbers(1, 300, 1), ""},
-                    Crash{"In_The_Second_Group", 101, false, Numbers(1, 200, 1), Numbers(300, 201, -1)}),
-    [](const auto& one) { return one.param.name; });
-
-TEST(Crash, An_Unfinished_Import_Has_Not_Happened) {
-  const Temporary_Directory directory;
-  const auto file = directory / "a.tfs";
-  Make_Small_Store(file);
-  EXPECT_EQ(In_Killed_Process([&] {
-              open_store = Embedded_Store::Open(file, Store_Mode::Read_Write);
-              open_store->Writer().Begin();
-              const auto folder = open_store->Writer().Add_Folder(*open_store->Top_Folder(), "New", 0);
-              New_Item item;
-              item.body = std::string(1000, 'x');
-              for (int i = 0; i < 10000; ++i) open_store->Writer().Add_Item(*folder, item);
-              open_store->Commit_Pending();
-              return 1;
-            }),
-            1);
-  const auto store = Embedded_Store::Open(file, Store_Mode::Read_Write);
-  EXPECT_EQ(store->Top_Folder()->Folders()->Count(), 10);
-  EXPECT_EQ(Subjects_Of(*store, "Inbox"), "1 2 3");
-  EXPECT_EQ(store->Check(), std::vector<std::string>());
+TEST_F(Crash, An_Unfinished_Import_Has_Not_Happened) {
+  In_Crash(3, [](Embedded_Store& store) {
+    store.Writer().Begin();
+    const auto folder = store.Writer().Add_Folder(*store.Top_Folder(), "New", 0);
+    New_Item item;
+    item.body = std::string(1000, 'x');
+    for (int i = 0; i < 10000; ++i) store.Writer().Add_Item(*folder, item);
+    store.Commit_Pending();
+    return 0;
+  });
+  Expect_Kept("1 2 3");
+  EXPECT_EQ(Open()->Top_Folder()->Folders()->Count(), 10);
 }
 
 // A folder's items are cleared away in pieces; what a crash leaves of them is never seen again.
-TEST(Crash, A_Removed_Folder_Does_Not_Come_Back) {
-  const Temporary_Directory directory;
-  const auto file = directory / "a.tfs";
-  Add_Numbered(*Embedded_Store::Create(file, "A"), "Inbox", 20000);
-  EXPECT_EQ(In_Killed_Process([&] {
-              open_store = Embedded_Store::Open(file, Store_Mode::Read_Write);
-              const auto folders = open_store->Top_Folder()->Folders();
-              while (folders->Count() > 0) folders->Remove(1);
-              open_store->Commit_Pending();
-              return 1;
-            }),
-            1);
-  EXPECT_EQ(Embedded_Store::Open(file, Store_Mode::Read_Only)->Check(), std::vector<std::string>());
+TEST_F(Crash, A_Removed_Folder_Does_Not_Come_Back) {
+  In_Crash(20000, [](Embedded_Store& store) {
+    const auto folders = store.Top_Folder()->Folders();
+    while (folders->Count() > 0) folders->Remove(1);
+    store.Commit_Pending();
+    return 0;
+  });
+  EXPECT_EQ(Open(Store_Mode::Read_Only)->Check(), std::vector<std::string>());
   Embedded_Outlook outlook;
-  outlook.Open({file});
+  outlook.Open({file_});
   const auto session = outlook.GetObject("", "Outlook.Application")->GetNamespace("MAPI");
   EXPECT_EQ(session->Folders()->Item(1)->Folders()->Count(), 0);
   EXPECT_EQ(Error_Of([&] { session->GetItemFromID("I1", outlook.Stores()[0]->StoreID()); }),
             automation_error::not_found);
   outlook.Replace({});
-  EXPECT_EQ(Number_By_Sql(file, "SELECT (SELECT COUNT(*) FROM item) + (SELECT COUNT(*) FROM content)"), 0);
-  EXPECT_EQ(Number_By_Sql(file, "SELECT COUNT(*) FROM folder"), 1);
+  EXPECT_EQ(Number_By_Sql(file_, "SELECT (SELECT COUNT(*) FROM item) + (SELECT COUNT(*) FROM content)"), 0);
+  EXPECT_EQ(Number_By_Sql(file_, "SELECT COUNT(*) FROM folder"), 1);
 }
 
 // No file of the process may grow: the same failure as a disk that is full, at whatever call it comes.
@@ -109,59 +79,42 @@ void Fill_Disk(const std::filesystem::path& file) {
 }
 
 // Wherever the failure shows, what the store says afterwards is what the file says.
-TEST(Disk_Full, Deletions_That_Could_Not_Be_Kept_Are_Reported_And_Undone) {
-  const Temporary_Directory directory;
-  const auto file = directory / "a.tfs";
-  Add_Numbered(*Embedded_Store::Create(file, "A"), "Inbox", 3000);
-  EXPECT_EQ(In_Killed_Process([&] {
-              open_store = Embedded_Store::Open(file, Store_Mode::Read_Write);
-              const auto items = Folder_Named(*open_store, "Inbox")->Items();
-              const auto deleted = Folder_Named(*open_store, "Deleted Items")->Items();
-              const Item_Ptr last = items->Item(items->Count());
-              Fill_Disk(file);
-              std::int32_t error = 0;
-              while (items->Count() > 0 && error == 0) {
-                error = Error_Of([&] { items->Item(items->Count())->Delete(); });
-              }
-              if (error != automation_error::call_failed) return 2;
-              if (items->Count() + deleted->Count() != 3000 || items->Count() % 100 != 0) return 3;
-              if (items->Item(items->Count())->Subject() != std::to_string(items->Count())) return 4;
-              return last->Parent()->Name() == (deleted->Count() > 0 ? "Deleted Items" : "Inbox") ? 1 : 5;
-            }),
-            1);
-  const auto store = Embedded_Store::Open(file, Store_Mode::Read_Write);
-  const auto left = Folder_Named(*store, "Inbox")->Items()->Count();
-  EXPECT_EQ(left + Folder_Named(*store, "Deleted Items")->Items()->Count(), 3000);
+TEST_F(Crash, Deletions_That_A_Full_Disk_Did_Not_Keep_Are_Reported_And_Undone) {
+  In_Crash(3000, [&](Embedded_Store& store) {
+    const auto items = Folder_Named(store, "Inbox")->Items();
+    const auto deleted = Folder_Named(store, "Deleted Items")->Items();
+    const Item_Ptr last = items->Item(items->Count());
+    Fill_Disk(file_);
+    std::int32_t error = 0;
+    while (items->Count() > 0 && error == 0) error = Error_Of([&] { items->Item(items->Count())->Delete(); });
+    if (error != automation_error::call_failed) return 1;
+    if (items->Count() + deleted->Count() != 3000 || items->Count() % 100 != 0) return 2;
+    if (items->Item(items->Count())->Subject() != std::to_string(items->Count())) return 3;
+    return last->Parent()->Name() == (deleted->Count() > 0 ? "Deleted Items" : "Inbox") ? 0 : 4;
+  });
+  const int left = Folder_Named(*Open(), "Inbox")->Items()->Count();
   EXPECT_LT(left, 3000);
-  EXPECT_EQ(Subjects_Of(*store, "Inbox"), Numbers(1, left, 1));
-  EXPECT_EQ(store->Check(), std::vector<std::string>());
+  Expect_Kept(Numbers(1, left), Numbers(3000, left + 1, -1));
 }
 
-TEST(Disk_Full, An_Import_Fails_As_A_Whole) {
-  const Temporary_Directory directory;
-  const auto file = directory / "a.tfs";
-  Make_Small_Store(file);
-  EXPECT_EQ(In_Killed_Process([&] {
-              open_store = Embedded_Store::Open(file, Store_Mode::Read_Write);
-              auto& writer = open_store->Writer();
-              const auto inbox = Folder_Named(*open_store, "Inbox");
-              Fill_Disk(file);
-              New_Item item;
-              item.body = std::string(100000, 'x');
-              writer.Begin();
-              std::int32_t error = 0;
-              for (int i = 0; i < 1000 && error == 0; ++i)
-                error = Error_Of([&] { writer.Add_Item(*inbox, item); });
-              if (error == 0) error = Error_Of([&] { writer.Commit(); });
-              if (error != automation_error::call_failed) return 2;
-              // No half of it may slip in by a later call.
-              if (Error_Of([&] { writer.Commit(); }) == 0) return 3;
-              writer.Roll_Back();
-              if (Subjects_Of(*open_store, "Inbox") != "1 2 3") return 4;
-              return 1;
-            }),
-            1);
-  EXPECT_EQ(Subjects_Of(*Embedded_Store::Open(file, Store_Mode::Read_Only), "Inbox"), "1 2 3");
+TEST_F(Crash, An_Import_Onto_A_Full_Disk_Fails_As_A_Whole) {
+  In_Crash(3, [&](Embedded_Store& store) {
+    const auto inbox = Folder_Named(store, "Inbox");
+    Fill_Disk(file_);
+    New_Item item;
+    item.body = std::string(100000, 'x');
+    store.Writer().Begin();
+    std::int32_t error = 0;
+    for (int i = 0; i < 1000 && error == 0; ++i)
+      error = Error_Of([&] { store.Writer().Add_Item(*inbox, item); });
+    if (error == 0) error = Error_Of([&] { store.Writer().Commit(); });
+    if (error != automation_error::call_failed) return 1;
+    // No half of it may slip in by a later call.
+    if (Error_Of([&] { store.Writer().Commit(); }) == 0) return 2;
+    store.Writer().Roll_Back();
+    return Subjects_Of(store, "Inbox") == "1 2 3" ? 0 : 3;
+  });
+  Expect_Kept("1 2 3");
 }
 
 }  // namespace

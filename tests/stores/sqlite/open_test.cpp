@@ -17,7 +17,7 @@ namespace {
 namespace fs = std::filesystem;
 using Reason = Store_Open_Error::Reason;
 
-// Why the store cannot be opened; nothing when it can.
+// Why the store cannot be opened; nothing if it can.
 std::optional<Reason> Refusal(const fs::path& file, Store_Mode mode) {
   try {
     Embedded_Store::Open(file, mode);
@@ -30,14 +30,6 @@ std::optional<Reason> Refusal(const fs::path& file, Store_Mode mode) {
 }
 
 constexpr Store_Mode modes[] = {Store_Mode::Read_Write, Store_Mode::Read_Only};
-
-struct Bad_File {
-  const char* name;
-  Reason reason;
-  std::function<void(const fs::path&)> make;
-};
-
-class Bad_Files : public testing::TestWithParam<Bad_File> {};
 
 using Make = std::function<void(const fs::path&)>;
 
@@ -63,41 +55,37 @@ std::string Random_Bytes() {
   return bytes;
 }
 
-TEST_P(Bad_Files, Are_Refused_And_Left_Alone) {
-  const Temporary_Directory directory;
-  const fs::path file = directory / "bad.tfs";
-  GetParam().make(file);
-  const auto before = All_Files(directory.Path());
-  for (const Store_Mode mode : modes) {
-    EXPECT_EQ(Refusal(file, mode), GetParam().reason);
-    EXPECT_EQ(All_Files(directory.Path()), before);
+TEST(Open, Bad_Files_Are_Refused_And_Left_Alone) {
+  const std::tuple<const char*, Reason, Make> cases[] = {
+      {"missing", Reason::Missing, [](const fs::path&) {}},
+      {"folder", Reason::Not_A_Store, [](const fs::path& file) { fs::create_directory(file); }},
+      {"empty", Reason::Not_A_Store, Bytes("")},
+      {"text", Reason::Not_A_Store, Bytes("From: you\n")},
+      {"random", Reason::Not_A_Store, Bytes(Random_Bytes())},
+      {"other database", Reason::Not_A_Store,
+       [](const fs::path& file) { Run_Sql(file, "CREATE TABLE item (id); PRAGMA user_version = 1"); }},
+      {"newer", Reason::Newer_Version, After("PRAGMA user_version = 2")},
+      {"cut in the header", Reason::Not_A_Store, Cut(50)},
+      {"cut in the first page", Reason::Damaged, Cut(1000)},
+      {"cut in half", Reason::Damaged, Cut(20000)},
+      {"no item table", Reason::Damaged, After("DROP TABLE item")},
+      {"no index", Reason::Damaged, After("DROP INDEX item_by_position")},
+      {"no identity", Reason::Damaged, After("DELETE FROM store")},
+      {"two top folders", Reason::Damaged, After("UPDATE folder SET parent = NULL")},
+      {"no top folder", Reason::Damaged, After("UPDATE folder SET parent = 1")}};
+  for (const auto& [name, reason, make] : cases) {
+    const Temporary_Directory directory;
+    const fs::path file = directory / "bad.tfs";
+    make(file);
+    const auto before = All_Files(directory.Path());
+    for (const Store_Mode mode : modes) {
+      EXPECT_EQ(Refusal(file, mode), reason) << name;
+      EXPECT_EQ(All_Files(directory.Path()), before) << name;
+    }
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Stores, Bad_Files,
-    testing::Values(Bad_File{"Missing", Reason::Missing, [](const fs::path&) {}},
-                    Bad_File{"Directory", Reason::Not_A_Store,
-                             [](const fs::path& file) { fs::create_directory(file); }},
-                    Bad_File{"Empty", Reason::Not_A_Store, Bytes("")},
-                    Bad_File{"Text", Reason::Not_A_Store, Bytes("From: you\n")},
-                    Bad_File{"Random", Reason::Not_A_Store, Bytes(Random_Bytes())},
-                    Bad_File{"Other_Database", Reason::Not_A_Store,
-                             [](const fs::path& file) {
-                               Run_Sql(file, "CREATE TABLE item (id); PRAGMA user_version = 1");
-                             }},
-                    Bad_File{"Newer", Reason::Newer_Version, After("PRAGMA user_version = 2")},
-                    Bad_File{"Cut_In_The_Header", Reason::Not_A_Store, Cut(50)},
-                    Bad_File{"Cut_In_The_First_Page", Reason::Damaged, Cut(1000)},
-                    Bad_File{"Cut_In_Half", Reason::Damaged, Cut(20000)},
-                    Bad_File{"No_Item_Table", Reason::Damaged, After("DROP TABLE item")},
-                    Bad_File{"No_Index", Reason::Damaged, After("DROP INDEX item_by_position")},
-                    Bad_File{"No_Identity", Reason::Damaged, After("DELETE FROM store")},
-                    Bad_File{"Two_Top_Folders", Reason::Damaged, After("UPDATE folder SET parent = NULL")},
-                    Bad_File{"No_Top_Folder", Reason::Damaged, After("UPDATE folder SET parent = 1")}),
-    [](const auto& one) { return one.param.name; });
-
-// Not a scan: what lies on a damaged page may be found out only when it is read, but always by an error.
+// Opening does not scan the file: damage may show only when the page is read, but always as an error.
 TEST(Open, A_Flipped_Byte_Never_Brings_The_Program_Down) {
   const Temporary_Directory directory;
   const fs::path file = directory / "flipped.tfs";
@@ -107,7 +95,7 @@ TEST(Open, A_Flipped_Byte_Never_Brings_The_Program_Down) {
   int refused = 0, failed = 0, unharmed = 0;
   for (int round = 0; round < 600; ++round) {
     std::string bytes = sound;
-    // Every second time in what is there of a page, where it hurts.
+    // Every second time in the header of a page, where it does most harm.
     const std::size_t at =
         round % 2 == 0 ? random() % bytes.size() : 4096 * (random() % (bytes.size() / 4096)) + random() % 120;
     bytes[at] = static_cast<char>(bytes[at] ^ (1 << random() % 8));
@@ -125,10 +113,8 @@ TEST(Open, A_Flipped_Byte_Never_Brings_The_Program_Down) {
       ++unharmed;
     } catch (const Store_Open_Error&) {
       ++refused;
-    } catch (const Automation_Error&) {
+    } catch (const std::exception&) {
       ++failed;
-    } catch (const std::runtime_error&) {
-      ++failed;  // the folder's name was hit
     }
   }
   EXPECT_GT(refused, 0);
@@ -151,17 +137,15 @@ TEST(Open, A_File_That_Exists_Is_Never_Overwritten) {
   EXPECT_EQ(Bytes_Of(directory / "letter.txt"), "Dear all");
 }
 
-TEST(Open, Reading_Only_Leaves_No_Trace) {
-  const Temporary_Directory directory;
-  const fs::path file = directory / "a.tfs";
-  Make_Small_Store(file);
+TEST_F(Store_File, Reading_Only_Leaves_No_Trace) {
+  Make_Small_Store(file_);
   // The second round finds a store whose writer has crashed, and its log with a deletion.
   for (const int left : {3, 2}) {
-    const auto before = All_Files(directory.Path());
-    const auto time = fs::last_write_time(file);
+    const auto before = All_Files(directory_.Path());
+    const auto time = fs::last_write_time(file_);
     {
-      const auto store = Embedded_Store::Open(file, Store_Mode::Read_Only);
-      const auto other = Embedded_Store::Open(file, Store_Mode::Read_Only);
+      const auto store = Embedded_Store::Open(file_, Store_Mode::Read_Only);
+      const auto other = Embedded_Store::Open(file_, Store_Mode::Read_Only);
       const auto items = Folder_Named(*store, "Inbox")->Items();
       EXPECT_EQ(items->Count(), left);
       EXPECT_EQ(items->Item(left)->Body(), "Body of " + std::to_string(left));
@@ -177,56 +161,47 @@ TEST(Open, Reading_Only_Leaves_No_Trace) {
       EXPECT_EQ(items->Count(), left);
       store->Commit_Pending();
       EXPECT_EQ(store->Check(), std::vector<std::string>());
-      EXPECT_EQ(Refusal(file, Store_Mode::Read_Write), Reason::Locked) << "nobody writes under a reader";
+      EXPECT_EQ(Refusal(file_, Store_Mode::Read_Write), Reason::Locked) << "nobody writes under a reader";
     }
-    EXPECT_EQ(All_Files(directory.Path()), before);
-    EXPECT_EQ(fs::last_write_time(file), time);
+    EXPECT_EQ(All_Files(directory_.Path()), before);
+    EXPECT_EQ(fs::last_write_time(file_), time);
     if (left == 2) break;
-    std::shared_ptr<Embedded_Store> open_store;
     EXPECT_EQ(In_Killed_Process([&] {
-                open_store = Embedded_Store::Open(file, Store_Mode::Read_Write);
-                Folder_Named(*open_store, "Inbox")->Items()->Remove(3);
-                open_store->Commit_Pending();
-                return 1;
+                Embedded_Store& store = Left_Open(Open());
+                Folder_Named(store, "Inbox")->Items()->Remove(3);
+                store.Commit_Pending();
+                return 0;
               }),
-              1);
-    EXPECT_GT(fs::file_size(directory / "a.tfs-wal"), 0U);
+              0);
+    EXPECT_GT(fs::file_size(directory_ / "a.tfs-wal"), 0U);
   }
 }
 
-TEST(Open, One_Writer_Or_Many_Readers) {
-  const Temporary_Directory directory;
-  const fs::path file = directory / "a.tfs";
-  Make_Small_Store(file);
-  std::shared_ptr<Embedded_Store> kept;
+TEST_F(Store_File, One_Writer_Or_Many_Readers) {
+  Make_Small_Store(file_);
   for (const Store_Mode theirs : modes) {
-    // With the process that holds it the lock goes, however it ends.
-    Other_Process other([&] {
-      kept = Embedded_Store::Open(file, theirs);
-      return 1;
-    });
-    ASSERT_EQ(other.Result(), 1);
+    // The lock goes with the process that holds it, however it ends.
+    Other_Process other([&] { return Left_Open(Open(theirs)).Top_Folder() == nullptr ? 1 : 0; });
+    ASSERT_EQ(other.Result(), 0);
     const bool reading = theirs == Store_Mode::Read_Only;
-    EXPECT_EQ(Refusal(file, Store_Mode::Read_Write), Reason::Locked);
-    EXPECT_EQ(Refusal(file, Store_Mode::Read_Only), reading ? std::nullopt : std::optional(Reason::Locked));
+    EXPECT_EQ(Refusal(file_, Store_Mode::Read_Write), Reason::Locked);
+    EXPECT_EQ(Refusal(file_, Store_Mode::Read_Only), reading ? std::nullopt : std::optional(Reason::Locked));
     other.Kill();
-    EXPECT_EQ(Refusal(file, Store_Mode::Read_Write), std::nullopt);
+    EXPECT_EQ(Refusal(file_, Store_Mode::Read_Write), std::nullopt);
   }
 }
 
-// Whatever this process does with the file besides, other processes stay locked out.
-TEST(Open, A_Refused_Second_Opening_Keeps_The_Lock_Of_The_First) {
-  const Temporary_Directory directory;
-  const fs::path file = directory / "a.tfs";
-  Make_Small_Store(file);
-  const auto store = Embedded_Store::Open(file, Store_Mode::Read_Write);
-  fs::create_symlink(file, directory / "link.tfs");
+// Whatever else this process does with the file, other processes stay locked out.
+TEST_F(Store_File, A_Refused_Second_Opening_Keeps_The_Lock_Of_The_First) {
+  Make_Small_Store(file_);
+  const auto store = Embedded_Store::Open(file_, Store_Mode::Read_Write);
+  fs::create_symlink(file_, directory_ / "link.tfs");
   for (const Store_Mode mode : modes) {
-    EXPECT_EQ(Refusal(file, mode), Reason::Locked);
-    EXPECT_EQ(Refusal(directory / "link.tfs", mode), Reason::Locked);
+    EXPECT_EQ(Refusal(file_, mode), Reason::Locked);
+    EXPECT_EQ(Refusal(directory_ / "link.tfs", mode), Reason::Locked);
   }
   EXPECT_EQ(In_Killed_Process([&] {
-              const int descriptor = open(file.c_str(), O_RDWR);
+              const int descriptor = open(file_.c_str(), O_RDWR);
               struct flock lock {};
               lock.l_type = F_RDLCK;
               lock.l_whence = SEEK_SET;
@@ -234,8 +209,8 @@ TEST(Open, A_Refused_Second_Opening_Keeps_The_Lock_Of_The_First) {
               return lock.l_type == F_WRLCK ? 1 : 0;
             }),
             1);
-  // A program that knows nothing of Tidyfold is kept out as well: no item goes behind a loop's back.
-  EXPECT_EQ(Run_Sql(file, "DELETE FROM item"), SQLITE_BUSY);
+  // Any other SQLite program is locked out, too.
+  EXPECT_EQ(Run_Sql(file_, "DELETE FROM item"), SQLITE_BUSY);
   EXPECT_EQ(Subjects_Of(*store, "Inbox"), "1 2 3");
 }
 
@@ -260,7 +235,7 @@ TEST(Open, Permissions_Decide_What_Can_Be_Done) {
     chmod(file.c_str(), one.file);
     chmod(directory.Path().c_str(), one.directory);
     const int result = In_Killed_Process([&] {
-      // Permissions mean nothing to root.
+      // Permissions do not apply to root.
       if (geteuid() == 0 && setuid(nobody) != 0) return 100;
       const bool writing = Refusal(file, Store_Mode::Read_Write) == one.writing;
       const bool reading = Refusal(file, Store_Mode::Read_Only) == one.reading;

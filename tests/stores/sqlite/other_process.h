@@ -1,4 +1,4 @@
-// A process beside the tests, made by a fork.
+// A second process, made by a fork.
 #pragma once
 
 #include <signal.h>
@@ -6,11 +6,12 @@
 #include <unistd.h>
 
 #include <functional>
+#include <memory>
+#include <utility>
 
 namespace tidyfold {
 
-// Another process that has done some work and then does nothing more until it is killed: nothing of it is
-// closed or tidied up.
+// Does some work in another process, which then waits to be killed, so that nothing is closed or tidied up.
 class Other_Process {
  public:
   // Returns when `work` has ended.
@@ -51,6 +52,12 @@ class Other_Process {
 
 inline int In_Killed_Process(const std::function<int()>& work) {
   return Other_Process(work).Result();
+}
+
+// What must be open when the process is killed.
+template <class Object>
+Object& Left_Open(std::shared_ptr<Object> object) {
+  return **new std::shared_ptr<Object>(std::move(object));
 }
 
 }  // namespace tidyfold

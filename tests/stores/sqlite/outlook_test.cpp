@@ -55,7 +55,7 @@ TEST_F(Outlook_Test, Opens_All_Or_None) {
   EXPECT_EQ(session->Folders()->Count(), 2);
 }
 
-// A loop that is in the middle of a store when another one is opened in its place ends in peace.
+// A loop over a store must be able to end after another store has replaced it.
 TEST_F(Outlook_Test, Objects_Outlive_The_Replacement_Of_Their_Store) {
   outlook_.Open({a_});
   const auto session = Session();
@@ -92,7 +92,7 @@ TEST_F(Outlook_Test, A_Store_That_Leaves_Keeps_Its_Deletions) {
   EXPECT_EQ(Subjects_Of(*Embedded_Store::Open(b_, Store_Mode::Read_Only), "Inbox"), "2 3");
 }
 
-// A backup copy bears the identity of its original.
+// A backup copy has the identity of its original.
 TEST_F(Outlook_Test, A_Copy_Beside_Its_Original_Is_Another_Store) {
   const fs::path copy = directory_ / "copy.tfs";
   fs::copy_file(a_, copy);

@@ -46,7 +46,7 @@ TEST_F(Embedded_Store_Test, What_Was_Done_Lasts) {
   EXPECT_EQ(store_->Check(), std::vector<std::string>());
 }
 
-// Against the plainest model there is: two lists of identifiers.
+// Compared with the simplest model: two lists of identifiers.
 TEST_F(Embedded_Store_Test, No_Place_Ever_Stands_For_Another_Item) {
   constexpr int count = 3000, steps = 20000;
   Add_Numbered(*store_, "Inbox", count);
@@ -57,7 +57,7 @@ TEST_F(Embedded_Store_Test, No_Place_Ever_Stands_For_Another_Item) {
   std::mt19937 random(7);
   std::size_t at = 0;
   for (int step = 0; step < steps && !expected.empty(); ++step) {
-    // Mostly walks, in both directions; now and then a jump.
+    // Mostly walks in both directions, sometimes jumps.
     const auto choice = random() % 200;
     if (choice == 0) at = random() % expected.size();
     if (choice == 1) at = 0;
@@ -114,7 +114,7 @@ TEST_F(Embedded_Store_Test, A_Removed_Folder_Leaves_Nothing_In_The_File) {
   }
 }
 
-// What the cache reads of an item never touches the table of the bodies.
+// Reading an item for the cache never touches the table of bodies.
 TEST_F(Embedded_Store_Test, The_Start_Of_A_Text_Stands_In_The_Items_Row) {
   New_Item note;
   note.item_class = item_class::note;
@@ -164,6 +164,50 @@ TEST_F(Embedded_Store_Test, Folders_Have_An_Order) {
               "Items:0 Tasks:3 ");
     EXPECT_EQ(all_below(Folder_Named(*store_, "Notes")), ":5 A:5 a:5 B:5 b:5 öd:5 Öl:5 ");
   }
+}
+
+// Folder 1 is the top, 3 the Inbox; items 1 to 3 lie in it.
+TEST_F(Store_File, Check_Names_What_Is_Wrong) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"UPDATE folder SET parent = 99 WHERE id = 5",
+       "Folder F5 \"Sent Items\" does not hang below the top folder."},
+      {"UPDATE folder SET parent = 5 WHERE id = 5", "Folder F5 \"Sent Items\" does"},
+      {"UPDATE folder SET parent = 5 WHERE id = 6; UPDATE folder SET parent = 6 WHERE id = 5",
+       "Folder F6 \"Calendar\" does not hang below the top folder."},
+      {"UPDATE item SET folder = 99 WHERE id = 2",
+       "Item I2 \"2\" lies in a folder that does not exist (F99)."},
+      {"DELETE FROM content WHERE item = 3", "Item I3 \"3\" has lost its text."},
+      {"UPDATE message SET item = 9 WHERE item = 3", "The message of item I9 is there, the item is not."},
+      {"UPDATE attachment SET item = 9 WHERE item = 3",
+       "The attachment of item I9 is there, the item is not."},
+      {"DROP INDEX item_by_position; CREATE INDEX item_by_position ON item (folder, position);"
+       "UPDATE item SET position = 1",
+       "3 items have position 1 in folder F3."},
+      {"DROP INDEX item_by_position;"
+       "CREATE INDEX item_by_position ON item (folder, position) WHERE id <> 2;"
+       "PRAGMA writable_schema = ON; UPDATE sqlite_schema SET sql = 'CREATE UNIQUE INDEX "
+       "item_by_position ON item (folder, position)' WHERE name = 'item_by_position'",
+       "Folder F3 \"Inbox\" counts 2 items, but holds 3."}};
+  for (const auto& [sql, line] : cases) {
+    SCOPED_TRACE(sql);
+    std::filesystem::remove(file_);
+    Make_Small_Store(file_);
+    ASSERT_EQ(Run_Sql(file_, sql), SQLITE_OK);
+    std::string all;
+    for (const auto& fault : Open(Store_Mode::Read_Only)->Check()) all += fault + "\n";
+    EXPECT_NE(all.find(line), std::string::npos) << all;
+  }
+}
+
+TEST_F(Store_File, Check_Finds_A_Damaged_Page_That_Opening_Passes_Over) {
+  Make_Small_Store(file_);
+  const auto page = Number_By_Sql(file_, "SELECT rootpage FROM sqlite_schema WHERE name = 'message'");
+  std::string bytes = Bytes_Of(file_);
+  bytes[static_cast<std::size_t>(page - 1) * 4096 + 3] ^= 0x40;
+  Write_Bytes(file_, bytes);
+  const auto store = Open(Store_Mode::Read_Only);
+  EXPECT_EQ(Subjects_Of(*store, "Inbox"), "1 2 3");
+  EXPECT_FALSE(store->Check().empty());
 }
 
 }  // namespace

@@ -1,53 +1,23 @@
-// Store files for one test, and what tests do to them behind the program's back.
+// Store files for a test, and access to them behind the program's back.
 #pragma once
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
-#include <filesystem>
-#include <fstream>
 #include <functional>
 #include <map>
 #include <memory>
-#include <random>
-#include <sstream>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
+#include "doubles/temporary_directory.h"
 #include "errors/automation_error.h"
 #include "stores/sqlite/embedded_store.h"
 
 namespace tidyfold {
 
-class Temporary_Directory {
- public:
-  Temporary_Directory() {
-    std::random_device random;
-    const auto name = "tidyfold-test-" + std::to_string(random()) + std::to_string(random());
-    path_ = std::filesystem::temp_directory_path() / name;
-    if (!std::filesystem::create_directory(path_)) throw std::runtime_error("no directory: " + name);
-  }
-  Temporary_Directory(const Temporary_Directory&) = delete;
-  Temporary_Directory& operator=(const Temporary_Directory&) = delete;
-  ~Temporary_Directory() { std::filesystem::remove_all(path_); }
-  std::filesystem::path operator/(const char* name) const { return path_ / name; }
-  const std::filesystem::path& Path() const { return path_; }
-
- private:
-  std::filesystem::path path_;
-};
-
-inline std::string Bytes_Of(const std::filesystem::path& file) {
-  std::ostringstream bytes;
-  bytes << std::ifstream(file, std::ios::binary).rdbuf();
-  return bytes.str();
-}
-
-inline void Write_Bytes(const std::filesystem::path& file, const std::string& bytes) {
-  std::ofstream(file, std::ios::binary) << bytes;
-}
-
-// Every file of a directory, name and bytes.
+// The name and the bytes of every file in a directory.
 inline std::map<std::string, std::string> All_Files(const std::filesystem::path& directory) {
   std::map<std::string, std::string> files;
   for (const auto& entry : std::filesystem::directory_iterator(directory)) {
@@ -56,7 +26,7 @@ inline std::map<std::string, std::string> All_Files(const std::filesystem::path&
   return files;
 }
 
-// By a connection of another program's.
+// Runs SQL on a connection of its own, as another program would.
 inline int Run_Sql(const std::filesystem::path& file, const std::string& sql,
                    std::int64_t* number = nullptr) {
   sqlite3* connection = nullptr;
@@ -99,7 +69,7 @@ inline void Add_Numbered(Embedded_Store& store, const std::string& folder, int c
   store.Writer().Commit();
 }
 
-// Every subject, parted by blanks.
+// Every subject, with blanks between.
 inline std::string Subjects_Of(Embedded_Store& store, const std::string& folder) {
   std::string all;
   const auto items = Folder_Named(store, folder)->Items();
@@ -107,9 +77,34 @@ inline std::string Subjects_Of(Embedded_Store& store, const std::string& folder)
   return all;
 }
 
-// A store with three items in its Inbox, closed.
-inline void Make_Small_Store(const std::filesystem::path& path) {
-  Add_Numbered(*Embedded_Store::Create(path, "Small"), "Inbox", 3);
+// Subjects as Add_Numbered gives them.
+inline std::string Numbers(int first, int last, int step = 1) {
+  std::string all = std::to_string(first);
+  for (int number = first + step; number != last + step; number += step) all += " " + std::to_string(number);
+  return all;
 }
+
+// A store with some items in its Inbox, closed.
+inline void Make_Small_Store(const std::filesystem::path& path, int items = 3) {
+  Add_Numbered(*Embedded_Store::Create(path, "Small"), "Inbox", items);
+}
+
+// One store file in a directory of its own.
+class Store_File : public testing::Test {
+ protected:
+  std::shared_ptr<Embedded_Store> Open(Store_Mode mode = Store_Mode::Read_Write) const {
+    return Embedded_Store::Open(file_, mode);
+  }
+  // The file is sound, and these are the subjects in it.
+  void Expect_Kept(const std::string& inbox, const std::string& deleted = {}) const {
+    const auto store = Open();
+    EXPECT_EQ(Subjects_Of(*store, "Inbox"), inbox);
+    EXPECT_EQ(Subjects_Of(*store, "Deleted Items"), deleted);
+    EXPECT_EQ(store->Check(), std::vector<std::string>());
+  }
+
+  Temporary_Directory directory_;
+  const std::filesystem::path file_ = directory_ / "a.tfs";
+};
 
 }  // namespace tidyfold

@@ -1,17 +1,22 @@
 // Bringing the window up to date with the stores, also in the middle of loading.
 #pragma once
 
-#include <functional>
-
 #include "cache/item_cache.h"
-#include "grid/grid_rows.h"
 
 namespace tidyfold {
+
+// Builds tree and list anew and loads the items.
+class Interface_Loader {
+ public:
+  virtual ~Interface_Loader() = default;
+  virtual void Load_Interface() = 0;
+};
 
 class Refresh {
  public:
   Refresh(MainWindow& window, FolderData_Array& records, Folder_Tree& folder_tree, Item_Cache& cache,
-          Grid_Rows& rows, Message_Box& message_box, Error_Handler& errors);
+          Item_View& view, Interface_Loader& loader, Program_Phase& phase, Message_Box& message_box,
+          Error_Handler& errors);
 
   // Sets the menu commands' handlers.
   void Wire();
@@ -24,28 +29,26 @@ class Refresh {
   void mnuStopLoading_Click();
   // Resets every folder that is marked for reload.
   void Reload_Marked_Folders();
-  // Loads what is not loaded; then rebuilds everything if that was asked for meanwhile.
-  void Load_What_Is_Missing();
+  // Does what was put off while something else was under way: reloads marked folders, or rebuilds everything.
+  void Catch_Up();
 
   bool ReloadRequested = false;
 
-  std::function<void()> Load_Interface;
-  // Load_Interface is under way further out.
-  std::function<bool()> Interface_Loading;
-  // A cleaning run, its questions included, is under way.
-  std::function<bool()> Run_Under_Way;
-  std::function<void()> Enable_Command_Buttons;
-
  private:
+  void Load_What_Is_Missing();
+
   MainWindow& window_;
   TreeView& tree_;
   FolderData_Array& records_;
   Folder_Tree& folder_tree_;
   Item_Cache& cache_;
-  Grid_Rows& rows_;
+  Item_View& view_;
+  Interface_Loader& loader_;
+  Program_Phase& phase_;
   Message_Box& message_box_;
-  bool asking_to_stop_ = false;
   Error_Handler& errors_;
+  bool asking_to_stop_ = false;
+  bool reset_any_ = false;  // a folder was reset and has not been loaded again
 };
 
 }  // namespace tidyfold

@@ -1,0 +1,135 @@
+#include "clean/item_removal.h"
+
+#include <utility>
+
+#include "cache/item_dates.h"
+#include "cache/item_filters.h"
+#include "errors/automation_error.h"
+
+namespace tidyfold {
+
+void Item_Removal::Begin_Run(const Run_Options& options) {
+  options_ = options;
+  is_deleted_items_.clear();
+}
+
+void Item_Removal::Failed(ProcessError& process_error, std::string_view process, std::string_view item) {
+  run_.NotAllDeleted = true;
+  process_error.DisplayProcessingError(process, item);
+  errors_.error.Clear();
+}
+
+// A store may be asked across a network or another program: once for all items of a folder.
+bool Item_Removal::Is_Deleted_Items(int folder) {
+  auto known = is_deleted_items_.find(folder);
+  if (known == is_deleted_items_.end()) {
+    const FolderData& record = records_[folder];
+    const bool is = record.DeletedItemsIndex == folder || record.Folder->Name() == deleted_items_name;
+    known = is_deleted_items_.emplace(folder, is).first;
+  }
+  return known->second;
+}
+
+// Empty when the item is still what was shown. Where every question costs a call into another program, only
+// the two are asked that decide whether it may go at all.
+std::string Item_Removal::What_Has_Changed(int folder, Item& item, const ItemData& shown) {
+  if (item.Parent()->EntryID() != records_[folder].Folder->EntryID()) return "It lies in another folder now.";
+  if (!shown.Unread && Check_Unread(item, errors_)) return "It has become unread.";
+  if (session_.Asking_Costs_Calls()) return {};
+  if (item.Class() != shown.ItemClass) return "It is of another type now.";
+  if (item.Subject() != shown.Subject) return "Its subject is another.";
+  if (Get_Item_Date(item, shown.ItemClass) != shown.ItemDate) return "Its date is another.";
+  return {};
+}
+
+bool Item_Removal::Delete_Current_Item(int folder, const ItemData& shown, ProcessError& process_error,
+                                       std::function<void(bool left)> settled) {
+  return errors_.Run("Delete_Current_Item", [&] {
+    const Item_Action action = options_.permanent ? Item_Action::Deleted : Item_Action::Moved;
+    bool left = false;
+    std::int64_t number = 0;
+    const bool done = errors_.Try([&] {
+      const std::string store_id = records_[folder].Folder->StoreID();
+      Item_Ptr item;
+      try {
+        item = session_.name_space->GetItemFromID(shown.EntryID, store_id);
+      } catch (const Automation_Error& error) {
+        if (error.Number() != automation_error::not_found) throw;
+        journal_.Note_Changed(folder, shown, action, "It is no longer there.");
+        return;
+      }
+      const std::string changed = What_Has_Changed(folder, *item, shown);
+      if (!changed.empty()) {
+        journal_.Note_Changed(folder, shown, action, changed);
+        return;
+      }
+      const Answer answer = checks_.Confirm_Current_Item(*item, options_);
+      if (answer == Answer::Cancel) {
+        run_.Cancelled = true;
+        phase_.Cancel_Run();
+      }
+      // An item that could not even be asked about was reported there and stays.
+      if (answer == Answer{}) run_.NotAllDeleted = true;
+      if (answer == Answer::No)
+        journal_.Set_Result(journal_.Note(folder, shown, action), Item_Result::Declined);
+      if (answer != Answer::Yes || !phase_.Processing()) return;
+      number = journal_.Note(folder, shown, action);
+      Remove(folder, *item, shown, number, settled, left);
+    });
+    if (!done) {
+      if (number != 0) journal_.Set_Result(number, Item_Result::Failed, errors_.error.Description);
+      Failed(process_error, options_.permanent ? "Filtered Delete - Delete" : "Filtered Delete - Move",
+             shown.Subject);
+    }
+    return left;
+  });
+}
+
+// An item that lies in Deleted Items would be gone for good, so without Permanent Delete it is left there.
+void Item_Removal::Remove(int folder, Item& item, const ItemData& shown, std::int64_t number,
+                          const std::function<void(bool left)>& settled, bool& left) {
+  const std::string store_id = records_[folder].Folder->StoreID();
+  const bool already_in_deleted_items = Is_Deleted_Items(folder);
+  if (already_in_deleted_items && !options_.permanent) {
+    throw Automation_Error(automation_error::no_access,
+                           "Items in Deleted Items can only be deleted permanently.", application_title);
+  }
+  journal_.Before_Change(store_id);
+  item.Delete();
+  left = true;
+  journal_.Pending(store_id, [this, settled, number](bool kept) {
+    if (!kept) journal_.Set_Result(number, Item_Result::Failed, "The store could not keep the change.");
+    settled(kept);
+  });
+  // A folder of that name deeper in the tree is not where the store puts what it deletes.
+  const int wastebasket = records_[folder].DeletedItemsIndex;
+  const bool was_last_stop = already_in_deleted_items && (wastebasket == 0 || wastebasket == folder);
+  if (!was_last_stop) {
+    // What only passes through leaves Deleted Items as it was.
+    const bool reload = wastebasket != 0 && std::exchange(records_[wastebasket].Reload, true);
+    if (options_.permanent) {
+      journal_.Before_Change(store_id);
+      session_.name_space->GetItemFromID(shown.EntryID, store_id)->Delete();
+      if (wastebasket != 0) records_[wastebasket].Reload = reload;
+    }
+  }
+  Count_When_Kept(folder, store_id, number);
+}
+
+// The second entry for the same item where it was moved and then deleted: if only the move is kept, the item
+// has left its folder and lies in Deleted Items, and does not count.
+void Item_Removal::Count_When_Kept(int folder, const std::string& store_id, std::int64_t number) {
+  journal_.Pending(store_id, [this, folder, number](bool kept) {
+    if (kept) {
+      ++run_.ProcessedCount;
+      ++records_[folder].DeletedFromFolder;
+      journal_.Set_Result(number, Item_Result::Done);
+    } else {
+      journal_.Set_Result(number, Item_Result::Failed, "The store could not keep the change.");
+      const int wastebasket = records_[folder].DeletedItemsIndex;
+      if (wastebasket != 0) records_[wastebasket].Reload = true;
+    }
+  });
+}
+
+}  // namespace tidyfold

@@ -1,0 +1,57 @@
+// Removing one item, found by its identity and removed only while it still is what was shown.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <string>
+
+#include "clean/run_journal.h"
+#include "clean/safety_checks.h"
+#include "outlook/session.h"
+#include "plan/phase.h"
+
+namespace tidyfold {
+
+class Item_Removal {
+ public:
+  Item_Removal(FolderData_Array& records, Outlook_Session& session, Safety_Checks& checks,
+               Run_Journal& journal, Run_State& run, Program_Phase& phase, Error_Handler& errors)
+      : records_(records),
+        session_(session),
+        checks_(checks),
+        journal_(journal),
+        run_(run),
+        phase_(phase),
+        errors_(errors) {}
+
+  // Forgets the run before.
+  void Begin_Run(const Run_Options& options);
+
+  // Asks about the item, where the options say so, and removes it. True when it has left its folder; then
+  // `settled` is called once, as soon as it is known whether the store keeps that. What has been removed as
+  // the options ask, and kept, adds to the run's counter by itself.
+  bool Delete_Current_Item(int folder, const ItemData& shown, ProcessError& process_error,
+                           std::function<void(bool left)> settled);
+
+  // The failure that is the current error.
+  void Failed(ProcessError& process_error, std::string_view process, std::string_view item);
+
+ private:
+  std::string What_Has_Changed(int folder, Item& item, const ItemData& shown);
+  void Remove(int folder, Item& item, const ItemData& shown, std::int64_t number,
+              const std::function<void(bool left)>& settled, bool& left);
+  void Count_When_Kept(int folder, const std::string& store_id, std::int64_t number);
+  bool Is_Deleted_Items(int folder);
+
+  FolderData_Array& records_;
+  Outlook_Session& session_;
+  Safety_Checks& checks_;
+  Run_Journal& journal_;
+  Run_State& run_;
+  Program_Phase& phase_;
+  Error_Handler& errors_;
+  Run_Options options_;
+  std::map<int, bool> is_deleted_items_;  // as far as the run has asked
+};
+
+}  // namespace tidyfold

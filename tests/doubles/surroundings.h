@@ -1,0 +1,36 @@
+// What a program under test finds around it, apart from its stores: a log of runs of its own, and limits.
+#pragma once
+
+#include <map>
+
+#include "app/app.h"
+#include "doubles/fake_events.h"
+#include "doubles/fixed_clock.h"
+#include "doubles/scripted_message_box.h"
+#include "doubles/temporary_directory.h"
+
+namespace tidyfold {
+
+class Limits_In_Memory : public Deleted_Items_Limits {
+ public:
+  std::int32_t Limit(const std::string& store_id) override {
+    return limits_.try_emplace(store_id, default_deleted_items_limit).first->second;
+  }
+  void Set_Limit(const std::string& store_id, std::int32_t limit) override { limits_[store_id] = limit; }
+
+ private:
+  std::map<std::string, std::int32_t> limits_;
+};
+
+struct Test_Surroundings {
+  Scripted_Message_Box box;
+  Fake_Events events;
+  Fixed_Clock clock;  // 2023-03-15
+  Temporary_Directory state_folder;
+  Run_Log log{state_folder / "runs.sqlite"};
+  Limits_In_Memory limits;
+
+  Surroundings Around(Automation& automation) { return {automation, box, events, clock, log, limits}; }
+};
+
+}  // namespace tidyfold
