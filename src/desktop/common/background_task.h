@@ -1,4 +1,4 @@
-// Work that a window must not wait for.
+// Work on a thread of its own, so that the window does not wait for it.
 #pragma once
 
 #include <wx/event.h>
@@ -14,13 +14,13 @@ class Background_Task {
  public:
   // Runs in the window's thread when the work is done.
   using Finish = std::function<void()>;
-  // Looks at the token often; the window waits when it starts something else, or goes.
+  // Must check the token often: starting other work and destroying the task wait for it.
   using Work = std::function<Finish(const std::stop_token&)>;
 
-  // The owner gets the events; it must own the task, too.
+  // The owner receives the events and must own this task.
   explicit Background_Task(wxEvtHandler& owner) : owner_(owner) {}
 
-  // Stops what is under way, whose end is not told, and starts this.
+  // Stops the current work without its Finish, and starts this.
   void Start(Work work) {
     thread_ = {};
     thread_ = std::jthread([this, number = ++number_, work = std::move(work)](const std::stop_token& stop) {

@@ -1,4 +1,4 @@
-// Boxes for what could not be done, where no procedure reports it.
+// Boxes for failures that no procedure reports.
 #pragma once
 
 #include <wx/window.h>

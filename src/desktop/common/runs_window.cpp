@@ -26,10 +26,10 @@ namespace {
 
 constexpr int wide = 960, high = 640, gap = 12, lowest_pane = 90;  // unscaled pixels
 
-// Thrown out of a visit of the log that nobody waits for any more.
+// Ends a visit of the log whose result is no longer wanted.
 struct Abandoned {};
 
-// The title of a sentence.
+// With a capital at the beginning.
 wxString Capitalised(std::string text) {
   if (!text.empty()) text[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(text[0])));
   return To_One_Line(text);
@@ -53,7 +53,7 @@ std::string Outcome(const Logged_Run& run) {
   return run.outcome.not_all_deleted ? "not everything could be done" : "done";
 }
 
-// What the table has no room for.
+// Details that the table has no room for.
 std::string About(const Logged_Run& run) {
   std::string text = Run_Text(run) + ", " + Counted(run.outcome.processed, "item", "items") + " processed";
   if (run.uncertain > 0) text += "; of " + std::to_string(run.uncertain) + " more that is not known";
@@ -204,7 +204,7 @@ void Runs_Window::Show_Runs(std::vector<Logged_Run> runs) {
   const auto same =
       std::find_if(runs_.begin(), runs_.end(), [&](const Logged_Run& run) { return run.run == chosen; });
   const Logged_Run& now = same == runs_.end() ? runs_.front() : *same;
-  // Its items are read again where they may have become others.
+  // Reads its items again if they may have changed.
   if (now.run != chosen || Run_Cells(now) != was) shown_run_ = 0;
   run_table_->Choose_Row(static_cast<long>(&now - runs_.data()));
   Choose(now.run);

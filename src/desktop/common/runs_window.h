@@ -18,8 +18,8 @@
 
 namespace tidyfold {
 
-// Lists the runs, and below them the items of the chosen one. Reads the log whenever it comes to the front,
-// and never while somebody waits. Esc closes it.
+// Lists the runs and, below them, the items of the chosen run. Reads the log in the background whenever the
+// window is activated. Esc closes it.
 class Runs_Window : public wxFrame {
  public:
   // `window` must outlive this one.

@@ -35,7 +35,7 @@ wxString File_Name(const std::filesystem::path& path) {
   return To_Wx(path.filename().string());
 }
 
-// A gauge where the whole is known, a wandering bar where it is not.
+// A gauge if the total is known, a pulsing bar otherwise.
 class Progress {
  public:
   Progress(wxWindow* parent, const wxString& title, const wxString& what)
@@ -92,7 +92,7 @@ bool Store_Files::Open(wxWindow* parent, const std::vector<std::filesystem::path
 bool Store_Files::Ask_And_Open(wxWindow* parent) {
   wxFileDialog dialog(parent, "Open Store", wxStandardPaths::Get().GetDocumentsDir(), wxString(),
                       store_wildcard, wxFD_OPEN | wxFD_FILE_MUST_EXIST | wxFD_MULTIPLE);
-  // A choice that fails leads back to the choice.
+  // If opening fails, asks again.
   while (dialog.ShowModal() == wxID_OK) {
     wxArrayString chosen;
     dialog.GetPaths(chosen);

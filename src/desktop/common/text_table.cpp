@@ -53,7 +53,7 @@ void Text_Table::Fit_Columns() {
   if (IsShownOnScreen()) Fill_Width();
 }
 
-// That column gives way, too, as long as it can.
+// Shrinks that column as well, down to its smallest width.
 void Text_Table::Fill_Width() {
   int others = 0;
   for (int column = 0; column < GetColumnCount(); ++column)
@@ -69,7 +69,7 @@ wxSize Text_Table::Size_For(long most_rows) const {
   for (int column = 0; column < GetColumnCount(); ++column) width += GetColumnWidth(column);
   wxRect row(0, 0, 0, GetCharHeight() + FromDIP(4));
   if (GetItemCount() > 0) GetItemRect(0, row);
-  // The header is about as high as a row and a half.
+  // The header's height is about one and a half rows.
   const long halves = 3 + 2 * std::min<long>(GetItemCount(), most_rows);
   const int scroll_bar = GetItemCount() > most_rows ? wxSystemSettings::GetMetric(wxSYS_VSCROLL_X, this) : 0;
   return {width + scroll_bar + FromDIP(8), static_cast<int>(halves) * row.height / 2 + FromDIP(6)};

@@ -1,4 +1,4 @@
-// A table of texts that is asked for its cells, so that a million rows cost nothing.
+// A table that asks for its cells' texts when it paints them, so that rows cost no memory.
 #pragma once
 
 #include <wx/listctrl.h>
@@ -20,11 +20,11 @@ class Text_Table : public wxListCtrl {
 
   Text_Table(wxWindow* parent, const wxString& name, const std::vector<Text_Column>& columns, Cell cell);
 
-  // Shows that many rows, all new.
+  // Sets the number of rows and repaints them all.
   void Set_Rows(long rows);
   // Gives the columns the width of their texts, measured over the first rows.
   void Fit_Columns();
-  // What that many rows need, with the header and without scrolling; no more rows than there are.
+  // The size that shows this many rows, or all if there are fewer, with the header and without scrolling.
   wxSize Size_For(long most_rows) const;
   // -1: none.
   long Chosen_Row() const { return GetNextItem(-1, wxLIST_NEXT_ALL, wxLIST_STATE_SELECTED); }
