@@ -7,7 +7,6 @@
 #include "cli/folder_path.h"
 #include "cli/session.h"
 #include "cli/terminal.h"
-#include "marking/run_state.h"
 #include "program.h"
 
 namespace tidyfold::cli {

@@ -118,7 +118,9 @@ void Program::Build() {
   });
   help_ = std::make_unique<Desktop_Help>(*frame_, window_, message_box_, *registry_);
   Automation& outlook = system_outlook_ ? *system_outlook_ : outlook_;
-  app_ = std::make_unique<App>(window_, outlook, message_box_, events_, clock_, &help_->Environment());
+  limits_ = std::make_unique<Stored_Limits>(*registry_);
+  app_ = std::make_unique<App>(
+      window_, Surroundings{outlook, message_box_, events_, clock_, log_, *limits_, &help_->Environment()});
 }
 
 void Program::Show_Runs() {
@@ -151,6 +153,7 @@ void Program::End_When_Unwound() {
 
 int Program::OnExit() {
   app_.reset();
+  limits_.reset();
   // Before wxWidgets shuts down OLE.
   system_outlook_.reset();
   help_.reset();

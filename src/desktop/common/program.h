@@ -12,12 +12,14 @@
 #include <vector>
 
 #include "base/system_clock.h"
+#include "clean/stored_limits.h"
 #include "controls/main_window.h"
 #include "desktop/common/desktop_events.h"
 #include "desktop/common/desktop_message_box.h"
 #include "desktop/common/program_observer.h"
 #include "desktop/common/repaint_schedule.h"
 #include "desktop/common/store_files.h"
+#include "runs/run_log.h"
 #include "stores/sqlite/embedded_outlook.h"
 
 namespace tidyfold {
@@ -52,6 +54,7 @@ class Program : public wxApp {
   std::unique_ptr<Automation> system_outlook_;
   Embedded_Outlook outlook_;
   System_Clock clock_;
+  Run_Log log_{Default_Run_Log_File()};
   Desktop_Events events_;
   Desktop_Message_Box message_box_;
   MainWindow window_;
@@ -64,6 +67,7 @@ class Program : public wxApp {
   Message_Window* message_window_ = nullptr;
   wxWeakRef<wxFrame> runs_window_;
   std::unique_ptr<Desktop_Help> help_;
+  std::unique_ptr<Stored_Limits> limits_;
   std::unique_ptr<App> app_;
 
   bool loading_ = false;

@@ -30,6 +30,7 @@ class Outlook_Automation : public Automation {
   std::shared_ptr<Application> GetObject(const std::string& path, const std::string& program) override;
   std::shared_ptr<Application> CreateObject(const std::string& program) override;
   std::shared_ptr<Mapi_Utils> Create_Mapi_Utils(const std::string& program) override;
+  bool Asking_Costs_Calls() const override { return true; }
 
  private:
   std::shared_ptr<com::Session> session_;

@@ -218,6 +218,12 @@ void Embedded_Outlook::Watch(Group_Watcher* watcher) {
   session_->watcher = watcher;
 }
 
+std::string Embedded_Outlook::Place_Of_Store(const std::string& store_id) {
+  for (const auto& store : session_->stores)
+    if (store->StoreID() == store_id) return sqlite::Utf8(std::filesystem::absolute(store->Path()));
+  return {};
+}
+
 void Embedded_Outlook::Set_Display(Display_Callback display) {
   session_->display = std::move(display);
 }

@@ -35,6 +35,7 @@ class Embedded_Outlook : public Automation, public Change_Groups {
   // A store tells nothing while it is closed: Commit_Pending comes first.
   void Watch(Group_Watcher* watcher) override;
   Change_Groups* Groups() override { return this; }
+  std::string Place_Of_Store(const std::string& store_id) override;
 
   // What Item::Display calls. Without it Display throws Automation_Error (not_supported).
   void Set_Display(Display_Callback display);
