@@ -2,7 +2,9 @@
 #pragma once
 
 #include <wx/app.h>
+#include <wx/frame.h>
 #include <wx/timer.h>
+#include <wx/weakref.h>
 
 #include <filesystem>
 #include <functional>
@@ -41,6 +43,7 @@ class Program : public wxApp {
   void Start();
   bool Open_First_Stores();
   void Build();
+  void Show_Runs();
   void Change_Stores(const std::function<bool()>& change);
   void End_When_Unwound();
   void Commit();
@@ -62,6 +65,7 @@ class Program : public wxApp {
   std::unique_ptr<Repaint_Schedule> schedule_;
   Main_Frame* frame_ = nullptr;
   Message_Window* message_window_ = nullptr;
+  wxWeakRef<wxFrame> runs_window_;
   std::unique_ptr<Desktop_Help> help_;
   std::unique_ptr<Stored_Limits> limits_;
   std::unique_ptr<App> app_;
