@@ -1,5 +1,7 @@
 #include "cache/refresh.h"
 
+#include <utility>
+
 #include "base/flag_scope.h"
 
 namespace tidyfold {
@@ -61,17 +63,11 @@ void Refresh::mnuStopLoading_Click() {
   });
 }
 
-bool Refresh::Any_Marked_For_Reload() const {
-  for (int folder = 1; folder <= tree_.Upper_Bound(); ++folder)
-    if (tree_.Exists(folder) && records_[folder].Reload) return true;
-  return false;
-}
-
 void Refresh::Catch_Up() {
-  const bool reload = Any_Marked_For_Reload();
-  if (reload) Reload_Marked_Folders();
+  Reload_Marked_Folders();
   // Loading that the person has stopped goes on only when asked to.
-  if ((reload && !cache_.LoadGivenUp) || ReloadRequested) Load_What_Is_Missing();
+  const bool load = std::exchange(reset_any_, false) && !cache_.LoadGivenUp;
+  if (load || ReloadRequested) Load_What_Is_Missing();
 }
 
 // Loads what is not loaded; then rebuilds everything if that was asked for meanwhile.
@@ -93,15 +89,18 @@ void Refresh::Load_What_Is_Missing() {
 void Refresh::Reload_Marked_Folders() {
   errors_.Run("Reload_Marked_Folders", [&] {
     const No_Redraw no_redraw(window_.grdItems);
+    bool any = false;
     for (int folder = 1; folder <= tree_.Upper_Bound(); ++folder) {
       if (!tree_.Exists(folder) || !records_[folder].Reload) continue;
       view_.Remove_Folder_Rows(folder);
       folder_tree_.Reset_Folder_Node(folder);
       folder_tree_.Set_Node_Text(folder);
       tree_.Set_Fore_Colour(folder, unloaded_colour);
+      any = true;
     }
     // Rows that were picked by hand went with the others.
-    view_.Follow_Choice();
+    if (any) view_.Follow_Choice();
+    reset_any_ = reset_any_ || any;
   });
 }
 

@@ -35,7 +35,6 @@ class Refresh {
   bool ReloadRequested = false;
 
  private:
-  bool Any_Marked_For_Reload() const;
   void Load_What_Is_Missing();
 
   MainWindow& window_;
@@ -49,6 +48,7 @@ class Refresh {
   Message_Box& message_box_;
   Error_Handler& errors_;
   bool asking_to_stop_ = false;
+  bool reset_any_ = false;  // a folder was reset and has not been loaded again
 };
 
 }  // namespace tidyfold

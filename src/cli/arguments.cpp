@@ -16,12 +16,14 @@ namespace tidyfold::cli {
 
 namespace {
 
-constexpr std::array<std::pair<const char*, Command>, 6> commands = {{{"sample", Command::Sample},
+constexpr std::array<std::pair<const char*, Command>, 8> commands = {{{"sample", Command::Sample},
                                                                       {"import", Command::Import},
                                                                       {"folders", Command::Folders},
                                                                       {"items", Command::Items},
                                                                       {"clean", Command::Clean},
-                                                                      {"check", Command::Check}}};
+                                                                      {"check", Command::Check},
+                                                                      {"runs", Command::Runs},
+                                                                      {"undo", Command::Undo}}};
 
 constexpr std::pair<const char*, int> types[] = {
     {"mail", item_class::mail},        {"appointments", item_class::appointment},
@@ -140,6 +142,17 @@ void Add_Item_Commands(CLI::App& app, Arguments& arguments, Raw& raw) {
   clean.add_flag("--json", raw.json, "As JSON");
 }
 
+void Add_Run_Commands(CLI::App& app, Arguments& arguments, Raw& raw) {
+  CLI::App& runs = *app.add_subcommand("runs", "List the runs of the log, or the items of one");
+  CLI::App& undo = *app.add_subcommand("undo", "Put back what a run moved to Deleted Items");
+  for (CLI::App* command : {&runs, &undo})
+    command->add_option("RUN", arguments.run, "The run's number")->check(CLI::PositiveNumber);
+  CLI::Option* json = runs.add_flag("--json", raw.json, "As JSON");
+  runs.add_flag("--csv", raw.csv, "As comma-separated values")->excludes(json);
+  undo.add_flag("--yes", arguments.yes, "Answer Yes or OK to every question");
+  undo.add_flag("--json", raw.json, "As JSON");
+}
+
 int Item_Class_Of_Type(const std::string& name) {
   for (const auto& [known, item_class] : types)
     if (name == known) return item_class;
@@ -169,7 +182,11 @@ void Understand(Arguments& arguments, const Raw& raw, const CLI::App& command) {
   const bool makes_store = arguments.command == Command::Sample;
   if (makes_store && !arguments.stores.empty())
     Fail("--store names stores that exist; the new one is named after \"sample\". Leave --store out.");
-  if (!makes_store && arguments.stores.empty())
+  if (arguments.command == Command::Runs && !arguments.stores.empty())
+    Fail("The log is the same for all stores. Leave --store out.");
+  const bool needs_store =
+      !makes_store && arguments.command != Command::Runs && arguments.command != Command::Undo;
+  if (needs_store && arguments.stores.empty())
     Fail("No store is named. Name it with --store FILE before the command.");
 }
 
@@ -190,8 +207,9 @@ Arguments Read_Arguments(std::vector<std::string> given) {
   Add_List(app, "--store", raw.stores, "A store's file; repeat it for several stores")->type_name("STORE");
   Add_Store_Commands(app, arguments, raw);
   Add_Item_Commands(app, arguments, raw);
+  Add_Run_Commands(app, arguments, raw);
   for (CLI::App* command : app.get_subcommands({}))
-    if (command->get_name() != "sample")
+    if (command->get_name() != "sample" && command->get_name() != "runs")
       command->footer("Stores are named before the command: tidyfold-cli --store FILE " +
                       command->get_name() + " ...");
 

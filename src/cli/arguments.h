@@ -11,7 +11,7 @@
 
 namespace tidyfold::cli {
 
-enum class Command { Sample, Import, Folders, Items, Clean, Check };
+enum class Command { Sample, Import, Folders, Items, Clean, Check, Runs, Undo };
 enum class Form { Text, Json, Csv };
 
 struct Filters {
@@ -35,6 +35,9 @@ struct Arguments {
   Command command = Command::Check;
   std::vector<std::filesystem::path> stores;
   Form form = Form::Text;
+
+  // runs, undo
+  std::optional<std::int64_t> run;
 
   // items, clean
   std::vector<std::string> folders;  // paths

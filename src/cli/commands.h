@@ -1,4 +1,5 @@
-// The commands. Each returns its exit status or throws Failure, Store_Open_Error or Automation_Error.
+// The commands. Each returns its exit status or throws Failure, Store_Open_Error, Run_Log_Error or
+// Automation_Error.
 #pragma once
 
 #include <string>
@@ -16,6 +17,8 @@ Exit_Status Folders(const Arguments& arguments, Terminal& terminal);
 Exit_Status Items(const Arguments& arguments, Terminal& terminal);
 Exit_Status Clean(const Arguments& arguments, Terminal& terminal);
 Exit_Status Check(const Arguments& arguments, Terminal& terminal);
+Exit_Status Runs(const Arguments& arguments, Terminal& terminal);
+Exit_Status Undo(const Arguments& arguments, Terminal& terminal);
 
 // Runs the command in `words` (without the program's name) and reports its errors.
 Exit_Status Run(const std::vector<std::string>& words);

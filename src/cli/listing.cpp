@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <nlohmann/json.hpp>
 
+#include "base/csv.h"
 #include "base/dates.h"
 #include "base/text.h"
 #include "grid/grid_columns.h"
@@ -20,30 +21,11 @@ std::string Date_Text(const ItemData& item) {
   return item.ItemDate == no_date ? std::string() : Format_Date(item.ItemDate);
 }
 
-// RFC 4180, but lines end with LF.
-std::string Csv_Field(const std::string& text) {
-  std::string valid = Valid_Utf8(text);
-  if (valid.find_first_of(",\"\r\n") == std::string::npos) return valid;
-  std::string quoted = "\"";
-  for (const char character : valid) {
-    if (character == '"') quoted += '"';
-    quoted += character;
-  }
-  return quoted + '"';
-}
-
 std::size_t Characters(std::string_view text) {
   std::size_t count = 0;
   for (const char byte : text)
     if ((static_cast<unsigned char>(byte) & 0xC0) != 0x80) ++count;
   return count;
-}
-
-// Padded or cut to the width of the column.
-std::string Cell(std::string_view text, std::size_t width) {
-  std::string cell = Printable_Line(text);
-  if (Characters(cell) > width) cell = std::string(First_Characters(cell, width - 1)) + "…";
-  return cell.append(width - Characters(cell), ' ');
 }
 
 std::string Number_Cell(std::int64_t number) {
@@ -63,6 +45,22 @@ std::int64_t Unread_Items(const FolderData& record) {
 
 std::string To_Json(const Json& value) {
   return value.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+Json Messages_Json(const Terminal_Message_Box& messages) {
+  Json all = Json::array();
+  for (const Shown_Message& message : messages.Shown()) {
+    Json buttons = Json::array();
+    for (const Answer answer : Answers(message.buttons)) buttons.push_back(Answer_Name(answer));
+    all.push_back({{"text", message.text}, {"buttons", buttons}, {"answer", Answer_Name(message.answer)}});
+  }
+  return all;
+}
+
+std::string Cell(std::string_view text, std::size_t width) {
+  std::string cell = Printable_Line(text);
+  if (Characters(cell) > width) cell = std::string(First_Characters(cell, width - 1)) + "…";
+  return cell.append(width - Characters(cell), ' ');
 }
 
 std::string Counted(std::int64_t count, const std::string& word) {

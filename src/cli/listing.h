@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <nlohmann/json_fwd.hpp>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "cli/arguments.h"
@@ -13,6 +14,12 @@ namespace tidyfold::cli {
 
 // Always valid UTF-8.
 std::string To_Json(const nlohmann::ordered_json& value);
+
+// The message boxes that were shown, as documents list them.
+nlohmann::ordered_json Messages_Json(const Terminal_Message_Box& messages);
+
+// A text on one line and exactly as wide as its column.
+std::string Cell(std::string_view text, std::size_t width);
 
 // "1 item", "2 items".
 std::string Counted(std::int64_t count, const std::string& word);

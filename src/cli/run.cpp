@@ -1,6 +1,7 @@
 #include "cli/commands.h"
 #include "errors/automation_error.h"
 #include "import/import.h"
+#include "runs/run_log.h"
 #include "stores/sqlite/store_open_error.h"
 
 namespace tidyfold::cli {
@@ -21,6 +22,10 @@ Exit_Status Run_Command(const Arguments& arguments, Terminal& terminal) {
       return Clean(arguments, terminal);
     case Command::Check:
       return Check(arguments, terminal);
+    case Command::Runs:
+      return Runs(arguments, terminal);
+    case Command::Undo:
+      return Undo(arguments, terminal);
   }
   return Exit_Status::Bad_Input;
 }
@@ -38,6 +43,8 @@ Exit_Status Guarded(Terminal& terminal, const std::vector<std::string>& words) {
   } catch (const Store_Open_Error& error) {
     terminal.Write_Error(error.what());
   } catch (const Import_Error& error) {
+    terminal.Write_Error(error.what());
+  } catch (const Run_Log_Error& error) {
     terminal.Write_Error(error.what());
   } catch (const Automation_Error& error) {
     terminal.Write_Error(error.Description());

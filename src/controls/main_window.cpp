@@ -56,7 +56,8 @@ MainWindow::MainWindow() {
                                    &mnuHelp, &mnuWhatsThis, &mnuOnlineHelp, &mnuAbout});
   controls.insert(controls.end(),
                   {&mnuStopLoading, &mnuMark, &mnuUnmarkFolder, &mnuMarkBranch, &mnuSortReverse, &mnuOpenItem,
-                   &mnuSelectRow, &mnuSelectAllRows, &mnuCopyRows, &mnuNextPane, &mnuPreviousPane});
+                   &mnuSelectRow, &mnuSelectAllRows, &mnuCopyRows, &mnuPutBack, &mnuNextPane,
+                   &mnuPreviousPane, &mnuRuns, &mnuTakeBack, &mnuDeletedItemsLimit});
   for (MenuItem& field : mnuSortBy) controls.push_back(&field);
 }
 

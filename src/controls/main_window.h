@@ -72,8 +72,8 @@ struct MainWindow {
   MenuItem mnuClean{"mnuClean", "C&lean"};
   MenuItem mnuTakeBack{"mnuTakeBack", "&Take Back Last Run"};
   MenuItem mnuRuns{"mnuRuns", "R&uns..."};
-  MenuItem mnuPutBack{"mnuPutBack", "&Put Back"};
-  MenuItem mnuDeletedItemsLimit{"mnuDeletedItemsLimit", "Deleted Items &Limit..."};
+  MenuItem mnuPutBack{"mnuPutBack", "Put &Back"};
+  MenuItem mnuDeletedItemsLimit{"mnuDeletedItemsLimit", "&Deleted Items Limit..."};
   MenuItem mnuQuit{"mnuQuit", "&Quit"};
   MenuItem mnuUnmark{"mnuUnmark", "&Unmark All Folders"};
   MenuItem mnuResetOptions{"mnuResetOptions", "&Reset Options"};

@@ -33,8 +33,9 @@ inline constexpr std::int32_t corrupt_data = static_cast<std::int32_t>(0x8004011
 inline constexpr std::int32_t not_supported = static_cast<std::int32_t>(0x80040102);  // MAPI_E_NO_SUPPORT
 inline constexpr std::int32_t bad_index = static_cast<std::int32_t>(0x8002000B);      // DISP_E_BADINDEX
 inline constexpr std::int32_t busy = static_cast<std::int32_t>(0x80010001);           // RPC_E_CALL_REJECTED
-// The program behind the store has ended or does not answer at all. Whatever is asked of it next fails as
-// well, so this is told once and ends what is under way. Its description says all that a person needs.
+// The program behind the store has ended or does not answer at all, or the store's file can no longer be
+// reached. Whatever is asked of it next fails as well, so this is told once and ends what is under way. Its
+// description says all that a person needs.
 inline constexpr std::int32_t unavailable =
     static_cast<std::int32_t>(0x800706BA);  // RPC_S_SERVER_UNAVAILABLE
 }  // namespace automation_error

@@ -77,6 +77,10 @@ inline constexpr Context_Topic context_topics[] = {
     {"mnuCopyRows", -1, 1419, "controls/mnuCopyRows.html"},
     {"mnuNextPane", -1, 1420, "controls/mnuNextPane.html"},
     {"mnuPreviousPane", -1, 1421, "controls/mnuPreviousPane.html"},
+    {"mnuRuns", -1, 1422, "controls/mnuRuns.html"},
+    {"mnuTakeBack", -1, 1423, "controls/mnuTakeBack.html"},
+    {"mnuPutBack", -1, 1424, "controls/mnuPutBack.html"},
+    {"mnuDeletedItemsLimit", -1, 1425, "controls/mnuDeletedItemsLimit.html"},
 };
 
 // The page of a context identifier; empty for one that no control has.

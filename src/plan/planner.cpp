@@ -4,6 +4,8 @@
 #include <map>
 #include <utility>
 
+#include "outlook/default_folders.h"
+
 namespace tidyfold {
 
 // Brings the folder's verdicts up to date: what has been read since, or all of it under another filter.

@@ -32,7 +32,8 @@ std::string Time_Text(Date moment) {
 }
 
 constexpr const char* run_columns =
-    "SELECT id, undo_of, began, ended, options, items, bytes, folders, exact, processed, not_all_deleted, "
+    "SELECT id, kind, undo_of, began, ended, options, items, bytes, folders, exact, processed, "
+    "not_all_deleted, "
     "cancelled, taken_back FROM run ";
 
 constexpr const char* item_columns =
@@ -175,10 +176,10 @@ std::int64_t Run_Log::Begin(const Run_Header& header, Date now) {
   std::int64_t oldest_kept = 0;
   file.In_Transaction([&] {
     Log_Statement(file,
-                  "INSERT INTO run (undo_of, began, options, items, bytes, folders, exact) "
-                  "VALUES (?,?,?,?,?,?,?)")
-        .Run(header.undo_of, Time_Text(now), header.options, header.items, header.bytes, header.folders,
-             header.exact);
+                  "INSERT INTO run (kind, undo_of, began, options, items, bytes, folders, exact) "
+                  "VALUES (?,?,?,?,?,?,?,?)")
+        .Run(static_cast<int>(header.kind), header.undo_of, Time_Text(now), header.options, header.items,
+             header.bytes, header.folders, header.exact);
     run = file.Last_Insert();
     Log_Statement add_store(file, "INSERT INTO store VALUES (?,?,?,?)");
     for (const Logged_Store& store : header.stores)
@@ -302,16 +303,17 @@ std::vector<Logged_Run> Run_Log::Read_Runs(const char* which, std::int64_t param
   while (row.Step()) {
     Logged_Run run;
     run.run = row.Integer(0);
-    run.header.undo_of = row.Integer(1);
-    run.began = row.Text(2);
-    run.ended = row.Text(3);
-    run.header.options = row.Text(4);
-    run.header.items = row.Integer(5);
-    run.header.bytes = row.Integer(6);
-    run.header.folders = row.Integer(7);
-    run.header.exact = row.Integer(8) != 0;
-    run.outcome = {row.Integer(9), row.Integer(10) != 0, row.Integer(11) != 0};
-    run.taken_back = row.Integer(12);
+    run.header.kind = static_cast<Run_Kind>(row.Integer(1));
+    run.header.undo_of = row.Integer(2);
+    run.began = row.Text(3);
+    run.ended = row.Text(4);
+    run.header.options = row.Text(5);
+    run.header.items = row.Integer(6);
+    run.header.bytes = row.Integer(7);
+    run.header.folders = row.Integer(8);
+    run.header.exact = row.Integer(9) != 0;
+    run.outcome = {row.Integer(10), row.Integer(11) != 0, row.Integer(12) != 0};
+    run.taken_back = row.Integer(13);
     runs.push_back(std::move(run));
   }
   row.Reset();
@@ -365,7 +367,7 @@ std::optional<Logged_Item> Run_Log::Find_Moved(const std::string& store_id, cons
 std::optional<Logged_Run> Run_Log::Last_To_Take_Back() {
   for (Logged_Run& run : Runs()) {
     const bool did_something = run.outcome.processed + run.uncertain > 0;
-    if (run.header.undo_of == 0 && run.taken_back == 0 && did_something &&
+    if (run.header.kind == Run_Kind::Cleaning && run.taken_back == 0 && did_something &&
         run.state != Run_State_In_Log::Under_Way)
       return std::move(run);
   }

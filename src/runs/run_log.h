@@ -74,8 +74,12 @@ struct Logged_Store {
   std::string place;  // what opens it again: an absolute path or an address; empty where nothing does
 };
 
+// The numbers stand in the file.
+enum class Run_Kind { Cleaning = 0, Taking_Back = 1, Putting_Back = 2 };
+
 struct Run_Header {
-  std::int64_t undo_of = 0;  // the run that this one takes back; 0 for a cleaning
+  Run_Kind kind = Run_Kind::Cleaning;
+  std::int64_t undo_of = 0;  // the run that is taken back; 0: none
   std::vector<Logged_Store> stores;
   std::string options;  // in words
   // The plan's numbers.
@@ -85,7 +89,7 @@ struct Run_Header {
 
 struct Run_Outcome {
   std::int64_t processed = 0;
-  bool not_all_deleted = false;  // of a taking back: not everything could be put back
+  bool not_all_deleted = false;  // or not everything was put back
   bool cancelled = false;
 };
 

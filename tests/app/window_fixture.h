@@ -48,6 +48,7 @@ struct Window_Fixture : Test_Surroundings {
   void Do(const std::string& steps) {
     std::istringstream all(steps);
     for (std::string step; std::getline(all >> std::ws, step, ';');) {
+      if (step.empty()) continue;
       const std::size_t blank = step.find(' ');
       const std::string verb = step.substr(0, blank), what = step.substr(blank + 1);
       const std::map<std::string, std::function<void()>> verbs = {
@@ -141,6 +142,7 @@ struct Window_Fixture : Test_Surroundings {
   }
   static Buttons Buttons_Of(const std::string& text, Answer answer) {
     if (text.find(" identified for ") != std::string::npos) return Buttons::OK_Cancel;
+    if (text.find(" items in \"") != std::string::npos) return Buttons::Yes_No_Cancel;
     return answer == OK ? Buttons::OK_Only : Buttons::Yes_No;
   }
   void Clean(const Script& script) {

@@ -127,8 +127,8 @@ TEST_F(Filters, Are_In_Force_When_They_Are_Taken_Over) {
   int changes = 0;
   std::uint32_t version = app.filter.Version();
   const auto changed = [&] { return std::exchange(version, app.filter.Version()) != version; };
-  for (CheckBox* box : {&window.chkSelectSubject, &window.chkSelectDate, &window.chkSelectType}) {
-    box->Set_Value(1);
+  for (CheckBox* option : {&window.chkSelectSubject, &window.chkSelectDate, &window.chkSelectType}) {
+    option->Set_Value(1);
     changes += changed() ? 1 : 0;
   }
   EXPECT_EQ(changes, 3);

@@ -8,7 +8,7 @@ namespace tidyfold {
 
 TEST(Faults, A_Call_That_Fails_Costs_What_It_Was_About_And_No_More) {
   int met = 0;
-  for (const Way& way : ways)
+  for (const Kind_Of_Run& way : ways)
     for (const std::string member :
          {"NameSpace.GetItemFromID", "Items.Count", "Items.Item", "Items.Remove", "Folders.Count",
           "Folders.Item", "Folders.Remove", "MAPIFolder.Name", "MAPIFolder.EntryID", "MAPIFolder.StoreID",
@@ -16,7 +16,7 @@ TEST(Faults, A_Call_That_Fails_Costs_What_It_Was_About_And_No_More) {
           "Item.EntryID", "Item.ReceivedTime", "Item.Parent", "Item.Delete"})
       for (int number = 0, thrown = 1; thrown > 0 || number == 1; ++number) {  // 0: always
         SCOPED_TRACE(way.name + " " + member + std::to_string(number));
-        Way_Run f(way);
+        Kind_Run f(way);
         f.before_run = [&] {
           if (number == 0) f.plan.Fail_Always(member, {1, "it fails", "store"});
           f.plan.Fail_Call(member, number, {1, "it fails", "store"});
@@ -40,14 +40,14 @@ TEST(Faults, A_Call_That_Fails_Costs_What_It_Was_About_And_No_More) {
 TEST(Faults, A_Store_That_Vanishes_Is_Told_Of_Once_And_Ends_What_Is_Under_Way) {
   const std::string gone = "Outlook was closed.";
   for (const bool in_run : {false, true})
-    for (const Way& way : ways)
+    for (const Kind_Of_Run& way : ways)
       for (int number = 1, calls = number; calls >= number && !HasFailure(); ++number) {
         if (!in_run && !(way == "cached")) break;
         SCOPED_TRACE(way.name + (in_run ? " run " : " loading ") + std::to_string(number));
-        Way_Run f(way);
+        Kind_Run f(way);
         calls = 0;
         int late = 0;
-        Way_Run::Contents then = f.expected;
+        Kind_Run::Contents then = f.expected;
         const auto vanish = [&] {
           f.plan.Fail_Where(
               [&](const Store_Call& call) {
@@ -84,10 +84,10 @@ TEST(Faults, A_Store_That_Vanishes_Is_Told_Of_Once_And_Ends_What_Is_Under_Way) {
 
 // At every yield of the run something is taken, moved or added.
 TEST(Faults, Another_Program_In_The_Same_Store_Never_Costs_A_Neighbour) {
-  for (const Way& way : ways)
+  for (const Kind_Of_Run& way : ways)
     for (std::uint32_t seed = 1; seed <= 20 && !HasFailure(); ++seed) {
       SCOPED_TRACE(way.name + " " + std::to_string(seed));
-      Way_Run f(way, way == "turbo" ? 60 : 4);
+      Kind_Run f(way, way == "turbo" ? 60 : 4);
       std::mt19937 random(seed);
       const auto one_of = [&](std::int32_t count) {
         return static_cast<std::int32_t>(random() % static_cast<std::uint32_t>(count));
@@ -126,13 +126,13 @@ TEST(Faults, Another_Program_In_The_Same_Store_Never_Costs_A_Neighbour) {
 // In every yield and box of loading, of the run, and of loading afterwards.
 TEST(Faults, Commands_That_Come_In_Between_Wait_Or_End_The_Run_At_Once) {
   enum Command { Clean, Refresh, Refresh_Current, Quit, Close };
-  for (const Way& way : ways)
+  for (const Kind_Of_Run& way : ways)
     for (int place = 0; place < 10; ++place)
       for (int number = 1, met = 1; met == 1 && !HasFailure(); ++number) {
         const bool in_box = place % 2 == 1;
         SCOPED_TRACE(way.name + (in_box ? " box " : " yield ") + std::to_string(place / 2) + " at " +
                      std::to_string(number));
-        Way_Run f(way);
+        Kind_Run f(way);
         met = 0;
         std::size_t boxes = 0;
         const std::function<void()> commands[] = {f.window.cmdRun.Click, f.window.mnuRefresh.Click,

@@ -59,12 +59,12 @@ struct Run_Fixture : Window_Fixture {
 };
 
 // One run of each kind over a small store.
-struct Way {
+struct Kind_Of_Run {
   std::string name, before, after;  // steps before and after the folders are ticked
   bool operator==(const char* other) const { return name == other; }
 };
 
-inline const Way ways[] = {{"cached", "", ""},
+inline const Kind_Of_Run ways[] = {{"cached", "", ""},
                            {"permanent", "set PermanentDelete", ""},
                            {"confirmed", "set ConfirmFolders ConfirmItems", ""},
                            {"live", "", ""},  // Clean is pressed while the first folder is being read
@@ -72,11 +72,11 @@ inline const Way ways[] = {{"cached", "", ""},
                            {"rows", "set ShowAllFolders", "set SelectByRow"},
                            {"folders", "set DeleteFolders ConfirmFolders", ""}};
 
-struct Way_Run : Run_Fixture {
-  const Way way;
+struct Kind_Run : Run_Fixture {
+  const Kind_Of_Run way;
   std::function<void()> before_run = [] {};  // the last moment before Clean is pressed
 
-  explicit Way_Run(const Way& the_way, int copies = 1, Instead instead_of_memory = {})
+  explicit Kind_Run(const Kind_Of_Run& the_way, int copies = 1, Instead instead_of_memory = {})
       : Run_Fixture(instead_of_memory), way(the_way) {
     New_Item item;
     for (const char* path : {"Deleted Items", "Inbox", "Old", "Old/Deep", "Projects"})

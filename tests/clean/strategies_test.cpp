@@ -47,6 +47,13 @@ TEST(Strategies, Confirmations_Name_What_Goes_And_Are_Obeyed) {
   f.Clean({{"2 items in 1 folder identified for cleaning.", OK},
            {move_inbox, No},
            {"No items were processed.", OK}});
+  f.Do("tick Old; tick Inbox");
+  f.Clean({{count, OK}, {move_inbox, Cancel}, {"No items were processed.", OK}});
+  EXPECT_TRUE(f.Checked("Old")) << "Cancel ends the run";
+  f.Do("untick Old; tick Inbox");
+  f.Clean({{"2 items in 1 folder identified for cleaning.", OK},
+           {move_inbox, No},
+           {"No items were processed.", OK}});
   EXPECT_EQ(f.grid.Marked_Rows(), 0) << "a declined folder is unmarked, and so are its rows";
   f.Do("tick Old; set PermanentDelete");
   f.Expect({{"1 item in 1 folder identified for cleaning.", OK},

@@ -31,7 +31,8 @@ class Program_Test : public testing::Test {
   std::string Path(const std::string& name) const { return (folder_ / name).string(); }
 
   Outcome Run(const Words& words) const {
-    std::string line = "\"" TIDYFOLD_CLI "\"";
+    // The log of the person who runs the tests stays out of it.
+    std::string line = "XDG_STATE_HOME='" + Path("state") + "' \"" TIDYFOLD_CLI "\"";
     for (const std::string& word : words) {
       EXPECT_EQ(word.find('\''), std::string::npos) << "The shell would not take " << word;
       line += " '" + word + "'";

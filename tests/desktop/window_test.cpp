@@ -219,18 +219,26 @@ TEST_F(Window, Works_Without_A_Mouse) {
   window_->Click_Folder("Sample");
   window_->Type("notes");
   window_->Key("Escape");
-  window_->Key("space");
+  window_->Xdotool({"keydown", "space"});
   const auto is_ticked = [](const State& state) {
     for (const State& node : state["tree"])
       if (node["text"].get<std::string>().starts_with("Notes ")) return node["checked"].get<bool>();
     return false;
   };
-  // The rest follows when the key is released.
+  // All of it with the key still down.
   const State ticked = window_->Wait("Notes ticked and current", [&](const State& state) {
     return is_ticked(state) && state["widgets"]["lblCurrentFolder"]["label"] == "Current Folder: Notes";
   });
   const std::size_t rows = ticked["rows"];
   ASSERT_GT(rows, 0u);
+  window_->Xdotool({"keyup", "space"});
+  // What may not be ticked is refused with the key still down.
+  window_->Type("deleted");
+  window_->Key("Escape");
+  window_->Xdotool({"keydown", "space"});
+  window_->Wait_For_Box("Deleted Items");
+  window_->Xdotool({"keyup", "space"});
+  window_->Answer("Deleted Items", "Return");
 
   window_->Key("alt+t");
   window_->Wait("the date filter on",

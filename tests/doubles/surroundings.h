@@ -26,8 +26,8 @@ struct Test_Surroundings {
   Scripted_Message_Box box;
   Fake_Events events;
   Fixed_Clock clock;  // 2023-03-15
-  Temporary_Directory folder;
-  Run_Log log{folder / "runs.sqlite"};
+  Temporary_Directory state_folder;
+  Run_Log log{state_folder / "runs.sqlite"};
   Limits_In_Memory limits;
 
   Surroundings Around(Automation& automation) { return {automation, box, events, clock, log, limits}; }

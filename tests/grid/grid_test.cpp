@@ -65,8 +65,8 @@ TEST_F(Grid, Shows_In_Each_View_What_Its_Headers_Say) {
       {false, 4, "|Type|Subject|Entry|Date", "|Journal Entry|Subject|Text|2009-07-07", {6, 2, 6, 3, 4, 5}},
       {false, 3, "|Type|Subject|Date", "|Journal Entry|Subject|2009-07-07", {5, 2, 5, 3, 5, 4}}};
   for (const Case& c : cases) {
-    columns.CurrentGridItemType = c.item_type;
     window.chkShowAllFolders.Set_Value(c.all_folders);
+    columns.CurrentGridItemType = c.item_type;
     columns.Set_Grid_Columns();
     std::string headers, cells;
     Twips width = 0;

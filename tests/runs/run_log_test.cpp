@@ -63,6 +63,7 @@ TEST_F(Run_Log_Test, FindsWhatCanBeTakenBack) {
   Run_Log log(file);
   const auto run = [&](std::int64_t undo_of, Item_Action action, std::int64_t processed) {
     Run_Header header;
+    header.kind = undo_of == 0 ? Run_Kind::Cleaning : Run_Kind::Taking_Back;
     header.undo_of = undo_of;
     const std::int64_t number = log.Begin(header, now);
     Logged_Item item = Noted("I1", action);

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "controls/widgets.h"
+#include "desktop/common/grid_picture.h"
 #include "desktop/common/grid_table.h"
 #include "desktop/common/text_conversion.h"
 #include "desktop/common/theme.h"
@@ -110,7 +111,7 @@ void Grid_Binder::Catch_Up() {
     const int sort_column = model_.Sort_Column() - FlexGrid::first_item_column;
     if (sort_column >= 0 && sort_column < widget_.GetNumberCols())
       widget_.SetSortingColumn(sort_column, model_.Sorted_Ascending());
-    if (const std::uint64_t picture = Picture_Of_Rows_In_View(); picture != shown_picture_) {
+    if (const std::uint64_t picture = Picture_Of_View(); picture != shown_picture_) {
       shown_picture_ = picture;
       widget_.GetGridWindow()->Refresh();
     }
@@ -170,25 +171,18 @@ void Grid_Binder::Show_Hint() {
   if (!hint_.IsShown()) hint_.Show();
 }
 
-// Changes when anything in view does, so that rows that come out of sight cost no painting.
-std::uint64_t Grid_Binder::Picture_Of_Rows_In_View() const {
-  std::uint64_t picture = 14695981039346656037ull;
-  const auto add = [&picture](std::uint64_t value) { picture = (picture ^ value) * 1099511628211ull; };
+// Changes when anything in view does, so that rows out of sight cost no painting.
+std::uint64_t Grid_Binder::Picture_Of_View() const {
   const int height = widget_.GetDefaultRowSize();
   int x = 0, y = 0;
   widget_.CalcUnscrolledPosition(0, 0, &x, &y);
   const int first = y / height;
   const int last =
       std::min(first + widget_.GetGridWindow()->GetClientSize().y / height + 2, model_.Rows() - 1);
-  add(static_cast<std::uint64_t>(first));
-  add(static_cast<std::uint64_t>(model_.Row()));
-  add(model_.Enabled());
-  for (int row = first; row < last; ++row) {
-    const GridRow& at = model_.Row_At(Grid_Table::Model_Row(row));
-    add(static_cast<std::uint32_t>(at.row_data));
-    add(static_cast<std::uint32_t>(at.item));
-    add(at.back_colour * 4ull + (at.bold ? 2ull : 0ull) + at.marked);
-  }
+  std::uint64_t picture =
+      Picture_Of_Rows(model_, Grid_Table::Model_Row(first), Grid_Table::Model_Row(last - 1));
+  for (const int value : {first, model_.Row(), static_cast<int>(model_.Enabled())})
+    picture = picture * 31 + static_cast<std::uint64_t>(value);
   return picture;
 }
 

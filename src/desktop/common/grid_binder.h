@@ -34,7 +34,7 @@ class Grid_Binder : public Control_Binder, public Late_Widget {
   void Fill_Width();
   void Show_Row_Count();
   void Show_Hint();
-  std::uint64_t Picture_Of_Rows_In_View() const;
+  std::uint64_t Picture_Of_View() const;
 
   int Row_At(const wxPoint& position) const;
   void Pressed(wxMouseEvent& event);

@@ -99,8 +99,9 @@ void Main_Frame::Build_Panes() {
   hint->SetForegroundColour(wxSystemSettings::GetColour(wxSYS_COLOUR_GRAYTEXT));
   auto& grid_binder = binders_.Add<Grid_Binder>(model_.grdItems, *grid, *hint, schedule_);
   grid_binder.Follow_Position(scale_);
-  grid_binder.context_menu = Entries({&model_.mnuOpenItem, nullptr, &model_.mnuSelectRow,
-                                      &model_.mnuSelectAllRows, nullptr, &model_.mnuCopyRows});
+  grid_binder.context_menu =
+      Entries({&model_.mnuOpenItem, nullptr, &model_.mnuSelectRow, &model_.mnuSelectAllRows, nullptr,
+               &model_.mnuCopyRows, &model_.mnuPutBack});
   model_.Set_Clipboard_Text = [](const std::string& text) {
     const wxClipboardLocker lock;
     if (!lock) return;
@@ -135,6 +136,8 @@ void Main_Frame::Build_Menus() {
   Add_File_Entry(*file, "Import &Maildir Folder...", "Bring a Maildir folder into the store",
                  commands_.Import_Maildir);
   if (file->GetMenuItemCount() > 0) file->AppendSeparator();
+  Add_Entry(*file, model_.mnuRuns, "Ctrl+L", "Look at what earlier runs have done");
+  file->AppendSeparator();
   Add_Entry(*file, model_.mnuQuit, "Ctrl+Q", "Leave Tidyfold");
 
   auto* const folders = new wxMenu;
@@ -146,11 +149,17 @@ void Main_Frame::Build_Menus() {
   Add_Entry(*folders, model_.mnuUnmarkFolder, "Ctrl+Shift+M", "Take the tick off the current folder");
   Add_Entry(*folders, model_.mnuMarkBranch, "Ctrl+B", "Tick the current folder and all folders below it");
   Add_Entry(*folders, model_.mnuUnmark, "Ctrl+U", "Take the ticks off all folders");
+  folders->AppendSeparator();
+  Add_Entry(*folders, model_.mnuTakeBack, "Ctrl+Shift+Z",
+            "Put back what the last run moved to Deleted Items");
 
   auto* const options = new wxMenu;
   Add_Entry(*options, model_.mnuClean, "Ctrl+Return", "Start cleaning what is selected");
   options->AppendSeparator();
   Add_Entry(*options, model_.mnuResetOptions, "Ctrl+R", "Put all options back to their safe values");
+  options->AppendSeparator();
+  Add_Entry(*options, model_.mnuDeletedItemsLimit, "",
+            "Choose how many items Deleted Items may hold after a run");
 
   auto* const help = new wxMenu;
   Add_Entry(*help, model_.mnuHelp, "F1", "Show the help");
@@ -184,6 +193,7 @@ wxMenu* Main_Frame::New_View_Menu() {
   Add_Entry(*view, model_.mnuSelectRow, "Ctrl+Space", "Select the current row, or take it out");
   Add_Entry(*view, model_.mnuSelectAllRows, "Ctrl+A", "Select every row that may be selected");
   Add_Entry(*view, model_.mnuCopyRows, "Ctrl+C", "Copy the selected rows, or else the current one");
+  Add_Entry(*view, model_.mnuPutBack, "", "Put items in Deleted Items back where a run found them");
   view->AppendSeparator();
   Add_Entry(*view, model_.mnuNextPane, "F6", "Go to the next part of the window");
   Add_Entry(*view, model_.mnuPreviousPane, "Shift+F6", "Go to the part of the window before");

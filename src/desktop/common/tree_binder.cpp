@@ -116,8 +116,16 @@ Tree_Binder::Tree_Binder(TreeView& model, wxDataViewCtrl& widget, Repaint_Schedu
   area.Bind(wxEVT_KEY_DOWN, &Tree_Binder::Key_Pressed, this);
   area.Bind(wxEVT_KEY_UP, [this](wxKeyEvent& event) {
     event.Skip();
-    if (event.GetKeyCode() == WXK_SPACE) space_held_ = false;
-    Do_After_Event([this] { Raise(model_.KeyUp); });
+    if (event.GetKeyCode() == WXK_SPACE) {
+      space_held_ = false;
+    } else {
+      Do_After_Event([this] { Raise(model_.KeyUp); });
+    }
+  });
+  area.Bind(wxEVT_SET_FOCUS, [this](wxFocusEvent& event) {
+    event.Skip();
+    // The key may have been let go in a box that the tick has opened.
+    if (space_held_) space_held_ = wxGetKeyState(WXK_SPACE);
   });
   model_.observer = this;
   wxEvtHandler::AddFilter(this);
@@ -320,7 +328,7 @@ void Tree_Binder::Key_Pressed(wxKeyEvent& event) {
   switch (event.GetKeyCode()) {
     case WXK_SPACE:
       // A key that is held down repeats itself.
-      return std::exchange(space_held_, true) ? void() : Ticked(node);
+      return std::exchange(space_held_, true) ? void() : Tick_By_Key(node);
     case WXK_RIGHT:
       return Move_Sideways(node, true);
     case WXK_LEFT:
@@ -328,6 +336,14 @@ void Tree_Binder::Key_Pressed(wxKeyEvent& event) {
     default:
       return event.Skip();
   }
+}
+
+// The marking rules take the tick or refuse it now, not when the key comes up: a click made with the key
+// still down must not find a tick that nobody has looked at.
+void Tree_Binder::Tick_By_Key(int index) {
+  Do_What_Is_Due();
+  Ticked(index);
+  Raise(model_.KeyUp);
 }
 
 // Right opens a branch, then steps into it; left closes it, then steps out.

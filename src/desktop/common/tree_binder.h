@@ -56,6 +56,7 @@ class Tree_Binder : public Control_Binder,
   void Mouse_Released(wxMouseEvent& event);
   void Menu_Asked_For(int index, const wxPoint& place);
   void Key_Pressed(wxKeyEvent& event);
+  void Tick_By_Key(int index);
   void Move_Sideways(int index, bool in);
 
   TreeView& model_;

@@ -1,44 +1,71 @@
 #include "stores/sqlite/database.h"
 
+#include <cerrno>
 #include <new>
+#include <system_error>
 
 #include "errors/automation_error.h"
 
 namespace tidyfold::sqlite {
+
+namespace {
+
+// SQLite knows a full disk only from a write; a quota, the largest size of a file and a disk that is found
+// full when it is synchronised come as I/O errors.
+bool Means_Full(int system_error) {
+#ifdef EDQUOT
+  if (system_error == EDQUOT) return true;
+#endif
+  const std::error_code error(system_error, std::generic_category());
+  return error == std::errc::no_space_on_device || error == std::errc::file_too_large;
+}
+
+}  // namespace
 
 void Database::Execute(const char* sql) {
   const int code = sqlite3_exec(connection_.get(), sql, nullptr, nullptr, nullptr);
   if (code != SQLITE_OK) Fail(code);
 }
 
+bool Database::Has_Moved() const {
+  int moved = 0;
+  sqlite3_file_control(connection_.get(), "main", SQLITE_FCNTL_HAS_MOVED, &moved);
+  return moved != 0;
+}
+
 void Database::Fail(int code) const {
+  const int system_error = errno;
+  const int kind = code & 0xFF;
   const std::string store = "The store \"" + file_ + "\" ";
   const std::string reason = std::string(" (") + sqlite3_errmsg(connection_.get()) + ")";
   const auto fail = [](std::int32_t number, const std::string& text) {
     throw Automation_Error(number, text, error_source);
   };
-  switch (code & 0xFF) {
-    case SQLITE_NOMEM:
-      throw std::bad_alloc();
+  if (kind == SQLITE_NOMEM || code == SQLITE_IOERR_NOMEM) throw std::bad_alloc();
+  if (kind == SQLITE_FULL || (kind == SQLITE_IOERR && Means_Full(system_error))) {
+    fail(automation_error::call_failed, store +
+                                            "could not be written: the disk is full. Make room on it and "
+                                            "try again; the last changes were not kept.");
+  }
+  switch (kind) {
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB:
       fail(automation_error::corrupt_data,
            store + "is damaged" + reason + ". Restore it from a backup copy.");
       break;
-    case SQLITE_FULL:
-      fail(automation_error::call_failed, store +
-                                              "could not be written: the disk is full. Make room on it and "
-                                              "try again; the last changes were not kept.");
-      break;
     case SQLITE_IOERR:
-      fail(automation_error::call_failed, store + "could not be read or written" + reason +
-                                              ". Check the disk that it lies on and try again; the last "
-                                              "changes were not kept.");
+    case SQLITE_CANTOPEN:
+      if (Has_Moved()) Fail_Moved();
+      fail(automation_error::unavailable,
+           store + "can no longer be read or written" + reason +
+               ". Check the disk or the network share that it lies on, and open the store again; the last "
+               "changes may not have been kept.");
       break;
     case SQLITE_READONLY:
+      if (code == SQLITE_READONLY_DBMOVED) Fail_Moved();
+      [[fallthrough]];
     case SQLITE_PERM:
     case SQLITE_AUTH:
-    case SQLITE_CANTOPEN:
       fail(automation_error::no_access,
            store + "may not be written" + reason + ". Make the file and its folder writable.");
       break;
@@ -54,6 +81,15 @@ void Database::Fail(int code) const {
                          store + "could not do what it was asked" + reason + ".", error_source);
 }
 
+void Database::Fail_Moved() const {
+  throw Automation_Error(
+      automation_error::unavailable,
+      "The store \"" + file_ +
+          "\" is no longer where it was. Check the disk or the network share that it lies on, put the file "
+          "back if it was moved, and open the store again; the last changes were not kept.",
+      error_source);
+}
+
 void Database::Fail_Damaged(const std::string& what) const {
   throw Automation_Error(
       automation_error::corrupt_data,
@@ -62,8 +98,11 @@ void Database::Fail_Damaged(const std::string& what) const {
 
 Statement::Statement(Database& database, std::string_view sql) : database_(database) {
   sqlite3_stmt* statement = nullptr;
-  Check(sqlite3_prepare_v3(database.Connection(), sql.data(), static_cast<int>(sql.size()),
-                           SQLITE_PREPARE_PERSISTENT, &statement, nullptr));
+  const int code = sqlite3_prepare_v3(database.Connection(), sql.data(), static_cast<int>(sql.size()),
+                                      SQLITE_PREPARE_PERSISTENT, &statement, nullptr);
+  // The statements are sound; the tables are not those that they name.
+  if (code == SQLITE_ERROR) database.Fail_Damaged(sqlite3_errmsg(database.Connection()));
+  Check(code);
   statement_.reset(statement);
 }
 

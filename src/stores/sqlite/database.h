@@ -22,6 +22,8 @@ class Database {
   const std::string& File() const { return file_; }
   // SQLite ends a transaction by itself after some failures; this tells.
   bool In_Transaction() const { return sqlite3_get_autocommit(connection_.get()) == 0; }
+  // The file was renamed or deleted, or the place where it lies cannot be reached.
+  bool Has_Moved() const;
   // Rows that the last statement changed itself, without those that went along with them.
   int Changes() const { return sqlite3_changes(connection_.get()); }
 
@@ -29,6 +31,7 @@ class Database {
   void Execute(const char* sql);
   [[noreturn]] void Fail(int code) const;
   [[noreturn]] void Fail_Damaged(const std::string& what) const;
+  [[noreturn]] void Fail_Moved() const;
 
  private:
   struct Closer {

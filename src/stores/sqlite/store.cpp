@@ -15,6 +15,20 @@ namespace {
 constexpr std::chrono::milliseconds clearing_time{5};
 constexpr std::int64_t items_per_clearing = 100;
 
+Store_Open_Error::Reason Reason_Of(const Automation_Error& error) {
+  using Reason = Store_Open_Error::Reason;
+  switch (error.Number()) {
+    case automation_error::corrupt_data:
+      return Reason::Damaged;
+    case automation_error::busy:
+      return Reason::Locked;
+    case automation_error::no_access:
+      return Reason::No_Permission;
+    default:
+      return Reason::Cannot_Read;
+  }
+}
+
 }  // namespace
 
 Store::Store(std::filesystem::path path, Store_Mode mode) : path_(std::move(path)), mode_(mode) {}
@@ -57,7 +71,7 @@ std::shared_ptr<Store> Store::Create(const std::filesystem::path& path, const st
   } catch (const Automation_Error& error) {
     store.reset();
     Remove_File(path);
-    Fail_Open(Store_Open_Error::Reason::Cannot_Write, path, error.Description());
+    throw Store_Open_Error(Store_Open_Error::Reason::Cannot_Write, path, error.Description());
   } catch (...) {
     store.reset();
     Remove_File(path);
@@ -83,10 +97,7 @@ void Store::Start() {
     next_folder_ = std::max(last.Integer(0), last.Integer(2)) + 1;
     next_item_ = std::max(last.Integer(1), last.Integer(3)) + 1;
   } catch (const Automation_Error& error) {
-    if (error.Number() == automation_error::corrupt_data) {
-      throw Store_Open_Error(Store_Open_Error::Reason::Damaged, path_, error.Description());
-    }
-    Fail_Open(Store_Open_Error::Reason::Damaged, path_, sqlite3_errmsg(database_->Connection()));
+    throw Store_Open_Error(Reason_Of(error), path_, error.Description());
   }
 }
 
@@ -210,6 +221,8 @@ void Store::After_Failure() {
 void Store::Commit_Group() {
   if (const auto watcher = watcher_.lock(); watcher != nullptr && pending_ > 0) watcher->Group_Ending();
   try {
+    // What is written to a file that was renamed or deleted would be lost without a word.
+    if (database_->Has_Moved()) database_->Fail_Moved();
     statements_->commit.Run();
   } catch (...) {
     Undo();

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <new>
 #include <optional>
 #include <string_view>
 #include <system_error>
@@ -37,7 +38,6 @@ bool Holds_Bytes(const fs::path& path) {
 
 // What a failed call says about a store that is being opened.
 [[noreturn]] void Fail_Call(sqlite3* connection, int code, const fs::path& path) {
-  const std::string detail = sqlite3_errmsg(connection);
   switch (code & 0xFF) {
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
@@ -53,8 +53,13 @@ bool Holds_Bytes(const fs::path& path) {
     case SQLITE_PERM:
     case SQLITE_AUTH:
       Fail_Open(Reason::No_Permission, path);
+    case SQLITE_CORRUPT:
+    case SQLITE_ERROR:
+      Fail_Open(Reason::Damaged, path, sqlite3_errmsg(connection));
+    case SQLITE_NOMEM:
+      throw std::bad_alloc();
     default:
-      Fail_Open(Reason::Damaged, path, detail);
+      Fail_Open(Reason::Cannot_Read, path, sqlite3_errstr(code));
   }
 }
 
@@ -72,7 +77,7 @@ sqlite3* Connect(const fs::path& path, const std::string& name, int flags) {
   if (reason == std::errc::permission_denied || reason == std::errc::operation_not_permitted)
     Fail_Open(Reason::No_Permission, path);
   if (reason == std::errc::no_such_file_or_directory) Fail_Open(Reason::Missing, path);
-  Fail_Open(Reason::Damaged, path, detail);
+  Fail_Open(Reason::Cannot_Read, path, reason ? reason.message() : detail);
 }
 
 // The file as SQLite has it open. Never through a descriptor of our own: closing one takes every lock away
@@ -149,7 +154,7 @@ void Check_Place(const fs::path& path) {
   if (status.type() == fs::file_type::not_found) Fail_Open(Reason::Missing, path);
   if (status.type() == fs::file_type::none) {
     if (error == std::errc::permission_denied) Fail_Open(Reason::No_Permission, path);
-    Fail_Open(Reason::Missing, path);
+    Fail_Open(Reason::Cannot_Read, path, error.message());
   }
   if (status.type() != fs::file_type::regular) Fail_Open(Reason::Not_A_Store, path, "it is no file");
 }
@@ -212,6 +217,10 @@ void Fail_Open(Reason reason, const fs::path& path, const std::string& detail) {
       break;
     case Reason::Newer_Version:
       text = store + "was written by a newer version of Tidyfold" + why + ". Open it with that version.";
+      break;
+    case Reason::Cannot_Read:
+      text = store + "could not be read" + why +
+             ". Check the disk or the network share that it lies on, and try again.";
       break;
     case Reason::Cannot_Write:
       text = store + "could not be written" + why + ". Check the folder and the room on its disk.";
@@ -278,7 +287,7 @@ std::unique_ptr<Database> Create_File(const fs::path& path, const std::string& s
     return database;
   } catch (const Automation_Error& error) {
     Remove_File(path);
-    Fail_Open(Reason::Cannot_Write, path, error.Description());
+    throw Store_Open_Error(Reason::Cannot_Write, path, error.Description());
   } catch (...) {
     Remove_File(path);
     throw;

@@ -20,6 +20,7 @@ class Store_Open_Error : public std::exception {
     No_Permission,
     Locked,         // open elsewhere, or twice here
     Newer_Version,  // written by a later version of the program
+    Cannot_Read,    // disk or share failing
     Cannot_Write,   // disk full or failing while a new store was made
   };
 

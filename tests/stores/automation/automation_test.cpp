@@ -35,10 +35,10 @@ struct Served_Store {
 }  // namespace
 
 TEST(Automation, Every_Kind_Of_Run_Takes_What_Was_Chosen) {
-  for (const Way& way : ways) {
+  for (const Kind_Of_Run& way : ways) {
     SCOPED_TRACE(way.name);
     Served_Store store;
-    Way_Run f(way, 1, store.Instead());
+    Kind_Run f(way, 1, store.Instead());
     f.Run();
     f.Expect_Nothing_Else();
     EXPECT_EQ(f.Everything(), f.expected);
@@ -94,7 +94,7 @@ TEST(Automation, Calls_Stay_Within_Their_Budget) {
   };
   const auto measure = [](int items, const std::string& options) {
     Served_Store store;
-    Way_Run f({"", options, ""}, 0, store.Instead());
+    Kind_Run f({"", options, ""}, 0, store.Instead());
     f.Add("Inbox", "to go", items);
     f.Add("Inbox", "unread", 2);  // stays
     const int at_first = store.Calls().first;
@@ -171,10 +171,10 @@ TEST(Automation, Failures_Come_As_They_Were_Told) {
 
 TEST(Automation, Outlook_That_Ends_In_The_Middle_Is_Told_Of_Once) {
   int number = 1;
-  for (const Way& way : ways) {
+  for (const Kind_Of_Run& way : ways) {
     SCOPED_TRACE(way.name + " " + std::to_string(number));
     Served_Store store;
-    Way_Run f(way, 1, store.Instead());
+    Kind_Run f(way, 1, store.Instead());
     f.before_run = [&] { store.server.Tell("Vanish", number); };
     f.Run();
     EXPECT_FALSE(Test_Outlook::Is_Running());

@@ -8,6 +8,20 @@
 
 namespace tidyfold {
 
+struct Planned_Failure {
+  int left = -1;  // calls that still succeed; never fails when negative
+  int result = SQLITE_OK, system_error = 0;
+
+  bool Comes() {
+    if (left == 0) {
+      errno = system_error;
+      return true;
+    }
+    if (left > 0) --left;
+    return false;
+  }
+};
+
 // Serves every file that is opened while it exists. One at a time.
 class Fault_Vfs {
  public:
@@ -26,27 +40,16 @@ class Fault_Vfs {
     sqlite3_vfs_unregister(&own_);
   }
 
-  // From the `number`-th writing on, counted from 1, all fail with this result of SQLite's and this errno.
+  // From the `number`-th call on, counted from 1, all fail with this result of SQLite's and this errno.
   void Fail_Writing(int number, int result, int system_error) {
-    writings_left_ = number - 1;
-    result_ = result;
-    error_ = system_error;
+    writing_ = {number - 1, result, system_error};
   }
-  void Fail_Reading(int result, int system_error) {
-    reading_fails_ = true;
-    result_ = result;
-    error_ = system_error;
+  void Fail_Reading(int number, int result, int system_error) {
+    reading_ = {number - 1, result, system_error};
   }
-  void Repair() {
-    writings_left_ = -1;
-    reading_fails_ = false;
-  }
+  void Repair() { writing_ = reading_ = {}; }
 
  private:
-  static int Fail() {
-    errno = error_;
-    return result_;
-  }
   // The file is the real one; only its table of functions is exchanged.
   struct Table {
     sqlite3_io_methods own;
@@ -61,12 +64,10 @@ class Fault_Vfs {
     Table& table = tables_[file->pMethods];
     table = {*file->pMethods, file->pMethods};
     table.own.xWrite = [](sqlite3_file* target, const void* bytes, int count, sqlite3_int64 at) {
-      if (writings_left_ == 0) return Fail();
-      if (writings_left_ > 0) --writings_left_;
-      return Real(target).xWrite(target, bytes, count, at);
+      return writing_.Comes() ? writing_.result : Real(target).xWrite(target, bytes, count, at);
     };
     table.own.xRead = [](sqlite3_file* source, void* bytes, int count, sqlite3_int64 at) {
-      return reading_fails_ ? Fail() : Real(source).xRead(source, bytes, count, at);
+      return reading_.Comes() ? reading_.result : Real(source).xRead(source, bytes, count, at);
     };
     file->pMethods = &table.own;
     return result;
@@ -75,9 +76,7 @@ class Fault_Vfs {
   static inline sqlite3_vfs* real_ = nullptr;
   static inline sqlite3_vfs own_{};
   static inline std::map<const sqlite3_io_methods*, Table> tables_;
-  static inline int writings_left_ = -1;  // none: nothing fails
-  static inline bool reading_fails_ = false;
-  static inline int result_ = SQLITE_OK, error_ = 0;
+  static inline Planned_Failure writing_, reading_;
 };
 
 }  // namespace tidyfold
