@@ -89,7 +89,8 @@ TEST_F(Help_Window, Pages_Have_A_Window_That_Keeps_Its_Size_And_A_Site_That_Is_G
   Open();
   window_->Key("ctrl+h");
   // The style sheet is requested when the page is shown.
-  EXPECT_TRUE(server->Wait_For("/tidyfoldhelp/index.html") && server->Wait_For("/tidyfoldhelp/style.css"));
+  EXPECT_TRUE(server->Wait_For("/tidyfoldhelp/index.html"));
+  EXPECT_TRUE(server->Wait_For("/tidyfoldhelp/style.css"));
   Wait_For_Window("frmHelpBrowser", "Tidyfold Help");
   window_->Xdotool({"search", "--onlyvisible", "--name", "^Tidyfold Help$", "windowsize", "840", "620"});
   const State size = window_->Wait("the new size, filled by the page", [](const State& state) {
