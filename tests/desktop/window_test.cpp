@@ -165,14 +165,7 @@ TEST_F(Window, Options_Force_And_Refuse_One_Another) {
        "DeleteFolders",
        {{unmark, "alt+n"}, {"Cannot mark \"Delete Folders\" while default folders are selected.", "Return"}},
        shown},
-      {none, "Inbox", "DeleteFolders", {{unmark, "alt+y"}}, "DeleteFolders MarkSubFolders" + forced},
-      {none, "Projects", "DeleteFolders", {{unmark, "Escape"}, {"unmarked child folder", "Return"}}, shown},
-      {"PermanentDelete",
-       "Deleted Items",
-       "PermanentDelete",
-       {{"Cannot unckeck Permanent Delete box while \"Deleted Items\" is selected.", "Return"}},
-       "PermanentDelete " + shown},
-      {"PermanentDelete", none, "PermanentDelete", {}, shown}};
+      {none, "Inbox", "DeleteFolders", {{unmark, "alt+y"}}, "DeleteFolders MarkSubFolders" + forced}};
   for (const Case& c : cases) {
     SCOPED_TRACE(&c - cases);
     const std::string folder = c.folder;
