@@ -85,7 +85,8 @@ TEST_F(Middle, Of_A_Run) {
   EXPECT_LT(after.size(), before.size());
   for (const auto& [id, item] : before) {
     if (!after.contains(id)) {
-      EXPECT_TRUE(item.folder == "Inbox" && !item.unread) << item.path;
+      EXPECT_EQ(item.folder, "Inbox") << item.path;
+      EXPECT_FALSE(item.unread) << item.path;
     } else {
       EXPECT_EQ(after.at(id), item);
     }

@@ -202,40 +202,35 @@ void Window_Driver::Xdotool(std::initializer_list<std::string> arguments) {
   }
 }
 
-void Window_Driver::Click_At(Place place, int times) {
-  Xdotool({"mousemove", std::to_string(place.x), std::to_string(place.y), "click", "--repeat",
-           std::to_string(times), "--delay", "50", "1"});
+void Window_Driver::Click_At(const State& rectangle, int from_left, int times) {
+  const int left = rectangle[0], top = rectangle[1], width = rectangle[2], height = rectangle[3];
+  Xdotool({"mousemove", std::to_string(left + (from_left == 0 ? width / 2 : from_left)),
+           std::to_string(top + height / 2), "click", "--repeat", std::to_string(times), "--delay", "50",
+           "1"});
 }
 
 namespace {
-
-struct Rectangle {
-  explicit Rectangle(const nlohmann::json& from) : x(from[0]), y(from[1]), width(from[2]), height(from[3]) {}
-  int x, y, width, height;
-};
 
 constexpr int tick_box_middle = 8;  // pixels from the left edge of a check box or node
 constexpr int beyond_tick_box = 40;
 
 }  // namespace
 
-void Window_Driver::Click(const std::string& control) {
-  const State state = Wait(control + " can be used", [&](const State& now) {
+Window_Driver::State Window_Driver::Usable(const std::string& control) {
+  return Wait(control + " can be used", [&](const State& now) {
     return now["widgets"].contains(control) && now["widgets"][control]["enabled"].get<bool>();
-  });
-  const Rectangle at(state["widgets"][control]["rectangle"]);
-  Click_At({at.x + at.width / 2, at.y + at.height / 2});
+  })["widgets"][control];
+}
+
+void Window_Driver::Click(const std::string& control) {
+  Click_At(Usable(control)["rectangle"]);
 }
 
 void Window_Driver::Tick_Option(const std::string& control) {
-  const State state = Wait(control + " can be used", [&](const State& now) {
-    return now["widgets"].contains(control) && now["widgets"][control]["enabled"].get<bool>();
-  });
-  const Rectangle at(state["widgets"][control]["rectangle"]);
-  const bool was = state["widgets"][control]["checked"];
-  Click_At({at.x + tick_box_middle, at.y + at.height / 2});
+  const State option = Usable(control);
+  Click_At(option["rectangle"], tick_box_middle);
   Wait(control + " is turned",
-       [&](const State& now) { return now["widgets"][control]["checked"].get<bool>() != was; });
+       [&](const State& now) { return now["widgets"][control]["checked"] != option["checked"]; });
 }
 
 Window_Driver::State Window_Driver::Node(const std::string& name) {
@@ -251,22 +246,19 @@ Window_Driver::State Window_Driver::Node(const std::string& name) {
 }
 
 void Window_Driver::Tick_Folder(const std::string& name) {
-  const Rectangle at(Node(name)["rectangle"]);
-  Click_At({at.x + tick_box_middle, at.y + at.height / 2});
+  Click_At(Node(name)["rectangle"], tick_box_middle);
 }
 
 void Window_Driver::Click_Folder(const std::string& name) {
-  const Rectangle at(Node(name)["rectangle"]);
-  Click_At({at.x + beyond_tick_box, at.y + at.height / 2});
+  Click_At(Node(name)["rectangle"], beyond_tick_box);
 }
 
 void Window_Driver::Click_Row(int row, const std::string& held_key, int times) {
   const State state = Wait("row " + std::to_string(row), [&](const State& now) {
     return now.contains("grid") && static_cast<int>(now["grid"].size()) >= row;
   });
-  const Rectangle at(state["grid"][static_cast<std::size_t>(row - 1)]["rectangle"]);
   if (!held_key.empty()) Xdotool({"keydown", held_key});
-  Click_At({at.x + at.width / 2, at.y + at.height / 2}, times);
+  Click_At(state["grid"][static_cast<std::size_t>(row - 1)]["rectangle"], 0, times);
   if (!held_key.empty()) Xdotool({"keyup", held_key});
 }
 
@@ -303,8 +295,8 @@ void Window_Driver::Key_To_Other(const std::string& key) {
 
 void Window_Driver::Drag(const std::string& control, int by_x) {
   const State state = Wait(control, [&](const State& now) { return now["widgets"].contains(control); });
-  const Rectangle at(state["widgets"][control]["rectangle"]);
-  const int x = at.x + at.width / 2, y = at.y + at.height / 3;
+  const State& at = state["widgets"][control]["rectangle"];
+  const int x = at[0].get<int>() + at[2].get<int>() / 2, y = at[1].get<int>() + at[3].get<int>() / 3;
   Xdotool({"mousemove", std::to_string(x), std::to_string(y), "mousedown", "1"});
   for (const int step : {1, 2, 3, 4})
     Xdotool({"mousemove", std::to_string(std::max(x + by_x * step / 4, 0)), std::to_string(y)});

@@ -81,10 +81,10 @@ class Window_Driver {
   Child_Process& Program() { return *program_; }
 
  private:
-  struct Place {
-    int x, y;
-  };
-  void Click_At(Place place, int times = 1);
+  // `from_left` pixels from the left edge; 0 for the middle.
+  void Click_At(const State& rectangle, int from_left = 0, int times = 1);
+  // The control, once it is enabled.
+  State Usable(const std::string& control);
   void Wait_For_Keyboard();
   // Checks the condition whenever a file in the test's folder is replaced; false if it never holds.
   bool Wait_In_Folder(const std::function<bool()>& condition) const;

@@ -275,35 +275,25 @@ TEST_P(Store_Contract, A_Removed_Folder_Takes_All_Below_It_And_Nothing_Else) {
   EXPECT_EQ(Subjects(Open(1, {1})) + Subjects(Open(1, {2})), "upper1upper3");
   EXPECT_EQ(session_->GetItemFromID(ids[0], store)->Subject(), "lower1");
   EXPECT_EQ(session_->GetItemFromID(ids[2], store)->Subject(), "lower3");
-  const std::function<void()> calls_on_the_dead[] = {[&] { folder->Name(); },
-                                                     [&] { folder->DefaultItemType(); },
-                                                     [&] { folder->Parent(); },
-                                                     [&] { folder->Folders()->Count(); },
-                                                     [&] { folders->Count(); },
-                                                     [&] { folders->Item(1); },
-                                                     [&] { folders->Remove(1); },
-                                                     [&] { below->Items()->Count(); },
-                                                     [&] { below->Name(); },
-                                                     [&] { items->Count(); },
-                                                     [&] { items->Item(1); },
-                                                     [&] { items->Remove(1); },
-                                                     [&] { item->Class(); },
-                                                     [&] { item->Subject(); },
-                                                     [&] { item->Body(20); },
-                                                     [&] { item->ReceivedTime(); },
-                                                     [&] { item->UnRead(); },
-                                                     [&] { item->Parent(); },
-                                                     [&] { item->Delete(); },
-                                                     [&] { item->Move(*Open(1)); },
-                                                     [&] { folder->Store(); },
-                                                     [&] { folders->Add("x", 0); },
-                                                     [&] { message->String_Property(sender_name_tag); },
-                                                     [&] { item->Display(); },
-                                                     [&] { session_->GetItemFromID(ids[1], store); },
-                                                     [&] { Add_Item(1, below, ""); }};
+  const auto root = Open(1);
+  const std::function<void()> calls_on_the_dead[] = {
+      [&] { folder->Name(); },        [&] { folder->DefaultItemType(); },
+      [&] { folder->Parent(); },      [&] { folder->Folders()->Count(); },
+      [&] { folder->Store(); },       [&] { below->Items()->Count(); },
+      [&] { folders->Count(); },      [&] { folders->Item(1); },
+      [&] { folders->Remove(1); },    [&] { folders->Add("x", 0); },
+      [&] { below->Name(); },         [&] { items->Count(); },
+      [&] { items->Item(1); },        [&] { items->Remove(1); },
+      [&] { item->Class(); },         [&] { item->Subject(); },
+      [&] { item->Body(20); },        [&] { item->ReceivedTime(); },
+      [&] { item->UnRead(); },        [&] { item->Parent(); },
+      [&] { item->Delete(); },        [&] { item->Move(*root); },
+      [&] { item->Display(); },       [&] { message->String_Property(sender_name_tag); },
+      [&] { Add_Item(1, below, ""); }};
   for (std::size_t call = 0; call < std::size(calls_on_the_dead); ++call) {
     EXPECT_EQ(Error_Of(calls_on_the_dead[call]), not_found) << "call " << call;
   }
+  EXPECT_EQ(Error_Of([&] { session_->GetItemFromID(ids[1], store); }), not_found);
 }
 
 TEST_P(Store_Contract, Texts_Come_Back_As_They_Were) {

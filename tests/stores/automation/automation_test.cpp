@@ -187,7 +187,8 @@ TEST(Automation, Outlook_That_Ends_In_The_Middle_Is_Told_Of_Once) {
     EXPECT_FALSE(Test_Outlook::Is_Running());
     EXPECT_EQ(f.box.Count("Outlook has been closed"), 1);
     EXPECT_EQ(f.box.Count("rror"), 0);
-    EXPECT_TRUE(f.window.cmdRun.Caption() == "&Clean" && !f.app.phase.Processing());
+    EXPECT_EQ(f.window.cmdRun.Caption(), "&Clean");
+    EXPECT_FALSE(f.app.phase.Processing());
     number += 5;
   }
 }

@@ -34,11 +34,11 @@ class Fault_Plan {
   void Fail_Where(Predicate predicate, Automation_Error error) {
     faults_.emplace_back(std::move(predicate), std::move(error));
   }
-  void Fail_Always(std::string member, Automation_Error error) {
+  void Fail_Always(const std::string& member, Automation_Error error) {
     Fail_Where([=](const Store_Call& call) { return call.member == member; }, std::move(error));
   }
   // Only the number-th call of the member from now on fails, counted from 1.
-  void Fail_Call(std::string member, int number, Automation_Error error) {
+  void Fail_Call(const std::string& member, int number, Automation_Error error) {
     Fail_Where([=](const Store_Call& call) mutable { return call.member == member && --number == 0; },
                std::move(error));
   }

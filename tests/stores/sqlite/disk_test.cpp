@@ -83,14 +83,13 @@ TEST(Failing_Disk, That_Cannot_Be_Read_Makes_No_Store_A_Damaged_One) {
 }
 
 // On Windows nobody can move a file that is open.
-TEST(Moved_File, Keeps_No_Changes) {
-  const Temporary_Directory directory;
-  const fs::path file = directory / "a.tfs", elsewhere = directory / "b.tfs";
-  Make_Small_Store(file);
-  const auto store = Embedded_Store::Open(file, Store_Mode::Read_Write);
+TEST_F(Store_File, Changes_To_A_File_That_Was_Moved_Are_Not_Kept) {
+  const fs::path elsewhere = directory_ / "b.tfs";
+  Make_Small_Store(file_);
+  const auto store = Open();
   const auto items = Folder_Named(*store, "Inbox")->Items();
   for (const bool there : {false, true}) {
-    there ? fs::rename(elsewhere, file) : fs::rename(file, elsewhere);
+    there ? fs::rename(elsewhere, file_) : fs::rename(file_, elsewhere);
     items->Remove(1);
     try {
       store->Commit_Pending();

@@ -62,6 +62,7 @@ TEST_P(Groups, Told_To_Be_Kept_Are_What_The_Files_Hold) {
     for (const auto& file : files) fs::copy_file(source, file, fs::copy_options::overwrite_existing);
     Ledger ledger;
     std::vector<int> kept;
+    std::vector<std::string> left;
     {
       Embedded_Outlook outlook;
       outlook.Open({files[0], files[1]});
@@ -91,13 +92,15 @@ TEST_P(Groups, Told_To_Be_Kept_Are_What_The_Files_Hold) {
         EXPECT_EQ(told.open, 0);
         EXPECT_EQ(Folder_Named(*store, "Deleted Items")->Items()->Count(), told.kept);
         kept.push_back(told.kept);
+        left.push_back(Subjects_Of(*store, "Inbox"));
         lost += told.lost;
       }
       EXPECT_EQ(ledger.groups_lost > 0, failed);
       EXPECT_GE(ledger.endings, ledger.groups_kept);
     }
-    for (int i = 0; i < 2; ++i) {
+    for (std::size_t i = 0; i < 2; ++i) {
       const auto store = Embedded_Store::Open(files[i], Store_Mode::Read_Write);
+      EXPECT_EQ(Subjects_Of(*store, "Inbox"), left[i]);
       EXPECT_EQ(Folder_Named(*store, "Deleted Items")->Items()->Count(), kept[i]);
       EXPECT_EQ(store->Check(), std::vector<std::string>());
     }
