@@ -423,7 +423,7 @@ void Memory_Store::Rename_Folder(MAPIFolder& folder, const std::string& name) {
 
 void Memory_Store::Move_Folder(MAPIFolder& folder, MAPIFolder& new_parent) {
   const Stored_Folder_Ptr moved = Find_Folder(folder), above = Find_Folder(new_parent);
-  memory::Take_Out(*moved);
+  std::erase(moved->parent->folders, moved);
   moved->parent = above.get();
   above->folders.push_back(moved);
 }
