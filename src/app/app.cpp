@@ -1,6 +1,7 @@
 #include "app/app.h"
 
 #include "app/tooltips.h"
+#include "cache/item_dates.h"
 
 namespace tidyfold {
 
@@ -20,7 +21,11 @@ App::App(MainWindow& w, const Surroundings& s)
       window_message_box(w.frmRemoveItems, s.message_box),
       session(s.automation, w, message_box, errors),
       checks(w, records, deleted_items, s.limits, run, message_box, s.clock, errors),
-      journal(s.automation, s.log, records, run, s.clock, message_box) {
+      journal(s.automation, s.log, records, run, s.clock, message_box),
+      taking_back(session, s.automation.Groups(), s.log, Get_Item_Date, s.clock, message_box, progress,
+                  errors),
+      taking_back_commands(w, records, deleted_items, rows, refresh, cache, taking_back, s.limits, phase,
+                           message_box, errors) {
   if (s.help_environment != nullptr)
     help = std::make_unique<Help>(window, *s.help_environment, message_box, errors);
   Wire();
@@ -29,7 +34,10 @@ App::App(MainWindow& w, const Surroundings& s)
 // Every event is joined to its procedure here.
 void App::Wire() {
   errors.End_Without_Store = [this] { End_Without_Store(); };
-  enabling.Wire();
+  phase.changed = [this] {
+    enabling.Follow_Phase();
+    if (phase.Is_Run() && !phase.Processing()) taking_back.Cancel();
+  };
   filters.Wire();
   rows.Wire();
   selection.Wire();
@@ -38,6 +46,7 @@ void App::Wire() {
   options.Wire();
   refresh.Wire();
   cleaning.Wire();
+  taking_back_commands.Wire();
   panes.Wire();
   if (help) help->Wire();
   window.mnuQuit.Click = [this] { mnuQuit_Click(); };

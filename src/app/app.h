@@ -7,6 +7,7 @@
 #include "app/panes.h"
 #include "base/clock.h"
 #include "clean/cleaning_run.h"
+#include "clean/taking_back_commands.h"
 #include "grid/item_display.h"
 #include "grid/row_selection.h"
 #include "help/help.h"
@@ -88,6 +89,9 @@ struct App : private Interface_Loader {
   Cleaning_Run cleaning{window,  records, folder_tree, deleted_items, planner, filters,
                         cache,   rows,    options,     refresh,       checks,  strategies,
                         journal, run,     phase,       message_box,   events,  errors};
+  Taking_Back_Progress progress{events, window.sbStatusBar, taking_back};
+  Taking_Back taking_back;
+  Taking_Back_Commands taking_back_commands;
   Panes panes{window, columns, errors};
   std::unique_ptr<Help> help;
 

@@ -169,6 +169,7 @@ void Deletion_Strategies::Delete_All_Items(const Plan_Stop& stop) {
       if (checked % status_every != 0) continue;
       Show_Progress(folder, name, checked);
       events_.Do_Events();
+      places.Yielded();
     }
   });
 }

@@ -1,7 +1,6 @@
 #include "clean/turbo_places.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <utility>
 
 namespace tidyfold {
@@ -24,11 +23,10 @@ bool Turbo_Places::Next() {
 
 bool Turbo_Places::Is_Still_There() {
   const std::int32_t count = items_.Count();
-  if (count == count_) return true;
-  const std::int32_t before = std::exchange(count_, count);
-  // It has moved by at most as many places as items have come or gone.
-  const std::int32_t moved = std::abs(count - before), from = std::min(count, place_ + moved);
-  for (std::int32_t place = from; place >= 1; --place) {
+  const bool yielded = std::exchange(yielded_, false);
+  if (count == count_ && (!yielded || items_.Item(place_)->EntryID() == entry_id_)) return true;
+  count_ = count;
+  for (std::int32_t place = count; place >= 1; --place) {
     if (items_.Item(place)->EntryID() != entry_id_) continue;
     place_ = place;
     return true;

@@ -4,13 +4,10 @@
 #include "cli/choice.h"
 #include "cli/commands.h"
 #include "cli/listing.h"
-#include "marking/run_state.h"
 
 namespace tidyfold::cli {
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 class Clean_Command {
  public:
@@ -33,7 +30,7 @@ class Clean_Command {
       // A refusal has a document; bad usage has none.
       if (failure.Status() != Exit_Status::Refused) throw;
       terminal_.Write_Error(failure.what());
-      Write_Document(0, false, false);
+      Write_Document(0, false, nullptr);
       return failure.Status();
     }
   }
@@ -62,41 +59,34 @@ class Clean_Command {
   }
 
   Exit_Status Rehearse() {
-    if (!session_.Program().Check_Screen()) Refuse("The run would not begin.");
-    std::int64_t folders = 0;
-    for (const Store_Folder& folder : session_.Folders())
-      if (session_.Program().Takes_Folder(session_.Node(folder))) ++folders;
-    const bool takes_folders = arguments_.options.delete_folders;
+    const Clean_Plan plan = session_.Program().planner.Plan_Run();
+    if (!session_.Program().checks.Check_Screen(plan)) Refuse("The run would not begin.");
+    const bool takes_folders = plan.options.delete_folders;
     if (json_) {
-      std::int64_t items = 0;
-      for (const Store_Folder& folder : session_.Folders())
-        items += static_cast<std::int64_t>(session_.Program().Items_To_Take(session_.Node(folder)).size());
-      Write_Document(takes_folders ? folders : items, false, true);
+      Write_Document(takes_folders ? plan.folders_to_go : plan.total.items, false, &plan);
       return Exit_Status::Done;
     }
-    const std::int64_t items = Item_Listing(session_, terminal_, Form::Text).Write();
-    terminal_.Write((takes_folders ? Counted(folders, "folder") + " with " : "") + Counted(items, "item") +
-                    " would be taken.\n");
+    const std::int64_t items = Item_Listing(session_, terminal_, Form::Text).Write(plan);
+    terminal_.Write((takes_folders ? Counted(plan.folders_to_go, "folder") + " with " : "") +
+                    Counted(items, "item") + " would be taken.\n");
     return Exit_Status::Done;
   }
 
   Exit_Status Clean() {
-    // Where nobody can be asked, not even a run that asks nothing may begin.
-    if (answering_ == Answering::Decline) {
-      session_.Program().Check_Screen();
-      Refuse("There is no terminal to confirm the run on. Give --yes to confirm everything beforehand.");
-    }
-    const Run_State& run = session_.Program().Run();
+    const Run_State& run = session_.Program().run;
     Raise(session_.Window().cmdRun.Click);
-    if (run.RunTrace.empty()) Refuse("Not confirmed.");
-    bool trouble = run.NotAllDeleted;
+    if (!run.Began)
+      Refuse(answering_ == Answering::Decline
+                 ? "There is no terminal to confirm the run on. Give --yes to confirm everything beforehand."
+                 : "Not confirmed.");
+    bool trouble = run.NotAllDeleted || !run.Changed.empty();
     try {
       session_.Commit();
     } catch (const std::exception& error) {
       terminal_.Write_Error(error.what());
       trouble = true;
     }
-    Write_Document(run.ProcessedCount, trouble, false);
+    Write_Document(run.ProcessedCount, trouble, nullptr);
     if (run.Cancelled) {
       terminal_.Write_Error("Cancelled on the way; what had been done by then is done.");
       return Exit_Status::Cancelled;
@@ -110,25 +100,18 @@ class Clean_Command {
     return run.ProcessedCount == 0 && declined ? Exit_Status::Refused : Exit_Status::Done;
   }
 
-  // The document of --json; the items of a dry run are written into it one by one.
-  void Write_Document(std::int64_t processed, bool not_all_deleted, bool with_items) {
+  // The document of --json. A dry run has a list of items, written one by one; without a plan it is empty.
+  void Write_Document(std::int64_t processed, bool not_all_deleted, const Clean_Plan* plan) {
     if (!json_) return;
-    Json messages = Json::array();
-    for (const Shown_Message& message : session_.Messages().Shown()) {
-      Json buttons = Json::array();
-      for (const Answer answer : Answers(message.buttons)) buttons.push_back(Answer_Name(answer));
-      messages.push_back(
-          {{"text", message.text}, {"buttons", buttons}, {"answer", Answer_Name(message.answer)}});
-    }
-    std::string document = To_Json({{"messages", messages},
+    std::string document = To_Json({{"messages", Messages_Json(session_.Messages())},
                                     {"processed", processed},
                                     {"not_all_deleted", not_all_deleted},
                                     {"dry_run", arguments_.dry_run}});
     if (arguments_.dry_run) {
       document.back() = ',';
       terminal_.Write(document + "\"items\":");
-      if (with_items) Item_Listing(session_, terminal_, Form::Json).Write();
-      document = with_items ? "}" : "[]}";
+      if (plan != nullptr) Item_Listing(session_, terminal_, Form::Json).Write(*plan);
+      document = plan != nullptr ? "}" : "[]}";
     }
     terminal_.Write(document + "\n");
   }

@@ -9,8 +9,8 @@
 
 namespace tidyfold::cli {
 
-// The names from below the top folder down, none for the top folder itself. Throws Failure for a "\" before any
-// other character than "/" or "\".
+// The names from below the top folder down, none for the top folder itself. Throws Failure for a "\" before
+// any other character than "/" or "\".
 std::vector<std::string> Parse_Folder_Path(std::string_view path);
 
 }  // namespace tidyfold::cli

@@ -23,7 +23,8 @@ Exit_Status Items(const Arguments& arguments, Terminal& terminal) {
   choice.Set(options, arguments.filters);
   if (arguments.sub_folders) choice.Mark_Sub_Folders();
   for (const Store_Folder& folder : folders) choice.Mark(folder);
-  const std::int64_t count = Item_Listing(session, terminal, arguments.form).Write();
+  const std::int64_t count =
+      Item_Listing(session, terminal, arguments.form).Write(session.Program().planner.Plan_Run());
   if (arguments.form == Form::Text) terminal.Write(Counted(count, "item") + "\n");
   if (arguments.form == Form::Json) terminal.Write("\n");
   return Exit_Status::Done;

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <nlohmann/json.hpp>
+#include <unordered_map>
 
 #include "base/csv.h"
 #include "base/dates.h"
@@ -91,13 +92,16 @@ void List_Folders(Session& session, Terminal& terminal, Form form) {
   if (json) terminal.Write("\n]\n");
 }
 
-std::int64_t Item_Listing::Write() {
+std::int64_t Item_Listing::Write(const Clean_Plan& plan) {
+  std::unordered_map<int, const Plan_Stop*> stops;
+  for (const Plan_Stop& stop : plan.stops)
+    if (stop.way != Way::Whole_Folder || stop.folder_goes) stops.emplace(stop.folder, &stop);
   Begin();
   for (const Store_Folder& folder : session_.Folders()) {
-    const int node = session_.Node(folder);
-    const FolderData& record = session_.Records()[node];
-    for (const std::int32_t item : session_.Program().Items_To_Take(node))
-      Write_Item(folder, record.Cached(item));
+    const auto stop = stops.find(session_.Node(folder));
+    if (stop == stops.end()) continue;
+    const FolderData& record = session_.Records()[stop->first];
+    for (const Planned_Item& item : stop->second->items) Write_Item(folder, record.Cached(item.item));
   }
   End();
   return count_;

@@ -32,8 +32,8 @@ class Item_Listing {
   Item_Listing(Session& session, Terminal& terminal, Form form)
       : session_(session), terminal_(terminal), form_(form) {}
 
-  // The items that a run with the window's marks and options would take, by folder. Returns their number.
-  std::int64_t Write();
+  // The items that a plan takes, by folder. Returns their number.
+  std::int64_t Write(const Clean_Plan& plan);
 
  private:
   void Begin();

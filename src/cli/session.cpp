@@ -5,7 +5,6 @@
 
 #include "cli/failure.h"
 #include "controls/widgets.h"
-#include "marking/run_state.h"
 
 namespace tidyfold::cli {
 
@@ -21,7 +20,8 @@ Session::Session(const std::vector<std::filesystem::path>& stores, Store_Mode mo
                  Answering answering, bool quiet)
     : terminal_(terminal),
       message_box_(terminal, answering, quiet),
-      app_(window_, outlook_, message_box_, events_, clock_) {
+      registry_(Make_System_Registry([&terminal](const std::string& text) { terminal.Write_Error(text); })),
+      app_(window_, {outlook_, message_box_, events_, clock_, log_, limits_}) {
   outlook_.Open(stores, mode);
   folders_ = List_Folders(outlook_);
   events_.due = [this] { Events_Due(); };
@@ -33,7 +33,7 @@ void Session::Events_Due() {
   if (terminal_.Interrupted() && !std::exchange(interrupt_handled_, true)) {
     if (loading_) {
       Raise(window_.frmRemoveItems.Close);
-    } else if (app_.Run().Processing) {
+    } else if (app_.phase.Processing()) {
       message_box_.Agree_During([this] { Raise(window_.cmdRun.Click); });
     }
   }

@@ -7,6 +7,7 @@
 
 #include "app/app.h"
 #include "base/system_clock.h"
+#include "clean/stored_limits.h"
 #include "cli/arguments.h"
 #include "cli/cli_events.h"
 #include "cli/store_folders.h"
@@ -33,7 +34,7 @@ class Session {
   const std::vector<Store_Folder>& Folders() const { return folders_; }
   // In the order of the paths. Throws Failure if a path does not match exactly one folder.
   std::vector<Store_Folder> Find(const std::vector<std::string>& paths) const;
-  const FolderData_Array& Records() const { return app_.Folder_Data(); }
+  const FolderData_Array& Records() const { return app_.records; }
   // The index of a folder in the tree and the records.
   int Node(const Store_Folder& folder) const;
 
@@ -50,6 +51,9 @@ class Session {
   Terminal_Message_Box message_box_;
   Cli_Events events_;
   System_Clock clock_;
+  Run_Log log_{Default_Run_Log_File()};
+  std::unique_ptr<Registry> registry_;
+  Stored_Limits limits_{*registry_};
   MainWindow window_;
   App app_;
   std::unordered_map<std::string, int> nodes_;  // by the folder's identifiers

@@ -1,4 +1,4 @@
-// What the system calls in an in-process automation server.
+// The entry points of an in-process automation server.
 #include <array>
 
 #include "companion/mapi_utils.h"
@@ -10,7 +10,7 @@ namespace {
 
 HMODULE this_library = nullptr;
 
-// As long as anybody holds it, the library is kept.
+// The library stays loaded while anyone holds this.
 class Counted_Factory : public com::Class_Factory {
  public:
   using Class_Factory::Class_Factory;

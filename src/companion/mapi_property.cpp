@@ -10,11 +10,11 @@ namespace tidyfold::companion {
 
 namespace {
 
-// {00020303-0000-0000-C000-000000000046}; no import library has it.
+// {00020303-0000-0000-C000-000000000046}; in no import library.
 constexpr IID mapi_prop_interface = {
     0x00020303, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
 
-// MAPI is loaded when it is first needed: the program starts without it as well.
+// Loaded on first use, so that the library also loads without MAPI.
 template <class Function>
 Function Mapi_Function(const char* name) {
   static const HMODULE library = LoadLibraryW(L"mapi32.dll");
@@ -22,7 +22,7 @@ Function Mapi_Function(const char* name) {
   return reinterpret_cast<Function>(reinterpret_cast<void*>(address));
 }
 
-// What objects hand out is MAPI's to free, and MAPI wants to be told of every user before that.
+// MAPI must free what its objects return, and has to be initialised for that.
 void Initialise_Mapi() {
   static const bool done = [] {
     const auto initialise = Mapi_Function<HRESULT(WINAPI*)(void*)>("MAPIInitialize");
@@ -56,12 +56,12 @@ std::wstring Read_Text_Property(IUnknown& object, std::uint32_t property_tag) {
   com::Ptr<IMAPIProp> properties;
   com::Check(object.QueryInterface(mapi_prop_interface, reinterpret_cast<void**>(properties.Receive())));
 
-  // Both forms in one call.
+  // Asks for both forms in one call.
   SizedSPropTagArray(2, tags) = {2, {CHANGE_PROP_TYPE(property_tag, PT_UNICODE), property_tag}};
   if (type == PT_UNICODE) tags.cValues = 1;
   ULONG count = 0;
   SPropValue* received = nullptr;
-  // Succeeds, with a warning, when some of them are absent.
+  // Succeeds, with a warning, if some are absent.
   const HRESULT result = properties->GetProps(reinterpret_cast<SPropTagArray*>(&tags), 0, &count, &received);
   const std::unique_ptr<SPropValue, Mapi_Free> values(received);
   com::Check(result);

@@ -24,7 +24,7 @@ HRESULT Tell(EXCEPINFO* told, HRESULT result, const std::string& description) {
   return DISP_E_EXCEPTION;
 }
 
-// Automation languages pass variables by reference, variants within variants included.
+// Automation languages pass variables by reference, even variants inside variants.
 const VARIANT& Behind(const VARIANT& value) {
   return value.vt == (VT_BYREF | VT_VARIANT) ? *value.pvarVal : value;
 }
@@ -56,7 +56,7 @@ class Mapi_Utils_Object : public com::Com_Object<IDispatch> {
   HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) override {
     if (names == nullptr || ids == nullptr || count == 0) return E_INVALIDARG;
-    // Of its parameters no one has to know the names.
+    // Parameters are passed by position; their names are never looked up.
     for (UINT i = 0; i < count; ++i) ids[i] = DISPID_UNKNOWN;
     if (lstrcmpiW(names[0], L"HrGetOneProp") != 0) return DISP_E_UNKNOWNNAME;
     ids[0] = get_one_prop;

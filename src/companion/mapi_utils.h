@@ -5,10 +5,10 @@
 
 namespace tidyfold::companion {
 
-// How many objects and locks keep the library loaded.
+// The number of objects and locks that keep the library loaded.
 extern LONG users;
 
-// Offers HrGetOneProp(object, property tag), by name.
+// Has one method, HrGetOneProp(object, property tag).
 com::Ptr<IUnknown> Make_Mapi_Utils();
 
 }  // namespace tidyfold::companion

@@ -12,9 +12,9 @@ inline constexpr CLSID class_id = {
     0x7B0C63B5, 0x5D1E, 0x4E0A, {0x9C, 0x5B, 0x2F, 0x8E, 0x6A, 0x41, 0xD3, 0xC7}};
 inline constexpr const wchar_t* program_id = L"TidyDll.TidyMAPIUtils";
 
-// For everybody on the machine; for the user alone where there are no rights to that.
+// For all users of the machine, or for the current user if the rights are missing.
 HRESULT Register(const std::wstring& library_path);
-// Takes out both.
+// Removes both.
 HRESULT Unregister();
 
 }  // namespace tidyfold::companion

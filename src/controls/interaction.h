@@ -1,6 +1,8 @@
 // How procedures talk to the person and to the window system: message boxes and yields.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -37,6 +39,11 @@ class Message_Box {
                       const std::string& title = application_title) = 0;
   // OK or Cancel. Where there is no sheet with a table, its text.
   virtual Answer Show_Review(const Review& review);
+  // A whole number from `least` to `most`; none when the person gives none, or where nobody can be asked.
+  virtual std::optional<std::int32_t> Ask_Number(const std::string& /*question*/, std::int32_t /*now*/,
+                                                 std::int32_t /*least*/, std::int32_t /*most*/) {
+    return std::nullopt;
+  }
 };
 
 class Events {

@@ -103,6 +103,9 @@ struct MainWindow {
   // Puts a text on the clipboard; lines end in CR LF.
   std::function<void(const std::string& text)> Set_Clipboard_Text;
 
+  // Takes back a run by its number in the log, after a question.
+  std::function<void(std::int64_t run)> Take_Back_Run;
+
   // Every control of the main window that can be enabled, in tab order.
   std::vector<Control*> controls;
 };

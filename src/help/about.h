@@ -1,4 +1,4 @@
-// The window that says what the program is.
+// The About window.
 #pragma once
 
 #include <functional>
@@ -15,7 +15,7 @@ class LinkLabel : public Captioned {
   std::function<void()> Click;
 };
 
-// What stands on the form frmAbout. The text boxes are for reading only.
+// The controls of the form frmAbout. The text boxes are read-only.
 struct About_Controls {
   Captioned lblHeading{"lblHeading"};
   TextBox txtVersionNumber{"txtVersionNumber"};
@@ -30,7 +30,7 @@ class About {
  public:
   About(Form& form, About_Controls& controls, const Program_Info& program);
 
-  // Loads the window where it is not, and shows it beside the others.
+  // Loads the window if necessary, and shows it, not modally.
   void Show();
 
   // Opens the home page that start-up has kept.

@@ -8,7 +8,7 @@ namespace tidyfold {
 
 namespace {
 
-// No page comes near this; a damaged directory may claim anything.
+// Far above any real page; a damaged directory may claim any size.
 constexpr LONGUINT64 most_bytes = 64 << 20;
 
 std::size_t Little_Endian_16(std::string_view bytes, std::size_t at) {

@@ -1,4 +1,4 @@
-// Reads a compiled help book, for a viewer on systems that have none of their own.
+// Reads compiled help books, for systems without a viewer.
 #pragma once
 
 #include <exception>
@@ -13,7 +13,7 @@ struct chmFile;
 
 namespace tidyfold {
 
-// A file that is no compiled help book, or a damaged one.
+// The file is damaged or is not a compiled help book.
 class Chm_Error : public std::exception {
  public:
   explicit Chm_Error(std::string text) : text_(std::move(text)) {}
@@ -36,12 +36,12 @@ class Chm_Book {
   const std::string& Contents_File() const { return contents_file_; }
   const std::string& Index_File() const { return index_file_; }
 
-  // Every file that an author put in, folders left out.
+  // All files of the author, without folders and the format's internal files.
   std::vector<std::string> Files() const;
-  // Nothing where the book has no such file. Throws Chm_Error where it cannot be unpacked.
+  // Nothing if the book has no such file. Throws Chm_Error if it cannot be unpacked.
   std::optional<std::string> Read(std::string_view name) const;
 
-  // The book's facts in the form of a help project, as viewers of unpacked books want them.
+  // The book's properties as a help project file, which wxHtmlHelpController reads.
   std::string Project() const;
 
  private:

@@ -52,7 +52,7 @@ std::string File_URL(const std::string& path) {
                                                   '8', '9', 'A', 'B', 'C', 'D', 'E', 'F'};
   constexpr std::string_view plain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~/:";
   const std::string generic = Utf8(Path_Of(path).generic_u8string());
-  // A drive's letter needs a slash in front.
+  // A drive letter needs a slash in front.
   std::string address = generic.starts_with('/') ? "file://" : "file:///";
   for (const char c : generic) {
     const auto byte = static_cast<unsigned char>(c);

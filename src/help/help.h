@@ -8,8 +8,8 @@
 
 namespace tidyfold {
 
-// What help needs of a front end. The windows are models that the front end shows; frmAbout itself belongs to
-// the main window's models. Everything must outlive the help.
+// What help needs from a front end. The windows are models that the front end shows; frmAbout itself is one
+// of the main window's models. Everything must outlive the help.
 struct Help_Environment {
   Help_Platform& platform;
   Registry& registry;
@@ -25,7 +25,7 @@ class Help {
  public:
   Help(MainWindow& window, Help_Environment& environment, Message_Box& message_box, Error_Handler& errors);
 
-  // Joins the commands of the Help menu to their procedures.
+  // Sets the Click handlers of the Help menu.
   void Wire();
   // The steps of start-up.
   void Set_HTML_URLs();

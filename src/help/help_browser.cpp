@@ -8,7 +8,7 @@ namespace {
 
 // 760 x 560 pixels at 96 DPI.
 constexpr Twips designed_width = 11400, designed_height = 8400;
-// A window that was saved lower than this was hardly meant to come back so.
+// A saved height below this is ignored: nobody wants it back.
 constexpr double lowest_saved_height = 5000;
 
 }  // namespace
@@ -53,7 +53,7 @@ void Help_Browser::Form_Load() {
     form_.Load();
     const double height = Leading_Number(settings_.Get_Setting(setting::help_screen_height));
     if (height < lowest_saved_height) return;
-    // A window that is given a size is told so, once for each side.
+    // Each assignment raises Resize.
     form_.Set_Height(static_cast<Twips>(height));
     Form_Resize();
     form_.Set_Width(static_cast<Twips>(Leading_Number(settings_.Get_Setting(setting::help_screen_width))));
@@ -74,7 +74,7 @@ void Help_Browser::Form_Unload() {
 }
 
 void Help_Browser::Page_Failed(const std::string& address, const std::string& reason) {
-  // Pages that fail while the question is open have the same answer.
+  // No second question for pages that fail while this one is open.
   if (std::exchange(telling_, true)) return;
   errors_.Run("WebBrowser1_NavigateError", [&] {
     std::string text = "The page " + address + " could not be loaded.\r\n";

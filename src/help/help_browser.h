@@ -12,7 +12,7 @@
 
 namespace tidyfold {
 
-// Shows one page at a time. The front end sets `Navigating`, and raises `NavigateError` when a page cannot be
+// Shows one page at a time. The front end sets `Navigating` and raises `NavigateError` if a page cannot be
 // loaded.
 class WebBrowser : public Control {
  public:
@@ -38,13 +38,13 @@ struct Help_Browser_Window {
   std::vector<Control*> controls{&WebBrowser1};
 };
 
-// The window keeps its size in the settings. While it is open, another page takes the place of the first.
+// The window's size is kept in the settings. There is one window; a new page replaces the one it shows.
 class Help_Browser {
  public:
   Help_Browser(Help_Browser_Window& window, Registry_Routines& settings, Message_Box& message_box,
                Error_Handler& errors);
 
-  // Loads the window where it is not, goes to the page, and shows the window beside the others.
+  // Loads the window if necessary, goes to the page, and shows the window, not modally.
   void Show_Page(const std::string& address);
   // Unloads the window, if it is loaded.
   void Close_Window();

@@ -17,7 +17,7 @@ void HTML_Help::Show_Help() {
   errors_.Run("Show_Help", [&] { Open({}); });
 }
 
-// No page: the default topic.
+// Without a page, opens the default topic.
 void HTML_Help::Open(std::string_view page) {
   if (Trim(help_file_).empty()) {
     message_box_.Show("Help file not found.", Buttons::OK_Only, Icon::Critical);

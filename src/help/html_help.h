@@ -12,7 +12,7 @@
 
 namespace tidyfold {
 
-// What the platform does for help.
+// The platform's part in help.
 class Help_Platform {
  public:
   virtual ~Help_Platform() = default;
@@ -28,7 +28,7 @@ class Help_Platform {
   virtual const Control* WhatsThisMode() = 0;
 };
 
-// A form with everything on it, in the form's order.
+// A form and its controls, in the form's order.
 struct Help_Form {
   Form& form;
   std::vector<Control*> controls;
@@ -41,9 +41,10 @@ class HTML_Help {
 
   // Opens the book at its default topic.
   void Show_Help();
-  // Finds the book: where it was built, or beside the program. One that comes later is not noticed.
+  // Searches for the book where it was built and beside the program, once.
   void Set_Help_File();
-  // Once per form: moves the designed topics into the tags, so that nothing opens them by itself.
+  // Once per form: moves the designed topics into the tags, so that the platform does not open them by
+  // itself.
   void Initialize_WhatsThis_Help(const Help_Form& form);
   // Lets the person point at a control, and opens its topic.
   void Activate_WhatsThis_Help(const Help_Form& form);

@@ -1,4 +1,4 @@
-// What the program says of itself, and where its pages lie.
+// Name, version and notices of the program, and where its help is.
 #pragma once
 
 #include <cstdint>
@@ -10,11 +10,11 @@ struct Program_Info {
   std::string Title;
   std::int16_t Major = 0, Minor = 0, Revision = 0;
   std::string Legal_Notice;
-  // The compiled help file; the place where it was built until the program has looked for it.
+  // The compiled help file: where it was built, until the program has searched for it.
   std::string HelpFile;
   // The folder that the program runs from.
   std::string Path;
-  // Where the site lies that the on-line pages belong to. Empty: the copy beside the program.
+  // Address of the site with the on-line pages. Empty: the copy beside the program.
   std::string Site;
 };
 

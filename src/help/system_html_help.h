@@ -1,4 +1,4 @@
-// HTML Help of the system, where there is one.
+// The system's HTML Help (Windows).
 #pragma once
 
 #include <cstdint>
@@ -6,7 +6,7 @@
 
 namespace tidyfold {
 
-// hhctrl.ocx's HtmlHelpA; 0 where it or the book cannot be opened.
+// HtmlHelpA of hhctrl.ocx; 0 if the library or the book cannot be opened.
 std::intptr_t System_HtmlHelpA(std::int32_t owner, const std::string& file, std::uint32_t command,
                                std::uintptr_t data);
 

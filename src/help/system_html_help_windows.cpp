@@ -6,7 +6,7 @@
 
 namespace tidyfold {
 
-// The library is looked for when help is asked for: systems without it still run the program.
+// Loaded on demand: the program also runs on systems without it.
 std::intptr_t System_HtmlHelpA(std::int32_t owner, const std::string& file, std::uint32_t command,
                                std::uintptr_t data) {
   using Function = HWND(WINAPI*)(HWND, LPCSTR, UINT, DWORD_PTR);

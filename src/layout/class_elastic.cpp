@@ -10,8 +10,8 @@ namespace tidyfold {
 
 namespace {
 
-// The names serve several windows. One frame is spelt differently in the two lists and so follows only one of
-// the two sizes; windows rely on that.
+// The names belong to several windows. One frame is spelt differently in the two lists and therefore follows
+// only one of the two sizes; windows rely on that.
 constexpr std::string_view follow_width[] = {
     "txtMessageBox",       "TabStrip1",          "WebBrowser2",           "txtTemplateTextBox",
     "ListAttachments",     "FrameAttachments",   "FrameTemplate",         "FrameWEBrowser",
@@ -31,7 +31,7 @@ bool Holds(const std::string_view (&names)[count], std::string_view name) {
   return std::find(std::begin(names), std::end(names), name) != std::end(names);
 }
 
-// A position that does not fit is not followed.
+// Skips a position that does not fit into 16 bits.
 Twips Recorded(Twips position) {
   try {
     return static_cast<Twips>(Rounded<std::int16_t>(position));
@@ -40,7 +40,7 @@ Twips Recorded(Twips position) {
   }
 }
 
-// A control that refuses its new place keeps the old one, and the next one is served.
+// A control that refuses its new position keeps the old one; the next control is laid out all the same.
 template <class Change>
 void Try_To(Change&& change) {
   try {

@@ -1,4 +1,4 @@
-// Lets a window's controls grow and shrink with the window.
+// Resizes a window's controls with the window.
 #pragma once
 
 #include <cstdint>
@@ -9,8 +9,8 @@
 
 namespace tidyfold {
 
-// Controls are known by name: some follow the window's width, some its height, some keep their distance from
-// its right edge; others stay as they are. Sizes are twips, kept as 16-bit numbers.
+// Finds controls by name: some follow the window's width, some its height, some keep their distance from its
+// right edge; others stay as they are. Sizes are twips, kept as 16-bit numbers.
 class class_Elastic {
  public:
   // Once, when the controls have their designed sizes. Throws std::overflow_error for a window of more than

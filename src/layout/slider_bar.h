@@ -1,4 +1,4 @@
-// A splitter between two panes that stand side by side.
+// A splitter between two panes that lie side by side.
 #pragma once
 
 #include "controls/widgets.h"
@@ -11,14 +11,14 @@ class SliderBar {
  public:
   bool ResizingWindows = false;
 
-  // Joins the panes to the bar. A bar width of 0 or less leaves the bar as wide as it is.
+  // Sets the panes beside the bar. A bar width of 0 or less keeps the present width.
   void Setup(Control& left, Control& right, PictureBox& bar, int bar_width);
   void Mouse_Down() { ResizingWindows = true; }
   // x is the mouse's position inside the bar.
   void Mouse_Move(Twips x);
   // The right pane keeps its right edge; a pane's width is never negative.
   void Mouse_Up();
-  // Whether a pane no longer meets the bar.
+  // Whether a pane does not touch the bar.
   bool Needs_Applying() const;
 
  private:

@@ -9,10 +9,6 @@ constexpr const char* cancel_caption = "&Cancel";
 
 }  // namespace
 
-void Control_Enabling::Wire() {
-  phase_.changed = [this] { Follow_Phase(); };
-}
-
 void Control_Enabling::Follow_Phase() {
   const Phase phase = phase_.Now();
   // While a run's questions are open, everything stays as it was: nothing may have come of them.

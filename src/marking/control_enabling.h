@@ -13,8 +13,8 @@ class Control_Enabling : public Command_State {
   Control_Enabling(MainWindow& window, Program_Phase& phase, Error_Handler& errors)
       : window_(window), phase_(phase), errors_(errors) {}
 
-  // Follows the phase from then on.
-  void Wire();
+  // The phase has changed.
+  void Follow_Phase();
   // All controls on or off; while a run is under way the Clean button stays on, as Cancel.
   void Enable_All_Controls(bool enable);
   // Each option's box according to the others; nothing while all controls are off.
@@ -25,8 +25,6 @@ class Control_Enabling : public Command_State {
   void Set_Checkbox_Values();
 
  private:
-  void Follow_Phase();
-
   MainWindow& window_;
   Program_Phase& phase_;
   Error_Handler& errors_;

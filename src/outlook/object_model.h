@@ -170,7 +170,7 @@ class Automation {
   // Whether each question about an item is a call into another program.
   virtual bool Asking_Costs_Calls() const { return false; }
   // What opens a store again, a file for one; empty where nothing does.
-  virtual std::string Place_Of_Store(const std::string& /*store_id*/) { return {}; }
+  virtual std::string Place_Of_Store(const std::string& /*store_id*/) const { return {}; }
 };
 
 }  // namespace tidyfold

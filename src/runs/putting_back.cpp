@@ -80,6 +80,7 @@ bool Putting_Back::Put_Back(const Logged_Item& was, const Days& days) {
     Folder_Finder* const finder = Finder(was.folder.store_id);
     if (finder == nullptr) {
       reason = "Its store is not open.";
+      report_.store_failed = true;
       return;
     }
     const Item_Ptr item = name_space_.GetItemFromID(entry.entry_id, was.folder.store_id);

@@ -31,7 +31,7 @@ struct Taking_Back_Report {
   std::vector<Logged_Item> not_put_back;  // each with its reason
   std::vector<Logged_Folder> folders;     // that items went into
   bool folders_made = false;
-  bool store_failed = false;  // for some of them only the store failed: worth another attempt
+  bool store_failed = false;  // or was not open, for some of them: worth another attempt
   std::string failure;
 
   bool Complete() const { return not_put_back.empty() && gone_for_good == 0; }

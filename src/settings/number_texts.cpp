@@ -42,7 +42,7 @@ std::optional<double> Based_Number(std::string_view digits, int base) {
   return static_cast<std::int32_t>(bits);
 }
 
-// Takes a number off the text's front and writes it the way from_chars reads it; false where there is none.
+// Removes a number from the beginning of the text and rewrites it for from_chars; false if there is none.
 bool Take_Number(std::string_view& text, const Number_Format& format, std::string& number) {
   if (Take(text, "-")) {
     number += '-';

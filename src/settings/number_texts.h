@@ -1,4 +1,4 @@
-// Numbers that stand in texts.
+// Numbers in texts.
 #pragma once
 
 #include <optional>
@@ -15,10 +15,10 @@ struct Number_Format {
 // The format of the locale that the program runs in.
 Number_Format User_Number_Format();
 
-// The number that the whole text is, in the given format or as "&H1F" or "&O17"; nothing where it is none.
+// The whole text as a number, in the given format or as "&H1F" or "&O17"; nothing if it is not one.
 std::optional<double> Numeric_Value(std::string_view text, const Number_Format& format);
 
-// The number that the text starts with, whatever the locale; 0 where it starts with none.
+// The number at the beginning of the text, independent of the locale; 0 if there is none.
 double Leading_Number(std::string_view text);
 
 }  // namespace tidyfold

@@ -19,7 +19,7 @@ struct Setting {
   const char* value_name;
 };
 
-// Some of these nothing uses (any more); their numbers and names stay taken.
+// Some are no longer used; their numbers and names stay reserved.
 constexpr Setting settings[] = {{setting::home_dir, "Home_Dir"},
                                 {setting::main_screen_height, "MainScreenHeight"},
                                 {setting::main_screen_width, "MainScreenWidth"},

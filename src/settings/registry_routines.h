@@ -1,4 +1,4 @@
-// Settings by number, the registry operations beneath them, and a helper for texts of parameters.
+// Settings by number, the registry operations below them, and a parser of parameter texts.
 #pragma once
 
 #include <cstdint>
@@ -17,8 +17,8 @@ inline constexpr std::int16_t home_dir = 3, main_screen_height = 300, main_scree
                               template_editor_width = 305;
 }
 
-// A failing registry call is no error here: what cannot be read is empty text, and what cannot be written is
-// not written. Each call's result is kept as the last registry result.
+// A failed registry call is not an error: a value that cannot be read is an empty text, and one that cannot
+// be written is dropped. Last_Registry_Result holds the result of the latest call.
 class Registry_Routines {
  public:
   using Value = std::variant<std::string, std::int32_t>;
@@ -27,10 +27,10 @@ class Registry_Routines {
   explicit Registry_Routines(Registry& registry) : registry_(registry) {}
 
   bool Registry_Key_Exists(Registry_Root root, const std::string& sub_key);
-  // Empty text also for a value that is neither text nor a 32-bit number.
+  // Also an empty text for a value that is neither text nor a 32-bit number.
   Value Registry_Get_Value(Registry_Root root, const std::string& sub_key, const std::string& name);
-  // Text that is a number in the user's locale is stored as a number, like a number rounded to 32 bits.
-  // Throws std::overflow_error for one that does not fit; nothing is written then.
+  // A text that is a number in the user's locale is stored as a number. Numbers are rounded to 32 bits;
+  // throws std::overflow_error for one that does not fit, and writes nothing.
   void Registry_Set_Value(Registry_Root root, const std::string& sub_key, const std::string& name,
                           const New_Value& value);
   void Registry_Create_Key(Registry_Root root, const std::string& sub_key);

@@ -65,18 +65,28 @@ struct Window_Fixture : Test_Surroundings {
           {"click", [&] { tree.Click_Node(Node(what)), tree.MouseUp(); }},
           {"row", [&] { Pick(std::stoi(what), 0); }},
           {"rows-to", [&] { Pick(std::stoi(what), 1); }},
-          {"turn-row", [&] { Pick(std::stoi(what), 2); }}};
+          {"turn-row", [&] { Pick(std::stoi(what), 2); }},
+          {"cut-off",
+           [&] { window.dtpCutoffDate.Set_Value(std::stoi(what)), window.dtpCutoffDate.CloseUp(); }},
+          // An option alone, without what its handler would force or refuse.
+          {"force", [&] {
+             std::function<void()> handler;
+             Option(what).Click.swap(handler);
+             Option(what).Set_Value(1);
+             Option(what).Click.swap(handler);
+           }}};
       verbs.at(verb)();
     }
   }
+  CheckBox& Option(const std::string& name) {
+    const auto found = std::find_if(window.controls.begin(), window.controls.end(),
+                                    [&](Control* control) { return control->Name() == "chk" + name; });
+    if (found == window.controls.end()) throw std::invalid_argument("no option: " + name);
+    return dynamic_cast<CheckBox&>(**found);
+  }
   void Set(const std::string& names, bool on) {
     std::istringstream all(names);
-    for (std::string name; all >> name;) {
-      const auto found = std::find_if(window.controls.begin(), window.controls.end(),
-                                      [&](Control* control) { return control->Name() == "chk" + name; });
-      if (found == window.controls.end()) throw std::invalid_argument("no option: " + name);
-      dynamic_cast<CheckBox&>(**found).Set_Value(on);
-    }
+    for (std::string name; all >> name;) Option(name).Set_Value(on);
   }
   void Pick(int row, int shift) { grid.Set_MouseRow(row), grid.MouseUp(1, shift, 0, 0); }
   // The names of the options that are on, in tab order.

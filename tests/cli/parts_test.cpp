@@ -7,7 +7,6 @@
 #include "cli/folder_path.h"
 #include "cli/session.h"
 #include "cli/terminal.h"
-#include "marking/run_state.h"
 #include "program.h"
 
 namespace tidyfold::cli {
@@ -72,8 +71,8 @@ TEST_F(Interrupt, cancels_a_run_as_the_button_does) {
   Choice(session).Mark(Find_Folder(session.Folders(), "Inbox"));
   std::raise(SIGINT);
   session.Window().cmdRun.Click();
-  EXPECT_TRUE(session.Program().Run().Cancelled);
-  EXPECT_EQ(session.Program().Run().ProcessedCount, 0);
+  EXPECT_TRUE(session.Program().run.Cancelled);
+  EXPECT_EQ(session.Program().run.ProcessedCount, 0);
   ASSERT_EQ(session.Messages().Shown().size(), 3u);
   EXPECT_EQ(session.Messages().Shown()[1].text, "Quit processing records?");
 }

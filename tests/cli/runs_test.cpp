@@ -114,6 +114,11 @@ TEST_F(Runs, are_taken_back) {
 
 TEST_F(Runs, that_cannot_be_taken_back_whole_name_what_stays) {
   const std::vector<std::string> ids = Clean_Inbox(3);
+  ASSERT_EQ(Run({"sample", Path("other"), "--seed", "2"}).status, 0);
+  const Outcome elsewhere = Run({"--store", Path("other"), "undo", "--yes"});
+  EXPECT_EQ(elsewhere.status, 1);
+  EXPECT_NE(elsewhere.err.find("Its store is not open."), std::string::npos) << elsewhere.err;
+  EXPECT_FALSE(Run({"runs", "--json"}).Document().back()["taken_back"]);
   Alter(("UPDATE item SET subject = 'Another' WHERE 'I' || id = '" + ids[1] + "'").c_str());
   const Outcome undone = On_Store({"undo", "1", "--yes", "--json"});
   EXPECT_EQ(undone.status, 1);

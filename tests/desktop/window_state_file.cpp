@@ -3,6 +3,7 @@
 #include <wx/checkbox.h>
 #include <wx/dataview.h>
 #include <wx/grid.h>
+#include <wx/listctrl.h>
 #include <wx/textctrl.h>
 #include <wx/utils.h>
 
@@ -47,6 +48,8 @@ void Describe_Widgets(const wxWindow& window, json& widgets) {
     if (const auto* const box = dynamic_cast<const wxCheckBox*>(child)) widget["checked"] = box->GetValue();
     if (const auto* const box = dynamic_cast<const wxTextCtrl*>(child))
       widget["text"] = From_Wx(box->GetValue().Left(most_characters));
+    if (const auto* const list = dynamic_cast<const wxListCtrl*>(child))
+      widget["rows"] = list->GetItemCount();
     Describe_Widgets(*child, widgets);
   }
 }
@@ -63,7 +66,10 @@ std::string Keyboard_Owner(const wxFrame& frame) {
     const wxWindow* const sheet = wxWindow::FindWindowByName("shtReview");
     const bool is_box =
         GTK_IS_MESSAGE_DIALOG(at->data) || (sheet != nullptr && at->data == sheet->GetHandle());
-    owner = is_box ? "box" : at->data == frame.GetHandle() ? "window" : "other";
+    owner = is_box                          ? "box"
+            : GTK_IS_FILE_CHOOSER(at->data) ? "files"
+            : at->data == frame.GetHandle() ? "window"
+                                            : "other";
   }
   g_list_free(windows);
 #elif defined(__WXMSW__)

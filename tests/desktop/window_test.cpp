@@ -1,8 +1,11 @@
 // The built window under real mouse and keyboard events, from tick to summary, and the store afterwards.
+#include <fstream>
+#include <iterator>
 #include <set>
 
 #include "base/text.h"
 #include "desktop/window_fixture.h"
+#include "runs/run_log.h"
 
 namespace tidyfold {
 namespace {
@@ -328,6 +331,51 @@ struct Panes {
   };
   Pane tree, bar, grid, bar2, options;
 };
+
+TEST_F(Window, Runs_Shows_The_Items_Of_The_Chosen_Run_And_Saves_Them) {
+  Make_Store(20);
+  {
+    Run_Log log(folder_ / ".local/state/tidyfold/runs.sqlite");
+    Run_Header run;
+    run.stores = {{"S1", "Sample", store_.string()}};
+    Logged_Item note;
+    note.folder.path = "Inbox";
+    note.entry_id = "I1";
+    note.subject = "a, b";
+    for (const int items : {2, 3}) {
+      log.Begin(run, 45000);
+      for (int item = 1; item <= items; ++item) log.Set_Result(log.Note(note), Item_Result::Done);
+      log.End({items, false, false}, 45000);
+    }
+  }
+  Open();
+  window_->Key("ctrl+l");
+  const auto shows = [&](int items) {
+    window_->Wait("two runs, and of the chosen one " + std::to_string(items), [&](const State& state) {
+      const State widgets = state["beside"].value("frmRuns", State())["widgets"];
+      return widgets.contains("grdRunItems") && widgets["grdRuns"]["rows"] == 2 &&
+             widgets["grdRunItems"]["rows"] == items && state["keyboard"] == "other";
+    });
+  };
+  shows(3);
+  window_->Key_To_Other("Down");
+  shows(2);
+  window_->Key_To_Other("alt+s");
+  window_->Wait("the file dialog", [](const State& state) { return state["keyboard"] == "files"; });
+  window_->Xdotool({"key", "Return"});
+  const std::filesystem::path file = folder_ / "run-1.csv";
+  window_->Wait("the file", [&](const State&) {
+    return std::filesystem::exists(file) && std::filesystem::file_size(file) > 100;
+  });
+  std::ifstream stream(file);
+  const std::string text{std::istreambuf_iterator<char>(stream), {}};
+  EXPECT_EQ(text,
+            "entry_id,folder,subject,date,done,result,reason\r\n"
+            "I1,Inbox,\"a, b\",,moved,done,\r\nI1,Inbox,\"a, b\",,moved,done,\r\n");
+  window_->Key_To_Other("Escape");
+  window_->Wait("no other window", [](const State& state) { return state["beside"].empty(); });
+  Quit();
+}
 
 TEST_F(Window, The_Bars_Move_The_Panes) {
   Make_Store(50);

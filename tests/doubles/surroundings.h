@@ -26,7 +26,9 @@ struct Test_Surroundings {
   Scripted_Message_Box box;
   Fake_Events events;
   Fixed_Clock clock;  // 2023-03-15
-  Temporary_Directory state_folder;
+  // In memory where the system has a place for that: thousands of logs are begun.
+  Temporary_Directory state_folder{
+      std::filesystem::exists("/dev/shm") ? "/dev/shm" : std::filesystem::temp_directory_path()};
   Run_Log log{state_folder / "runs.sqlite"};
   Limits_In_Memory limits;
 

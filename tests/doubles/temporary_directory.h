@@ -13,10 +13,10 @@ namespace tidyfold {
 
 class Temporary_Directory {
  public:
-  Temporary_Directory() {
+  explicit Temporary_Directory(const std::filesystem::path& root = std::filesystem::temp_directory_path()) {
     std::random_device random;
     const auto name = "tidyfold test-" + std::to_string(random()) + std::to_string(random());
-    path_ = std::filesystem::temp_directory_path() / name;
+    path_ = root / name;
     if (!std::filesystem::create_directory(path_)) throw std::runtime_error("no directory: " + name);
   }
   Temporary_Directory(const Temporary_Directory&) = delete;

@@ -54,7 +54,7 @@ About_Window::About_Window(wxWindow* parent, Form& form, About_Controls& control
   notice_->SetMinSize(wxSize(-1, notice_lines * notice_->GetCharHeight()));
   auto* const licences_label = new wxStaticText(this, wxID_ANY, "&Libraries and their licences:");
   licences_ = Add_Text(controls_.txtLicences, wxTE_MULTILINE | wxTE_BESTWRAP);
-  // Licences are drawn with blanks.
+  // Licence texts are laid out with spaces.
   licences_->SetFont(wxFont(wxFontInfo(licences_->GetFont().GetPointSize()).Family(wxFONTFAMILY_TELETYPE)));
   licences_->SetMargins(FromDIP(6), -1);
   licences_->SetMinSize(

@@ -10,7 +10,7 @@
 
 namespace tidyfold {
 
-// Shows the model frmAbout above its parent and beside what goes on there. Esc closes it.
+// Shows the model frmAbout above its parent, not modally. Esc closes it.
 class About_Window : public wxDialog {
  public:
   About_Window(wxWindow* parent, Form& form, About_Controls& controls);

@@ -1,4 +1,4 @@
-// The program's own picture.
+// The program's icon.
 #pragma once
 
 #include <wx/bmpbndl.h>
@@ -7,7 +7,7 @@
 namespace tidyfold {
 
 wxIconBundle Application_Icons();
-// For windows that show it large.
+// A large version, to be shown inside a window.
 wxBitmapBundle Application_Picture(const wxSize& size);
 
 }  // namespace tidyfold

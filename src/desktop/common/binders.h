@@ -1,4 +1,4 @@
-// The binders of one window, in the order in which they were made.
+// The binders of one window, in the order of their creation.
 #pragma once
 
 #include <memory>

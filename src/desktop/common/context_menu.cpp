@@ -4,8 +4,8 @@
 
 namespace tidyfold {
 
-// The entries bear the numbers that they have in the menu bar, so that the frame runs them, and shows their
-// help, as if they had been chosen there.
+// The entries have the same identifiers as in the menu bar, so that the frame handles them, and shows their
+// help, in the same way.
 void Show_Context_Menu(wxWindow& window, const Context_Menu& entries, const wxPoint& place) {
   wxMenu menu;
   for (const Menu_Binder* const entry : entries) {

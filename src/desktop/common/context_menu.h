@@ -9,13 +9,13 @@
 
 namespace tidyfold {
 
-// Entries of the menu bar in order; a null one separates.
+// Entries of the menu bar in order; null stands for a separator.
 using Context_Menu = std::vector<const Menu_Binder*>;
 
-// Shows the menu at a place of the window and runs what is chosen. Returns when it has been closed.
+// Shows the menu at a position in the window and runs the chosen entry. Returns when the menu has closed.
 void Show_Context_Menu(wxWindow& window, const Context_Menu& entries, const wxPoint& place);
 
-// Whether a key asks for the menu.
+// Whether the key opens the context menu.
 bool Asks_For_Context_Menu(const wxKeyEvent& event);
 
 }  // namespace tidyfold

@@ -25,7 +25,7 @@ void Control_Binder::Show() {
       widget_.SetToolTip(tip);
     bool visible = model_.Visible();
     if (scale_ != nullptr) {
-      // Edges are converted, not widths, so that neighbours meet without a gap.
+      // Converts edges, not widths, so that neighbours meet without a gap.
       const int left = scale_->Pixels(model_.Left()), top = scale_->Pixels(model_.Top());
       const int right = scale_->Pixels(model_.Left() + model_.Width());
       const int bottom = scale_->Pixels(model_.Top() + model_.Height());

@@ -1,4 +1,4 @@
-// Ties one widget to its control model, both ways.
+// Keeps one widget and its control model in step, both ways.
 #pragma once
 
 #include <wx/window.h>
@@ -11,9 +11,9 @@
 
 namespace tidyfold {
 
-// Shows what every control has (enabled, visible, tooltip, name) and keeps the two directions apart: while
-// the widget is being brought in line with the model, its events are not the user's. The model must outlive
-// the binder, and the binder must not outlive its widget's use.
+// Shows what every control has (enabled, visible, tooltip, name) and separates the two directions: events
+// that the widget sends while the binder updates it are not the user's. The model must outlive the binder,
+// and the binder must be destroyed before its widget is.
 class Control_Binder {
  public:
   Control_Binder(Control& model, wxWindow& widget);
@@ -21,15 +21,15 @@ class Control_Binder {
   Control_Binder& operator=(const Control_Binder&) = delete;
   virtual ~Control_Binder();
 
-  // From now on the widget stands where the model says; without this it stands where its sizer puts it.
+  // From now on the widget's position is the model's; otherwise it is that of its sizer.
   void Follow_Position(const Scale& scale);
-  // Brings the widget in line with the model.
+  // Updates the widget from the model.
   void Show();
 
  protected:
   virtual void Show_Model() {}
 
-  // Runs what the program does to the widget.
+  // Runs a change that the program makes to the widget.
   template <class Action>
   void From_Program(Action&& action) {
     struct Restore {
@@ -39,7 +39,7 @@ class Control_Binder {
     } const restore{showing_, std::exchange(showing_, true)};
     std::forward<Action>(action)();
   }
-  // Runs what the user did to the widget, unless it was the model that did it.
+  // Handles an event of the widget, unless the program caused it.
   template <class Action>
   void From_User(Action&& action) {
     if (!showing_) std::forward<Action>(action)();

@@ -1,4 +1,4 @@
-// The control that a person points at.
+// Finds the control that a person points at.
 #pragma once
 
 #include <wx/frame.h>
@@ -7,16 +7,16 @@
 
 namespace tidyfold {
 
-// Looks through the widgets of the main window, enabled or not. What has no model of its own belongs to what
-// it stands in, in the end to the window itself.
+// Searches the widgets of the main window, disabled ones included. A widget without a model belongs to its
+// parent, in the end to the window.
 class Control_Finder {
  public:
   Control_Finder(const wxFrame& frame, MainWindow& window) : frame_(frame), window_(window) {}
 
-  // At a place of the screen; none outside the window.
+  // At a position on the screen; null outside the window.
   const Control* At(const wxPoint& place) const;
   const Control* Of_Widget(const wxWindow* widget) const;
-  // An entry of the menus, by what is written on it.
+  // A menu entry, by its label.
   const Control* Of_Menu_Entry(const wxString& label) const;
 
  private:

@@ -9,7 +9,7 @@ namespace tidyfold {
 
 namespace {
 
-// The window is to answer within 50 ms, of which painting may take its part.
+// The window must answer within 50 ms, including painting.
 constexpr std::chrono::steady_clock::duration shortest_work = std::chrono::milliseconds(8);
 constexpr std::chrono::steady_clock::duration longest_work = std::chrono::milliseconds(20);
 
@@ -24,7 +24,7 @@ void Desktop_Events::Do_Events() {
     if (before_yield) before_yield();
     loop->YieldFor(wxEVT_CATEGORY_ALL);
   }
-  // As much time for the work as went into the window, within limits.
+  // The work gets as much time as the events took, within limits.
   const auto end = std::chrono::steady_clock::now();
   next_ = end + std::clamp(end - start, shortest_work, longest_work);
 }

@@ -8,11 +8,11 @@
 
 namespace tidyfold {
 
-// A yield dispatches what is due: mouse, keys, painting, timers. It may happen inside a handler that runs
-// inside another yield. Most yields find, by the clock alone, that the last one was a moment ago, and return.
+// A yield dispatches pending events: mouse, keys, painting, timers. It may happen inside a handler that runs
+// inside another yield. Most yields only look at the clock, because the last one was a moment ago.
 class Desktop_Events : public Events {
  public:
-  // Runs before events are dispatched, and only then: the place to bring a store into a state that lasts.
+  // Runs before events are dispatched, and only then. The place to commit changes to a store.
   std::function<void()> before_yield;
 
   void Do_Events() override;

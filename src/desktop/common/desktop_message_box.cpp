@@ -26,10 +26,16 @@ long Style(Buttons buttons, Icon icon) {
 }
 
 Answer To_Answer(int pressed, Buttons buttons) {
-  if (buttons == Buttons::OK_Only) return Answer::OK;
-  if (pressed == wxID_OK && buttons == Buttons::OK_Cancel) return Answer::OK;
-  if (pressed == wxID_YES) return Answer::Yes;
-  return buttons == Buttons::Yes_No || pressed == wxID_NO ? Answer::No : Answer::Cancel;
+  switch (pressed) {
+    case wxID_OK:
+      return Answer::OK;
+    case wxID_YES:
+      return Answer::Yes;
+    case wxID_NO:
+      return Answer::No;
+    default:
+      return Safest_Answer(buttons);
+  }
 }
 
 }  // namespace

@@ -13,13 +13,13 @@ namespace tidyfold {
 // there is no Cancel. Enter is that answer too, except on the review, whose Enter is OK.
 class Desktop_Message_Box : public Message_Box {
  public:
-  // Run around each box: before it opens (bring what lies behind it up to date), and after it has closed.
+  // Called around each box: before it opens, to update the windows behind it, and after it has closed.
   std::function<void(const std::string& text)> opening;
   std::function<void()> closed;
 
   Answer Show(const std::string& text, Buttons buttons, Icon icon, const std::string& title) override;
   Answer Show_Review(const Review& review) override;
-  // How many boxes are open, one above the other.
+  // Boxes may be nested.
   int Open_Boxes() const { return open_boxes_; }
 
  private:

@@ -69,7 +69,7 @@ Grid_Binder::Grid_Binder(FlexGrid& model, wxGrid& widget, wxStaticText& hint, Re
   for (const auto& focus : {wxEVT_SET_FOCUS, wxEVT_KILL_FOCUS}) {
     area.Bind(focus, [this](wxFocusEvent& event) {
       event.Skip();
-      // Whoever comes by keyboard sees where the keys begin.
+      // A person who comes by keyboard sees which row the keys start from.
       if (event.GetEventType() == wxEVT_SET_FOCUS && model_.Row() < 1 && model_.Rows() > 1) Make_Current(1);
       widget_.GetGridWindow()->Refresh();
     });
@@ -79,7 +79,7 @@ Grid_Binder::Grid_Binder(FlexGrid& model, wxGrid& widget, wxStaticText& hint, Re
     From_Program([this] { Fill_Width(); });
     Show_Hint();
   });
-  // Sorting is asked for by the header; the widget must not sort or mark anything itself.
+  // The model sorts; the widget must not sort or mark anything itself.
   widget_.Bind(wxEVT_GRID_COL_SORT, [this](wxGridEvent& event) {
     event.Veto();
     Raise(model_.Header_Click, Grid_Table::Model_Column(event.GetCol()));
@@ -138,9 +138,9 @@ void Grid_Binder::Show_Columns() {
   Fill_Width();
 }
 
-// The last column takes what the others leave of the width.
+// The last column takes the width that the others leave.
 void Grid_Binder::Fill_Width() {
-  // The widget may change its size while it is still being given rows or columns.
+  // The size may change while rows or columns are still being added.
   if (shown_columns_ != model_.Column_Version()) return;
   const int last = table_->GetNumberCols() - 1;
   if (last < 0) return;
@@ -151,7 +151,7 @@ void Grid_Binder::Fill_Width() {
   if (std::max(wanted, rest) != widget_.GetColSize(last)) widget_.SetColSize(last, std::max(wanted, rest));
 }
 
-// The hint stands in the middle of the empty grid, broken into lines that fit.
+// Centres the hint in the empty grid and wraps it.
 void Grid_Binder::Show_Hint() {
   const wxString text = table_->GetNumberRows() == 0 ? To_Lines(model_.Empty_Text()) : wxString();
   if (text.empty()) {

@@ -16,7 +16,7 @@ namespace tidyfold {
 
 class Grid_Table;
 
-// Shows the model's columns from FlexGrid::first_item_column on; the row key and the mark stay unseen.
+// Shows the model's columns from FlexGrid::first_item_column on; the columns of row key and mark are hidden.
 class Grid_Binder : public Control_Binder, public Late_Widget {
  public:
   // `hint` lies over the grid and shows the model's empty text while there are no rows.
@@ -24,7 +24,7 @@ class Grid_Binder : public Control_Binder, public Late_Widget {
   ~Grid_Binder() override;
 
   void Catch_Up() override;
-  // What a right click, the menu key and Shift+F10 open.
+  // Opened by a right click, the menu key and Shift+F10.
   Context_Menu context_menu;
 
  private:

@@ -11,7 +11,7 @@ std::uint64_t Picture_Of_Rows(const FlexGrid& model, int first, int last) {
   for (int row = first; row <= last; ++row) {
     const GridRow& at = model.Row_At(row);
     add(at.back_colour * 4ull + (at.bold ? 2ull : 0ull) + at.marked);
-    // The texts themselves: the same rows may come to show others.
+    // The texts themselves: the same row can get another text.
     for (int column = FlexGrid::first_item_column; column < model.Cols(); ++column)
       add(std::hash<std::string>{}(model.TextMatrix(row, column)));
   }

@@ -1,4 +1,4 @@
-// Whether rows that are shown would be painted differently.
+// Tells whether visible rows have to be painted again.
 #pragma once
 
 #include <cstdint>
@@ -7,8 +7,7 @@
 
 namespace tidyfold {
 
-// A number that stands for everything that the rows `first` to `last` of the model show: texts, marks,
-// weight, colour.
+// A hash of everything that the model's rows `first` to `last` show: texts, marks, weight, colour.
 std::uint64_t Picture_Of_Rows(const FlexGrid& model, int first, int last);
 
 }  // namespace tidyfold

@@ -73,7 +73,7 @@ void Grid_Cell_Renderer::Draw(wxGrid& grid, wxGridCellAttr& attr, wxDC& dc, cons
     const wxRect inside = rect.Deflate(margin, 0);
     if (inside.width > 0) {
       dc.SetFont(bold ? attr.GetFont().Bold() : attr.GetFont());
-      // Whether a box stands in front of the window makes no difference.
+      // IsThisEnabled ignores that a modal box disables the whole window.
       dc.SetTextForeground(grid.IsThisEnabled() ? Text_Colour(0, background)
                                                 : Disabled_Text_Colour(background));
       dc.SetBackgroundMode(wxBRUSHSTYLE_TRANSPARENT);
@@ -83,7 +83,7 @@ void Grid_Cell_Renderer::Draw(wxGrid& grid, wxGridCellAttr& attr, wxDC& dc, cons
     }
   }
 
-  // The keyboard's row has a frame around it, drawn piece by piece.
+  // Each cell draws its part of the frame around the current row.
   const bool has_focus = wxWindow::FindFocus() != nullptr && grid.IsDescendant(wxWindow::FindFocus());
   if (has_focus && Grid_Table::Model_Row(row) == table_.Model().Row()) {
     dc.SetPen(wxPen(wxSystemSettings::GetColour(wxSYS_COLOUR_HIGHLIGHT)));

@@ -1,4 +1,4 @@
-// What the grid widget asks for, and how its cells are painted.
+// The grid widget's data source and its cell renderer.
 #pragma once
 
 #include <wx/grid.h>
@@ -7,8 +7,8 @@
 
 namespace tidyfold {
 
-// A view of the model's rows. Its counts are those that the widget knows; the model may be ahead of them
-// until the widget has been told, and cells beyond it are empty.
+// A view of the model's rows. Its counts are those that the widget knows, which may lag behind the model's;
+// cells beyond the model are empty.
 class Grid_Table : public wxGridTableBase {
  public:
   explicit Grid_Table(const FlexGrid& model) : model_(model) {}
@@ -16,7 +16,7 @@ class Grid_Table : public wxGridTableBase {
   static int Model_Row(int row) { return row + 1; }
   static int Model_Column(int column) { return column + FlexGrid::first_item_column; }
 
-  // Tell the widget that rows or columns have come or gone at the end.
+  // Notify the widget of rows or columns appended or removed at the end.
   void Set_Rows(int rows);
   void Set_Columns(int columns);
 
@@ -37,7 +37,7 @@ class Grid_Table : public wxGridTableBase {
   int columns_ = 0;
 };
 
-// Paints a cell as its row says: bold, chosen, the keyboard's row.
+// Paints a cell by the state of its row: bold, selected, current.
 class Grid_Cell_Renderer : public wxGridCellRenderer {
  public:
   explicit Grid_Cell_Renderer(const Grid_Table& table) : table_(table) {}

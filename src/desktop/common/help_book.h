@@ -1,4 +1,4 @@
-// The window that shows the compiled help book: a system's own, or one of the program's.
+// The window that shows the compiled help book: the system's viewer or the program's own.
 #pragma once
 
 #include <wx/frame.h>

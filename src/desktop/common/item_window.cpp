@@ -5,7 +5,6 @@
 #include <wx/filedlg.h>
 #include <wx/filename.h>
 #include <wx/log.h>
-#include <wx/msgdlg.h>
 #include <wx/panel.h>
 #include <wx/settings.h>
 #include <wx/sizer.h>
@@ -15,8 +14,8 @@
 #include <cmath>
 
 #include "base/dates.h"
-#include "controls/interaction.h"
 #include "desktop/common/application_icon.h"
+#include "desktop/common/error_box.h"
 #include "desktop/common/text_conversion.h"
 
 namespace tidyfold {
@@ -138,13 +137,7 @@ void Item_Window::Save_As_Eml() {
       file.IsOpened() &&
       file.Write(item_.raw_message.data(), item_.raw_message.size()) == item_.raw_message.size() &&
       file.Close();
-  if (!written) {
-    wxMessageDialog(
-        this,
-        "\"" + dialog.GetPath() + "\" could not be written. Choose another place, or make room on the disk.",
-        application_title, wxOK | wxICON_ERROR)
-        .ShowModal();
-  }
+  if (!written) Show_Not_Written(this, dialog.GetPath());
 }
 
 }  // namespace tidyfold

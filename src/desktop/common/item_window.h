@@ -7,8 +7,8 @@
 
 namespace tidyfold {
 
-// Who, when, subject, folder, the attachments' names and sizes, and the text. Several may be open; each
-// closes with Esc and keeps what it shows, whatever becomes of the item.
+// Shows sender, dates, subject, folder, names and sizes of the attachments, and the text. Several may be open
+// at once; Esc closes one. Each keeps its content, whatever happens to the item.
 class Item_Window : public wxFrame {
  public:
   Item_Window(wxWindow* parent, const Displayed_Item& item);

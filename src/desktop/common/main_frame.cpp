@@ -26,7 +26,7 @@ namespace {
 // Unscaled pixels. Title, menu and status bar of common desktops take less than this of the screen's height.
 constexpr int reserved_height = 90;
 constexpr int smallest_width = 480, smallest_height = 320;
-// Where the screen has the room, the window opens larger than it was designed; start-up lays the panes out.
+// Where the screen has room, the window opens larger than designed; start-up lays the panes out.
 constexpr Twips comfortable_width = 18000, comfortable_height = 11100;
 
 }  // namespace
@@ -65,7 +65,8 @@ Main_Frame::Main_Frame(MainWindow& model, Repaint_Schedule& schedule, File_Comma
   Bind(wxEVT_CHAR_HOOK, &Main_Frame::Key_Pressed, this);
   Bind(wxEVT_CHILD_FOCUS, [this](wxChildFocusEvent& event) {
     event.Skip();
-    // Windows hands the keyboard of a widget that is switched off to the next one, which may be a bar.
+    // When a focused widget is disabled, Windows moves the focus to the next one, which may be a splitter
+    // bar.
     const bool lost = keyboard_home_ != nullptr && !keyboard_home_->IsEnabled();
     handed_on_ = lost ? dynamic_cast<Splitter_Bar*>(event.GetWindow()) : nullptr;
   });
@@ -106,7 +107,7 @@ void Main_Frame::Build_Panes() {
     const wxClipboardLocker lock;
     if (!lock) return;
     wxTheClipboard->SetData(new wxTextDataObject(To_Lines(text)));
-    // It stays when the window has gone.
+    // Keeps the text on the clipboard after the program has ended.
     wxTheClipboard->Flush();
   };
 
@@ -202,7 +203,7 @@ wxMenu* Main_Frame::New_View_Menu() {
   return view;
 }
 
-// Folders, first bar, items, second bar, options, and round again.
+// Cycles through folders, first bar, items, second bar, options.
 void Main_Frame::Go_To_Pane(int step) {
   const Control* const panes[] = {&model_.trvFolders, &model_.picSlider, &model_.grdItems, &model_.picSlider2,
                                   &model_.frmOptions};
@@ -252,7 +253,7 @@ void Main_Frame::Add_File_Entry(wxMenu& menu, const wxString& label, const wxStr
       wxEVT_MENU, [&command](wxCommandEvent&) { command(); }, id);
 }
 
-// The panes are made in an order of their own; the keyboard goes through them as the model lists them.
+// The tab order is that of the model's list, not the order in which the panes were created.
 void Main_Frame::Set_Tab_Order() {
   wxWindow* before = nullptr;
   for (const Control* const control : model_.controls) {
@@ -284,14 +285,14 @@ void Main_Frame::Show_Form() {
   if (form.Visible() != IsShown()) Show(form.Visible());
 }
 
-// A size that the screen cannot take is cut down at once, and the model told, for whoever set it reads it
-// back.
+// A size that does not fit the screen is cut down at once. The model gets the real size, because the caller
+// reads it back.
 void Main_Frame::Resize_Like_Model() {
   const wxSize bars_and_frame = GetSize() - GetClientSize();
   wxSize size = Client_Size_Of_Model();
   size.DecTo(wxDisplay(this).GetClientArea().GetSize() - bars_and_frame);
   size.IncTo(GetMinClientSize());
-  // Whoever set it lays the panes out as well; told of the size on the way, they would be moved twice.
+  // The caller lays the panes out; a Resize event now would move them twice.
   const bool outer = std::exchange(taking_size_, true);
   SetClientSize(size);
   taking_size_ = outer;
@@ -306,7 +307,7 @@ void Main_Frame::Tell_Size(const wxSize& client) {
 }
 
 void Main_Frame::Take_Size() {
-  // Before there is anyone to lay the panes out, they and the window stay as they are.
+  // Without a Resize handler nobody would lay the panes out.
   if (!model_.frmRemoveItems.Resize || IsIconized() || taking_size_) return;
   const wxSize client = GetClientSize();
   if (client == Client_Size_Of_Model()) return;
@@ -315,7 +316,7 @@ void Main_Frame::Take_Size() {
 }
 
 void Main_Frame::Closed_By_User(wxCloseEvent& event) {
-  // The window is destroyed when nothing runs on its models any more, not here.
+  // Not destroyed here: handlers may still be running on its models.
   if (event.CanVeto()) event.Veto();
   if (model_.frmRemoveItems.Close) {
     model_.frmRemoveItems.Close();
@@ -325,7 +326,7 @@ void Main_Frame::Closed_By_User(wxCloseEvent& event) {
 }
 
 void Main_Frame::Key_Pressed(wxKeyEvent& event) {
-  // While a run is under way the button is its Cancel.
+  // During a run the button is Cancel.
   const bool running = !model_.mnuClean.Enabled() && model_.cmdRun.Enabled();
   if (event.GetKeyCode() != WXK_ESCAPE) return event.Skip();
   if (running) {
@@ -337,12 +338,12 @@ void Main_Frame::Key_Pressed(wxKeyEvent& event) {
   }
 }
 
-// What is switched off loses the keyboard, and no key would reach the window any more: Cancel gets it, or the
-// tree, and what had it gets it back when it is on again.
+// A disabled widget loses the focus, and then no key would reach the window. Moves the focus to Cancel or the
+// tree, and back when the widget is enabled again.
 void Main_Frame::Keep_Keyboard() {
   if (!IsActive()) return;
   wxWindow* const focus = FindFocus();
-  // Another window takes the keyboard a moment before this one hears that it has lost it.
+  // Another window takes the focus shortly before this one learns that it is no longer active.
   if (focus != nullptr && wxGetTopLevelParent(focus) != this) return;
   const auto usable = [](const wxWindow* window) { return window != nullptr && window->IsEnabled(); };
   if (usable(focus) && focus != stand_in_ && focus != handed_on_) {
@@ -367,7 +368,7 @@ void Main_Frame::Idle(wxIdleEvent& event) {
   if (!model_.frmRemoveItems.Loaded()) return;
   Take_Size();
   Keep_Keyboard();
-  // A run must not find another store under its feet.
+  // Stores must not be exchanged during a run.
   for (const int entry : file_entries_) {
     if (GetMenuBar()->IsEnabled(entry) != model_.mnuRefresh.Enabled())
       GetMenuBar()->Enable(entry, model_.mnuRefresh.Enabled());

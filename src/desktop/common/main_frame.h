@@ -21,15 +21,13 @@ namespace tidyfold {
 
 class Options_Panel;
 
-// What the window offers beyond its model: commands on store files.
-// Those that are empty are not offered.
+// Commands on store files, which the model does not know. Empty ones get no menu entry.
 struct File_Commands {
   std::function<void()> Open_Store, New_Sample, Import_Files, Import_Maildir;
 };
 
-// Shows the model frmRemoveItems, whose size is that of the client area, with everything on it. Hides when
-// the model is unloaded, and tells `unloaded` each time that it finds it so; whoever made the frame destroys
-// it when no handler runs any more.
+// Shows the model frmRemoveItems, whose size is that of the client area, with all its controls. When the
+// model is unloaded, hides and calls `unloaded`. The owner destroys the frame once no handler runs any more.
 class Main_Frame : public wxFrame {
  public:
   Main_Frame(MainWindow& model, Repaint_Schedule& schedule, File_Commands commands,
@@ -43,7 +41,7 @@ class Main_Frame : public wxFrame {
   void Add_Entry(wxMenu& menu, MenuItem& model, const wxString& key, const wxString& help,
                  wxItemKind kind = wxITEM_NORMAL);
   wxMenu* New_View_Menu();
-  // What stands in the menu bar for these; null separates.
+  // The menu bar's entries for these models; null stands for a separator.
   Context_Menu Entries(std::initializer_list<const MenuItem*> models) const;
   void Go_To_Pane(int step);
   void Add_File_Entry(wxMenu& menu, const wxString& label, const wxString& help,
@@ -68,7 +66,7 @@ class Main_Frame : public wxFrame {
   bool taking_size_ = false;
   bool was_loaded_ = false;
 
-  // What had the keyboard when it was last on, and what has it in its place.
+  // The widget that had the focus before it was disabled, and the one that has it instead.
   wxWeakRef<wxWindow> keyboard_home_, stand_in_, handed_on_;
 
   wxPanel* surface_;

@@ -13,11 +13,11 @@ Menu_Binder::Menu_Binder(MenuItem& model, wxMenu& menu, wxFrame& frame, const wx
   frame.Bind(
       wxEVT_MENU,
       [this](wxCommandEvent&) {
-        // A key may arrive before the menu has been greyed.
+        // An accelerator may arrive before the entry has been greyed.
         if (!model_.Enabled()) return;
         settle_();
         Raise(model_.Click);
-        // The toolkit has turned the mark by itself.
+        // wxWidgets has toggled the check mark itself.
         Show();
       },
       item_->GetId());
@@ -40,7 +40,7 @@ wxString Menu_Binder::Label() const {
 
 void Menu_Binder::Show() {
   if (item_->IsEnabled() != model_.Enabled()) item_->Enable(model_.Enabled());
-  // Of radio items the toolkit takes the mark off the others.
+  // wxWidgets unchecks the other radio items.
   if (item_->IsCheckable() && item_->IsChecked() != model_.Checked() &&
       (item_->GetKind() != wxITEM_RADIO || model_.Checked()))
     item_->Check(model_.Checked());

@@ -12,16 +12,15 @@ namespace tidyfold {
 
 class Menu_Binder {
  public:
-  // Adds the entry at the end of `menu`, which belongs to `frame`. `key` is written as the toolkit writes
-  // accelerators ("Ctrl+F5"); `settle` runs before every click. An entry that stands for a state is a check
-  // or radio item.
+  // Appends the entry to `menu`, which belongs to `frame`. `key` is an accelerator in wxWidgets' notation
+  // ("Ctrl+F5"); `settle` runs before every click. An entry that shows a state is a check or radio item.
   Menu_Binder(MenuItem& model, wxMenu& menu, wxFrame& frame, const wxString& key, const wxString& help,
               std::function<void()> settle, wxItemKind kind = wxITEM_NORMAL);
   Menu_Binder(const Menu_Binder&) = delete;
   Menu_Binder& operator=(const Menu_Binder&) = delete;
   ~Menu_Binder();
 
-  // Adds the same entry to another menu of the frame, as it is now.
+  // Appends the entry to another menu of the frame, in its current state.
   void Append_To(wxMenu& menu) const;
   const MenuItem& Model() const { return model_; }
 

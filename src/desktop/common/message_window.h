@@ -1,4 +1,4 @@
-// The small window that shows what start-up is doing.
+// The small window that shows the progress of start-up.
 #pragma once
 
 #include <wx/frame.h>
@@ -8,7 +8,7 @@
 
 namespace tidyfold {
 
-// Shows the model frmMessageBox. It has no frame and no buttons: it goes by itself.
+// Shows the model frmMessageBox. It has no frame and no buttons; the program closes it.
 class Message_Window : public wxFrame {
  public:
   explicit Message_Window(MainWindow& model);

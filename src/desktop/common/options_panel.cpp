@@ -112,7 +112,7 @@ void Options_Panel::Add_Filters(wxBoxSizer& group) {
   types->AddGrowableCol(1);
   for (TypeBox& type : model_.chkType) {
     wxCheckBox* const box = New_Check_Box(type.box);
-    // The members of the array share their name.
+    // The members of the control array share one name.
     box->SetName(box->GetName() + wxString::Format("(%d)", type.index));
     types->Add(box);
   }

@@ -12,15 +12,15 @@
 
 namespace tidyfold {
 
-// Three groups of check boxes, each under its heading; what an option needs stands indented below it. Scrolls
-// when the window is too low for all of it.
+// Three groups of check boxes, each under a heading; what belongs to an option is indented below it. Scrolls
+// if the window is too low.
 class Options_Panel : public wxScrolledWindow {
  public:
   Options_Panel(wxWindow* parent, MainWindow& model);
 
-  // Adds the binders of everything on the panel, the panel included.
+  // Creates the widgets and adds their binders.
   void Bind_To_Model(Binders& binders);
-  // Tells the model of edits that no event has told of yet.
+  // Passes pending edits to the model; see Text_Box_Binder::Settle.
   void Settle();
 
  private:

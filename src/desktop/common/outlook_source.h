@@ -7,8 +7,8 @@
 
 namespace tidyfold {
 
-// Outlook, on systems that have it; it is attached to, or started, when the window loads. Otherwise null: the
-// window then asks for a store file. Throws Automation_Error where the system's automation cannot be used.
+// Outlook, on systems that have it; loading the window attaches to it or starts it. Null otherwise: the
+// window then asks for a store file. Throws Automation_Error if the system's automation is not available.
 std::unique_ptr<Automation> Make_Outlook_Source();
 
 }  // namespace tidyfold

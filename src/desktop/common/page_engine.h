@@ -1,4 +1,4 @@
-// What the system's engine for Web pages tells beyond what wxWebView offers.
+// Access to the system's Web engine beyond what wxWebView offers.
 #pragma once
 
 #include <wx/webview.h>

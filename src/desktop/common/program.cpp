@@ -1,7 +1,6 @@
 #include "desktop/common/program.h"
 
 #include <wx/evtloop.h>
-#include <wx/msgdlg.h>
 #include <wx/uilocale.h>
 #include <wx/utils.h>
 
@@ -9,10 +8,12 @@
 
 #include "app/app.h"
 #include "desktop/common/desktop_help.h"
+#include "desktop/common/error_box.h"
 #include "desktop/common/item_window.h"
 #include "desktop/common/main_frame.h"
 #include "desktop/common/message_window.h"
 #include "desktop/common/outlook_source.h"
+#include "desktop/common/runs_window.h"
 #include "desktop/common/text_conversion.h"
 #include "desktop/common/welcome_dialog.h"
 #include "import/import.h"
@@ -102,6 +103,7 @@ void Program::Build() {
     // Later, for the click that asked for it still gives the focus to what was clicked.
     window->CallAfter([window] { window->Raise(); });
   });
+  window_.mnuRuns.Click = [this] { Show_Runs(); };
   events_.before_yield = [this] { outlook_.Commit_Pending(); };
   message_box_.opening = [this](const std::string& text) {
     schedule_->Flush();
@@ -116,7 +118,16 @@ void Program::Build() {
   });
   help_ = std::make_unique<Desktop_Help>(*frame_, window_, message_box_, *registry_);
   Automation& outlook = system_outlook_ ? *system_outlook_ : outlook_;
-  app_ = std::make_unique<App>(window_, outlook, message_box_, events_, clock_, &help_->Environment());
+  limits_ = std::make_unique<Stored_Limits>(*registry_);
+  app_ = std::make_unique<App>(
+      window_, Surroundings{outlook, message_box_, events_, clock_, log_, *limits_, &help_->Environment()});
+}
+
+void Program::Show_Runs() {
+  if (runs_window_ == nullptr) runs_window_ = new Runs_Window(frame_, window_, Default_Run_Log_File());
+  runs_window_->Show();
+  runs_window_->Restore();
+  runs_window_->Raise();
 }
 
 void Program::Change_Stores(const std::function<bool()>& change) {
@@ -142,6 +153,7 @@ void Program::End_When_Unwound() {
 
 int Program::OnExit() {
   app_.reset();
+  limits_.reset();
   // Before wxWidgets shuts down OLE.
   system_outlook_.reset();
   help_.reset();
@@ -158,7 +170,7 @@ bool Program::OnExceptionInMainLoop() {
   try {
     throw;
   } catch (const std::exception& error) {
-    wxMessageDialog(frame_, To_Lines(error.what()), application_title, wxOK | wxICON_ERROR).ShowModal();
+    Show_Error(frame_, error.what());
   }
   return true;
 }

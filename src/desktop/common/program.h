@@ -2,7 +2,9 @@
 #pragma once
 
 #include <wx/app.h>
+#include <wx/frame.h>
 #include <wx/timer.h>
+#include <wx/weakref.h>
 
 #include <filesystem>
 #include <functional>
@@ -10,12 +12,14 @@
 #include <vector>
 
 #include "base/system_clock.h"
+#include "clean/stored_limits.h"
 #include "controls/main_window.h"
 #include "desktop/common/desktop_events.h"
 #include "desktop/common/desktop_message_box.h"
 #include "desktop/common/program_observer.h"
 #include "desktop/common/repaint_schedule.h"
 #include "desktop/common/store_files.h"
+#include "runs/run_log.h"
 #include "stores/sqlite/embedded_outlook.h"
 
 namespace tidyfold {
@@ -39,6 +43,7 @@ class Program : public wxApp {
   void Start();
   bool Open_First_Stores();
   void Build();
+  void Show_Runs();
   void Change_Stores(const std::function<bool()>& change);
   void End_When_Unwound();
   void Commit();
@@ -49,6 +54,7 @@ class Program : public wxApp {
   std::unique_ptr<Automation> system_outlook_;
   Embedded_Outlook outlook_;
   System_Clock clock_;
+  Run_Log log_{Default_Run_Log_File()};
   Desktop_Events events_;
   Desktop_Message_Box message_box_;
   MainWindow window_;
@@ -59,7 +65,9 @@ class Program : public wxApp {
   std::unique_ptr<Repaint_Schedule> schedule_;
   Main_Frame* frame_ = nullptr;
   Message_Window* message_window_ = nullptr;
+  wxWeakRef<wxFrame> runs_window_;
   std::unique_ptr<Desktop_Help> help_;
+  std::unique_ptr<Stored_Limits> limits_;
   std::unique_ptr<App> app_;
 
   bool loading_ = false;

@@ -1,4 +1,4 @@
-// What the program tells somebody who looks on while it runs.
+// The events of the program that a test can observe.
 #pragma once
 
 #include <wx/frame.h>

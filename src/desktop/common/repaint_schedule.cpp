@@ -27,7 +27,7 @@ void Repaint_Schedule::Forget(Late_Widget& widget) {
 
 void Repaint_Schedule::Flush() {
   timer_.Stop();
-  // One at a time: catching up may mark others, or a widget may go.
+  // One at a time: Catch_Up may mark other widgets or remove one.
   for (auto turns = marked_.size(); turns > 0 && !marked_.empty(); --turns) {
     Late_Widget* const widget = marked_.front();
     marked_.erase(marked_.begin());

@@ -1,4 +1,4 @@
-// When widgets catch up with models that change thousands of times a second.
+// Limits how often widgets are repainted while their models change thousands of times a second.
 #pragma once
 
 #include <wx/timer.h>
@@ -8,15 +8,15 @@
 
 namespace tidyfold {
 
-// A widget that need not follow every change of its model at once.
+// A widget that does not follow every change of its model at once.
 class Late_Widget {
  public:
   virtual ~Late_Widget() = default;
   virtual void Catch_Up() = 0;
 };
 
-// Lets marked widgets catch up at most 25 times a second: the first change after a rest at once, the rest
-// together. It works whenever events are dispatched, in a yield or a message box as well as in the main loop.
+// Updates marked widgets at most 25 times a second; the first change after a pause is shown at once. Works
+// whenever events are dispatched: in the main loop, in a yield, in a message box.
 class Repaint_Schedule {
  public:
   Repaint_Schedule();
@@ -25,7 +25,7 @@ class Repaint_Schedule {
 
   void Mark(Late_Widget& widget);
   void Forget(Late_Widget& widget);
-  // Everything that is marked, now.
+  // Updates all marked widgets now.
   void Flush();
 
  private:

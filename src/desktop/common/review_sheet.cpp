@@ -47,8 +47,7 @@ std::vector<Text_Column> Columns(const Review& review) {
   return columns;
 }
 
-// As a share of the room: everything gets its height where there is room for all, and scrolls where there is
-// not.
+// Proportional to the wanted height: each part gets it if there is room for all, and scrolls otherwise.
 wxSizerFlags Share(int height) {
   return wxSizerFlags(std::max(height, 1)).Expand();
 }
@@ -105,14 +104,14 @@ Review_Sheet::Review_Sheet(wxWindow* parent, const Review& review)
     sentence_text_->SetLabelText(sentence_);
     sentence_text_->Wrap(GetClientSize().x - 2 * border);
   });
-  // The table and the notes would keep Enter for themselves.
+  // The table and the notes would consume Enter.
   Bind(wxEVT_CHAR_HOOK, [this](wxKeyEvent& event) {
     const bool enter = event.GetKeyCode() == WXK_RETURN || event.GetKeyCode() == WXK_NUMPAD_ENTER;
     enter && !FindWindow(wxID_CANCEL)->HasFocus() ? EndModal(wxID_OK) : event.Skip();
   });
 }
 
-// A text that can be scrolled, of the height that it needs.
+// A scrollable text with the height that it needs.
 wxWindow* Review_Sheet::New_Notes(const Review& review, int width) {
   wxString text;
   for (const std::string& note : review.notes) text += (text.empty() ? "" : "\n") + To_Lines(note);

@@ -1,4 +1,4 @@
-// What a run is about to do, as a sheet that is confirmed or not.
+// The dialog that shows what a run is about to do and asks for confirmation.
 #pragma once
 
 #include <wx/dialog.h>
@@ -10,8 +10,8 @@ namespace tidyfold {
 
 class Text_Table;
 
-// The sentence, the table, the notes. ShowModal gives wxID_OK, which is also Enter, or wxID_CANCEL, which is
-// also Esc and closing the sheet. As large as its content, within the screen; the table and the notes scroll.
+// Shows the sentence, the table and the notes. ShowModal returns wxID_OK for OK and Enter, wxID_CANCEL for
+// Cancel, Esc and closing. Sized to its content, within the screen; the table and the notes scroll.
 class Review_Sheet : public wxDialog {
  public:
   Review_Sheet(wxWindow* parent, const Review& review);

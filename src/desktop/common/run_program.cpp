@@ -27,7 +27,7 @@ int Run_Program(int argc, char** argv, Program_Observer* observer) {
     return arguments.exit(error);
   }
 
-  // wxWidgets makes the program by a plain function, once it is ready for timers and windows.
+  // wxWidgets creates the wxApp through a plain function pointer, which cannot capture.
   static std::vector<std::filesystem::path> paths;
   static Program_Observer* watching;
   paths.reserve(stores.size());

@@ -1,4 +1,4 @@
-// Twips of the models to pixels of the screen and back.
+// Conversion between the models' twips and the screen's pixels.
 #pragma once
 
 #include <wx/window.h>
@@ -7,8 +7,7 @@
 
 namespace tidyfold {
 
-// Follows the size of the screen's text, so that panes grow with what stands in them. All pixels are those
-// that the toolkit counts in.
+// Follows the screen's text size, so that panes grow with their texts. Pixels are wxWidgets' logical pixels.
 class Scale {
  public:
   explicit Scale(const wxWindow& window);

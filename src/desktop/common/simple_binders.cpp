@@ -40,7 +40,7 @@ Check_Box_Binder::Check_Box_Binder(CheckBox& model, wxCheckBox& widget)
     : Control_Binder(model, widget), model_(model), widget_(widget) {
   widget_.Bind(wxEVT_CHECKBOX, [this](wxCommandEvent& event) {
     From_User([&] { model_.Set_Value(event.IsChecked() ? 1 : 0); });
-    // A refusing handler may have set it back while it was still being set.
+    // A handler that refuses the change may have set the model back meanwhile.
     Show();
   });
   Show();
@@ -72,7 +72,7 @@ Label_Binder::Label_Binder(Label& model, wxStaticText& widget)
 }
 
 void Label_Binder::Show_Model() {
-  // A folder's name may hold "&", which is no mnemonic here.
+  // An "&" in a folder's name is not a mnemonic.
   if (const wxString label = To_Lines(model_.Caption()); label != widget_.GetLabelText())
     widget_.SetLabelText(label);
 }
@@ -110,7 +110,7 @@ Date_Picker_Binder::Date_Picker_Binder(DatePicker& model, wxDatePickerCtrl& widg
   widget_.Bind(wxEVT_DATE_CHANGED, [this](wxDateEvent&) { From_User([&] { Take_Date(); }); });
   widget_.Bind(wxEVT_COMBOBOX_CLOSEUP, [this](wxCommandEvent& event) {
     event.Skip();
-    // The calendar hands its date over only after it has closed.
+    // The date is valid only after the calendar has closed.
     widget_.CallAfter([this] {
       Take_Date();
       edited_ = false;
@@ -126,7 +126,7 @@ Date_Picker_Binder::Date_Picker_Binder(DatePicker& model, wxDatePickerCtrl& widg
   For_All_Children(widget_, [this](wxWindow& part) {
     part.Bind(wxEVT_KILL_FOCUS, [this](wxFocusEvent& event) {
       event.Skip();
-      // The picker takes a typed date over in its own handler of this event.
+      // The picker parses a typed date in its own handler of this event.
       widget_.CallAfter([this] { Settle(); });
     });
   });

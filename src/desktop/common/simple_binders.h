@@ -34,7 +34,7 @@ class Button_Binder : public Control_Binder {
   std::function<void()> settle_;
 };
 
-// A text that does not fit ends in dots.
+// Ends a text that does not fit with an ellipsis.
 class Label_Binder : public Control_Binder {
  public:
   Label_Binder(Label& model, wxStaticText& widget);
@@ -45,12 +45,12 @@ class Label_Binder : public Control_Binder {
   wxStaticText& widget_;
 };
 
-// Typing changes the model's text alone; Enter and leaving the box are the model's events.
+// Typing only changes the model's text; Enter and leaving the box raise the model's events.
 class Text_Box_Binder : public Control_Binder {
  public:
   Text_Box_Binder(TextBox& model, wxTextCtrl& widget);
-  // Raises Validate when something was typed that no event has told of. Commands that can be given without
-  // leaving the box call it first, so that what is shown and what is done agree.
+  // Raises Validate if something was typed since the last event. Commands that work without leaving the box
+  // call it first, so that they act on what is shown.
   void Settle();
 
  private:
@@ -63,7 +63,7 @@ class Text_Box_Binder : public Control_Binder {
 class Date_Picker_Binder : public Control_Binder {
  public:
   Date_Picker_Binder(DatePicker& model, wxDatePickerCtrl& widget);
-  // As the text box's.
+  // See Text_Box_Binder::Settle.
   void Settle();
 
  private:

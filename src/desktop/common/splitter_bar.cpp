@@ -55,7 +55,7 @@ void Splitter_Bar::Paint(wxPaintEvent&) {
 
 Splitter_Bar_Binder::Splitter_Bar_Binder(PictureBox& model, Splitter_Bar& widget, const Scale& scale)
     : Control_Binder(model, widget), model_(model), widget_(widget), scale_(scale) {
-  // A press soon after another one arrives as a double click.
+  // A second press in quick succession arrives as a double click.
   for (const auto& press : {wxEVT_LEFT_DOWN, wxEVT_LEFT_DCLICK}) {
     widget_.Bind(press, [this](wxMouseEvent& event) {
       if (widget_.HasCapture()) return;
@@ -68,7 +68,7 @@ Splitter_Bar_Binder::Splitter_Bar_Binder(PictureBox& model, Splitter_Bar& widget
   }
   widget_.Bind(wxEVT_MOTION, [this](wxMouseEvent&) {
     if (!widget_.HasCapture()) return;
-    // Not the event's position: that one is told from where the bar stood when the pointer moved.
+    // Not the event's position, which is relative to where the bar was when the pointer moved.
     const int pointer = widget_.GetParent()->ScreenToClient(wxGetMousePosition()).x;
     Raise(model_.MouseMove, scale_.To_Twips(pointer - grip_ - scale_.Pixels(model_.Left())));
   });

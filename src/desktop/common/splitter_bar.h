@@ -9,7 +9,7 @@
 
 namespace tidyfold {
 
-// Shows its handle, and a frame while it has the focus.
+// Draws a handle, and a frame while it has the focus.
 class Splitter_Bar : public wxWindow {
  public:
   explicit Splitter_Bar(wxWindow* parent);
@@ -21,7 +21,7 @@ class Splitter_Bar : public wxWindow {
   bool hot_ = false;
 };
 
-// Tells the model of drags. The left and right arrow keys drag by a step.
+// Passes drags to the model. The left and right arrow keys move the bar by a step.
 class Splitter_Bar_Binder : public Control_Binder {
  public:
   Splitter_Bar_Binder(PictureBox& model, Splitter_Bar& widget, const Scale& scale);

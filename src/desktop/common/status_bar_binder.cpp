@@ -10,7 +10,7 @@ namespace tidyfold {
 
 namespace {
 
-// The panels, what is left of long work, and its gauge.
+// The panels, the number of items left, and the gauge.
 constexpr int field_count = StatusBar::panel_count + 2;
 constexpr int gauge_range = 1000;
 constexpr int gauge_width = 120;  // unscaled pixels
@@ -71,7 +71,8 @@ void Status_Bar_Binder::Show_Gauge() {
 
 void Status_Bar_Binder::Give_Room_To_Gauge(bool shown) {
   const int left_width = widget_.GetTextExtent("88,888,888 left").x;
-  // The counts of a run are long; the help of a menu entry is, too, and has the room while nothing runs.
+  // A run's counts and the help of a menu entry are both long; the help may use the gauge's room while
+  // nothing runs.
   const int at_work[] = {-24, -46, -30, left_width, widget_.FromDIP(gauge_width)};
   const int at_rest[] = {-45, -20, -35, 1, 1};
   const int(&widths)[field_count] = shown ? at_work : at_rest;

@@ -10,9 +10,9 @@
 
 namespace tidyfold {
 
-// The panels' texts change with every item of a run; they are shown at the pace of the eye. The help of a
-// menu entry covers the first one while the menu is open. What is left of long work, and its gauge,
-// lie in fields of their own behind the panels.
+// The panels' texts change with every item of a run but are repainted at the pace of Repaint_Schedule. While
+// a menu is open, the help of its entry covers the first panel. Two more fields after the panels show how
+// much of long work is left, and its gauge.
 class Status_Bar_Binder : public Control_Binder, public Late_Widget {
  public:
   Status_Bar_Binder(StatusBar& model, wxStatusBar& widget, Repaint_Schedule& schedule);

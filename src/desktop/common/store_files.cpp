@@ -10,6 +10,7 @@
 
 #include "base/file_path.h"
 #include "controls/interaction.h"
+#include "desktop/common/error_box.h"
 #include "desktop/common/text_conversion.h"
 #include "errors/automation_error.h"
 #include "import/import.h"
@@ -26,10 +27,6 @@ constexpr const char* source_wildcard =
     "(*.pst;*.ost;*.pab;*.mbox;*.mbx;*.eml)|*.pst;*.PST;*.ost;*.OST;*.pab;*.PAB;*.mbox;*.mbx;*.eml;*.EML|"
     "All files|*";
 
-void Show_Error(wxWindow* parent, const std::string& text) {
-  wxMessageDialog(parent, To_Lines(text), application_title, wxOK | wxICON_ERROR | wxCENTRE).ShowModal();
-}
-
 std::filesystem::path To_Path(const wxString& path) {
   return File_Path(From_Wx(path));
 }
@@ -38,7 +35,7 @@ wxString File_Name(const std::filesystem::path& path) {
   return To_Wx(path.filename().string());
 }
 
-// A gauge where the whole is known, a wandering bar where it is not.
+// A gauge if the total is known, a pulsing bar otherwise.
 class Progress {
  public:
   Progress(wxWindow* parent, const wxString& title, const wxString& what)
@@ -95,7 +92,7 @@ bool Store_Files::Open(wxWindow* parent, const std::vector<std::filesystem::path
 bool Store_Files::Ask_And_Open(wxWindow* parent) {
   wxFileDialog dialog(parent, "Open Store", wxStandardPaths::Get().GetDocumentsDir(), wxString(),
                       store_wildcard, wxFD_OPEN | wxFD_FILE_MUST_EXIST | wxFD_MULTIPLE);
-  // A choice that fails leads back to the choice.
+  // If opening fails, asks again.
   while (dialog.ShowModal() == wxID_OK) {
     wxArrayString chosen;
     dialog.GetPaths(chosen);

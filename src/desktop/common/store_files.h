@@ -1,5 +1,4 @@
-// The store files that the window works on, and everything that a person does to files: opening, making a
-// sample, importing.
+// Commands on store files: opening, making a sample store, importing.
 #pragma once
 
 #include <wx/window.h>
@@ -13,17 +12,17 @@
 
 namespace tidyfold {
 
-// Every question and every error is shown in a dialog; a file that fails leads back to where the person was.
-// All return whether the stores that are open have changed.
+// Questions and errors are shown in dialogs; after a failure the question is asked again. All return whether
+// the open stores have changed.
 class Store_Files {
  public:
   Store_Files(Embedded_Outlook& outlook, Registry& registry) : outlook_(outlook), registry_(registry) {}
 
-  // Shows the reason where one of the stores cannot be opened.
+  // Shows the reason if one of the stores cannot be opened.
   bool Open(wxWindow* parent, const std::vector<std::filesystem::path>& paths);
   bool Ask_And_Open(wxWindow* parent);
   bool Make_Sample_Store(wxWindow* parent);
-  // Into the first store that is open, or a new one where none is.
+  // Into the first open store, or into a new one if none is open.
   bool Import_Files(wxWindow* parent);
   bool Import_Maildir(wxWindow* parent);
 

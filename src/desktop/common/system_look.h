@@ -1,4 +1,4 @@
-// What differs between the systems in size and looks.
+// Differences in size and look between the systems.
 #pragma once
 
 #include <wx/frame.h>

@@ -1,4 +1,4 @@
-// Between the core's UTF-8 and the toolkit's strings.
+// Conversion between UTF-8 and wxString.
 #pragma once
 
 #include <wx/string.h>
@@ -10,13 +10,13 @@
 
 namespace tidyfold {
 
-// Bytes that are no UTF-8 show as U+FFFD instead of emptying the whole text.
+// Invalid UTF-8 becomes U+FFFD, where wxWidgets would return an empty text.
 inline wxString To_Wx(std::string_view text) {
   const std::string valid = Valid_Utf8(text);
   return wxString::FromUTF8(valid.data(), valid.size());
 }
 
-// For one line of a list: line breaks and tabs show as one blank.
+// For one line of a list: a run of line breaks and tabs becomes one blank.
 inline wxString To_One_Line(std::string_view text) {
   const wxString lines = To_Wx(text);
   const wxString gaps = "\r\n\t";
@@ -32,7 +32,7 @@ inline wxString To_One_Line(std::string_view text) {
   return line;
 }
 
-// For a message or tooltip: CR LF becomes the toolkit's line break.
+// For a message or tooltip: CR LF becomes LF, the line break of wxWidgets.
 inline wxString To_Lines(std::string_view text) {
   wxString lines = To_Wx(text);
   lines.Replace("\r\n", "\n");

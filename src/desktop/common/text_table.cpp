@@ -9,10 +9,10 @@ namespace tidyfold {
 
 namespace {
 
-constexpr long most_measured = 200;       // rows
-constexpr int longest_first_column = 44;  // average characters
+constexpr long most_measured = 200;         // rows
+constexpr int longest_filling_column = 44;  // average characters
 constexpr int longest_column = 60;
-constexpr int narrowest_first_column = 14;
+constexpr int narrowest_filling_column = 14;
 constexpr int cell_padding = 2;  // average characters, both sides together
 
 }  // namespace
@@ -23,8 +23,10 @@ Text_Table::Text_Table(wxWindow* parent, const wxString& name, const std::vector
                  wxLC_REPORT | wxLC_VIRTUAL | wxLC_SINGLE_SEL | wxBORDER_THEME),
       cell_(std::move(cell)) {
   SetName(name);
-  for (const Text_Column& column : columns)
-    AppendColumn(column.title, column.numbers ? wxLIST_FORMAT_RIGHT : wxLIST_FORMAT_LEFT);
+  for (const Text_Column& column : columns) {
+    const long index = AppendColumn(column.title, column.numbers ? wxLIST_FORMAT_RIGHT : wxLIST_FORMAT_LEFT);
+    if (column.fills) filling_ = static_cast<int>(index);
+  }
   Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
     event.Skip();
     Fill_Width();
@@ -45,19 +47,21 @@ void Text_Table::Fit_Columns() {
     int width = GetTextExtent(header.GetText()).x;
     for (long row = 0; row < std::min<long>(GetItemCount(), most_measured); ++row)
       width = std::max(width, GetTextExtent(cell_(row, column)).x);
-    const int longest = column == 0 ? longest_first_column : longest_column;
+    const int longest = column == filling_ ? longest_filling_column : longest_column;
     SetColumnWidth(column, std::min(width, longest * character) + cell_padding * character);
   }
+  if (IsShownOnScreen()) Fill_Width();
 }
 
-// The first column gives way, and takes what is left over.
+// Shrinks that column as well, down to its smallest width.
 void Text_Table::Fill_Width() {
   int others = 0;
-  for (int column = 1; column < GetColumnCount(); ++column) others += GetColumnWidth(column);
-  const int scroll_bar =
-      GetItemCount() > GetCountPerPage() ? wxSystemSettings::GetMetric(wxSYS_VSCROLL_X, this) : 0;
-  const int width = GetClientSize().x - others - std::max(scroll_bar, FromDIP(2));
-  SetColumnWidth(0, std::max(width, narrowest_first_column * GetCharWidth()));
+  for (int column = 0; column < GetColumnCount(); ++column)
+    if (column != filling_) others += GetColumnWidth(column);
+  const bool scrolls = GetItemCount() > GetCountPerPage();
+  const int scroll_bar = scrolls ? wxSystemSettings::GetMetric(wxSYS_VSCROLL_X, this) : FromDIP(2);
+  SetColumnWidth(
+      filling_, std::max(GetClientSize().x - others - scroll_bar, narrowest_filling_column * GetCharWidth()));
 }
 
 wxSize Text_Table::Size_For(long most_rows) const {
@@ -65,7 +69,7 @@ wxSize Text_Table::Size_For(long most_rows) const {
   for (int column = 0; column < GetColumnCount(); ++column) width += GetColumnWidth(column);
   wxRect row(0, 0, 0, GetCharHeight() + FromDIP(4));
   if (GetItemCount() > 0) GetItemRect(0, row);
-  // The header is about as high as a row and a half.
+  // The header's height is about one and a half rows.
   const long halves = 3 + 2 * std::min<long>(GetItemCount(), most_rows);
   const int scroll_bar = GetItemCount() > most_rows ? wxSystemSettings::GetMetric(wxSYS_VSCROLL_X, this) : 0;
   return {width + scroll_bar + FromDIP(8), static_cast<int>(halves) * row.height / 2 + FromDIP(6)};

@@ -1,4 +1,4 @@
-// A table of texts that is asked for its cells, so that a million rows cost nothing.
+// A table that asks for its cells' texts when it paints them, so that rows cost no memory.
 #pragma once
 
 #include <wx/listctrl.h>
@@ -11,6 +11,7 @@ namespace tidyfold {
 struct Text_Column {
   wxString title;
   bool numbers = false;  // right aligned
+  bool fills = false;    // one column takes the width that the others leave; without such a one, the first
 };
 
 class Text_Table : public wxListCtrl {
@@ -19,12 +20,11 @@ class Text_Table : public wxListCtrl {
 
   Text_Table(wxWindow* parent, const wxString& name, const std::vector<Text_Column>& columns, Cell cell);
 
-  // Shows that many rows, all new.
+  // Sets the number of rows and repaints them all.
   void Set_Rows(long rows);
-  // Gives the columns the width of their texts, measured over the first rows. Later the first one takes the
-  // width that the others leave.
+  // Gives the columns the width of their texts, measured over the first rows.
   void Fit_Columns();
-  // What that many rows need, with the header and without scrolling; no more rows than there are.
+  // The size that shows this many rows, or all if there are fewer, with the header and without scrolling.
   wxSize Size_For(long most_rows) const;
   // -1: none.
   long Chosen_Row() const { return GetNextItem(-1, wxLIST_NEXT_ALL, wxLIST_STATE_SELECTED); }
@@ -35,6 +35,7 @@ class Text_Table : public wxListCtrl {
   wxString OnGetItemText(long row, long column) const override;
 
   Cell cell_;
+  int filling_ = 0;  // the column
 };
 
 }  // namespace tidyfold

@@ -13,14 +13,13 @@ namespace tidyfold {
 
 namespace {
 
-// More changes than this at a time are shown by painting everything anew, which costs less than looking each
-// row up.
+// Above this number of changes, painting all rows costs less than looking each one up.
 constexpr std::size_t most_single_changes = 100;
 
 }  // namespace
 
-// What the widget asks for. An item is a node's index. The widget may still ask for nodes that have gone
-// until it is told; those are empty.
+// The widget's data source. An item is a node's index. The widget may ask for removed nodes until it is
+// notified; they have no content.
 class Folder_Tree_Rows : public wxDataViewModel {
  public:
   Folder_Tree_Rows(TreeView& tree, Tick_Handler ticked) : tree_(tree), ticked_(std::move(ticked)) {}
@@ -53,7 +52,8 @@ class Folder_Tree_Rows : public wxDataViewModel {
                         : wxDataViewCheckIconText());
   }
 
-  // Reached only where the toolkit's own renderer turns a check box; the tree decides what becomes of it.
+  // Called only by wxWidgets' own renderer, when a check box is clicked. The model decides whether it
+  // changes.
   bool SetValue(const wxVariant&, const wxDataViewItem& item, unsigned) override {
     ticked_(item);
     return true;
@@ -98,12 +98,12 @@ Tree_Binder::Tree_Binder(TreeView& model, wxDataViewCtrl& widget, Repaint_Schedu
   widget_.Bind(wxEVT_DATAVIEW_ITEM_COLLAPSED,
                [this](wxDataViewEvent& event) { Expansion_Turned(Node_Of(event.GetItem()), false); });
   widget_.Bind(wxEVT_DATAVIEW_ITEM_ACTIVATED, [this](wxDataViewEvent& event) {
-    // Two quick ticks are no double click on the name.
+    // Two quick clicks on the check box are not a double click on the name.
     if (const int node = Node_Of(event.GetItem()); model_.Exists(node) && !press_ticked_)
       model_.Set_Expanded(node, !model_.Expanded(node));
   });
   widget_.Bind(wxEVT_DATAVIEW_ITEM_CONTEXT_MENU, [this](wxDataViewEvent& event) {
-    // Once the toolkit has done with the click.
+    // After wxWidgets has handled the click.
     const wxPoint place = widget_.ScreenToClient(wxGetMousePosition());
     widget_.CallAfter([this, node = Node_Of(event.GetItem()), place] { Menu_Asked_For(node, place); });
   });
@@ -124,7 +124,7 @@ Tree_Binder::Tree_Binder(TreeView& model, wxDataViewCtrl& widget, Repaint_Schedu
   });
   area.Bind(wxEVT_SET_FOCUS, [this](wxFocusEvent& event) {
     event.Skip();
-    // The key may have been let go in a box that the tick has opened.
+    // The key may have been released in a message box that the tick opened.
     if (space_held_) space_held_ = wxGetKeyState(WXK_SPACE);
   });
   model_.observer = this;
@@ -214,7 +214,7 @@ void Tree_Binder::Show_Changed_Nodes() {
   changed_nodes_.erase(std::unique(changed_nodes_.begin(), changed_nodes_.end()), changed_nodes_.end());
   const bool many = changed_nodes_.size() > most_single_changes;
   for (const int node : changed_nodes_) {
-    // The widget has no row for what lies in a closed branch, and asks for it when the branch is opened.
+    // The widget has no rows for closed branches; it asks for them when a branch opens.
     if (!model_.Exists(node) || (many && model_.Children(node) == 0) || !In_View(node)) continue;
     if (tree_.Is_Expanded(node) != model_.Expanded(node)) {
       if (model_.Expanded(node)) {
@@ -228,7 +228,7 @@ void Tree_Binder::Show_Changed_Nodes() {
   if (many) tree_.Show_All_Anew();
 }
 
-// Opens a node that is in view, and what is open below it; without recursion, for trees may be very deep.
+// Expands a visible node and all expanded nodes below it. Not recursive: trees may be very deep.
 void Tree_Binder::Expand_Like_Model(int index) {
   std::vector<int> open{index};
   while (!open.empty()) {
@@ -271,7 +271,7 @@ void Tree_Binder::Expansion_Turned(int index, bool expanded) {
     if (!model_.Exists(index)) return;
     model_.Set_Expanded(index, expanded);
     if (expanded) changed_nodes_.push_back(index);
-    // The widget forgets what was open inside a branch that is closed.
+    // The widget forgets which nodes were expanded inside a closed branch.
     for (int child = model_.Child(index); expanded && child != 0; child = model_.Next(child))
       changed_nodes_.push_back(child);
     schedule_.Mark(*this);
@@ -288,7 +288,7 @@ void Tree_Binder::Do_What_Is_Due() {
   if (const auto action = std::exchange(due_, nullptr)) action();
 }
 
-// What waits for its turn must not be overtaken by the next click, which may change what it goes by.
+// A pending action runs before the next input event, which might change the state that the action depends on.
 int Tree_Binder::FilterEvent(wxEvent& event) {
   const wxEventType type = event.GetEventType();
   for (const wxEventType caused :
@@ -305,7 +305,7 @@ void Tree_Binder::Mouse_Released(wxMouseEvent& event) {
   wxDataViewColumn* column = nullptr;
   widget_.HitTest(event.GetPosition(), item, column);
   const int node = Node_Of(item);
-  // The toolkit turns a check box only after this event.
+  // wxWidgets toggles a check box only after this event.
   Do_After_Event([this, node] {
     if (!press_told_ && node != 0 && node == model_.Selected_Item()) model_.Click_Node(node);
     Raise(model_.MouseUp);
@@ -314,7 +314,7 @@ void Tree_Binder::Mouse_Released(wxMouseEvent& event) {
 
 void Tree_Binder::Menu_Asked_For(int index, const wxPoint& place) {
   if (!model_.Enabled() || !model_.Exists(index)) return;
-  // The folder that the menu is about is looked at, as by a click.
+  // Selects the menu's folder, as a click would.
   model_.Click_Node(index);
   Raise(model_.MouseUp);
   Show_Context_Menu(widget_, context_menu, place);
@@ -327,7 +327,7 @@ void Tree_Binder::Key_Pressed(wxKeyEvent& event) {
   if (node == 0 || event.HasAnyModifiers() || !model_.Enabled()) return event.Skip();
   switch (event.GetKeyCode()) {
     case WXK_SPACE:
-      // A key that is held down repeats itself.
+      // Ignores auto-repeat.
       return std::exchange(space_held_, true) ? void() : Tick_By_Key(node);
     case WXK_RIGHT:
       return Move_Sideways(node, true);
@@ -338,15 +338,15 @@ void Tree_Binder::Key_Pressed(wxKeyEvent& event) {
   }
 }
 
-// The marking rules take the tick or refuse it now, not when the key comes up: a click made with the key
-// still down must not find a tick that nobody has looked at.
+// The marking rules accept or refuse the tick now, not on key-up: a click made while the key is down must not
+// find an unchecked tick.
 void Tree_Binder::Tick_By_Key(int index) {
   Do_What_Is_Due();
   Ticked(index);
   Raise(model_.KeyUp);
 }
 
-// Right opens a branch, then steps into it; left closes it, then steps out.
+// Right expands a branch, then enters it; left collapses it, then moves to the parent.
 void Tree_Binder::Move_Sideways(int index, bool in) {
   if (model_.Children(index) > 0 && model_.Expanded(index) != in) {
     model_.Set_Expanded(index, in);

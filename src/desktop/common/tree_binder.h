@@ -26,7 +26,7 @@ class Tree_Binder : public Control_Binder,
   ~Tree_Binder() override;
 
   void Catch_Up() override;
-  // What a right click, the menu key and Shift+F10 open; it is about the selected node.
+  // Opened by a right click, the menu key and Shift+F10; acts on the selected node.
   Context_Menu context_menu;
 
  private:
@@ -49,8 +49,8 @@ class Tree_Binder : public Control_Binder,
   void Selection_Moved(int index);
   void Expansion_Turned(int index, bool expanded);
   int FilterEvent(wxEvent& event) override;
-  // Runs the action once the toolkit has done with the event that is under way, and before the next one that
-  // a person causes.
+  // Runs the action after wxWidgets has handled the current event, and before the next event that a person
+  // causes.
   void Do_After_Event(std::function<void()> action);
   void Do_What_Is_Due();
   void Mouse_Released(wxMouseEvent& event);
@@ -65,15 +65,16 @@ class Tree_Binder : public Control_Binder,
   Repaint_Schedule& schedule_;
   wxObjectDataPtr<Folder_Tree_Rows> rows_;
 
-  // What the widget has not been told yet.
+  // Changes of the model that the widget does not show yet.
   bool stale_ = true;
   std::vector<int> changed_nodes_;
   bool selection_due_ = false;
   int visible_due_ = 0;
-  // The press under way has already raised an event of the model, or turned a branch.
+  // Whether the current press has already raised an event of the model or turned a branch; whether it ticked
+  // a node.
   bool press_told_ = false;
   bool press_ticked_ = false;
-  // Waits until the toolkit has done with an event.
+  // See Do_After_Event.
   std::function<void()> due_;
   bool space_held_ = false;
 };

@@ -1,4 +1,4 @@
-// What the tree's binder asks of the native tree beyond showing rows.
+// Operations of the tree's binder on the native tree.
 #pragma once
 
 #include <wx/dataview.h>

@@ -1,4 +1,4 @@
-// What a person sees who has no store yet.
+// The dialog for a person who has no store yet.
 #pragma once
 
 #include <wx/dialog.h>
@@ -7,8 +7,8 @@ namespace tidyfold {
 
 class Store_Files;
 
-// Offers a sample store, a store to open and files to import, until one of them has worked. ShowModal gives
-// wxID_OK when a store is open.
+// Offers to make a sample store, to open a store and to import files, until one of these succeeds. ShowModal
+// returns wxID_OK when a store is open.
 class Welcome_Dialog : public wxDialog {
  public:
   explicit Welcome_Dialog(Store_Files& files);

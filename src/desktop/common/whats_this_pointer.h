@@ -5,9 +5,9 @@
 
 namespace tidyfold {
 
-// Changes the pointer and runs an event loop of its own until something was clicked, enabled or not, or the
-// mode was left: by Esc, by a click elsewhere, or because the window is closed. Enter chooses what has the
-// keyboard. Returns none where the mode was left, or is on already.
+// Changes the pointer and runs a nested event loop until a control is clicked, disabled ones included. Enter
+// chooses the focused control. Returns null if the mode is left (by Esc, by a click elsewhere, by closing the
+// window) or is on already.
 class Whats_This_Pointer {
  public:
   Whats_This_Pointer(wxFrame& frame, MainWindow& window) : frame_(frame), finder_(frame, window) {}

@@ -6,7 +6,7 @@ namespace tidyfold {
 
 namespace {
 
-// A letter folded once and put away into a drawer-like tray, with a tick on it.
+// A folded letter in a tray, with a tick on it.
 constexpr const char* picture =
     R"svg(<svg xmlns="http://www.w3.org/2000/svg" width="64" height="64" viewBox="0 0 64 64">
 <rect x="4" y="4" width="56" height="56" rx="13" fill="#2f6f9f"/>

@@ -21,7 +21,8 @@ namespace tidyfold {
 
 namespace {
 
-// The toolkit's viewer starts from a project file, which a compiled book no longer holds.
+// wxHtmlHelpController starts from a project file, which a compiled book does not contain; Book_Files makes
+// one up.
 constexpr const char* project_file = "book.hhp";
 
 constexpr const char* window_name = "frmHelpViewer";
@@ -59,7 +60,7 @@ class Book_Files : public wxFileSystemHandler {
   std::unique_ptr<Chm_Book> book_;
 };
 
-// What the toolkit makes small and in a corner, with its lists cut off.
+// By default the window opens small, in a corner, with its lists cut off.
 void Prepare(wxHtmlHelpFrame& frame) {
   frame.SetName(window_name);
   frame.SetIcons(Application_Icons());
@@ -82,7 +83,7 @@ void Prepare(wxHtmlHelpFrame& frame) {
 }  // namespace
 
 Help_Viewer::Help_Viewer() {
-  // The toolkit keeps handlers until the program ends; one serves every viewer.
+  // wxFileSystem keeps handlers until the program ends; one is enough.
   if (!wxFileSystem::HasHandlerForPath("file:x#chm:x")) wxFileSystem::AddHandler(new Book_Files);
 }
 
@@ -93,7 +94,7 @@ Help_Viewer::~Help_Viewer() {
 bool Help_Viewer::Take_Book(const std::string& file) {
   if (controller_ != nullptr && file == file_) return true;
   Close();
-  const wxLogNull quiet;  // the caller says it in words of its own
+  const wxLogNull quiet;  // the caller reports failures
   auto controller = std::make_unique<wxHtmlHelpController>(wxHF_TOOLBAR | wxHF_CONTENTS | wxHF_INDEX |
                                                            wxHF_SEARCH | wxHF_FRAME);
   controller->SetTitleFormat("Help: %s");

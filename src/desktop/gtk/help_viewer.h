@@ -1,4 +1,4 @@
-// A window on a compiled help book, for systems that have no viewer of their own.
+// A viewer of compiled help books, for systems without one.
 #pragma once
 
 #include <wx/html/helpctrl.h>
@@ -8,14 +8,14 @@
 
 namespace tidyfold {
 
-// Contents, index and search, beside the other windows.
+// One window, not modal, with contents, index and search.
 class Help_Viewer {
  public:
   Help_Viewer();
   ~Help_Viewer();
 
-  // Shows a page of the book, or the book's first page where none is named. False where the book cannot be
-  // opened or has no such page.
+  // Shows a page of the book, or its first page if `page` is empty. False if the book cannot be opened or has
+  // no such page.
   bool Open(const std::string& file, const std::string& page);
   void Close();
 

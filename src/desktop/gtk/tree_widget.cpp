@@ -25,7 +25,7 @@ GtkAdjustment* Scroll_Bar(wxDataViewCtrl& widget) {
   return gtk_scrollable_get_vadjustment(GTK_SCROLLABLE(widget.GtkGetTreeView()));
 }
 
-// Children stand in the widget in the model's order.
+// The widget shows children in the model's order.
 Path Path_Of(const TreeView& model, int node) {
   Path path(gtk_tree_path_new());
   for (; node != 0; node = model.Parent(node)) {
@@ -82,7 +82,7 @@ void Tree_Widget::Search_By_Typing() {
       [](GtkTreeModel*, gint, const gchar* typed, GtkTreeIter* row, gpointer data) -> gboolean {
         const auto& model = *static_cast<const TreeView*>(data);
         const int node = Node_Of(wxDataViewItem(row->user_data));
-        // FALSE stands for a match here.
+        // FALSE means a match.
         return !model.Exists(node) || !Upper_Case(model.Text(node)).starts_with(Upper_Case(typed));
       },
       const_cast<TreeView*>(&model_), nullptr);

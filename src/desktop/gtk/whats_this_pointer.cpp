@@ -12,8 +12,8 @@ namespace tidyfold {
 
 namespace {
 
-// Looks at every event of the program before the toolkit does: widgets that are disabled would never hear of
-// it. Menus open as ever, so that their entries can be chosen too.
+// Filters every event before GTK handles it, because disabled widgets get none. Menus open as usual, so that
+// their entries can be chosen.
 class Event_Watch {
  public:
   Event_Watch(wxFrame& frame, const Control_Finder& finder) : frame_(frame), finder_(finder) {
@@ -60,7 +60,7 @@ class Event_Watch {
     GtkWidget* const widget = gtk_get_event_widget(&event);
     if (widget == nullptr || gtk_widget_get_ancestor(widget, GTK_TYPE_MENU_BAR) != nullptr) return false;
     if (gtk_widget_get_ancestor(widget, GTK_TYPE_MENU) != nullptr) return true;
-    if (gtk_grab_get_current() != nullptr) return false;  // beside an open menu: closes it
+    if (gtk_grab_get_current() != nullptr) return false;  // a click beside an open menu closes it
     if (gtk_widget_get_toplevel(widget) != frame_.GetHandle()) {
       Leave(nullptr);
       return false;
@@ -69,7 +69,7 @@ class Event_Watch {
     return true;
   }
 
-  // The mode ends with the release, so that no half of the click reaches a widget.
+  // The mode ends with the release, so that neither half of the click reaches a widget.
   bool Released(GdkEvent& event) {
     if (pressed_) {
       Leave(

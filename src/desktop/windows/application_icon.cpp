@@ -6,7 +6,7 @@ namespace tidyfold {
 
 namespace {
 
-// The program's own resource, in the sizes that were drawn when it was built.
+// The icon resource of the executable.
 constexpr const char* resource = "tidyfold";
 
 }  // namespace

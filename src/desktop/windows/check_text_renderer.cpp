@@ -12,7 +12,8 @@ class Check_Text_Renderer : public wxDataViewCheckIconTextRenderer {
 
   bool ActivateCell(const wxRect& cell, wxDataViewModel* model, const wxDataViewItem& item, unsigned column,
                     const wxMouseEvent* mouse) override {
-    // The base class knows where the box is; the model notes that it wants to be turned and stays as it is.
+    // The base class finds the check box and calls SetValue, which only notifies the model. Nothing is
+    // toggled here.
     (void)wxDataViewCheckIconTextRenderer::ActivateCell(cell, model, item, column, mouse);
     return true;
   }

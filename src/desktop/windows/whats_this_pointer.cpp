@@ -5,7 +5,7 @@
 
 namespace tidyfold {
 
-// The frame takes the mouse, so that every click comes to it, whatever it hits.
+// Captures the mouse, so that the frame gets every click.
 const Control* Whats_This_Pointer::Choose() {
   if (choosing_) return nullptr;
   choosing_ = true;

@@ -6,7 +6,7 @@ namespace tidyfold::com {
 
 namespace {
 
-constexpr DWORD pause = 100;  // milliseconds; below this, the system would not wait at all
+constexpr DWORD pause = 100;  // milliseconds; the system retries at once below this
 constexpr DWORD give_up = static_cast<DWORD>(-1);
 
 class Filter : public Com_Object<IMessageFilter> {
@@ -18,7 +18,7 @@ class Filter : public Com_Object<IMessageFilter> {
   DWORD STDMETHODCALLTYPE RetryRejectedCall(HTASK, DWORD elapsed, DWORD) override {
     return elapsed < patience_ ? pause : give_up;
   }
-  // Nobody's handler runs inside a call into the store; the system keeps painting and activation alive.
+  // No event handler may run inside a call into the store; painting and activation still work.
   DWORD STDMETHODCALLTYPE MessagePending(HTASK, DWORD, DWORD) override { return PENDINGMSG_WAITDEFPROCESS; }
 
  private:
@@ -39,7 +39,7 @@ Busy_Filter::~Busy_Filter() {
 bool Busy_Filter::Wait_To_Call_Again(DWORD elapsed) {
   const DWORD wait = filter_->RetryRejectedCall(nullptr, elapsed, SERVERCALL_RETRYLATER);
   if (wait == give_up) return false;
-  // Other programs' calls and the system's own messages are still served.
+  // Incoming calls and the system's own messages are served meanwhile.
   HANDLE never = CreateEventW(nullptr, TRUE, FALSE, nullptr);
   DWORD index = 0;
   CoWaitForMultipleHandles(0, wait, 1, &never, &index);

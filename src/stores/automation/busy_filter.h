@@ -1,4 +1,4 @@
-// What becomes of calls that Outlook turns away because it is busy: they are made again, for a while.
+// Retries calls that Outlook rejects because it is busy.
 #pragma once
 
 #include <chrono>
@@ -7,18 +7,18 @@
 
 namespace tidyfold::com {
 
-// Registered with the thread for as long as it lives; the filter that stood there before is put back.
+// Registers itself with the thread and restores the previous filter when it is destroyed.
 class Busy_Filter {
  public:
-  // Calls are made again for so long.
+  // Gives up on a call after this time.
   explicit Busy_Filter(std::chrono::milliseconds patience);
   Busy_Filter(const Busy_Filter&) = delete;
   Busy_Filter& operator=(const Busy_Filter&) = delete;
   ~Busy_Filter();
 
-  // For a system that hands the refusal to the caller instead of asking the filter: waits until the call is
-  // to be made again. False when it has been tried for long enough. `elapsed` counts milliseconds since the
-  // call was first made.
+  // For systems that return the rejection to the caller instead of asking the filter: waits until the next
+  // attempt is due. False when it is time to give up. `elapsed` is the time since the first attempt in
+  // milliseconds.
   bool Wait_To_Call_Again(DWORD elapsed);
 
  private:

@@ -12,7 +12,7 @@ namespace {
 
 constexpr const char* source_name = "Outlook";
 
-// The other program has ended, or the way to it is cut.
+// The other program has ended or cannot be reached.
 bool Is_Gone(HRESULT result) {
   constexpr std::array<HRESULT, 8> gone = {
       HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE),
@@ -29,7 +29,7 @@ bool Is_Gone(HRESULT result) {
   return false;
 }
 
-// The system's own words; the bare number where it has none.
+// The system's text for the result, or its bare number if there is none.
 std::string Description_Of(HRESULT result) {
   std::array<wchar_t, 512> text{};
   DWORD length =
@@ -84,7 +84,7 @@ Variant Variant::Copy_Of(const VARIANT& other) {
 
 Variant Variant::Changed(VARTYPE type) const {
   Variant changed;
-  // In a language of no country, so that no number or date depends on the machine's settings.
+  // The invariant locale keeps numbers and dates independent of the machine's settings.
   Check(VariantChangeTypeEx(&changed.value_, const_cast<VARIANT*>(&value_), LOCALE_INVARIANT, 0, type));
   return changed;
 }
@@ -115,7 +115,7 @@ void Fail(HRESULT result, EXCEPINFO* told) {
   std::string description, source;
   if (result == DISP_E_EXCEPTION && told != nullptr) {
     if (told->pfnDeferredFillIn != nullptr) told->pfnDeferredFillIn(told);
-    // Either of the two tells the failure.
+    // One of the two holds the error code.
     result = told->scode != 0 ? told->scode : static_cast<HRESULT>(told->wCode);
     if (result == S_OK) result = E_FAIL;
     description = Take(told->bstrDescription);

@@ -1,11 +1,11 @@
-// The little of COM that late-bound automation needs: owned references, texts and values. Only for this
-// store, the companion and what tests them: nothing above them sees the system's headers.
+// What late-bound automation needs of COM: owned references, strings and variants. Only this store, the
+// companion and their tests include it, so that no other code sees the system's headers.
 #pragma once
 
 #include <windows.h>
 
 #include <oleauto.h>
-// The system's headers rename what is called so.
+// A macro of the system's headers.
 #undef GetObject
 
 #include <cstdint>
@@ -15,12 +15,12 @@
 
 namespace tidyfold::com {
 
-// One counted reference.
+// A counted reference.
 template <class Interface>
 class Ptr {
  public:
   Ptr() = default;
-  // Takes over the caller's reference.
+  // Takes over the caller's reference without counting.
   explicit Ptr(Interface* taken) : object_(taken) {}
   Ptr(const Ptr& other) : object_(other.object_) {
     if (object_ != nullptr) object_->AddRef();
@@ -38,12 +38,12 @@ class Ptr {
     if (object != nullptr) object->AddRef();
     return Ptr(object);
   }
-  // Where a call is to leave a reference, in place of the one held.
+  // An out parameter; releases the reference that is held.
   Interface** Receive() {
     *this = Ptr();
     return &object_;
   }
-  // Leaves the reference to the caller.
+  // Gives the reference to the caller.
   Interface* Detach() { return std::exchange(object_, nullptr); }
   Interface* Get() const { return object_; }
   Interface* operator->() const { return object_; }
@@ -54,11 +54,11 @@ class Ptr {
   Interface* object_ = nullptr;
 };
 
-// Bytes that are no UTF-8, and halves of characters, become U+FFFD.
+// Invalid UTF-8 and unpaired surrogates become U+FFFD.
 std::wstring To_Wide(std::string_view text);
 std::string To_Utf8(std::wstring_view text);
 
-// A value as automation passes it, with what belongs to it. Throws std::bad_alloc where a text finds no room.
+// An owned VARIANT. Throws std::bad_alloc when memory for a string runs out.
 class Variant {
  public:
   Variant() { VariantInit(&value_); }
@@ -95,18 +95,18 @@ class Variant {
   }
   ~Variant() { VariantClear(&value_); }
 
-  // Conversions as automation makes them. They throw Automation_Error for what cannot be one.
+  // Conversions by the rules of automation. Throw Automation_Error when there is none.
   std::int32_t Number() const { return Changed(VT_I4).value_.lVal; }
   bool Truth() const { return Changed(VT_BOOL).value_.boolVal != VARIANT_FALSE; }
   double Day() const { return Changed(VT_DATE).value_.date; }
-  // Nothing and null are the empty text.
+  // Empty and null values are the empty string.
   std::string Text() const;
-  // Empty for nothing and null.
+  // Empty for empty and null values.
   Ptr<IDispatch> Object() const;
 
   VARIANT& Raw() { return value_; }
   const VARIANT& Raw() const { return value_; }
-  // Leaves what is held to the caller.
+  // Gives the value to the caller.
   VARIANT Detach() {
     VARIANT value = value_;
     value_.vt = VT_EMPTY;
@@ -119,15 +119,15 @@ class Variant {
   VARIANT value_;
 };
 
-// Throws Automation_Error for a call's result and, where it is DISP_E_EXCEPTION, for what the call told of
-// its failure, whose texts are freed. The number is the HRESULT; automation_error::unavailable stands for
-// every one that means that Outlook has gone or does not get round to answering.
+// Throws Automation_Error for a failed call; for DISP_E_EXCEPTION with the texts of `told`, which are freed.
+// The number is the HRESULT, or automation_error::unavailable for all results that mean that Outlook has
+// been closed or stays busy.
 [[noreturn]] void Fail(HRESULT result, EXCEPINFO* told = nullptr);
 inline void Check(HRESULT result) {
   if (FAILED(result)) Fail(result);
 }
 
-// The called program has something else to do just now.
+// The server rejected the call because it is busy.
 bool Is_Busy(HRESULT result);
 
 }  // namespace tidyfold::com

@@ -1,4 +1,4 @@
-// What every COM object that is written here shares.
+// The base of all COM objects in this program.
 #pragma once
 
 #include <functional>
@@ -9,13 +9,13 @@
 
 namespace tidyfold::com {
 
-// To be specialised for an interface that the headers declare without its id.
+// Specialise it for interfaces that the headers declare without an id.
 template <class Interface>
 const IID& Id_Of() {
   return __uuidof(Interface);
 }
 
-// Counts its references from one, and goes with the last of them.
+// Starts with one reference and deletes itself with the last.
 template <class... Interfaces>
 class Com_Object : public Interfaces... {
  public:
@@ -46,7 +46,7 @@ class Com_Object : public Interfaces... {
   LONG references_ = 1;
 };
 
-// Hands out what `make` makes.
+// Creates objects by calling `make`.
 class Class_Factory : public Com_Object<IClassFactory> {
  public:
   explicit Class_Factory(std::function<Ptr<IUnknown>()> make) : make_(std::move(make)) {}

@@ -40,7 +40,7 @@ constexpr std::array<const wchar_t*, member_count> names = {
     L"UnRead",
 };
 
-// What an item is asked for before its class is known.
+// Members that are called before an item's class is known.
 constexpr Member before_class[] = {Member::Class, Member::Delete, Member::Display, Member::EntryID,
                                    Member::Move,  Member::Parent, Member::Subject};
 
@@ -66,7 +66,7 @@ DISPID Caller::Id_Of(IDispatch& object, Member member) {
 
 Variant Caller::Invoke(IDispatch& object, DISPID id, WORD kind,
                        std::initializer_list<const Variant*> arguments) {
-  // They go from last to first. What they hold stays the caller's.
+  // Passed from last to first. The caller keeps ownership.
   std::vector<VARIANT> reversed(arguments.size());
   std::size_t place = arguments.size();
   for (const Variant* argument : arguments) reversed[--place] = argument->Raw();

@@ -1,5 +1,5 @@
-// Calls by name into automation objects, at one round trip each: the ids of names are asked for once per
-// interface.
+// Late-bound calls into automation objects. Member ids are looked up once per interface, so that each call
+// is one round trip.
 #pragma once
 
 #include <array>
@@ -14,7 +14,7 @@
 
 namespace tidyfold::com {
 
-// Every name that is called.
+// All members that are called.
 enum class Member : std::size_t {
   Add,
   Body,
@@ -48,12 +48,12 @@ enum class Member : std::size_t {
 };
 inline constexpr std::size_t member_count = static_cast<std::size_t>(Member::UnRead) + 1;
 
-// Makes the calls, and makes them again while the other side is busy.
+// Makes calls, and retries them while the server is busy.
 class Caller {
  public:
   explicit Caller(std::chrono::milliseconds patience) : filter_(patience) {}
   DISPID Id_Of(IDispatch& object, Member member);
-  // Arguments in the order in which they are written.
+  // Arguments come in their written order.
   Variant Invoke(IDispatch& object, DISPID id, WORD kind,
                  std::initializer_list<const Variant*> arguments = {});
 
@@ -64,7 +64,7 @@ class Caller {
   Busy_Filter filter_;
 };
 
-// The ids of one interface's names.
+// The member ids of one interface.
 class Member_Ids {
  public:
   DISPID Of(Caller& caller, IDispatch& object, Member member) {
@@ -78,17 +78,16 @@ class Member_Ids {
   std::array<std::optional<DISPID>, member_count> ids_;
 };
 
-// The same for items, which come in as many interfaces as there are classes, and whose class is known only
-// once it has been read. Until then an item is asked by the ids that the names have in every class met so
-// far, and by its own where it does not know these; a name whose ids differ from class to class is looked up
-// in each such object.
+// The member ids of items. Each class of item has an interface of its own, and an item's class is not known
+// until it has been read. Before that, an id is used that all classes met so far have in common; if the item
+// does not know it, or if the classes differ, the id is looked up in the item itself.
 //
-// Whoever fetches an item by its identifier has read it before, so its class has been met.
+// An item that is fetched by its EntryID has usually been read before, so that its class is known here.
 class Item_Ids {
  public:
   Variant Invoke(Caller& caller, IDispatch& object, std::optional<std::int32_t> item_class, Member member,
                  WORD kind, std::initializer_list<const Variant*> arguments = {});
-  // Reads the class of an item of unknown class.
+  // Reads the class of an item whose class is not known yet.
   std::int32_t Read_Class(Caller& caller, IDispatch& object);
 
  private:

@@ -12,12 +12,12 @@ namespace tidyfold::com {
 
 namespace {
 
-// OlObjectClass of what stands above a store's top folder.
+// OlObjectClass of the namespace, the parent of a store's top folder.
 constexpr std::int32_t namespace_class = 1;
 
 constexpr const char* companion_program = "TidyDll.TidyMAPIUtils";
 
-// An object of an interface that never changes, and its ids.
+// An automation object whose interface has the same member ids in every object.
 class Object {
  protected:
   Object(Session_Ptr session, Member_Ids Session::*ids, Ptr<IDispatch> object)
@@ -27,7 +27,7 @@ class Object {
   Variant Call(Member member, std::initializer_list<const Variant*> arguments) {
     return Invoke(member, DISPATCH_METHOD, arguments);
   }
-  // An object's property that takes an index is called as either.
+  // Servers implement an indexed property as a method or as a property.
   Variant At(Member member, std::int32_t index) {
     const Variant argument(index);
     return Invoke(member, DISPATCH_METHOD | DISPATCH_PROPERTYGET, {&argument});
@@ -46,7 +46,7 @@ class Object {
   Ptr<IDispatch> object_;
 };
 
-// An answer in which an object was wanted, and none was given.
+// Throws when the answer holds no object.
 Ptr<IDispatch> Object_In(const Variant& answer) {
   Ptr<IDispatch> object = answer.Object();
   if (!object) {
@@ -151,7 +151,7 @@ Folders_Ptr Make_Folders(const Session_Ptr& session, const Variant& answer) {
   return std::make_shared<Automation_Folders>(session, Object_In(answer));
 }
 
-// Outlook has had stores since 2007, and stores that know their default folders since 2010.
+// Outlook has Store objects since 2007, and their GetDefaultFolder since 2010.
 template <class Call>
 auto In_A_New_Outlook(Call&& call) {
   try {
@@ -181,14 +181,14 @@ class Automation_Folder : public MAPIFolder, Object {
   MAPIFolder_Ptr Parent() override {
     Ptr<IDispatch> above = Get(Member::Parent).Object();
     if (!above) return nullptr;
-    // Above a store's top folder stands the namespace. What has come may be either: its names are its own.
+    // The parent is a folder or, above a top folder, the namespace; their member ids differ.
     Caller& caller = Shared_Session()->caller;
     const DISPID id = caller.Id_Of(*above, Member::Class);
     if (caller.Invoke(*above, id, DISPATCH_PROPERTYGET).Number() == namespace_class) return nullptr;
     return Make_Folder(Shared_Session(), std::move(above));
   }
   std::int32_t DefaultItemType() override { return Get(Member::DefaultItemType).Number(); }
-  // A folder object stands for one folder: its identifiers are asked for once.
+  // The identifiers of a folder object never change; each is read once.
   std::string EntryID() override { return Once(entry_id_, Member::EntryID); }
   std::string StoreID() override { return Once(store_id_, Member::StoreID); }
   std::string Name() override { return Get(Member::Name).Text(); }

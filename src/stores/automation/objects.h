@@ -1,4 +1,4 @@
-// The object model over automation objects.
+// Implements the object model on automation objects.
 #pragma once
 
 #include <memory>
@@ -8,7 +8,7 @@
 
 namespace tidyfold::com {
 
-// What all objects of one session share. It belongs to the thread that made it, and so do they.
+// Shared by all objects of one session. Session and objects belong to the thread that created them.
 struct Session {
   explicit Session(std::chrono::milliseconds patience) : caller(patience) {}
   Caller caller;
@@ -18,11 +18,11 @@ struct Session {
 using Session_Ptr = std::shared_ptr<Session>;
 
 std::shared_ptr<Application> Make_Application(const Session_Ptr& session, Ptr<IDispatch> object);
-// Empty for no object.
+// Empty when the object is.
 MAPIFolder_Ptr Make_Folder(const Session_Ptr& session, Ptr<IDispatch> object);
 std::shared_ptr<Mapi_Utils> Make_Mapi_Utils(const Session_Ptr& session, Ptr<IDispatch> object);
 
-// Throws Automation_Error when there is no such companion.
+// Throws Automation_Error when the companion is not registered.
 std::shared_ptr<Mapi_Utils> Create_Companion(const Session_Ptr& session, const std::string& program);
 
 }  // namespace tidyfold::com

@@ -26,7 +26,7 @@ Outlook_Automation::~Outlook_Automation() {
 
 std::shared_ptr<Application> Outlook_Automation::GetObject(const std::string& path,
                                                            const std::string& program) {
-  // Outlook has no documents to open by their path.
+  // Outlook has no documents that could be opened by path.
   if (!path.empty()) com::Fail(E_INVALIDARG);
   com::Ptr<IUnknown> running;
   com::Check(GetActiveObject(Class_Of(program), nullptr, running.Receive()));

@@ -1,8 +1,8 @@
-// Outlook itself, driven by automation. What comes out of it belongs to the thread that it was made on, which
-// must be the window's: the thread serves its messages while it waits for Outlook.
+// Outlook itself, through automation. All objects belong to the thread that created them. This must be the
+// window's thread, which handles messages while it waits for Outlook.
 //
-// Calls that Outlook is too busy for are made again for a while. When it has been closed, or stays busy, they
-// throw Automation_Error with the number automation_error::unavailable.
+// Calls are retried for a while when Outlook is busy. If it stays busy or has been closed, they throw
+// Automation_Error with the number automation_error::unavailable.
 #pragma once
 
 #include <chrono>
@@ -19,17 +19,18 @@ struct Session;
 
 class Outlook_Automation : public Automation {
  public:
-  // By default calls are made again for so long that a send and receive, or a box that is answered at once,
-  // can end meanwhile. Throws Automation_Error when the thread cannot be used for automation.
+  // `patience` is how long calls are retried; by default long enough for a send and receive, or for a message
+  // box that is answered at once. Throws Automation_Error when the thread cannot be used for automation.
   explicit Outlook_Automation(std::chrono::milliseconds patience = std::chrono::seconds(20));
   Outlook_Automation(const Outlook_Automation&) = delete;
   Outlook_Automation& operator=(const Outlook_Automation&) = delete;
-  // Nothing that came out of it may be left.
+  // All objects that came from it must be gone.
   ~Outlook_Automation() override;
 
   std::shared_ptr<Application> GetObject(const std::string& path, const std::string& program) override;
   std::shared_ptr<Application> CreateObject(const std::string& program) override;
   std::shared_ptr<Mapi_Utils> Create_Mapi_Utils(const std::string& program) override;
+  bool Asking_Costs_Calls() const override { return true; }
 
  private:
   std::shared_ptr<com::Session> session_;

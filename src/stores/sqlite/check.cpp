@@ -29,7 +29,7 @@ class Checker {
   }
 
  private:
-  // A line for each row; an empty line is no fault. What cannot be read because of a damage is one as well.
+  // One line for each row; an empty line is not a fault. Rows that cannot be read are a fault as well.
   void Each_Row(std::string_view sql, const std::function<std::string(const Statement&)>& fault) {
     try {
       Statement statement(database_, sql);
@@ -61,7 +61,7 @@ class Checker {
     });
   }
 
-  // By the table itself where an index could hide what is wrong.
+  // Reads the table itself where an index could hide a fault.
   void Items() {
     Each_Row("SELECT id, subject, folder FROM item NOT INDEXED WHERE folder NOT IN (SELECT id FROM folder)",
              [](const Statement& row) {
@@ -89,7 +89,7 @@ class Checker {
     }
   }
 
-  // What the table holds against what the index told when the store was opened, and has become since.
+  // Compares the table with the counts in memory, which come from the index.
   void Counts() {
     Each_Row(
         "SELECT f.id, f.name, COALESCE(n.items, 0) FROM folder AS f LEFT JOIN (SELECT folder, COUNT(*) AS "

@@ -1,4 +1,4 @@
-// Looks for what is wrong with a store.
+// Checks a store for damage.
 #pragma once
 
 #include <string>
@@ -9,8 +9,8 @@
 
 namespace tidyfold::sqlite {
 
-// One line for each fault; of many of one kind the first hundred. Throws Automation_Error where the file
-// cannot be read at all.
+// One line for each fault, at most a hundred of each kind. Throws Automation_Error if the file cannot be read
+// at all.
 std::vector<std::string> Check_Store(Database& database, Folder_Tree& folders);
 
 }  // namespace tidyfold::sqlite

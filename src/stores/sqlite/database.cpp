@@ -10,8 +10,8 @@ namespace tidyfold::sqlite {
 
 namespace {
 
-// SQLite knows a full disk only from a write; a quota, the largest size of a file and a disk that is found
-// full when it is synchronised come as I/O errors.
+// SQLite reports a full disk only for ENOSPC from write(). A quota, a limit on the size of files, and a disk
+// that proves to be full in fsync() are plain I/O errors to it.
 bool Means_Full(int system_error) {
 #ifdef EDQUOT
   if (system_error == EDQUOT) return true;
@@ -100,7 +100,7 @@ Statement::Statement(Database& database, std::string_view sql) : database_(datab
   sqlite3_stmt* statement = nullptr;
   const int code = sqlite3_prepare_v3(database.Connection(), sql.data(), static_cast<int>(sql.size()),
                                       SQLITE_PREPARE_PERSISTENT, &statement, nullptr);
-  // The statements are sound; the tables are not those that they name.
+  // All statements are known to be correct, so the tables are not.
   if (code == SQLITE_ERROR) database.Fail_Damaged(sqlite3_errmsg(database.Connection()));
   Check(code);
   statement_.reset(statement);
@@ -117,7 +117,7 @@ Statement& Statement::Bind(int parameter, double value) {
 }
 
 Statement& Statement::Bind(int parameter, std::string_view text) {
-  // No pointer would mean no value.
+  // A null pointer would bind NULL.
   Check(sqlite3_bind_text64(statement_.get(), parameter, text.empty() ? "" : text.data(), text.size(),
                             SQLITE_STATIC, SQLITE_UTF8));
   return *this;

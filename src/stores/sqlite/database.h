@@ -1,4 +1,4 @@
-// A connection to one SQLite file and its prepared statements; failures become Automation_Error.
+// A connection to an SQLite file and prepared statements on it. Failures are thrown as Automation_Error.
 #pragma once
 
 #include <sqlite3.h>
@@ -10,24 +10,24 @@
 
 namespace tidyfold::sqlite {
 
-// What Automation_Error::Source says.
+// Automation_Error::Source of all errors from here.
 inline constexpr const char* error_source = "Tidyfold store";
 
 class Database {
  public:
-  // Takes over a connection; `file` is the name that error texts give.
+  // Takes over the connection. `file` is the name in error texts.
   Database(sqlite3* connection, std::string file) : connection_(connection), file_(std::move(file)) {}
 
   sqlite3* Connection() const { return connection_.get(); }
   const std::string& File() const { return file_; }
-  // SQLite ends a transaction by itself after some failures; this tells.
+  // SQLite rolls back by itself after some failures; this returns false then.
   bool In_Transaction() const { return sqlite3_get_autocommit(connection_.get()) == 0; }
-  // The file was renamed or deleted, or the place where it lies cannot be reached.
+  // True if the file was renamed or deleted, or its folder can no longer be reached.
   bool Has_Moved() const;
-  // Rows that the last statement changed itself, without those that went along with them.
+  // Rows that the last statement changed, without those that cascaded.
   int Changes() const { return sqlite3_changes(connection_.get()); }
 
-  // Runs statements that give no rows, or whose rows do not matter.
+  // Runs statements and ignores their rows.
   void Execute(const char* sql);
   [[noreturn]] void Fail(int code) const;
   [[noreturn]] void Fail_Damaged(const std::string& what) const;
@@ -41,28 +41,28 @@ class Database {
   std::string file_;
 };
 
-// A prepared statement. Values are bound from 1, columns counted from 0, as SQLite does.
+// A prepared statement. As in SQLite, parameters count from 1 and columns from 0.
 class Statement {
  public:
   Statement(Database& database, std::string_view sql);
 
   Statement& Bind(int parameter, std::int64_t value);
   Statement& Bind(int parameter, double value);
-  // Bound without a copy: the bytes must stay until the statement is reset.
+  // Does not copy: the bytes must stay valid until the statement is reset.
   Statement& Bind(int parameter, std::string_view text);
   Statement& Bind_Blob(int parameter, std::string_view bytes);
   Statement& Bind_Null(int parameter);
 
-  // True when there is a row. A failure resets the statement.
+  // True if there is a row. Resets the statement on failure.
   bool Step();
   void Reset() { sqlite3_reset(statement_.get()); }
-  // Steps once, expecting no row, and resets.
+  // Executes a statement that returns no rows, and resets it.
   void Run();
 
   bool Is_Null(int column) const { return sqlite3_column_type(statement_.get(), column) == SQLITE_NULL; }
   std::int64_t Integer(int column) const { return sqlite3_column_int64(statement_.get(), column); }
   double Real(int column) const { return sqlite3_column_double(statement_.get(), column); }
-  // Valid until the next step or reset. Blobs read as text, byte for byte.
+  // Valid until the next step or reset. Also returns blobs, byte for byte.
   std::string_view Text(int column) const;
 
  private:
@@ -75,8 +75,8 @@ class Statement {
   std::unique_ptr<sqlite3_stmt, Finaliser> statement_;
 };
 
-// Resets a statement that gives rows when its use ends, however it ends: one that stays open holds on to its
-// snapshot of the file.
+// Resets a statement when it goes out of scope. A statement that is not reset keeps its read transaction
+// open.
 class Reading {
  public:
   explicit Reading(Statement& statement) : statement_(statement) {}

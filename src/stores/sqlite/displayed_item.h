@@ -1,4 +1,4 @@
-// What a window needs in order to show one item.
+// The contents of an item for a window that shows it.
 #pragma once
 
 #include <cstdint>
@@ -20,11 +20,11 @@ struct Displayed_Item {
   std::string subject;
   std::string body;
   bool unread = false;
-  // Local time; no_date where there is none.
+  // Local time; no_date if there is none.
   Date received = no_date, last_modified = no_date, completed = no_date, due = no_date, end = no_date;
   std::int64_t size = 0;  // bytes of the whole item
   std::vector<New_Attachment> attachments;
-  std::string raw_message;  // RFC 5322, for mail; empty where there is none
+  std::string raw_message;  // RFC 5322; only of mail, may be empty
 };
 
 using Display_Callback = std::function<void(const Displayed_Item&)>;

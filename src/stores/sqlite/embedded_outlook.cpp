@@ -32,7 +32,7 @@ bool Same_File(const std::filesystem::path& left, const std::filesystem::path& r
 
 }  // namespace
 
-// What the objects handed out share with the program that opened the stores.
+// Shared by all objects of the session and Embedded_Outlook.
 struct Embedded_Outlook::Session : Group_Watcher {
   void Group_Ending() override {
     if (watcher != nullptr) watcher->Group_Ending();
@@ -42,7 +42,7 @@ struct Embedded_Outlook::Session : Group_Watcher {
   }
 
   Store_List stores;
-  // Also stores that have left the list: objects of theirs may still hold them open.
+  // Includes stores that have left the list, which objects of theirs may keep open.
   std::vector<std::weak_ptr<sqlite::Store>> known;
   Display_Callback display;
   Group_Watcher* watcher = nullptr;
@@ -82,7 +82,7 @@ class Embedded_Name_Space : public NameSpace {
   explicit Embedded_Name_Space(Session_Ptr session) : session_(std::move(session)) {}
   Folders_Ptr Folders() override { return std::make_shared<Top_Folders>(session_); }
   MAPIFolder_Ptr GetDefaultFolder(std::int32_t folder_type) override {
-    // The first store is the one that the person's own mail goes to.
+    // The first store is the default store.
     if (session_->stores.empty()) Fail(automation_error::not_found, "No store is open.");
     return sqlite::Find_Default_Folder(session_->stores.front()->Inner(), folder_type);
   }
@@ -116,7 +116,7 @@ class Embedded_Mapi_Utils : public Mapi_Utils {
   }
 };
 
-// The open store of a file, opening it where it is not.
+// Opens the file, unless it is open already.
 std::shared_ptr<Embedded_Store> Obtain(const Session_Ptr& session, const std::filesystem::path& path,
                                        Store_Mode mode) {
   std::erase_if(session->known, [](const auto& store) { return store.expired(); });
@@ -129,7 +129,7 @@ std::shared_ptr<Embedded_Store> Obtain(const Session_Ptr& session, const std::fi
   return Embedded_Store::Open(path, mode);
 }
 
-// A copy of a store bears the identity of its original; side by side they must differ.
+// A copy of a store file has the identity of its original; when both are open they need different ones.
 void Tell_Apart(sqlite::Store& store, const Store_List& list, const Store_List& open) {
   std::string distinct = store.StoreID();
   const auto taken = [&](const auto& other) { return other->StoreID() == distinct; };
@@ -216,6 +216,12 @@ void Embedded_Outlook::Commit_Pending() {
 
 void Embedded_Outlook::Watch(Group_Watcher* watcher) {
   session_->watcher = watcher;
+}
+
+std::string Embedded_Outlook::Place_Of_Store(const std::string& store_id) const {
+  for (const auto& store : session_->stores)
+    if (store->StoreID() == store_id) return sqlite::Utf8(std::filesystem::absolute(store->Path()));
+  return {};
 }
 
 void Embedded_Outlook::Set_Display(Display_Callback display) {

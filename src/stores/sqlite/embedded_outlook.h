@@ -1,4 +1,4 @@
-// The program's own store files behind the object model: a session over a list of open stores.
+// The object model over the program's own store files: a session with a list of open stores.
 #pragma once
 
 #include <filesystem>
@@ -18,29 +18,31 @@ class Embedded_Outlook : public Automation, public Change_Groups {
   Embedded_Outlook();
   ~Embedded_Outlook() override;
 
-  // Adds stores behind those that are open. All of them or, with a Store_Open_Error, none. A file that is
-  // open here already, or named twice, is refused (Locked).
+  // Appends stores to the list. Throws Store_Open_Error and adds none if one cannot be opened. A file that
+  // is open here already or named twice is refused (Locked).
   void Open(const std::vector<std::filesystem::path>& paths, Store_Mode mode = Store_Mode::Read_Write);
-  // Puts other stores in the place of those that are open; a store that stays keeps its objects. Pending
-  // changes of the stores that leave are committed first. After an error the list is as it was.
+  // Replaces the list of stores. Stores in both lists stay open and their objects valid. Pending changes are
+  // committed first. The list is unchanged after an error.
   void Replace(const std::vector<std::filesystem::path>& paths, Store_Mode mode = Store_Mode::Read_Write);
-  // Adds a store that is open already, for instance one just made.
+  // Appends a store that is open already, such as a new one.
   void Add(std::shared_ptr<Embedded_Store> store);
 
-  // In the order given. Empty after nothing was opened.
+  // In the order in which they were given.
   const std::vector<std::shared_ptr<Embedded_Store>>& Stores() const;
 
-  // Also those stores that have left the list, while objects of theirs keep them open.
+  // Includes stores that have left the list but are still open because objects of theirs are in use.
   void Commit_Pending() override;
-  // A store tells nothing while it is closed: Commit_Pending comes first.
+  // Closing stores by destroying this object does not call the watcher; call Commit_Pending before.
   void Watch(Group_Watcher* watcher) override;
   Change_Groups* Groups() override { return this; }
+  // The absolute path of the file.
+  std::string Place_Of_Store(const std::string& store_id) const override;
 
-  // What Item::Display calls. Without it Display throws Automation_Error (not_supported).
+  // Called by Item::Display, which throws Automation_Error (not_supported) without it.
   void Set_Display(Display_Callback display);
 
-  // Programs are "Outlook.Application" and "TidyDll.TidyMAPIUtils"; anything else throws Automation_Error
-  // (call_failed). Stores opened later show up in objects handed out before.
+  // The programs are "Outlook.Application" and "TidyDll.TidyMAPIUtils"; others throw Automation_Error
+  // (call_failed). Existing session objects see stores that are opened later.
   std::shared_ptr<Application> GetObject(const std::string& path, const std::string& program) override;
   std::shared_ptr<Application> CreateObject(const std::string& program) override;
   std::shared_ptr<Mapi_Utils> Create_Mapi_Utils(const std::string& program) override;

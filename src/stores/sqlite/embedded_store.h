@@ -1,4 +1,4 @@
-// One store file of the program's own: an information store with its folders and items, kept in SQLite.
+// A store file of the program: an information store in an SQLite database.
 #pragma once
 
 #include <filesystem>
@@ -17,19 +17,19 @@ class Store;
 }
 
 enum class Store_Mode {
-  Read_Write,  // nobody else can have the file open meanwhile
-  Read_Only,   // changes no byte and leaves no file behind; several readers may share a file
+  Read_Write,  // excludes everybody else
+  Read_Only,   // leaves the file and its folder unchanged; excludes only writers
 };
 
-// Folders and items that were handed out keep the file open (and locked) until the last of them is gone.
-// Changes last from the next Commit_Pending on, at the latest after a hundred of them; what a crash finds
-// uncommitted has not happened. All calls come from one thread.
+// Folder and item objects keep the file open and locked. Changes are grouped; a group is committed by
+// Commit_Pending or, when it holds a hundred changes, before the next one. A crash loses uncommitted changes.
+// All calls must come from one thread.
 class Embedded_Store {
  public:
   // Throws Store_Open_Error.
   static std::shared_ptr<Embedded_Store> Open(const std::filesystem::path& path, Store_Mode mode);
-  // Makes a store whose top folder bears the name, with the ten default folders, empty, and opens it for
-  // writing. A file that exists is never touched. Throws Store_Open_Error.
+  // Creates a store with this name and the ten default folders, and opens it for writing. Never touches an
+  // existing file. Throws Store_Open_Error.
   static std::shared_ptr<Embedded_Store> Create(const std::filesystem::path& path,
                                                 const std::string& store_name);
 
@@ -43,19 +43,18 @@ class Embedded_Store {
   std::string StoreID() const;
   MAPIFolder_Ptr Top_Folder();
 
-  // Adding outside of Begin and Commit is a change like any other. On a store opened for reading only every
-  // call that adds throws Automation_Error (no_access).
+  // Additions outside of Begin and Commit join the current group. On a store that is open for reading only
+  // they throw Automation_Error (no_access).
   Store_Writer& Writer();
 
-  // Ends the group of changes under way, if there is one. Does nothing between the writer's Begin and Commit.
-  // Throws Automation_Error when the changes could not be kept: all of the group have then not happened.
+  // Commits the current group, except between the writer's Begin and Commit. Throws Automation_Error if that
+  // fails; the whole group is then undone.
   void Commit_Pending();
 
-  // What is wrong with the file, one line each; empty for a sound store. Reads all of it, which takes
-  // seconds for a large one.
+  // One line for each fault of the file. Reads the whole file, which takes seconds for a large store.
   std::vector<std::string> Check();
 
-  // For the automation object that shows several stores as one session.
+  // For Embedded_Outlook.
   const std::shared_ptr<sqlite::Store>& Inner() const { return store_; }
 
  private:

@@ -1,5 +1,5 @@
-// EntryIDs: a letter and a number of the file. They are short enough to need no memory of their own, and an
-// item's never reads as a folder's.
+// EntryIDs: a letter and the number in the file. They are short enough for the small-string optimisation,
+// and the letter keeps items and folders apart.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,7 @@ namespace tidyfold::sqlite {
 
 std::string Folder_Entry_Id(std::int64_t id);
 std::string Item_Entry_Id(std::int64_t id);
-// Nothing for any text that is not exactly what the functions above give.
+// Empty unless the text is exactly what the functions above return.
 std::optional<std::int64_t> Folder_Of_Entry_Id(std::string_view entry_id);
 std::optional<std::int64_t> Item_Of_Entry_Id(std::string_view entry_id);
 

@@ -15,7 +15,7 @@ namespace {
   throw Automation_Error(number, text, error_source);
 }
 
-// Also its own message object, so that asking for a property costs nothing more.
+// Is its own Mapi_Object, which saves an allocation per property.
 class Embedded_Item : public Item, public Mapi_Object, public std::enable_shared_from_this<Embedded_Item> {
  public:
   Embedded_Item(std::shared_ptr<Store> store, Found_Item found)
@@ -61,7 +61,7 @@ class Embedded_Item : public Item, public Mapi_Object, public std::enable_shared
   void Delete() override {
     const std::int64_t id = Alive().id;
     const Item_Place now = store_->Delete_Item(id, place_);
-    // An item that is gone stays behind the store's age, and finds out when it is asked again.
+    // If the item is gone, its age stays behind the store's, and the next call looks it up in vain.
     if (now.folder == 0) return;
     place_ = now;
     age_ = store_->Age();
@@ -97,7 +97,7 @@ class Embedded_Item : public Item, public Mapi_Object, public std::enable_shared
   std::uint64_t age_;
 };
 
-// What every object that stands for a folder, or for what is in it, has.
+// The base of folders and of the collections in them.
 class Folder_View {
  protected:
   Folder_View(std::shared_ptr<Store> store, std::int64_t id) : store_(std::move(store)), id_(id) {}
@@ -197,7 +197,7 @@ class Embedded_Writer : public Store_Writer {
   void Roll_Back() override { store_->Roll_Back(); }
 
  private:
-  // Any object with the identity of a folder of this store will do.
+  // Accepts any object with the identity of one of this store's folders.
   std::int64_t Number_Of(MAPIFolder& folder) const {
     const auto id = Folder_Of_Entry_Id(folder.EntryID());
     if (!id || folder.StoreID() != store_->StoreID()) {

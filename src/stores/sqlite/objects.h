@@ -1,4 +1,4 @@
-// The object model's folders and items over a store file.
+// The object model's folders and items on a store file.
 #pragma once
 
 #include <cstdint>
@@ -14,7 +14,7 @@ namespace tidyfold::sqlite {
 MAPIFolder_Ptr Make_Folder(std::shared_ptr<Store> store, std::int64_t id);
 // By its OlDefaultFolders number. Throws Automation_Error (not_found).
 MAPIFolder_Ptr Find_Default_Folder(const std::shared_ptr<Store>& store, std::int32_t type);
-// Throws Automation_Error (not_found), also for a text that is no EntryID.
+// Throws Automation_Error (not_found), also for text that is not an EntryID.
 Item_Ptr Find_Item(const std::shared_ptr<Store>& store, const std::string& entry_id);
 std::unique_ptr<Store_Writer> Make_Writer(std::shared_ptr<Store> store);
 

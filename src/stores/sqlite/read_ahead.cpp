@@ -6,28 +6,28 @@ namespace tidyfold::sqlite {
 
 namespace {
 
-// A jump may be for one item alone; a loop soon reads in large blocks.
+// A jump may be for a single item; the blocks of a loop grow quickly.
 constexpr std::int32_t first_size = 32, largest_size = 512, growth = 4;
 
 // Positions.
 constexpr auto before_all = std::numeric_limits<std::int64_t>::min();
 constexpr auto behind_all = std::numeric_limits<std::int64_t>::max();
 
-// A block ends early when its texts have become long.
+// A block ends early when its texts reach this size.
 constexpr std::size_t enough_text = std::size_t{4} << 20;
 
-// What a loop knows already, the folder, is not read again for every row.
+// Without the folder, which the caller knows.
 constexpr std::string_view columns =
     "SELECT id, position, class, unread, received, last_modified, completed, due, ended, sender_or_text, "
     "subject, size";
-constexpr int folder_column = 12;  // where it is asked for
+constexpr int folder_column = 12;  // in by_id_
 
 std::string Select(std::string_view rest) {
   return std::string(columns).append(rest);
 }
 
-// A null reads as 0. Every question to SQLite counts here: most items have the first kind of date, few the
-// second.
+// Null reads as 0. Most items have the usual dates and few the rare ones, so that most dates cost one call of
+// SQLite's instead of two.
 Date Usual_Date(const Statement& statement, int column) {
   const Date date = statement.Real(column);
   return date == 0 && statement.Is_Null(column) ? no_date : date;
@@ -72,7 +72,7 @@ Read_Ahead::Read_Ahead(Database& database)
 
 Found_Item Read_Ahead::At(std::int64_t folder, std::int32_t place, std::int32_t count) {
   Block* block = Find(folder);
-  // A loop that looks now and then whether something has come behind all others goes on where it was.
+  // A loop may look at the last item now and then; this must not cost it its block.
   if (block != nullptr && place == count && place > block->End()) return Last(folder);
   if (block == nullptr || place < block->first || place >= block->End()) {
     const Start start = Best_Start(block, place, count);
@@ -116,7 +116,7 @@ Read_Ahead::Start Read_Ahead::Best_Start(const Block* block, std::int32_t place,
 
 void Read_Ahead::Fill(Block& block, std::int64_t folder, std::int32_t place, const Start& start) {
   const std::int32_t size = start.continues ? std::min(block.size * growth, largest_size) : first_size;
-  // Nobody else looks at the old rows: their memory serves again.
+  // Reuses the memory of the old rows when no item refers to them.
   std::shared_ptr<Item_Rows> rows =
       block.rows.use_count() == 1 ? std::move(block.rows) : std::make_shared<Item_Rows>();
   block = {};
@@ -144,7 +144,7 @@ void Read_Ahead::Fill(Block& block, std::int64_t folder, std::int32_t place, con
   block.rows = std::move(rows);
 }
 
-// In the index alone, which is a small part of what the rows are.
+// Reads only the index, which is much smaller than the rows.
 std::int64_t Read_Ahead::Pass_Over(std::int64_t folder, const Start& start) {
   Statement& statement = start.forwards ? pass_forwards_ : pass_backwards_;
   statement.Bind(1, folder).Bind(2, start.beyond).Bind(3, std::int64_t{start.skip} - 1);

@@ -1,10 +1,9 @@
-// Items.Item(i) at the price of one ordered SELECT.
+// Makes a loop over Items.Item(i) cost about as much as one ordered SELECT.
 //
-// A loop asks for one item at a time, by its place in the folder. Rows are fetched in growing blocks in the
-// direction in which the loop walks, each block continuing from the position of the last row read; only a
-// jump counts its way through the index, unless it is to the last item. Removals move the blocks along
-// exactly, so a loop that deletes what it reads loses nothing of what was read ahead, and no place ever
-// stands for another item.
+// Items are asked for one at a time by their place, their index in the folder. Rows are read in growing
+// blocks in the direction of the loop, each block starting at the position of the last row. A jump has to
+// count rows in the index, unless it is to the last item. Removals adjust the blocks, so that a loop that
+// deletes what it reads keeps the rows that were read ahead, and a place never refers to the wrong item.
 #pragma once
 
 #include <array>
@@ -23,7 +22,7 @@ namespace tidyfold::sqlite {
 
 struct Item_Row {
   std::int64_t id = 0;
-  std::int64_t folder = 0, position = 0;  // as they were when the row was read
+  std::int64_t folder = 0, position = 0;  // when the row was read
   Date received = no_date, last_modified = no_date, completed = no_date, due = no_date, end = no_date;
   std::int64_t size = 0;
   std::int32_t item_class = 0;
@@ -31,7 +30,7 @@ struct Item_Row {
   std::size_t sender_or_text_at = 0, subject_at = 0, text_end = 0;  // in Item_Rows::text
 };
 
-// Rows share one buffer for their texts: a block costs a few allocations, not several for each row.
+// All rows share one buffer for their texts, which saves several allocations per row.
 struct Item_Rows {
   std::vector<Item_Row> rows;
   std::string text;
@@ -54,35 +53,35 @@ class Read_Ahead {
  public:
   explicit Read_Ahead(Database& database);
 
-  // The item at a place from 1 to `count`, the number of items in the folder.
+  // `place` is from 1 to `count`, the number of items in the folder.
   Found_Item At(std::int64_t folder, std::int32_t place, std::int32_t count);
   std::optional<Found_Item> By_Id(std::int64_t id);
 
-  // The item at this position has left the folder. Items that come in take positions behind all others and
-  // need no word.
+  // To be called when an item has left the folder. New items need no call: their positions are higher than
+  // all others.
   void Item_Left(std::int64_t folder, std::int64_t position);
   void Forget(std::int64_t folder);
   void Forget_All();
 
  private:
-  // A run of neighbours: all items of the folder with positions from `low` to `high`.
+  // All items of the folder with positions from `low` to `high`.
   struct Block {
     std::int64_t folder = 0;
-    std::int32_t first = 1;           // the place of the first that is there
-    std::vector<std::uint32_t> here;  // rows still in the folder, in the order of their places
+    std::int32_t first = 1;           // the place of here[0]
+    std::vector<std::uint32_t> here;  // rows that are still in the folder, in order
     std::int64_t low = 0, high = 0;
-    std::shared_ptr<Item_Rows> rows;  // none: the block is empty
+    std::shared_ptr<Item_Rows> rows;  // null if the block is empty
     std::int32_t size = 0;            // rows asked for
     std::uint64_t last_use = 0;
 
     std::int32_t End() const { return first + static_cast<std::int32_t>(here.size()); }
   };
-  // Where to start reading, and which way.
+  // Where to start reading, and in which direction.
   struct Start {
     bool forwards = true;
-    std::int64_t beyond = 0;  // the position to start behind (or, backwards, before)
-    std::int32_t skip = 0;    // rows to pass over
-    bool continues = false;   // goes on where a block ends
+    std::int64_t beyond = 0;  // the position to start after or, backwards, before
+    std::int32_t skip = 0;    // rows to skip first
+    bool continues = false;   // starts where a block ends
   };
 
   Start Best_Start(const Block* block, std::int32_t place, std::int32_t count) const;

@@ -19,14 +19,14 @@ namespace {
 
 namespace cls = item_class;
 
-// Day counts of 1999-01-04 and 2026-06-30.
+// 1999-01-04 and 2026-06-30 as day counts.
 constexpr int first_day = 36164, last_day = 46203;
 
-// Often enough for a progress bar; and a log that is written ahead stays small beside a large store.
+// Frequent enough for a progress bar; commits keep the write-ahead log small.
 constexpr std::int32_t items_per_progress = 1000, items_per_commit = 20000;
 
 struct Own_Folder {
-  const char* path;  // below the top folder; parents stand before their children
+  const char* path;  // below the top folder; parents come before their children
   std::int32_t type;
 };
 
@@ -46,7 +46,7 @@ constexpr Own_Folder own_folders[] = {{"Inbox/Lists", item_type::mail},
                                       {"Archive", item_type::mail},
                                       {"Archive/Not Used Any More", item_type::mail}};
 
-// What lies where, and how often. Every line occurs at least once when there are as many items as lines.
+// The classes of items in each folder, with weights. The first items take one line each, in this order.
 struct Kind {
   const char* folder;
   std::int32_t item_class;
@@ -118,8 +118,8 @@ std::string Message_Date(Date date) {
   return text.data();
 }
 
-// The generator's own numbers are the same everywhere; the standard's distributions are not. Nor is the order
-// in which the operands of one expression are worked out: each draws at most once.
+// The engine's numbers are the same on all platforms, those of the standard distributions are not. As the
+// order of evaluation is not fixed either, no expression may draw more than one number.
 class Random {
  public:
   explicit Random(std::uint64_t seed) : engine_(seed) {}
@@ -139,7 +139,7 @@ class Item_Maker {
  public:
   explicit Item_Maker(Random& random) : random_(random) {}
 
-  // `age` runs from 0, the oldest, to 1.
+  // `age` runs from 0 (oldest) to 1 (newest).
   New_Item Make(std::int32_t item_class, std::string_view folder, double age) {
     New_Item item;
     item.item_class = item_class;
@@ -179,7 +179,7 @@ class Item_Maker {
   }
 
  private:
-  // More of the later years than of the earlier ones, a little out of order.
+  // Later years have more items than earlier ones; the order varies by a few days.
   Date Moment(double age) {
     const double days = std::sqrt(age) * (last_day - first_day);
     const int day = std::clamp(first_day + static_cast<int>(days) - static_cast<int>(random_.Below(4)),
@@ -312,7 +312,7 @@ void Add_Own_Folders(sqlite::Store& store) {
   }
 }
 
-// False when `progress` has had enough.
+// False when `progress` cancelled.
 bool Fill(sqlite::Store& store, Random& random, std::int32_t items,
           const std::function<bool(std::int32_t written)>& progress) {
   store.Begin();

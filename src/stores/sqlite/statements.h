@@ -1,11 +1,11 @@
-// The statements that a store works with.
+// The prepared statements of a store.
 #pragma once
 
 #include "stores/sqlite/database.h"
 
 namespace tidyfold::sqlite {
 
-// Prepared when the store is opened, which also shows that its tables are the right ones.
+// Preparing them when the store is opened also checks that its tables are the right ones.
 struct Statements {
   explicit Statements(Database& database)
       : begin(database, "BEGIN IMMEDIATE"),

@@ -11,7 +11,7 @@ namespace tidyfold::sqlite {
 
 namespace {
 
-// What a window does not notice.
+// Too short to be noticed in the window.
 constexpr std::chrono::milliseconds clearing_time{5};
 constexpr std::int64_t items_per_clearing = 100;
 
@@ -40,7 +40,7 @@ Store::~Store() {
     Commit_Pending();
     Clear_Away(std::chrono::hours(1));
   } catch (...) {
-    // Nobody is left to tell; what was not committed has not happened.
+    // Nobody is left to report to; what was not committed is lost.
   }
 }
 
@@ -80,7 +80,7 @@ std::shared_ptr<Store> Store::Create(const std::filesystem::path& path, const st
   return store;
 }
 
-// The cheap part of a check: the tables are there, the folders make a tree, the items' index can be read.
+// Quick checks: the tables exist, the folders form a tree and the index of items can be read.
 void Store::Start() {
   try {
     Statement identity(*database_, "SELECT store_id FROM store");
@@ -173,7 +173,7 @@ void Store::Clear_Away(std::chrono::milliseconds time) {
       statements_->commit.Run();
       if (empty) to_clear_.pop_back();
     } catch (...) {
-      clearing_ = false;  // once is enough to tell; the next opening tries again
+      clearing_ = false;  // report it only once; the next opening tries again
       Undo();
       throw;
     }
@@ -198,15 +198,15 @@ void Store::Check_Changeable() const {
   }
 }
 
-// A group ends in front of a change, never behind one: whoever makes changes has then noted every change of
-// the group that ends. When the group cannot be kept, the next change is not made.
+// A full group is committed before the next change rather than after the last one, so that the caller has
+// recorded all changes of a group when it ends. If the commit fails, the next change is not made.
 void Store::Begin_Change() {
   Check_Changeable();
   if (!writing_ && pending_ >= changes_per_group) Commit_Pending();
   if (!database_->In_Transaction()) statements_->begin.Run();
 }
 
-// The failed change has not happened. SQLite decides whether those before it in the transaction still stand.
+// The failed change has no effect. SQLite may have rolled back the earlier changes of the group with it.
 void Store::After_Failure() {
   known_ = false;
   ++age_;
@@ -221,7 +221,7 @@ void Store::After_Failure() {
 void Store::Commit_Group() {
   if (const auto watcher = watcher_.lock(); watcher != nullptr && pending_ > 0) watcher->Group_Ending();
   try {
-    // What is written to a file that was renamed or deleted would be lost without a word.
+    // Changes to a file that was renamed or deleted would be lost silently.
     if (database_->Has_Moved()) database_->Fail_Moved();
     statements_->commit.Run();
   } catch (...) {
@@ -234,7 +234,7 @@ void Store::Commit_Group() {
 void Store::Undo() {
   known_ = false;
   ++age_;
-  // Fails only where SQLite has rolled back by itself.
+  // Fails only if SQLite has rolled back by itself.
   sqlite3_exec(database_->Connection(), "ROLLBACK", nullptr, nullptr, nullptr);
   Tell_Group_Ended(false);
 }

@@ -1,4 +1,4 @@
-// One open store file: its folders in memory, its items behind a read-ahead, its changes in groups.
+// An open store file: keeps the folders in memory, reads items ahead and groups changes into transactions.
 #pragma once
 
 #include <chrono>
@@ -22,19 +22,19 @@
 
 namespace tidyfold::sqlite {
 
-// A larger group is committed in front of the next change.
+// A group of this size is committed before the next change.
 inline constexpr int changes_per_group = 100;
 
-// What an item's row holds of its text, where it has no sender to show.
+// Characters of the text in the row of an item without sender.
 inline constexpr std::size_t row_characters = 20;
 
-// Where an item lies: its folder and its position in it.
+// An item's folder and position in it.
 struct Item_Place {
   std::int64_t folder = 0, position = 0;
 };
 
-// Folders and items are named by their numbers in the file. Every call that names one throws
-// Automation_Error (not_found) when it is there no longer, and with the failure of the file otherwise.
+// Folders and items are identified by their numbers in the file. Calls throw Automation_Error (not_found)
+// when the folder or item is gone, and as Database does for failures of the file.
 class Store : public std::enable_shared_from_this<Store> {
  public:
   // Both throw Store_Open_Error.
@@ -44,48 +44,49 @@ class Store : public std::enable_shared_from_this<Store> {
 
   Store(const Store&) = delete;
   Store& operator=(const Store&) = delete;
-  // Commits what is pending. Who wants to know whether that worked calls Commit_Pending before.
+  // Commits pending changes and ignores failures; call Commit_Pending first to see them.
   ~Store();
 
   const std::filesystem::path& Path() const { return path_; }
   Store_Mode Mode() const { return mode_; }
   const std::string& StoreID() const { return store_id_; }
-  // For a copy that is open beside its original: both bear the same identity in the file.
+  // For a copy that is open beside its original, which has the same identity in the file.
   void Set_StoreID(std::string store_id) { store_id_ = std::move(store_id); }
   void Set_Display(Display_Callback display) { display_ = std::move(display); }
-  // Told of this store's groups of changes, and of the writer's transactions, for as long as it exists.
+  // Hears of this store's groups of changes and of the writer's transactions.
   void Set_Watcher(std::weak_ptr<Group_Watcher> watcher) { watcher_ = std::move(watcher); }
 
-  // Records are good until the next change.
+  // Records are valid until the next change.
   const Folder_Record& Folder(std::int64_t id) { return Find_Folder(id); }
   const Folder_Record& Top();
   // By its OlDefaultFolders number; nullptr when there is none.
   const Folder_Record* Default_Folder(std::int32_t type);
   std::int64_t Add_Folder(std::int64_t parent, const std::string& name, std::int32_t item_type);
-  // With all that is in it.
+  // Removes the folder with everything in it.
   void Remove_Folder(std::int64_t id);
 
-  // By place in the folder, from 1. Throws Automation_Error (bad_index).
+  // By index in the folder, from 1. Throws Automation_Error (bad_index).
   Found_Item Item_At(std::int64_t folder, std::int32_t place);
   Found_Item Item_By_Id(std::int64_t id);
-  // Grows with every change that moves or removes anything: while it stays, what was read is still so.
+  // Incremented by every change that moves or removes anything. What was read at the same age is still valid.
   std::uint64_t Age() const { return age_; }
   Item_Place Locate(std::int64_t id);
   std::string Sender(std::int64_t id);
   std::string Body(std::int64_t id);
   void Display(const Found_Item& item, std::int64_t folder);
 
-  // `place` must be where the item lies. These return where it lies now.
+  // `place` must be the item's current place. Both return the new one.
   Item_Place Move_Item(std::int64_t id, Item_Place place, std::int64_t folder);
-  // Moves to Deleted Items; removes for good from there (folder 0).
+  // Moves to Deleted Items. An item that is there already is removed for good, and folder 0 returned.
   Item_Place Delete_Item(std::int64_t id, Item_Place place);
   void Remove_Item(std::int64_t id, Item_Place place);
-  // Returns the new item's number.
+  // Appends to the folder and returns the new item's number.
   std::int64_t Add_Item(std::int64_t folder, const New_Item& item);
 
-  // Also clears away a little of what folders held that were removed.
+  // Also deletes some of the items of removed folders.
   void Commit_Pending();
-  // The writer's transaction. A failure that SQLite answers by rolling back spoils it until Roll_Back.
+  // The writer's transaction. After a failure for which SQLite rolls back, it accepts nothing but Roll_Back
+  // or a new Begin.
   void Begin();
   void Commit();
   void Roll_Back();
@@ -97,9 +98,9 @@ class Store : public std::enable_shared_from_this<Store> {
   void Start();
 
   Folder_Record& Find_Folder(std::int64_t id);
-  // Goes on clearing away what folders held that were removed, for about so long.
+  // Deletes items of removed folders for about this long.
   void Clear_Away(std::chrono::milliseconds time);
-  // Reads the folders anew where the file may differ from what is known of it.
+  // Reads the folders again after a failure or rollback.
   void Refresh();
   void Item_Left(Item_Place place);
 
@@ -110,7 +111,7 @@ class Store : public std::enable_shared_from_this<Store> {
   void Commit_Group();
   void Undo();
   void Tell_Group_Ended(bool kept);
-  // Runs one change. What it does to the file must be one statement or stand in In_Savepoint.
+  // Runs one change. Its work must be a single statement or use In_Savepoint.
   template <class Work>
   void Change(Work&& work) {
     Begin_Change();
@@ -122,7 +123,7 @@ class Store : public std::enable_shared_from_this<Store> {
     }
     ++pending_;
   }
-  // Statements that are done all or not at all.
+  // Runs several statements so that all take effect or none.
   template <class Work>
   void In_Savepoint(Work&& work) {
     statements_->save.Run();
@@ -141,8 +142,8 @@ class Store : public std::enable_shared_from_this<Store> {
 
   std::filesystem::path path_;
   Store_Mode mode_;
-  std::unique_ptr<Database> owned_;      // of a writer
-  std::unique_ptr<Reader_File> reader_;  // of a reader
+  std::unique_ptr<Database> owned_;      // when writing
+  std::unique_ptr<Reader_File> reader_;  // when only reading
   Database* database_ = nullptr;
   std::unique_ptr<Statements> statements_;
   std::unique_ptr<Read_Ahead> read_ahead_;
@@ -152,13 +153,13 @@ class Store : public std::enable_shared_from_this<Store> {
   std::weak_ptr<Group_Watcher> watcher_;
   Folder_Tree folders_;
   bool known_ = false;  // folders_ agrees with the file
-  // Numbers are given here, not by SQLite: after a rollback it would give the same ones again.
+  // Assigned here because SQLite would assign the same numbers again after a rollback.
   std::int64_t next_folder_ = 1, next_item_ = 1;
-  std::vector<std::int64_t> to_clear_;  // folders that were removed and may still hold items
+  std::vector<std::int64_t> to_clear_;  // removed folders that may still hold items
   std::uint64_t age_ = 0;
   int pending_ = 0;  // changes in the open transaction
   bool writing_ = false, spoilt_ = false;
-  bool clearing_ = true;  // it has not failed yet
+  bool clearing_ = true;  // off after a failure
 };
 
 }  // namespace tidyfold::sqlite

@@ -36,7 +36,7 @@ bool Holds_Bytes(const fs::path& path) {
   return !error && size > 0;
 }
 
-// What a failed call says about a store that is being opened.
+// Throws the Store_Open_Error for a failed call while opening.
 [[noreturn]] void Fail_Call(sqlite3* connection, int code, const fs::path& path) {
   switch (code & 0xFF) {
     case SQLITE_BUSY:
@@ -48,7 +48,7 @@ bool Holds_Bytes(const fs::path& path) {
       Fail_Open(Reason::Cannot_Write, path, "the disk is full");
     case SQLITE_READONLY:
     case SQLITE_CANTOPEN:
-      // The file itself could be opened before; it is the log beside it that cannot.
+      // The file itself is open; the log beside it cannot be opened.
       Fail_Open(Reason::Read_Only, path);
     case SQLITE_PERM:
     case SQLITE_AUTH:
@@ -70,7 +70,7 @@ sqlite3* Connect(const fs::path& path, const std::string& name, int flags) {
     sqlite3_extended_result_codes(connection, 1);
     return connection;
   }
-  // The system's own number: errno, or what Windows calls its last error.
+  // errno, or GetLastError on Windows.
   const std::error_code reason(sqlite3_system_errno(connection), std::system_category());
   const std::string detail = sqlite3_errmsg(connection);
   sqlite3_close(connection);
@@ -80,15 +80,15 @@ sqlite3* Connect(const fs::path& path, const std::string& name, int flags) {
   Fail_Open(Reason::Cannot_Read, path, reason ? reason.message() : detail);
 }
 
-// The file as SQLite has it open. Never through a descriptor of our own: closing one takes every lock away
-// that this process holds on the file.
+// SQLite's own file object. A second descriptor must never be opened: closing it would release all locks that
+// this process holds on the file.
 sqlite3_file* File_Of(sqlite3* connection) {
   sqlite3_file* file = nullptr;
   sqlite3_file_control(connection, "main", SQLITE_FCNTL_FILE_POINTER, &file);
   return file;
 }
 
-// By the header alone, before SQLite does anything to what may be another program's file.
+// Checks the header before SQLite touches what may be another program's file.
 void Recognise(sqlite3* connection, const fs::path& path) {
   sqlite3_file* file = File_Of(connection);
   sqlite3_int64 size = 0;
@@ -132,12 +132,11 @@ void Check_Version(Database& database, const fs::path& path) {
   if (version < 1) Fail_Open(Reason::Damaged, path, "it has no format number");
 }
 
-// A damaged file must give errors, never be believed.
+// Makes damaged files cause errors rather than wrong results.
 constexpr const char* careful = "PRAGMA trusted_schema = OFF; PRAGMA cell_size_check = ON;";
 
-// In a log that is written ahead, a process that is killed loses nothing that was committed; only a power
-// failure can take the last commits back, and never by halves. What is deleted is overwritten where that
-// costs no further writing.
+// With a write-ahead log, a killed process loses no commits. A power failure can lose the last ones, but only
+// as a whole. Deleted data is overwritten where this needs no additional writes.
 constexpr const char* for_writing =
     "PRAGMA locking_mode = EXCLUSIVE; PRAGMA foreign_keys = ON; PRAGMA synchronous = NORMAL;"
     "PRAGMA secure_delete = FAST; PRAGMA cache_size = -16384; PRAGMA temp_store = MEMORY;";
@@ -241,14 +240,14 @@ std::unique_ptr<Database> Open_For_Writing(const fs::path& path) {
   Run(*database, path, careful);
   Run(*database, path, for_writing);
   Check_Version(*database, path);
-  // Also where another tool has switched the file to another kind of log.
+  // In case another tool has changed the journal mode.
   Run(*database, path, "PRAGMA journal_mode = WAL; BEGIN IMMEDIATE; ROLLBACK;");
   return database;
 }
 
 std::unique_ptr<Database> Create_File(const fs::path& path, const std::string& store_name,
                                       const std::string& store_id) {
-  // "x" makes sure that no file of anybody's is taken for the new one. (Nobody can hold a lock on it yet.)
+  // "x" fails if the file exists. (A new file can have no locks, so that closing it is safe.)
 #ifdef _WIN32
   std::FILE* file = _wfopen(path.c_str(), L"wbx");
 #else
@@ -272,8 +271,8 @@ std::unique_ptr<Database> Create_File(const fs::path& path, const std::string& s
     auto database = Connect_For_Writing(path);
     Run(*database, path, careful);
     Run(*database, path, for_writing);
-    // All of it in one transaction, before the log that is written ahead is switched on: what marks the file
-    // as a store must stand in the file itself, not in its log.
+    // One transaction, before switching to the write-ahead log: the header that identifies the file as a
+    // store must be in the file itself, not in its log.
     Run(*database, path, "BEGIN IMMEDIATE");
     Run(*database, path, ("PRAGMA application_id = " + std::to_string(application_id)).c_str());
     Run(*database, path, ("PRAGMA user_version = " + std::to_string(schema_version)).c_str());
@@ -296,8 +295,8 @@ std::unique_ptr<Database> Create_File(const fs::path& path, const std::string& s
 
 Reader_File::Reader_File(const fs::path& path) {
   Check_Place(path);
-  // A store that was closed has no log beside it; declared immutable, it is read without touching anything.
-  // A reader's lock still keeps writers out.
+  // A store that was closed properly has no log. Opened as immutable, it is read without creating any file.
+  // SQLite takes no lock then, so one is taken here to keep writers out.
   Connect_For_Reading(path, Immutable_Uri(path), SQLITE_OPEN_URI);
   sqlite3_file* file = File_Of(database_->Connection());
   const int code = file->pMethods->xLock(file, SQLITE_LOCK_SHARED);
@@ -318,7 +317,7 @@ void Reader_File::Connect_For_Reading(const fs::path& path, const std::string& n
 }
 
 void Reader_File::Read_With_Log(const fs::path& path) {
-  // A writer crashed. Its log belongs to the store; it stays for the next writer to work in.
+  // A writer crashed. Its log is part of the store and is left for the next writer to merge.
   database_.reset();
   Connect_For_Reading(path, Utf8(path), 0);
   sqlite3_db_config(database_->Connection(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
@@ -326,7 +325,7 @@ void Reader_File::Read_With_Log(const fs::path& path) {
   std::error_code error;
   if (!fs::exists(index, error)) left_over_ = index;
   try {
-    // One snapshot from here on.
+    // Opens the read transaction in which everything is read.
     Run(*database_, path, "BEGIN; SELECT 1 FROM sqlite_schema;");
   } catch (...) {
     Clean_Up();

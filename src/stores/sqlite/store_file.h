@@ -1,10 +1,10 @@
-// Store files: recognised, made, opened and locked.
+// Recognises, creates, opens and locks store files.
 //
-// A store has one writer or any number of readers. The writer's lock is SQLite's own exclusive locking mode:
-// the operating system takes it away with the process, however that ends, and SQLite keeps it apart from the
-// locks of other connections in the same process, which a lock file or a lock of our own on the same file
-// would not. It also means that nobody changes a store behind the program's back: folders, counts and rows
-// read ahead can be kept in memory and stay right without asking the file again.
+// A store has one writer or any number of readers. The writer's lock is SQLite's exclusive locking mode. The
+// operating system releases it when the process ends in any way, and SQLite keeps it apart from locks of
+// other connections in the same process; a lock file, or a lock of our own on the same file, would not have
+// both properties. As nobody else can change the store, folders, counts and rows can be kept in memory
+// without checking the file again.
 #pragma once
 
 #include <filesystem>
@@ -18,15 +18,15 @@ namespace tidyfold::sqlite {
 
 // Both throw Store_Open_Error.
 std::unique_ptr<Database> Open_For_Writing(const std::filesystem::path& path);
-// Makes an empty store: tables, identity, top folder.
+// Creates a store with its tables, identity and top folder.
 std::unique_ptr<Database> Create_File(const std::filesystem::path& path, const std::string& store_name,
                                       const std::string& store_id);
 
-// A store that could not be finished, with what lies beside it.
+// Removes a store that could not be completed, with its log.
 void Remove_File(const std::filesystem::path& path);
 
-// A connection that changes nothing. Where a writer crashed, its log must be read through a file that SQLite
-// puts beside the store; it is removed with this object.
+// A connection for reading only. If a writer crashed, reading its log makes SQLite create an index file
+// beside the store; the destructor removes it.
 class Reader_File {
  public:
   explicit Reader_File(const std::filesystem::path& path);
@@ -41,7 +41,7 @@ class Reader_File {
   void Clean_Up();
 
   std::unique_ptr<Database> database_;
-  std::filesystem::path left_over_;  // empty: none
+  std::filesystem::path left_over_;  // that index file; empty if there is none
 };
 
 std::string Utf8(const std::filesystem::path& path);

@@ -1,4 +1,4 @@
-// Why a store file could not be opened or made.
+// Why a store file could not be opened or created.
 #pragma once
 
 #include <exception>
@@ -8,20 +8,20 @@
 
 namespace tidyfold {
 
-// The text names the file and says what to do about it.
+// The text names the file and the remedy.
 class Store_Open_Error : public std::exception {
  public:
   enum class Reason {
     Missing,
-    Exists,       // a new store was to be made where something lies already
-    Not_A_Store,  // some other file, an empty one, another program's database
+    Exists,       // a new store would overwrite a file
+    Not_A_Store,  // another kind of file, an empty one, another program's database
     Damaged,
-    Read_Only,  // could be read, but writing is needed
+    Read_Only,  // cannot be written, but must be
     No_Permission,
-    Locked,         // open elsewhere, or twice here
+    Locked,         // open elsewhere, or a second time here
     Newer_Version,  // written by a later version of the program
-    Cannot_Read,    // disk or share failing
-    Cannot_Write,   // disk full or failing while a new store was made
+    Cannot_Read,    // I/O error, or a share that cannot be reached
+    Cannot_Write,   // disk full or I/O error while a new store was created
   };
 
   Store_Open_Error(Reason reason, std::filesystem::path file, std::string text)

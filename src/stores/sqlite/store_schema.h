@@ -1,23 +1,23 @@
-// What a store file holds.
+// The tables of a store file.
 #pragma once
 
 #include <cstdint>
 
 namespace tidyfold::sqlite {
 
-// Marks a file as a store of this program; stands in the header of the file. "Tdyf".
+// Identifies store files in the database header: "Tdyf".
 inline constexpr std::int32_t application_id = 0x54647966;
 
-// Raised when an older program could no longer read or write the file rightly.
+// To be raised when older versions of the program could not use the file any more.
 inline constexpr std::int32_t schema_version = 1;
 
-// Items are narrow: what a list of items shows, in the order in which it is read. Positions grow along a
-// folder and may have gaps; an item that comes in takes the next one. Dates are null where there is none.
-// sender_or_text is the sender of mail and the first 20 characters of anything else. AUTOINCREMENT: a number
-// never comes back, so an EntryID that somebody kept never leads to another item.
+// Item rows hold only what a list of items shows. Positions increase along a folder and may have gaps; a new
+// item gets the next one. Missing dates are null. sender_or_text is the sender of mail and the first 20
+// characters of other items. With AUTOINCREMENT no number is used twice, so that an old EntryID never leads
+// to another item.
 //
-// A folder that was removed keeps its row, marked, until its items have been cleared away piece by piece: to
-// delete some hundred thousand of them in one go would hold up the window for seconds.
+// A removed folder keeps its row, marked as removed, until its items have been deleted in small steps.
+// Deleting some hundred thousand items at once would block the window for seconds.
 inline constexpr const char* schema = R"sql(
 CREATE TABLE store (
   id INTEGER PRIMARY KEY CHECK (id = 1),

@@ -167,6 +167,13 @@ TEST(Automation, Failures_Come_As_They_Were_Told) {
   expect([&] { told(E_ACCESSDENIED, 0); }, automation_error::no_access, "in words", "Outlook");
   expect([&] { told(0, 1004); }, 1004, "in words", "Outlook");
   expect([&] { told(RPC_E_DISCONNECTED, 0); }, automation_error::unavailable, "closed", "Outlook");
+  for (const char* member : {"Store.GetDefaultFolder", "MAPIFolder.Store"}) {
+    store.server.Tell("Forget", member);
+    Outlook_Automation another;
+    const auto top = another.GetObject("", "Outlook.Application")->GetNamespace("MAPI")->Folders()->Item(1);
+    expect([&] { top->Store()->GetDefaultFolder(default_folder_inbox); }, automation_error::not_supported,
+           "too old", "Outlook");
+  }
 }
 
 TEST(Automation, Outlook_That_Ends_In_The_Middle_Is_Told_Of_Once) {

@@ -83,6 +83,7 @@ Ptr<IDispatch> Make_Control(World& world) {
     switches.fail_in = a.at(1).Number();
     switches.fail_number = a.at(2).Number();
   });
+  order("Forget", [&](auto& a) { switches.missing_member = a.at(0).Text(); });
   order("Vanish", [&](auto& a) { switches.vanish_in = a.at(0).Number(); });
   order("UnlikeIds", [&](auto&) { switches.ids_unlike = true; });
   control->Offer("Process", [](auto&) { return Variant(static_cast<std::int32_t>(GetCurrentProcessId())); });

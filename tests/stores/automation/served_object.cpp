@@ -59,7 +59,8 @@ std::size_t Served::Place_Of(DISPID id) const {
 HRESULT Served::GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) {
   const std::string name = com::To_Utf8(names[0]);
   ids[0] = DISPID_UNKNOWN;
-  if (count != 1 || !members_.contains(name)) return DISP_E_UNKNOWNNAME;
+  if (count != 1 || !members_.contains(name) || type_ + "." + name == switches_.missing_member)
+    return DISP_E_UNKNOWNNAME;
   if (!type_.empty()) ++switches_.calls_of["GetIDsOfNames"];
   ids[0] = Id_At(Place(name), name);
   return S_OK;

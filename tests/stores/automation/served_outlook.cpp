@@ -141,8 +141,8 @@ Ptr<IDispatch> Serve(World& world, const Store_Ptr& store) {
 
 class Served_Folder : public Served {
  public:
-  Served_Folder(Switches& switches, MAPIFolder_Ptr folder)
-      : Served(switches, "MAPIFolder"), folder(std::move(folder)) {}
+  Served_Folder(Switches& switches, MAPIFolder_Ptr inner)
+      : Served(switches, "MAPIFolder"), folder(std::move(inner)) {}
   const MAPIFolder_Ptr folder;
 };
 

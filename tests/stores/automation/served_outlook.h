@@ -22,8 +22,9 @@ struct Switches {
   int fail_in = 0;  // which call of it from now on fails; negative: all
   std::int32_t fail_number = 0;
   std::function<void()> vanish;
-  int vanish_in = 0;        // which call from now on ends the process; 0: none
-  bool ids_unlike = false;  // classes of items have different, overlapping ids
+  int vanish_in = 0;           // which call from now on ends the process; 0: none
+  std::string missing_member;  // an older Outlook does not know it
+  bool ids_unlike = false;     // classes of items have different, overlapping ids
 
   void Before(const std::string& member);
 };

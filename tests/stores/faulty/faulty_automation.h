@@ -17,6 +17,10 @@ class Faulty_Automation : public Automation {
   std::shared_ptr<Application> CreateObject(const std::string& program) override;
   std::shared_ptr<Mapi_Utils> Create_Mapi_Utils(const std::string& program) override;
   Change_Groups* Groups() override { return inner_.Groups(); }
+  bool Asking_Costs_Calls() const override { return inner_.Asking_Costs_Calls(); }
+  std::string Place_Of_Store(const std::string& store_id) const override {
+    return inner_.Place_Of_Store(store_id);
+  }
 
  private:
   Automation& inner_;

@@ -107,6 +107,8 @@ TEST_F(Outlook_Test, A_Copy_Beside_Its_Original_Is_Another_Store) {
   session->GetItemFromID(from_copy->Items()->Item(2)->EntryID(), from_copy->StoreID())->Delete();
   EXPECT_EQ(from_copy->Items()->Count(), 2);
   EXPECT_EQ(from_original->Items()->Count(), 3);
+  EXPECT_EQ(outlook_.Place_Of_Store(from_copy->StoreID()), copy.string());
+  EXPECT_EQ(outlook_.Place_Of_Store(from_original->StoreID()), a_.string());
 }
 
 TEST_F(Outlook_Test, Display_Tells_A_Window_All_There_Is) {
