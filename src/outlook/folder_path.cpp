@@ -33,7 +33,7 @@ std::string Path_Of_Folder(MAPIFolder& folder) {
   if (parent == nullptr) return top_folder_path;
   std::string path = Escape_Folder_Name(folder.Name());
   for (MAPIFolder_Ptr above; (above = parent->Parent()) != nullptr; parent = above)
-    path = Escape_Folder_Name(parent->Name()) + "/" + path;
+    path.insert(0, Escape_Folder_Name(parent->Name()) + "/");
   return path;
 }
 
