@@ -421,6 +421,13 @@ void Memory_Store::Rename_Folder(MAPIFolder& folder, const std::string& name) {
   Find_Folder(folder)->name = name;
 }
 
+void Memory_Store::Move_Folder(MAPIFolder& folder, MAPIFolder& new_parent) {
+  const Stored_Folder_Ptr moved = Find_Folder(folder), above = Find_Folder(new_parent);
+  memory::Take_Out(*moved);
+  moved->parent = above.get();
+  above->folders.push_back(moved);
+}
+
 void Memory_Store::Move_Item(const std::string& entry_id, MAPIFolder& folder) {
   const Stored_Item_Ptr item = Find_Item(entry_id);
   const Stored_Folder_Ptr target = Find_Folder(folder);

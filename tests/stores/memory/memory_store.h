@@ -53,6 +53,7 @@ class Memory_Store : public Store_Writer {
 
   // Changes by another program.
   void Rename_Folder(MAPIFolder& folder, const std::string& name);
+  void Move_Folder(MAPIFolder& folder, MAPIFolder& new_parent);
   // To the end of the folder.
   void Move_Item(const std::string& entry_id, MAPIFolder& folder);
   void Change_Item(const std::string& entry_id, const std::function<void(New_Item&)>& change);
