@@ -57,8 +57,8 @@ TEST_F(Middle, Of_A_Run) {
   Make_Store(100000);
   const Content before = Read_Store();
   Open();
-  window_->Tick_Option("chkPermanentDelete");
   const auto start = [&] {
+    window_->Tick_Option("chkPermanentDelete");  // off again after each run
     window_->Tick_Folder("Inbox");
     window_->Click("cmdRun");
     window_->Answer("identified for cleaning", "Return");

@@ -2,6 +2,7 @@
 
 #include <wx/checkbox.h>
 #include <wx/dataview.h>
+#include <wx/dialog.h>
 #include <wx/grid.h>
 #include <wx/listctrl.h>
 #include <wx/textctrl.h>
@@ -63,11 +64,14 @@ std::string Keyboard_Owner(const wxFrame& frame) {
   GList* const windows = gtk_window_list_toplevels();
   for (const GList* at = windows; at != nullptr; at = at->next) {
     if (!gtk_window_is_active(GTK_WINDOW(at->data))) continue;
-    const wxWindow* const sheet = wxWindow::FindWindowByName("shtReview");
-    const bool is_box =
-        GTK_IS_MESSAGE_DIALOG(at->data) || (sheet != nullptr && at->data == sheet->GetHandle());
-    owner = is_box                          ? "box"
-            : GTK_IS_FILE_CHOOSER(at->data) ? "files"
+    const bool is_dialog =
+        std::any_of(wxTopLevelWindows.begin(), wxTopLevelWindows.end(), [&](wxWindow* window) {
+          const auto* const dialog = dynamic_cast<const wxDialog*>(window);
+          return dialog != nullptr && dialog->IsModal() && dialog->GetHandle() == at->data;
+        });
+    const bool is_box = GTK_IS_MESSAGE_DIALOG(at->data) || is_dialog;
+    owner = GTK_IS_FILE_CHOOSER(at->data)   ? "files"
+            : is_box                        ? "box"
             : at->data == frame.GetHandle() ? "window"
                                             : "other";
   }

@@ -2,6 +2,7 @@
 
 #include <wx/app.h>
 #include <wx/msgdlg.h>
+#include <wx/numdlg.h>
 
 #include "desktop/common/review_sheet.h"
 #include "desktop/common/text_conversion.h"
@@ -40,14 +41,14 @@ Answer To_Answer(int pressed, Buttons buttons) {
 
 }  // namespace
 
-Answer Desktop_Message_Box::Open(const std::string& text,
-                                 const std::function<Answer(wxWindow* parent)>& show) {
+template <class Ask>
+auto Desktop_Message_Box::Open(const std::string& text, Ask&& ask) {
   if (opening) opening(text);
   ++open_boxes_;
   wxWindow* const front = wxGetActiveWindow();
   wxWindow* parent = front != nullptr ? wxGetTopLevelParent(front) : wxTheApp->GetTopWindow();
   if (parent != nullptr && !parent->IsShown()) parent = nullptr;
-  const Answer answer = show(parent);
+  const auto answer = ask(parent);
   --open_boxes_;
   if (closed) closed();
   return answer;
@@ -64,6 +65,15 @@ Answer Desktop_Message_Box::Show(const std::string& text, Buttons buttons, Icon 
 Answer Desktop_Message_Box::Show_Review(const Review& review) {
   return Open(review.Text(), [&](wxWindow* parent) {
     return Review_Sheet(parent, review).ShowModal() == wxID_OK ? Answer::OK : Answer::Cancel;
+  });
+}
+
+std::optional<std::int32_t> Desktop_Message_Box::Ask_Number(const std::string& question, std::int32_t now,
+                                                            std::int32_t least, std::int32_t most) {
+  return Open(question, [&](wxWindow* parent) -> std::optional<std::int32_t> {
+    wxNumberEntryDialog dialog(parent, To_Lines(question), wxString(), application_title, now, least, most);
+    if (dialog.ShowModal() != wxID_OK) return std::nullopt;
+    return static_cast<std::int32_t>(dialog.GetValue());
   });
 }
 

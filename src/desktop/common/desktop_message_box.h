@@ -1,9 +1,8 @@
 // Message boxes as the desktop shows them.
 #pragma once
 
-#include <wx/window.h>
-
 #include <functional>
+#include <optional>
 
 #include "controls/interaction.h"
 
@@ -19,12 +18,15 @@ class Desktop_Message_Box : public Message_Box {
 
   Answer Show(const std::string& text, Buttons buttons, Icon icon, const std::string& title) override;
   Answer Show_Review(const Review& review) override;
+  std::optional<std::int32_t> Ask_Number(const std::string& question, std::int32_t now, std::int32_t least,
+                                         std::int32_t most) override;
   // Boxes may be nested.
   int Open_Boxes() const { return open_boxes_; }
 
  private:
-  // `show` is given the window that the box belongs to.
-  Answer Open(const std::string& text, const std::function<Answer(wxWindow* parent)>& show);
+  // `ask` is given the window that the box belongs to.
+  template <class Ask>
+  auto Open(const std::string& text, Ask&& ask);
 
   int open_boxes_ = 0;
 };

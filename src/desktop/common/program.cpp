@@ -121,6 +121,7 @@ void Program::Build() {
   limits_ = std::make_unique<Stored_Limits>(*registry_);
   app_ = std::make_unique<App>(
       window_, Surroundings{outlook, message_box_, events_, clock_, log_, *limits_, &help_->Environment()});
+  window_.Take_Back_Run = [this](std::int64_t run) { app_->taking_back_commands.Take_Back_Run(run); };
 }
 
 void Program::Show_Runs() {

@@ -3,8 +3,6 @@
 #include <wx/button.h>
 #include <wx/display.h>
 #include <wx/sizer.h>
-#include <wx/textctrl.h>
-#include <wx/textwrapper.h>
 
 #include <algorithm>
 
@@ -16,21 +14,15 @@ namespace tidyfold {
 namespace {
 
 constexpr int gap = 12;  // unscaled pixels
-constexpr long most_rows = 14, fewest_rows = 2;
+constexpr long most_rows = 14, fewest_rows = 3;
 constexpr int fewest_note_lines = 2;
 constexpr int narrowest = 52;  // average characters
 
-class Line_Counter : public wxTextWrapper {
- public:
-  int Count(wxWindow& window, const wxString& text, int width) {
-    Wrap(&window, text, width);
-    return lines_;
-  }
-
- private:
-  void OnOutputLine(const wxString&) override { ++lines_; }
-  int lines_ = 0;
-};
+wxString Joined(const std::vector<std::string>& lines) {
+  wxString text;
+  for (const std::string& line : lines) text += (text.empty() ? "" : "\n") + To_Lines(line);
+  return text;
+}
 
 // Numbers and sizes, but not dates, whose parts are joined by "-".
 bool Is_Quantity(const std::string& text) {
@@ -58,6 +50,7 @@ Review_Sheet::Review_Sheet(wxWindow* parent, const Review& review)
     : wxDialog(parent, wxID_ANY, application_title, wxDefaultPosition, wxDefaultSize,
                wxDEFAULT_DIALOG_STYLE | wxRESIZE_BORDER),
       sentence_(To_Lines(review.sentence)),
+      note_lines_(Joined(review.notes)),
       sentence_text_(new wxStaticText(this, wxID_ANY, wxString())) {
   SetName("shtReview");
   sentence_text_->SetFont(sentence_text_->GetFont().Bold());
@@ -78,13 +71,18 @@ Review_Sheet::Review_Sheet(wxWindow* parent, const Review& review)
     column->Add(table_, Share(wanted.y).Border(wxLEFT | wxRIGHT, border));
   }
   if (!review.notes.empty()) {
-    notes_ = New_Notes(review, width);
-    column->Add(notes_, Share(notes_->GetMinSize().y + border).Border(wxLEFT | wxRIGHT | wxTOP, border));
+    notes_ = new wxScrolledWindow(this, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxVSCROLL);
+    notes_->SetScrollRate(0, notes_->GetCharHeight());
+    notes_text_ = new wxStaticText(notes_, wxID_ANY, wxString());
+  }
+  Wrap(width);
+  if (notes_ != nullptr) {
+    const int height = notes_text_->GetBestSize().y;
+    notes_->SetMinSize(wxSize(-1, height));
+    column->Add(notes_, Share(height + border).Border(wxLEFT | wxRIGHT | wxTOP, border));
   }
   column->Add(CreateStdDialogButtonSizer(wxOK | wxCANCEL), wxSizerFlags().Expand().Border(wxALL, border));
   SetSizer(column);
-  sentence_text_->SetLabelText(sentence_);
-  sentence_text_->Wrap(width);
 
   wxSize wanted(width + 2 * border, column->ComputeFittingClientSize(this).y);
   const wxSize decorations = FromDIP(wxSize(8, 40));  // not known before the sheet is shown
@@ -101,8 +99,8 @@ Review_Sheet::Review_Sheet(wxWindow* parent, const Review& review)
   FindWindow(wxID_OK)->SetFocus();
   Bind(wxEVT_SIZE, [this, border](wxSizeEvent& event) {
     event.Skip();
-    sentence_text_->SetLabelText(sentence_);
-    sentence_text_->Wrap(GetClientSize().x - 2 * border);
+    Layout();
+    Wrap(GetClientSize().x - 2 * border);
   });
   // The table and the notes would consume Enter.
   Bind(wxEVT_CHAR_HOOK, [this](wxKeyEvent& event) {
@@ -111,17 +109,13 @@ Review_Sheet::Review_Sheet(wxWindow* parent, const Review& review)
   });
 }
 
-// A scrollable text with the height that it needs.
-wxWindow* Review_Sheet::New_Notes(const Review& review, int width) {
-  wxString text;
-  for (const std::string& note : review.notes) text += (text.empty() ? "" : "\n") + To_Lines(note);
-  auto* const notes = new wxTextCtrl(this, wxID_ANY, text, wxDefaultPosition, wxDefaultSize,
-                                     wxTE_MULTILINE | wxTE_READONLY | wxTE_BESTWRAP | wxBORDER_NONE);
-  notes->SetName("txtReviewNotes");
-  notes->SetBackgroundColour(GetBackgroundColour());
-  const int lines = Line_Counter().Count(*notes, text, width - FromDIP(gap));
-  notes->SetMinSize(wxSize(-1, lines * notes->GetCharHeight() + FromDIP(gap)));
-  return notes;
+void Review_Sheet::Wrap(int width) {
+  sentence_text_->SetLabelText(sentence_);
+  sentence_text_->Wrap(width);
+  if (notes_ == nullptr) return;
+  notes_text_->SetLabelText(note_lines_);
+  notes_text_->Wrap(std::min(width, IsShown() ? notes_->GetClientSize().x : width));
+  notes_->SetVirtualSize(notes_text_->GetBestSize());
 }
 
 }  // namespace tidyfold

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <wx/dialog.h>
+#include <wx/scrolwin.h>
 #include <wx/stattext.h>
 
 #include "controls/interaction.h"
@@ -17,12 +18,13 @@ class Review_Sheet : public wxDialog {
   Review_Sheet(wxWindow* parent, const Review& review);
 
  private:
-  wxWindow* New_Notes(const Review& review, int width);
+  void Wrap(int width);
 
-  const wxString sentence_;
+  const wxString sentence_, note_lines_;
   wxStaticText* sentence_text_;
   Text_Table* table_ = nullptr;
-  wxWindow* notes_ = nullptr;
+  wxScrolledWindow* notes_ = nullptr;
+  wxStaticText* notes_text_ = nullptr;
 };
 
 }  // namespace tidyfold

@@ -50,6 +50,7 @@ void Text_Table::Fit_Columns() {
     const int longest = column == filling_ ? longest_filling_column : longest_column;
     SetColumnWidth(column, std::min(width, longest * character) + cell_padding * character);
   }
+  least_filling_ = std::min(GetColumnWidth(filling_), narrowest_filling_column * character);
   if (IsShownOnScreen()) Fill_Width();
 }
 
@@ -60,8 +61,7 @@ void Text_Table::Fill_Width() {
     if (column != filling_) others += GetColumnWidth(column);
   const bool scrolls = GetItemCount() > GetCountPerPage();
   const int scroll_bar = scrolls ? wxSystemSettings::GetMetric(wxSYS_VSCROLL_X, this) : FromDIP(2);
-  SetColumnWidth(
-      filling_, std::max(GetClientSize().x - others - scroll_bar, narrowest_filling_column * GetCharWidth()));
+  SetColumnWidth(filling_, std::max(GetClientSize().x - others - scroll_bar, least_filling_));
 }
 
 wxSize Text_Table::Size_For(long most_rows) const {

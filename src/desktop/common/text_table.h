@@ -35,7 +35,8 @@ class Text_Table : public wxListCtrl {
   wxString OnGetItemText(long row, long column) const override;
 
   Cell cell_;
-  int filling_ = 0;  // the column
+  int filling_ = 0;        // the column
+  int least_filling_ = 0;  // its smallest width
 };
 
 }  // namespace tidyfold
