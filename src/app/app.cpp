@@ -14,6 +14,12 @@ Answer Window_Message_Box::Show_Review(const Review& review) {
   return form_.Loaded() ? message_box_.Show_Review(review) : Safest_Answer(Buttons::OK_Cancel);
 }
 
+std::optional<std::int32_t> Window_Message_Box::Ask_Number(const std::string& question, std::int32_t now,
+                                                           std::int32_t least, std::int32_t most) {
+  if (!form_.Loaded()) return std::nullopt;
+  return message_box_.Ask_Number(question, now, least, most);
+}
+
 App::App(MainWindow& w, const Surroundings& s)
     : window(w),
       events(s.events),

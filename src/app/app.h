@@ -33,6 +33,8 @@ class Window_Message_Box : public Message_Box {
   Window_Message_Box(const Form& form, Message_Box& message_box) : form_(form), message_box_(message_box) {}
   Answer Show(const std::string& text, Buttons buttons, Icon icon, const std::string& title) override;
   Answer Show_Review(const Review& review) override;
+  std::optional<std::int32_t> Ask_Number(const std::string& question, std::int32_t now, std::int32_t least,
+                                         std::int32_t most) override;
 
  private:
   const Form& form_;
