@@ -57,6 +57,7 @@ struct App : private Interface_Loader {
   void Load_Interface() override;
 
   MainWindow& window;
+  Run_Log& log;
   Events& events;
   Clock& clock;
   Window_Message_Box window_message_box;
@@ -99,6 +100,7 @@ struct App : private Interface_Loader {
 
  private:
   void Wire();
+  void Tell_Killed_Runs();
   void End_Without_Store();
   void Form_Unload();
   void mnuQuit_Click();
