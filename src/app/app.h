@@ -77,7 +77,7 @@ struct App : private Interface_Loader {
   Grid_Rows rows{window, records, planner, columns, choice, enabling, message_box, errors};
   Item_Filters filters{window, filter, rows, errors};
   Item_Cache cache{window, records, folder_tree, session, rows, phase, message_box, events, errors};
-  Row_Selection selection{window, records, deleted_items, rows, enabling, message_box, errors};
+  Row_Selection selection{window, deleted_items, rows, enabling, message_box, errors};
   Item_Display display{window, records, session, message_box, errors};
   Refresh refresh{window, records, folder_tree, cache, rows, *this, phase, message_box, errors};
   Folder_Marking marking{window, records, folder_tree, deleted_items, rows, message_box, errors};
