@@ -2,6 +2,7 @@
 
 #include "app/tooltips.h"
 #include "cache/item_dates.h"
+#include "runs/run_listing.h"
 
 namespace tidyfold {
 
@@ -22,6 +23,7 @@ std::optional<std::int32_t> Window_Message_Box::Ask_Number(const std::string& qu
 
 App::App(MainWindow& w, const Surroundings& s)
     : window(w),
+      log(s.log),
       events(s.events),
       clock(s.clock),
       window_message_box(w.frmRemoveItems, s.message_box),
@@ -102,7 +104,21 @@ void App::Form_Load() {
     panes.Form_Resize();
     procedure.Step("Form_Load - Load Interface");
     Load_Interface();
+    Tell_Killed_Runs();
   });
+}
+
+// Once for each run that ended with its process. A log that cannot be read is told when it is needed.
+void App::Tell_Killed_Runs() {
+  try {
+    for (const Logged_Run& killed : log.Killed_Since_Last_Told()) {
+      message_box.Show(Killed_Text(killed) +
+                       "\r\n\r\nRuns in the File menu lists them and takes back what was moved.");
+      log.Told(killed.run);
+    }
+  } catch (const Run_Log_Error&) {
+    return;
+  }
 }
 
 void App::Load_Interface() {

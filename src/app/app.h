@@ -57,6 +57,7 @@ struct App : private Interface_Loader {
   void Load_Interface() override;
 
   MainWindow& window;
+  Run_Log& log;
   Events& events;
   Clock& clock;
   Window_Message_Box window_message_box;
@@ -76,7 +77,7 @@ struct App : private Interface_Loader {
   Grid_Rows rows{window, records, planner, columns, choice, enabling, message_box, errors};
   Item_Filters filters{window, filter, rows, errors};
   Item_Cache cache{window, records, folder_tree, session, rows, phase, message_box, events, errors};
-  Row_Selection selection{window, records, deleted_items, rows, enabling, message_box, errors};
+  Row_Selection selection{window, deleted_items, rows, enabling, message_box, errors};
   Item_Display display{window, records, session, message_box, errors};
   Refresh refresh{window, records, folder_tree, cache, rows, *this, phase, message_box, errors};
   Folder_Marking marking{window, records, folder_tree, deleted_items, rows, message_box, errors};
@@ -99,6 +100,7 @@ struct App : private Interface_Loader {
 
  private:
   void Wire();
+  void Tell_Killed_Runs();
   void End_Without_Store();
   void Form_Unload();
   void mnuQuit_Click();

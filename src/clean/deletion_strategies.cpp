@@ -349,17 +349,22 @@ void Deletion_Strategies::Remove_Folder(const Plan_Stop& stop, MAPIFolder& folde
   const auto set_results = [&](Item_Result result, const std::string& reason) {
     for (const std::int64_t number : numbers) journal_.Set_Result(number, result, reason);
   };
+  bool lasts = false;
   try {
     journal_.Before_Change(store_id);
     siblings.Remove(place);
     journal_.Pending(store_id, [&](bool kept) {
+      lasts = kept;
       if (kept) ++run_.ProcessedCount;
       set_results(kept ? Item_Result::Done : Item_Result::Failed, "");
     });
     journal_.Settle();
   } catch (const Automation_Error& error) {
-    set_results(Item_Result::Failed, error.Description());
-    throw;
+    // What the store goes on to do once the removal has been kept, such as clearing up, may fail on its own.
+    if (!lasts) {
+      set_results(Item_Result::Failed, error.Description());
+      throw;
+    }
   }
   if (place_of() != 0)
     throw Automation_Error(automation_error::call_failed,

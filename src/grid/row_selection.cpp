@@ -6,12 +6,10 @@
 
 namespace tidyfold {
 
-Row_Selection::Row_Selection(MainWindow& window, FolderData_Array& records,
-                             Deleted_Items_Folders& deleted_items, Grid_Rows& rows, Command_State& commands,
-                             Message_Box& message_box, Error_Handler& errors)
+Row_Selection::Row_Selection(MainWindow& window, Deleted_Items_Folders& deleted_items, Grid_Rows& rows,
+                             Command_State& commands, Message_Box& message_box, Error_Handler& errors)
     : window_(window),
       grid_(window.grdItems),
-      records_(records),
       deleted_items_(deleted_items),
       rows_(rows),
       commands_(commands),

@@ -8,8 +8,8 @@ namespace tidyfold {
 
 class Row_Selection {
  public:
-  Row_Selection(MainWindow& window, FolderData_Array& records, Deleted_Items_Folders& deleted_items,
-                Grid_Rows& rows, Command_State& commands, Message_Box& message_box, Error_Handler& errors);
+  Row_Selection(MainWindow& window, Deleted_Items_Folders& deleted_items, Grid_Rows& rows,
+                Command_State& commands, Message_Box& message_box, Error_Handler& errors);
 
   // Sets the handlers of the option's box, of the grid's mouse and of the menu's commands on rows.
   void Wire();
@@ -40,7 +40,6 @@ class Row_Selection {
 
   MainWindow& window_;
   FlexGrid& grid_;
-  FolderData_Array& records_;
   Deleted_Items_Folders& deleted_items_;
   Grid_Rows& rows_;
   Command_State& commands_;

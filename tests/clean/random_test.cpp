@@ -7,7 +7,7 @@ namespace tidyfold {
 // Random trees, items, options, marks and rows; one run in three starts in the middle of loading.
 TEST(Random, A_Run_Takes_Exactly_What_The_Options_Say) {
   int taken = 0;
-  for (std::uint32_t seed = 1; seed <= 300 && !HasFailure(); ++seed) {
+  for (std::uint32_t seed = 1; seed <= 1000 && !HasFailure(); ++seed) {
     SCOPED_TRACE(seed);
     std::mt19937 random(seed);
     const auto one_of = [&](std::size_t count) { return static_cast<int>(random() % count); };
@@ -48,6 +48,9 @@ TEST(Random, A_Run_Takes_Exactly_What_The_Options_Say) {
       for (int clicks = one_of(6); clicks > 0 && f.grid.Rows() > 1; --clicks)
         f.Pick(1 + one_of(static_cast<std::size_t>(f.grid.Rows() - 1)), one_of(3));
       f.Foresee();
+      const Clean_Plan plan = f.app.planner.Plan_Run();
+      const bool folders = f.window.chkDeleteFolders.Checked() && !f.window.chkTurbo.Checked();
+      EXPECT_TRUE(!plan.exact || (folders ? plan.folders_to_go : plan.total.items) == f.to_take);
       f.window.cmdRun.Click();
     };
     if (seed % 3 == 0) f.events.At_Yield(3 + one_of(14), run);
@@ -58,7 +61,7 @@ TEST(Random, A_Run_Takes_Exactly_What_The_Options_Say) {
     f.Expect_Agreement();
     taken += f.to_take;
   }
-  EXPECT_GT(taken, 500) << "the chance is too small";
+  EXPECT_GT(taken, 1500) << "the chance is too small";
 }
 
 }  // namespace tidyfold

@@ -65,12 +65,12 @@ struct Kind_Of_Run {
 };
 
 inline const Kind_Of_Run ways[] = {{"cached", "", ""},
-                           {"permanent", "set PermanentDelete", ""},
-                           {"confirmed", "set ConfirmFolders ConfirmItems", ""},
-                           {"live", "", ""},  // Clean is pressed while the first folder is being read
-                           {"turbo", "set Turbo", ""},
-                           {"rows", "set ShowAllFolders", "set SelectByRow"},
-                           {"folders", "set DeleteFolders ConfirmFolders", ""}};
+                                   {"permanent", "set PermanentDelete", ""},
+                                   {"confirmed", "set ConfirmFolders ConfirmItems", ""},
+                                   {"live", "", ""},  // Clean is pressed while the first folder is being read
+                                   {"turbo", "set Turbo", ""},
+                                   {"rows", "set ShowAllFolders", "set SelectByRow"},
+                                   {"folders", "set DeleteFolders ConfirmFolders", ""}};
 
 struct Kind_Run : Run_Fixture {
   const Kind_Of_Run way;

@@ -24,7 +24,7 @@
 
 namespace tidyfold {
 
-class App;
+struct App;
 class Desktop_Help;
 class Main_Frame;
 class Message_Window;
