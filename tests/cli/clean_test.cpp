@@ -86,8 +86,10 @@ TEST_F(Clean_Run, says_everything_that_the_window_says) {
   const Words clean = Split("clean --folder Tasks --subject nothing-begins-so --permanent --yes");
   const std::string question = "Permanently delete items in selected folders?";
   const Outcome outcome = On_Store(clean);
-  EXPECT_EQ(outcome.out, "0 items in 1 folder identified for cleaning.\n" + question +
-                             "\n[Yes/No] Yes\nNo items were processed.\n");
+  EXPECT_EQ(outcome.out,
+            "0 items in 1 folder identified for cleaning.\n\nTasks: 0 items, for good\n\nOptions: Permanent "
+            "Delete; subject begins with \"nothing-begins-so\"; read items only.\n[OK/Cancel] OK\n" +
+                question + "\n[Yes/No] Yes\nNo items were processed.\n");
   EXPECT_EQ(outcome.err, "");
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(On_Store(clean + Words{"--json"}).Document()["messages"][1],
@@ -147,10 +149,10 @@ TEST_F(Clean_Plan_File, takes_what_it_names_but_what_has_changed) {
   ASSERT_GT(ids.size(), 8u);
   EXPECT_EQ(Plan()["count"], ids.size());
   // One kind of change each; then a newcomer that would pass the filters as well.
-  const char* changes[] = {"UPDATE item SET subject = 'another' WHERE id = ",
-                           "UPDATE item SET unread = 1 WHERE id = ", "UPDATE item SET class = 44 WHERE id = ",
-                           "UPDATE item SET received = 30000, last_modified = 30000 WHERE id = ",
-                           "DELETE FROM item WHERE id = "};
+  const char* changes[] = {
+      "UPDATE item SET subject = 'another' WHERE id = ", "UPDATE item SET unread = 1 WHERE id = ",
+      "UPDATE item SET class = 44 WHERE id = ",
+      "UPDATE item SET received = 30000, last_modified = 30000 WHERE id = ", "DELETE FROM item WHERE id = "};
   for (std::size_t i = 0; i < 5; ++i) Alter((changes[i] + ids[i].substr(1)).c_str());
   Alter(("UPDATE item SET folder = " + Plan()["stops"].back()["entry_id"].get<std::string>().substr(1) +
          ", position = 100000, received = 30000, unread = 0 WHERE id = (SELECT max(id) FROM item)")
