@@ -106,7 +106,7 @@ TEST_F(Clean_Run, is_held_to_limits_of_its_own) {
       {"--folder Inbox --max 3", 3, {"items, and --max allows 3."}},
       {"--folder Projects --delete-folders --max 1", 3, {"folders, and --max allows 1."}},
       {"--folder Inbox --max -1", 2, {"--max"}},
-      {"--folder Inbox --deleted-items-limit 2", 3, {"Deleted Items Folder Overflow", "Total Allowed: 2"}},
+      {"--folder Inbox --deleted-items-limit 2", 3, {"Deleted Items Folder Overflow", "Total Allowed:  2"}},
       {"--folder Inbox --max 600 --deleted-items-limit 0", 0, {}}};
   for (const Limit_Case& limit : cases) {
     for (const char* how : {" --dry-run", " --yes"}) {
@@ -114,7 +114,9 @@ TEST_F(Clean_Run, is_held_to_limits_of_its_own) {
       EXPECT_EQ(outcome.status, limit.status) << limit.words << how << outcome.err;
       for (const std::string& told : limit.told)
         EXPECT_NE(outcome.err.find(told), std::string::npos) << outcome.err;
-      if (limit.status != 0) EXPECT_EQ(Bytes_Of(store_), before_);
+      if (limit.status != 0) {
+        EXPECT_EQ(Bytes_Of(store_), before_);
+      }
     }
   }
 }
@@ -140,21 +142,23 @@ TEST_F(Clean_Plan_File, takes_what_it_names_but_what_has_changed) {
   EXPECT_EQ(Bytes_Of(store_), before_);
   std::vector<std::string> ids;
   std::set<std::string> expected = Places(All_Items());
-  for (const Json& stop : Plan()["stops"])
+  const Json plan = Plan();
+  for (const Json& stop : plan["stops"])
     for (const Json& item : stop["items"]) {
       ids.push_back(item["entry_id"]);
-      if (ids.size() > 5)
+      if (ids.size() > 5) {
         EXPECT_EQ(expected.erase(ids.back() + " in " + stop["folder"].get<std::string>()), 1u);
+      }
     }
   ASSERT_GT(ids.size(), 8u);
-  EXPECT_EQ(Plan()["count"], ids.size());
+  EXPECT_EQ(plan["count"], ids.size());
   // One kind of change each; then a newcomer that would pass the filters as well.
   const char* changes[] = {
       "UPDATE item SET subject = 'another' WHERE id = ", "UPDATE item SET unread = 1 WHERE id = ",
       "UPDATE item SET class = 44 WHERE id = ",
       "UPDATE item SET received = 30000, last_modified = 30000 WHERE id = ", "DELETE FROM item WHERE id = "};
   for (std::size_t i = 0; i < 5; ++i) Alter((changes[i] + ids[i].substr(1)).c_str());
-  Alter(("UPDATE item SET folder = " + Plan()["stops"].back()["entry_id"].get<std::string>().substr(1) +
+  Alter(("UPDATE item SET folder = " + plan["stops"].back()["entry_id"].get<std::string>().substr(1) +
          ", position = 100000, received = 30000, unread = 0 WHERE id = (SELECT max(id) FROM item)")
             .c_str());
   const std::size_t before = All_Items().size();
@@ -169,7 +173,9 @@ TEST_F(Clean_Plan_File, takes_what_it_names_but_what_has_changed) {
   EXPECT_EQ(items.size(), before);
   const std::set<std::string> moved(ids.begin() + 5, ids.end());
   for (const Json& item : items)
-    if (moved.contains(item["entry_id"])) EXPECT_EQ(item["folder"], "Deleted Items");
+    if (moved.contains(item["entry_id"])) {
+      EXPECT_EQ(item["folder"], "Deleted Items");
+    }
   Json logged = Run({"runs", "1", "--json"}).Document();
   EXPECT_EQ(std::count_if(logged.begin(), logged.end(),
                           [](const Json& item) { return item["result"] == "changed since it was shown"; }),
