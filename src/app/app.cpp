@@ -104,11 +104,10 @@ void App::Form_Load() {
     panes.Form_Resize();
     procedure.Step("Form_Load - Load Interface");
     Load_Interface();
-    Tell_Killed_Runs();
   });
 }
 
-// Once for each run that ended with its process. A log that cannot be read is told when it is needed.
+// A log that cannot be read is told when it is needed.
 void App::Tell_Killed_Runs() {
   try {
     for (const Logged_Run& killed : log.Killed_Since_Last_Told()) {

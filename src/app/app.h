@@ -55,6 +55,9 @@ struct App : private Interface_Loader {
   void Form_Load();
   // Rebuilds the tree and loads the items, again and again while a refresh is asked for on the way.
   void Load_Interface() override;
+  // Once for each run that ended with its process. For a front end whose person sees message boxes while the
+  // window opens.
+  void Tell_Killed_Runs();
 
   MainWindow& window;
   Run_Log& log;
@@ -100,7 +103,6 @@ struct App : private Interface_Loader {
 
  private:
   void Wire();
-  void Tell_Killed_Runs();
   void End_Without_Store();
   void Form_Unload();
   void mnuQuit_Click();

@@ -141,7 +141,7 @@ class Plan_Reader {
     if (event == Json::parse_event_t::key && depth == 1) key_ = parsed.get<std::string>();
     if (event == Json::parse_event_t::value && depth == 1 && key_ == "version" && parsed.get<int>() > version)
       Fail(file_, "is a plan of a newer version of this program. Use that version.");
-    if (event != Json::parse_event_t::object_end || key_ != "stops") return true;
+    if (event != Json::parse_event_t::object_end || depth == 0 || key_ != "stops") return true;
     if (depth == item_depth) items_.push_back(Item_Of(parsed));
     if (depth == stop_depth) {
       destinations_.push_back(parsed.at("destination").get<std::string>());

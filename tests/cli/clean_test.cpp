@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
 #include <set>
 
 #include "program.h"
@@ -91,6 +94,127 @@ TEST_F(Clean_Run, says_everything_that_the_window_says) {
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(On_Store(clean + Words{"--json"}).Document()["messages"][1],
             Json({{"text", question}, {"buttons", {"Yes", "No"}}, {"answer", "Yes"}}));
+}
+
+TEST_F(Clean_Run, is_held_to_limits_of_its_own) {
+  struct Limit_Case {
+    const char* words;
+    int status;
+    Words told;
+  };
+  const Limit_Case cases[] = {
+      {"--folder Inbox --max 3", 3, {"items, and --max allows 3."}},
+      {"--folder Projects --delete-folders --max 1", 3, {"folders, and --max allows 1."}},
+      {"--folder Inbox --max -1", 2, {"--max"}},
+      {"--folder Inbox --deleted-items-limit 2", 3, {"Deleted Items Folder Overflow", "Total Allowed:  2"}},
+      {"--folder Inbox --max 600 --deleted-items-limit 0", 0, {}}};
+  for (const Limit_Case& limit : cases) {
+    for (const char* how : {" --dry-run", " --yes"}) {
+      const Outcome outcome = On_Store(Split("clean " + std::string(limit.words) + how));
+      EXPECT_EQ(outcome.status, limit.status) << limit.words << how << outcome.err;
+      for (const std::string& told : limit.told)
+        EXPECT_NE(outcome.err.find(told), std::string::npos) << outcome.err;
+      if (limit.status != 0) {
+        EXPECT_EQ(Bytes_Of(store_), before_);
+      }
+    }
+  }
+}
+
+class Clean_Plan_File : public Clean_Run {
+ protected:
+  void SetUp() override {
+    Clean_Run::SetUp();
+    ASSERT_EQ(Save(plan_).status, 0);
+  }
+  Outcome Save(const std::string& file, const std::string& options = "") {
+    return On_Store(Split("clean --folder Inbox --sub-folders --cutoff 2015-12-31" + options) +
+                    Words{"--dry-run", "--save-plan", file});
+  }
+  Json Plan() const { return Json::parse(Bytes_Of(plan_)); }
+  Outcome Clean_By(const std::string& file, const std::string& options = "") {
+    return On_Store(Words{"clean", "--plan", file} + Split(options));
+  }
+  const std::string plan_ = Path("plan.json");
+};
+
+TEST_F(Clean_Plan_File, takes_what_it_names_but_what_has_changed) {
+  EXPECT_EQ(Bytes_Of(store_), before_);
+  std::vector<std::string> ids;
+  std::set<std::string> expected = Places(All_Items());
+  const Json plan = Plan();
+  for (const Json& stop : plan["stops"])
+    for (const Json& item : stop["items"]) {
+      ids.push_back(item["entry_id"]);
+      if (ids.size() > 5) {
+        EXPECT_EQ(expected.erase(ids.back() + " in " + stop["folder"].get<std::string>()), 1u);
+      }
+    }
+  ASSERT_GT(ids.size(), 8u);
+  EXPECT_EQ(plan["count"], ids.size());
+  // One kind of change each; then a newcomer that would pass the filters as well.
+  const char* changes[] = {
+      "UPDATE item SET subject = 'another' WHERE id = ", "UPDATE item SET unread = 1 WHERE id = ",
+      "UPDATE item SET class = 44 WHERE id = ",
+      "UPDATE item SET received = 30000, last_modified = 30000 WHERE id = ", "DELETE FROM item WHERE id = "};
+  for (std::size_t i = 0; i < 5; ++i) Alter((changes[i] + ids[i].substr(1)).c_str());
+  Alter(("UPDATE item SET folder = " + plan["stops"].back()["entry_id"].get<std::string>().substr(1) +
+         ", position = 100000, received = 30000, unread = 0 WHERE id = (SELECT max(id) FROM item)")
+            .c_str());
+  const std::size_t before = All_Items().size();
+
+  const Outcome outcome = Clean_By(plan_, "--yes --json");
+  EXPECT_EQ(outcome.status, 1) << outcome.err;
+  EXPECT_EQ(outcome.Document()["processed"], ids.size() - 5);
+  for (const char* reason : {"Its subject", "become unread", "another type", "Its date", "no longer there"})
+    EXPECT_NE(outcome.err.find(reason), std::string::npos) << outcome.err;
+  EXPECT_NE(outcome.out.find("5 items were kept"), std::string::npos) << outcome.out;
+  const Json items = All_Items();
+  EXPECT_EQ(items.size(), before);
+  const std::set<std::string> moved(ids.begin() + 5, ids.end());
+  for (const Json& item : items)
+    if (moved.contains(item["entry_id"])) {
+      EXPECT_EQ(item["folder"], "Deleted Items");
+    }
+  Json logged = Run({"runs", "1", "--json"}).Document();
+  EXPECT_EQ(std::count_if(logged.begin(), logged.end(),
+                          [](const Json& item) { return item["result"] == "changed since it was shown"; }),
+            5);
+}
+
+TEST_F(Clean_Plan_File, is_refused_where_it_does_not_fit) {
+  const auto altered = [&](const char* field, const Json& value) {
+    Json plan = Plan();
+    plan[Json::json_pointer(field)] = value;
+    std::ofstream(Path("altered.json")) << plan;
+    return Clean_By(Path("altered.json"), "--yes");
+  };
+  std::ofstream(Path("text")) << "no plan";
+  ASSERT_EQ(Run({"sample", Path("other"), "--items", "10", "--seed", "2"}).status, 0);
+  Json twice = Plan()["stops"];
+  twice.push_back(twice[0]);
+  const std::pair<Outcome, const char*> cases[] = {
+      {Save(plan_), "there already"},
+      {Save(Path("new"), " --delete-folders"), "names items"},
+      {On_Store({"clean", "--folder", "Inbox", "--yes", "--save-plan", Path("new")}), "--dry-run"},
+      {On_Store({"clean", "--yes"}), "--folder"},
+      {Clean_By(plan_, "--yes --unread"), "--unread"},
+      {Clean_By(plan_, "--yes --folder Inbox"), "--folder"},
+      {Clean_By(Path("none")), "cannot be read"},
+      {Clean_By(Path("text")), "no plan"},
+      {altered("/version", 2), "newer version"},
+      {altered("/options", 5), "no plan"},
+      {altered("/options/permanent", true), "do not agree"},
+      {altered("/stops", twice), "twice"},
+      {Run({"--store", Path("other"), "clean", "--plan", plan_, "--yes"}), "not open"}};
+  for (const auto& [outcome, told] : cases) {
+    EXPECT_EQ(outcome.status, 2) << told << outcome.err;
+    EXPECT_NE(outcome.err.find(told), std::string::npos) << told << ": " << outcome.err;
+  }
+  EXPECT_FALSE(std::filesystem::exists(Path("new")));
+  EXPECT_EQ(Clean_By(plan_).status, 3);
+  EXPECT_EQ(Clean_By(plan_, "--yes --max 2").status, 3);
+  EXPECT_EQ(Bytes_Of(store_), before_);
 }
 
 TEST_F(Clean_Run, is_not_begun_where_nobody_can_be_asked) {

@@ -141,6 +141,11 @@ TEST_F(Runs, that_were_killed_are_told_once_and_taken_back) {
       << undone.err;
   EXPECT_NE(undone.out.find("3 items were put back."), std::string::npos) << undone.out;
   EXPECT_EQ(On_Store({"undo", "--yes"}).err, "");
+  Clean_Inbox(1, true);
+  const Words clean = Split("clean --folder Notes --subject nothing-begins-so");
+  EXPECT_EQ(On_Store(clean + Words{"--dry-run"}).err, "");
+  EXPECT_NE(On_Store(clean + Words{"--yes"}).err.find(" was killed."), std::string::npos);
+  EXPECT_EQ(On_Store(clean + Words{"--yes"}).err, "");
 }
 
 }  // namespace

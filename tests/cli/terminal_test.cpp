@@ -2,6 +2,8 @@
 #include <pty.h>
 #include <unistd.h>
 
+#include <algorithm>
+
 #include "program.h"
 
 namespace tidyfold::cli {
@@ -11,8 +13,8 @@ class At_Terminal : public Program_Test {
  protected:
   void SetUp() override { Make_Sample(); }
 
-  // Types one answer at each prompt. Returns the exit status; shown_ is the output.
-  int Type(const Words& words, const std::string& prompt, const Words& answers) {
+  // Types one answer at each question. Returns the exit status; shown_ is the output.
+  int Type(const Words& words, const Words& answers) {
     int terminal = -1;
     const pid_t process = forkpty(&terminal, nullptr, nullptr, nullptr);
     if (process == 0) {
@@ -28,9 +30,10 @@ class At_Terminal : public Program_Test {
     char piece[512];
     for (ssize_t size = 0; (size = read(terminal, piece, sizeof piece)) > 0;) {
       shown_.append(piece, static_cast<std::size_t>(size));
-      const auto at = shown_.find(prompt, looked);
+      // Every list of buttons of a question ends so.
+      const auto at = std::min(shown_.find("/No] ", looked), shown_.find("/Cancel] ", looked));
       if (at == std::string::npos || answered == answers.size()) continue;
-      looked = at + prompt.size();
+      looked = shown_.find("] ", at) + 2;
       const std::string& answer = answers[answered++];
       EXPECT_EQ(write(terminal, answer.data(), answer.size()), static_cast<ssize_t>(answer.size()));
     }
@@ -51,23 +54,23 @@ class At_Terminal : public Program_Test {
 TEST_F(At_Terminal, a_question_waits_for_an_answer_that_is_one) {
   const Words clean = Split("clean --folder Notes --permanent");
   const std::size_t notes = In_Notes();
-  for (const char* no : {"n\n", "No\n", "\x04", "\x03"}) {
-    EXPECT_EQ(Type(clean, "[Yes/No] ", {no}), 3) << shown_;
+  const Words refusals[] = {{"c\n"},         {"\x04"},         {"ok\n", "n\n"},
+                            {"o\n", "No\n"}, {"ok\n", "\x04"}, {"ok\n", "\x03"}};
+  for (const Words& answers : refusals) {
+    EXPECT_EQ(Type(clean, answers), 3) << shown_;
     EXPECT_EQ(In_Notes(), notes);
   }
-  EXPECT_EQ(Type(clean, "[Yes/No] ", {"perhaps\n", "\n", "yes\n"}), 0) << shown_;
+  EXPECT_EQ(Type(clean, {"y\n", "ok\n", "perhaps\n", "\n", "yes\n"}), 0) << shown_;
   EXPECT_NE(shown_.find(" items were deleted."), std::string::npos) << shown_;
   EXPECT_EQ(In_Notes(), 0u);
-  EXPECT_EQ(Type(Split("clean --folder Journal --confirm-folders"), "[Yes/No] ", {"n\n"}), 3) << shown_;
+  EXPECT_EQ(Type(Split("clean --folder Journal --confirm-folders"), {"ok\n", "n\n"}), 3) << shown_;
 }
 
 TEST_F(At_Terminal, items_are_asked_for_until_the_run_is_cancelled) {
   const std::size_t notes = In_Notes();
   ASSERT_GT(notes, 3u);
   for (const char* stop : {"c\n", "\x03"}) {
-    EXPECT_EQ(Type(Split("clean --folder Notes --confirm-items"), "[Yes/No/Cancel] ", {"y\n", "n\n", stop}),
-              4)
-        << shown_;
+    EXPECT_EQ(Type(Split("clean --folder Notes --confirm-items"), {"ok\n", "y\n", "n\n", stop}), 4) << shown_;
     EXPECT_NE(shown_.find("1 item was moved to the \"Deleted Items\" folder."), std::string::npos) << shown_;
   }
   EXPECT_EQ(In_Notes(), notes - 2);

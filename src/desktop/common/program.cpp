@@ -64,6 +64,7 @@ void Program::Start() {
   Build();
   loading_ = true;
   app_->Form_Load();
+  if (window_.frmRemoveItems.Loaded()) app_->Tell_Killed_Runs();
   loading_ = false;
   if (!window_.frmRemoveItems.Loaded()) End_When_Unwound();
 }
