@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <optional>
 #include <string>
@@ -36,6 +37,16 @@ inline std::string Format_Date(Date date) {
   write(6, static_cast<unsigned>(day.month()));
   write(9, static_cast<unsigned>(day.day()));
   return text;
+}
+
+// "yyyy-mm-ddThh:mm:ss".
+inline std::string Format_Moment(Date moment) {
+  const auto seconds = static_cast<std::int64_t>(std::llround((moment - std::floor(moment)) * 86400));
+  const Date day = std::floor(moment) + static_cast<Date>(seconds / 86400);
+  const auto of_day = static_cast<int>(seconds % 86400);
+  char text[16];
+  std::snprintf(text, sizeof text, "T%02d:%02d:%02d", of_day / 3600, of_day / 60 % 60, of_day % 60);
+  return Format_Date(day) + text;
 }
 
 // The date that "yyyy-mm-dd" names; nothing for any other text and for days that no calendar has.

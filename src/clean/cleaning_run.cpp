@@ -106,6 +106,9 @@ void Cleaning_Run::Run() {
   deleted_items_.Assigne_Deleted_Items_Folders();
   strategies_.Begin_Run(plan_);
   for (const Plan_Stop& stop : plan_.stops) stops_.emplace(stop.folder, &stop);
+  const Item_Action action = plan_.options.permanent ? Item_Action::Deleted : Item_Action::Moved;
+  for (const Kept_Item& kept : plan_.kept)
+    journal_.Note_Changed(kept.folder, kept.shown, action, kept.reason);
   if (plan_.options.by_row) {
     strategies_.Delete_Filtered_Items_By_Row(plan_);
   } else {
@@ -203,7 +206,6 @@ void Cleaning_Run::Process_Each_Node(int node, int depth) {
   });
 }
 
-// Whatever ends the work on a folder, its caption loses the mark that shows it as the one being cleaned.
 // Whatever ends the work on a folder, its caption loses the mark that shows it as the one being cleaned.
 void Cleaning_Run::Clean_Stop(const Plan_Stop& stop) {
   const int node = stop.folder;

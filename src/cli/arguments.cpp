@@ -72,7 +72,7 @@ std::vector<std::string> With_Every_Value_Named(const std::vector<std::string>& 
 // The arguments as text, before they are parsed.
 struct Raw {
   std::vector<std::string> stores, types, folders, sources;
-  std::string cutoff, subject, target, sample_file;
+  std::string cutoff, subject, target, sample_file, save_plan, plan;
   bool json = false, csv = false;
 };
 
@@ -83,9 +83,7 @@ CLI::Option* Add_List(CLI::App& app, const std::string& name, List& list, const 
 
 void Add_Filters(CLI::App& command, Arguments& arguments, Raw& raw) {
   Filters& filters = arguments.filters;
-  Add_List(command, "--folder", raw.folders, "A folder, by its path; may be repeated")
-      ->required()
-      ->type_name("PATH");
+  Add_List(command, "--folder", raw.folders, "A folder, by its path; may be repeated")->type_name("PATH");
   command.add_flag("--sub-folders", arguments.sub_folders, "Mark what lies below as well");
   Add_List(command, "--type", raw.types, "Items of this type only; may be repeated")
       ->type_name("mail|appointments|contacts|journals|tasks|notes");
@@ -137,7 +135,24 @@ void Add_Item_Commands(CLI::App& app, Arguments& arguments, Raw& raw) {
   clean.add_flag("--delete-folders", options.delete_folders, "Delete the folders themselves, for good");
   clean.add_flag("--confirm-folders", options.confirm_folders, "Ask before each folder");
   clean.add_flag("--confirm-items", options.confirm_items, "Ask before each item");
-  clean.add_flag("--dry-run", arguments.dry_run, "List what would be taken, and change nothing");
+  CLI::Option* dry_run =
+      clean.add_flag("--dry-run", arguments.dry_run, "List what would be taken, and change nothing");
+  clean.add_option("--save-plan", raw.save_plan, "Write what would be taken to a new file")
+      ->needs(dry_run)
+      ->type_name("FILE");
+  CLI::Option* plan =
+      clean.add_option("--plan", raw.plan, "Take exactly what a saved plan names")->type_name("FILE");
+  for (CLI::Option* chooses : clean.get_options())
+    if (chooses != plan && chooses != clean.get_help_ptr()) plan->excludes(chooses);
+  const CLI::Range from_0(0, std::numeric_limits<std::int32_t>::max());
+  clean.add_option("--max", arguments.most, "Refuse a run that would take more")
+      ->check(from_0)
+      ->type_name("N");
+  clean
+      .add_option("--deleted-items-limit", arguments.deleted_items_limit,
+                  "The most that a Deleted Items folder may hold, for this run; 0: any number")
+      ->check(from_0)
+      ->type_name("N");
   clean.add_flag("--yes", arguments.yes, "Answer Yes or OK to every question");
   clean.add_flag("--json", raw.json, "As JSON");
 }
@@ -179,6 +194,17 @@ void Understand(Arguments& arguments, const Raw& raw, const CLI::App& command) {
     if (!arguments.filters.cutoff)
       Fail("--cutoff \"" + raw.cutoff + "\" is no date. Give a day of the calendar as YYYY-MM-DD.");
   }
+  if (given("--save-plan")) arguments.save_plan = File_Path(raw.save_plan);
+  if (given("--plan")) arguments.plan = File_Path(raw.plan);
+  const bool needs_folder =
+      arguments.command == Command::Items || (arguments.command == Command::Clean && !arguments.plan);
+  if (needs_folder && arguments.folders.empty())
+    Fail("No folder is named. Name it with --folder PATH; \"folders\" lists every path.");
+  if (arguments.save_plan && arguments.options.delete_folders)
+    Fail(
+        "--save-plan cannot be used with --delete-folders: a plan names items, not folders. Leave one of "
+        "them "
+        "out.");
   const bool makes_store = arguments.command == Command::Sample;
   if (makes_store && !arguments.stores.empty())
     Fail("--store names stores that exist; the new one is named after \"sample\". Leave --store out.");

@@ -46,6 +46,9 @@ struct Arguments {
   Options options;
   bool dry_run = false;
   bool yes = false;
+  std::optional<std::int64_t> most;                 // items, or folders, that a run may take
+  std::optional<std::int32_t> deleted_items_limit;  // for this run alone; 0: none
+  std::optional<std::filesystem::path> save_plan, plan;
 
   // import
   std::vector<std::filesystem::path> sources;

@@ -3,7 +3,10 @@
 
 #include "cli/choice.h"
 #include "cli/commands.h"
+#include "cli/killed_runs.h"
 #include "cli/listing.h"
+#include "cli/plan_file.h"
+#include "cli/plan_matching.h"
 
 namespace tidyfold::cli {
 
@@ -17,15 +20,24 @@ class Clean_Command {
         json_(arguments.form == Form::Json),
         answering_(Answering_For(arguments, terminal)),
         session_(arguments.stores, arguments.dry_run ? Store_Mode::Read_Only : Store_Mode::Read_Write,
-                 terminal, answering_, json_) {}
+                 terminal, answering_, json_, arguments.deleted_items_limit) {}
 
   Exit_Status Run() {
+    if (arguments_.save_plan) Check_New_File(*arguments_.save_plan);
     const std::vector<Store_Folder> folders = session_.Find(arguments_.folders);
+    std::optional<Filed_Plan> filed;
+    if (arguments_.plan) {
+      filed = Read_Plan_File(*arguments_.plan);
+      Check_Stores(*filed, session_);
+    }
+    if (!arguments_.dry_run) Tell_Of_Killed_Runs();
     session_.Load();
     if (arguments_.dry_run && !json_) terminal_.Write("Dry run: nothing is changed.\n");
     try {
-      Choose(folders);
-      return arguments_.dry_run ? Rehearse() : Clean();
+      if (!filed) Choose(folders);
+      Clean_Plan plan = filed ? Match_Plan(*filed, session_) : session_.Program().planner.Plan_Run();
+      Check_Most(plan);
+      return arguments_.dry_run ? Rehearse(plan) : Clean(std::move(plan));
     } catch (const Failure& failure) {
       // A refusal has a document; bad usage has none.
       if (failure.Status() != Exit_Status::Refused) throw;
@@ -49,6 +61,24 @@ class Clean_Command {
     for (const Store_Folder& folder : folders) choice.Mark(folder);
   }
 
+  // A log that cannot be read stops nothing here: the run itself asks what to do without one.
+  void Tell_Of_Killed_Runs() {
+    try {
+      Tell_Killed_Runs(session_.Log(), terminal_);
+    } catch (const Run_Log_Error&) {
+    }
+  }
+
+  void Check_Most(const Clean_Plan& plan) const {
+    const bool takes_folders = plan.options.delete_folders;
+    const std::int64_t count = takes_folders ? plan.folders_to_go : plan.total.items;
+    if (!arguments_.most || count <= *arguments_.most) return;
+    throw Failure(Exit_Status::Refused, "The run would take " +
+                                            Counted(count, takes_folders ? "folder" : "item") +
+                                            ", and --max allows " + std::to_string(*arguments_.most) +
+                                            ". Nothing was changed. Choose less, or give a higher --max.");
+  }
+
   // A check says itself why; `otherwise` is for a question that was not answered Yes.
   [[noreturn]] void Refuse(const char* otherwise) {
     const auto& shown = session_.Messages().Shown();
@@ -58,9 +88,9 @@ class Clean_Command {
                   why + " Nothing was changed." + (by_check ? " Choose other folders or options." : ""));
   }
 
-  Exit_Status Rehearse() {
-    const Clean_Plan plan = session_.Program().planner.Plan_Run();
+  Exit_Status Rehearse(const Clean_Plan& plan) {
     if (!session_.Program().checks.Check_Screen(plan)) Refuse("The run would not begin.");
+    if (arguments_.save_plan) Write_Plan_File(*arguments_.save_plan, plan, session_);
     const bool takes_folders = plan.options.delete_folders;
     if (json_) {
       Write_Document(takes_folders ? plan.folders_to_go : plan.total.items, false, &plan);
@@ -69,12 +99,17 @@ class Clean_Command {
     const std::int64_t items = Item_Listing(session_, terminal_, Form::Text).Write(plan);
     terminal_.Write((takes_folders ? Counted(plan.folders_to_go, "folder") + " with " : "") +
                     Counted(items, "item") + " would be taken.\n");
+    if (arguments_.save_plan)
+      terminal_.Write("The plan was saved to \"" + arguments_.save_plan->string() + "\".\n");
     return Exit_Status::Done;
   }
 
-  Exit_Status Clean() {
+  Exit_Status Clean(Clean_Plan plan) {
     const Run_State& run = session_.Program().run;
-    Raise(session_.Window().cmdRun.Click);
+    for (const Kept_Item& kept : plan.kept)
+      terminal_.Write_Error("\"" + kept.shown.Subject + "\" (" + session_.Records()[kept.folder].FolderName +
+                            ") is kept, because it has changed since it was planned: " + kept.reason);
+    session_.Program().cleaning.Run_Plan(std::move(plan));
     if (!run.Began)
       Refuse(answering_ == Answering::Decline
                  ? "There is no terminal to confirm the run on. Give --yes to confirm everything beforehand."

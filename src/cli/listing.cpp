@@ -17,11 +17,6 @@ using Json = nlohmann::ordered_json;
 
 constexpr std::size_t type_width = 17, sender_width = 24, subject_width = 44;
 
-// As in the grid: empty if there is no date.
-std::string Date_Text(const ItemData& item) {
-  return item.ItemDate == no_date ? std::string() : Format_Date(item.ItemDate);
-}
-
 std::size_t Characters(std::string_view text) {
   std::size_t count = 0;
   for (const char byte : text)
@@ -56,6 +51,10 @@ Json Messages_Json(const Terminal_Message_Box& messages) {
     all.push_back({{"text", message.text}, {"buttons", buttons}, {"answer", Answer_Name(message.answer)}});
   }
   return all;
+}
+
+std::string Date_Text(const ItemData& item) {
+  return item.ItemDate == no_date ? std::string() : Format_Date(item.ItemDate);
 }
 
 std::string Cell(std::string_view text, std::size_t width) {

@@ -18,6 +18,9 @@ std::string To_Json(const nlohmann::ordered_json& value);
 // The message boxes that were shown, as documents list them.
 nlohmann::ordered_json Messages_Json(const Terminal_Message_Box& messages);
 
+// "yyyy-mm-dd" as the grid shows it; empty if the item has no date.
+std::string Date_Text(const ItemData& item);
+
 // A text on one line and exactly as wide as its column.
 std::string Cell(std::string_view text, std::size_t width);
 

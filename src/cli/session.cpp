@@ -10,17 +10,22 @@ namespace tidyfold::cli {
 
 namespace {
 
+std::string Identity(const std::string& store_id, const std::string& entry_id) {
+  return store_id + "/" + entry_id;
+}
+
 std::string Identity(MAPIFolder& folder) {
-  return folder.StoreID() + "/" + folder.EntryID();
+  return Identity(folder.StoreID(), folder.EntryID());
 }
 
 }  // namespace
 
 Session::Session(const std::vector<std::filesystem::path>& stores, Store_Mode mode, Terminal& terminal,
-                 Answering answering, bool quiet)
+                 Answering answering, bool quiet, std::optional<std::int32_t> deleted_items_limit)
     : terminal_(terminal),
       message_box_(terminal, answering, quiet),
       registry_(Make_System_Registry([&terminal](const std::string& text) { terminal.Write_Error(text); })),
+      limits_(stored_limits_, deleted_items_limit),
       app_(window_, {outlook_, message_box_, events_, clock_, log_, limits_}) {
   outlook_.Open(stores, mode);
   folders_ = List_Folders(outlook_);
@@ -85,6 +90,11 @@ std::vector<Store_Folder> Session::Find(const std::vector<std::string>& paths) c
 
 int Session::Node(const Store_Folder& folder) const {
   return nodes_.at(Identity(*folder.folder));
+}
+
+int Session::Find_Node(const std::string& store_id, const std::string& entry_id) const {
+  const auto found = nodes_.find(Identity(store_id, entry_id));
+  return found == nodes_.end() ? 0 : found->second;
 }
 
 }  // namespace tidyfold::cli

@@ -1,6 +1,7 @@
 // The program at work on the stores of the command line, without a visible window.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -10,6 +11,7 @@
 #include "clean/stored_limits.h"
 #include "cli/arguments.h"
 #include "cli/cli_events.h"
+#include "cli/run_limits.h"
 #include "cli/store_folders.h"
 #include "cli/terminal.h"
 #include "cli/terminal_message_box.h"
@@ -21,9 +23,10 @@ namespace tidyfold::cli {
 
 class Session {
  public:
-  // Opens the stores and lists their folders. Throws Store_Open_Error.
+  // Opens the stores and lists their folders. Throws Store_Open_Error. A limit of the Deleted Items folders
+  // stands for the stored ones as long as the session lasts.
   Session(const std::vector<std::filesystem::path>& stores, Store_Mode mode, Terminal& terminal,
-          Answering answering, bool quiet);
+          Answering answering, bool quiet, std::optional<std::int32_t> deleted_items_limit = std::nullopt);
 
   // Builds the tree and reads every item, as the window does when it opens. Throws Failure if that was
   // cancelled or incomplete: nothing may be decided on partial data.
@@ -37,9 +40,14 @@ class Session {
   const FolderData_Array& Records() const { return app_.records; }
   // The index of a folder in the tree and the records.
   int Node(const Store_Folder& folder) const;
+  // The same by its identifiers; 0 if there is no such folder.
+  int Find_Node(const std::string& store_id, const std::string& entry_id) const;
+  // The absolute path of an open store's file.
+  std::string Place_Of_Store(const std::string& store_id) const { return outlook_.Place_Of_Store(store_id); }
 
   MainWindow& Window() { return window_; }
   App& Program() { return app_; }
+  Run_Log& Log() { return log_; }
   const Terminal_Message_Box& Messages() const { return message_box_; }
 
  private:
@@ -53,7 +61,8 @@ class Session {
   System_Clock clock_;
   Run_Log log_{Default_Run_Log_File()};
   std::unique_ptr<Registry> registry_;
-  Stored_Limits limits_{*registry_};
+  Stored_Limits stored_limits_{*registry_};
+  Run_Limits limits_;
   MainWindow window_;
   App app_;
   std::unordered_map<std::string, int> nodes_;  // by the folder's identifiers

@@ -42,10 +42,19 @@ struct Plan_Stop {
   std::vector<Planned_Item> items;
 };
 
+// An item that was planned earlier, is not what was planned any more, and therefore stays.
+struct Kept_Item {
+  int folder = 0;
+  ItemData shown;
+  std::string reason;
+};
+
 struct Clean_Plan {
   Run_Options options;
   // In the order of the walk: what lies below a folder comes before it.
   std::vector<Plan_Stop> stops;
+  // Of a plan that was made in an earlier session. The run reports and logs them.
+  std::vector<Kept_Item> kept;
   Tally total;
   // Every stop is.
   bool exact = true;

@@ -22,16 +22,6 @@ constexpr int item_bits = 32;
 constexpr std::int64_t items_per_clearing = 500;
 constexpr std::int64_t items_per_reading = 1000;
 
-std::string Time_Text(Date moment) {
-  const auto seconds = static_cast<std::int64_t>(std::llround((moment - std::floor(moment)) * 86400));
-  const std::int64_t next_day = seconds / 86400;  // where the last second is rounded up
-  const Date day = std::floor(moment) + static_cast<Date>(next_day);
-  const auto of_day = static_cast<int>(seconds % 86400);
-  char text[16];
-  std::snprintf(text, sizeof text, "T%02d:%02d:%02d", of_day / 3600, of_day / 60 % 60, of_day % 60);
-  return Format_Date(day) + text;
-}
-
 constexpr const char* run_columns =
     "SELECT id, kind, undo_of, began, ended, options, items, bytes, folders, exact, processed, "
     "not_all_deleted, "
@@ -179,7 +169,7 @@ std::int64_t Run_Log::Begin(const Run_Header& header, Date now) {
     Log_Statement(file,
                   "INSERT INTO run (kind, undo_of, began, options, items, bytes, folders, exact) "
                   "VALUES (?,?,?,?,?,?,?,?)")
-        .Run(static_cast<int>(header.kind), header.undo_of, Time_Text(now), header.options, header.items,
+        .Run(static_cast<int>(header.kind), header.undo_of, Format_Moment(now), header.options, header.items,
              header.bytes, header.folders, header.exact);
     run = file.Last_Insert();
     Log_Statement add_store(file, "INSERT INTO store VALUES (?,?,?,?)");
@@ -280,7 +270,7 @@ void Run_Log::End(const Run_Outcome& outcome, Date now) {
   Flush();
   Log_Statement(access_->Open(),
                 "UPDATE run SET ended = ?, processed = ?, not_all_deleted = ?, cancelled = ? WHERE id = ?")
-      .Run(Time_Text(now), outcome.processed, outcome.not_all_deleted, outcome.cancelled, access_->run);
+      .Run(Format_Moment(now), outcome.processed, outcome.not_all_deleted, outcome.cancelled, access_->run);
   access_->run = 0;
   access_->lock.reset();
 }
