@@ -71,6 +71,10 @@ def main():
             window.click(run["rectangle"])
             window.box("identified for cleaning")
             window.picture("confirmation")
+            window.answer("identified for cleaning", "Escape")
+            # Esc on the review begins no run: the log below has one.
+            run = window.wait("the button again", lambda: not window.state()["boxes"] and window.widget("cmdRun"))
+            window.click(run["rectangle"])
             window.answer("identified for cleaning")
             window.answer("were moved to the \"Deleted Items\" folder")
             window.wait("rest", lambda: not window.state()["boxes"]
@@ -79,12 +83,16 @@ def main():
             window.picture("cleaned")
             ask_for_help(window, browsed)
             window.quit()
+            # The window and the command line share one log of runs.
+            assert list(window.folder.glob("wine/drive_c/users/*/AppData/Local/Tidyfold/runs.sqlite"))
+            logged = json.loads(window.run(cli, "runs", "--json"))
         finally:
             window.close()
 
         after = counts(wine, cli, store)
         moved = before[inbox] - after[inbox]
         assert moved > 0 and after[deleted] == before[deleted] + moved, (before, after)
+        assert [(run["state"], run["processed"]) for run in logged] == [("ended", moved)], logged
         others = set(before) - {inbox, deleted}
         assert {path: after[path] for path in others} == {path: before[path] for path in others}
         print(f"{moved} items of the Inbox were moved.")
