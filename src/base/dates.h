@@ -42,7 +42,8 @@ inline std::string Format_Date(Date date) {
 // "yyyy-mm-ddThh:mm:ss".
 inline std::string Format_Moment(Date moment) {
   const auto seconds = static_cast<std::int64_t>(std::llround((moment - std::floor(moment)) * 86400));
-  const Date day = std::floor(moment) + static_cast<Date>(seconds / 86400);
+  const std::int64_t next_day = seconds / 86400;  // where the last second is rounded up
+  const Date day = std::floor(moment) + static_cast<Date>(next_day);
   const auto of_day = static_cast<int>(seconds % 86400);
   char text[16];
   std::snprintf(text, sizeof text, "T%02d:%02d:%02d", of_day / 3600, of_day / 60 % 60, of_day % 60);

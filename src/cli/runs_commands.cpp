@@ -239,8 +239,10 @@ class Undo_Command {
 void Tell_Killed_Runs(Run_Log& log, Terminal& terminal) {
   for (const Logged_Run& run : log.Killed_Since_Last_Told()) {
     const std::string number = std::to_string(run.run);
-    terminal.Write_Error(Killed_Text(run) + " \"tidyfold-cli runs " + number + "\" lists them, \"undo " +
-                         number + "\" takes back what was moved.");
+    std::string text = Killed_Text(run);
+    text.append(" \"tidyfold-cli runs ").append(number).append("\" lists them, \"undo ");
+    text.append(number).append("\" takes back what was moved.");
+    terminal.Write_Error(text);
     log.Told(run.run);
   }
 }
