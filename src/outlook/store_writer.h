@@ -13,23 +13,35 @@ namespace tidyfold {
 struct New_Attachment {
   std::string name;
   std::int64_t size = 0;  // bytes
+  // Only of items whose raw form does not hold it; empty otherwise.
+  std::string content = {};
 };
 
 // All texts are UTF-8; dates are local day counts, no_date where there is none.
 struct New_Item {
   std::int32_t item_class = item_class::mail;
-  std::string sender;      // display name
-  std::string recipients;  // display names of the "To" line
+  std::string sender;          // display name
+  std::string sender_address;  // of mail; may be empty
+  std::string recipients;      // display names of the "To" line
+  std::string message_id;      // of mail, without angle brackets
+  std::string list_id;         // of a mailing list's mail (RFC 2919), without angle brackets
   std::string subject;
   std::string body;
   bool unread = false;
+  bool flagged = false;   // marked for follow-up
+  bool answered = false;  // replied to
   Date received = no_date;
   Date last_modified = no_date;
   Date completed = no_date;
   Date due = no_date;
+  // Of a recurring appointment, the end of its last occurrence; no_date if it goes on for ever.
   Date end = no_date;
-  std::int64_t size = 0;    // bytes of the whole item
-  std::string raw_message;  // RFC 5322, for mail; empty where there is none
+  std::int64_t size = 0;  // bytes of the whole item
+  // The item in the form that other programs read; empty where there is none. Mail, meetings and reports:
+  // a message (RFC 5322). Appointments and tasks: iCalendar (RFC 5545), one VCALENDAR. Contacts and
+  // distribution lists: vCard (RFC 6350), the latter with KIND:group. Notes, posts and journal entries have
+  // none.
+  std::string raw_message;
   std::vector<New_Attachment> attachments;
 };
 
