@@ -136,6 +136,8 @@ void Main_Frame::Build_Menus() {
                  commands_.Import_Files);
   Add_File_Entry(*file, "Import &Maildir Folder...", "Bring a Maildir folder into the store",
                  commands_.Import_Maildir);
+  if (commands_.Compact) file->AppendSeparator();
+  Add_File_Entry(*file, "&Compact", "Give the room back that the store no longer needs", commands_.Compact);
   if (file->GetMenuItemCount() > 0) file->AppendSeparator();
   Add_Entry(*file, model_.mnuRuns, "Ctrl+L", "Look at what earlier runs have done");
   file->AppendSeparator();

@@ -7,6 +7,7 @@
 #include <iostream>
 
 #include "app/app.h"
+#include "base/size_text.h"
 #include "desktop/common/desktop_help.h"
 #include "desktop/common/error_box.h"
 #include "desktop/common/item_window.h"
@@ -91,6 +92,7 @@ void Program::Build() {
     commands.Import_Files = [this] { Change_Stores([this] { return files_->Import_Files(frame_); }); };
     commands.Import_Maildir = [this] { Change_Stores([this] { return files_->Import_Maildir(frame_); }); };
   }
+  if (!system_outlook_) commands.Compact = [this] { Compact(); };
   frame_ = new Main_Frame(window_, *schedule_, std::move(commands), [this] {
     help_->Close_Book();
     End_When_Unwound();
@@ -120,12 +122,42 @@ void Program::Build() {
   limits_ = std::make_unique<Stored_Limits>(*registry_);
   app_ = std::make_unique<App>(
       window_, Surroundings{outlook, message_box_, events_, clock_, log_, *limits_, &help_->Environment()});
+  if (!system_outlook_)
+    for (auto* const command : {&window_.cmdRun.Click, &window_.mnuClean.Click})
+      Offer_To_Compact_After(*command);
   window_.Take_Back_Run = [this](std::int64_t run) { app_->taking_back_commands.Take_Back_Run(run); };
 }
 
 void Program::Show_Runs() {
   if (runs_window_ == nullptr) runs_window_ = new Runs_Window(frame_, window_, Default_Run_Log_File());
   Show_In_Front(*runs_window_);
+}
+
+void Program::Compact() {
+  if (app_->phase.Is_Run()) {
+    message_box_.Show("A run is under way. Compact the store when it has ended.", Buttons::OK_Only,
+                      Icon::None, application_title);
+    return;
+  }
+  files_->Compact(frame_);
+}
+
+// After a run that left much unused room. The command also cancels a run, and then comes back at once.
+void Program::Offer_To_Compact_After(std::function<void()>& command) {
+  constexpr std::int64_t worth_while = std::int64_t{50} << 20;
+  constexpr std::int64_t part_of_file = 4;
+  command = [this, run = std::move(command)] {
+    const bool nested = app_->phase.Is_Run();
+    const std::int64_t before = files_->Unused_Bytes();
+    run();
+    if (nested || app_->phase.Is_Run() || !window_.frmRemoveItems.Loaded()) return;
+    const std::int64_t unused = files_->Unused_Bytes();
+    if (unused - before < worth_while || unused < files_->File_Bytes() / part_of_file) return;
+    if (message_box_.Show(
+            Format_Size(unused) + " of the store are not used any more. Give this room back now?",
+            Buttons::Yes_No, Icon::None, application_title) == Answer::Yes)
+      Compact();
+  };
 }
 
 void Program::Change_Stores(const std::function<bool()>& change) {

@@ -13,6 +13,11 @@ namespace tidyfold::sqlite {
 // Automation_Error::Source of all errors from here.
 inline constexpr const char* error_source = "Tidyfold store";
 
+// Whether an errno or a Windows error code says that there is no room left. SQLite itself says so only for a
+// write; a quota, a limit on the size of files, and a disk that proves to be full later are plain I/O errors
+// to it.
+bool Means_Full(int system_error);
+
 class Database {
  public:
   // Takes over the connection. `file` is the name in error texts.
@@ -27,6 +32,9 @@ class Database {
   // Rows that the last statement changed, without those that cascaded.
   int Changes() const { return sqlite3_changes(connection_.get()); }
 
+  // Whether the last call of Fail was for a full disk.
+  bool Ran_Full() const { return ran_full_; }
+
   // Runs statements and ignores their rows.
   void Execute(const char* sql);
   [[noreturn]] void Fail(int code) const;
@@ -39,6 +47,7 @@ class Database {
   };
   std::unique_ptr<sqlite3, Closer> connection_;
   std::string file_;
+  mutable bool ran_full_ = false;
 };
 
 // A prepared statement. As in SQLite, parameters count from 1 and columns from 0.
@@ -52,6 +61,8 @@ class Statement {
   Statement& Bind(int parameter, std::string_view text);
   Statement& Bind_Blob(int parameter, std::string_view bytes);
   Statement& Bind_Null(int parameter);
+  // Whatever another statement's row holds.
+  Statement& Bind_Column(int parameter, const Statement& row, int column);
 
   // True if there is a row. Resets the statement on failure.
   bool Step();

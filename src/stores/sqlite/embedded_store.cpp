@@ -31,8 +31,9 @@ std::int64_t Folder_Number(const std::string& entry_id) {
 
 }  // namespace
 
-std::shared_ptr<Embedded_Store> Embedded_Store::Open(const std::filesystem::path& path, Store_Mode mode) {
-  return std::make_shared<Embedded_Store>(sqlite::Store::Open(path, mode));
+std::shared_ptr<Embedded_Store> Embedded_Store::Open(const std::filesystem::path& path, Store_Mode mode,
+                                                     const Store_Progress& progress) {
+  return std::make_shared<Embedded_Store>(sqlite::Store::Open(path, mode, progress));
 }
 
 std::shared_ptr<Embedded_Store> Embedded_Store::Create(const std::filesystem::path& path,
@@ -82,6 +83,14 @@ void Embedded_Store::Set_Protected(const std::string& folder_entry_id, bool is_p
 
 void Embedded_Store::Commit_Pending() {
   store_->Commit_Pending();
+}
+
+std::int64_t Embedded_Store::Unused_Bytes() const {
+  return store_->Unused_Bytes();
+}
+
+Compacted Embedded_Store::Compact(const Store_Progress& progress) {
+  return store_->Compact(progress);
 }
 
 std::vector<std::string> Embedded_Store::Check() {

@@ -193,7 +193,7 @@ class Embedded_Writer : public Store_Writer {
   std::string Add_Item(MAPIFolder& folder, const New_Item& item) override {
     return Item_Entry_Id(store_->Add_Item(Number_Of(folder), item));
   }
-  std::int64_t Count_Alike(const Item_Key& key) override { return store_->Count_Alike(key); }
+  std::int64_t Count_Of(std::int64_t identity) override { return store_->Count_Of(identity); }
   void Begin() override { store_->Begin(); }
   void Commit() override { store_->Commit(); }
   void Roll_Back() override { store_->Roll_Back(); }

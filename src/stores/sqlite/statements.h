@@ -15,8 +15,8 @@ struct Statements {
         locate(database, "SELECT folder, position FROM item WHERE id = ?1"),
         content(database,
                 "SELECT sender, sender_address, recipients, message_id, list_id, answered, body_bytes, "
-                "packed FROM content WHERE item = ?1"),
-        alike(database, "SELECT COUNT(*) FROM content WHERE content_key = ?1 AND message_id = ?2"),
+                "packed, identity FROM content WHERE item = ?1"),
+        alike(database, "SELECT COUNT(*) FROM content WHERE identity = ?1 AND identity <> 0"),
         attachments(database, "SELECT name, size, packed FROM attachment WHERE item = ?1 ORDER BY number"),
         move(database, "UPDATE item SET folder = ?2, position = ?3 WHERE id = ?1"),
         remove(database, "DELETE FROM item WHERE id = ?1"),
@@ -32,7 +32,7 @@ struct Statements {
             "?10, ?11, ?12, ?13, ?14)"),
         add_content(database,
                     "INSERT INTO content (item, sender, sender_address, recipients, message_id, list_id, "
-                    "answered, content_key, body_bytes, packed) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, "
+                    "answered, identity, body_bytes, packed) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, "
                     "?9, ?10)"),
         add_attachment(
             database,

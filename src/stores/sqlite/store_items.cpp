@@ -3,7 +3,6 @@
 
 #include "base/text.h"
 #include "errors/automation_error.h"
-#include "outlook/item_key.h"
 #include "stores/sqlite/entry_id.h"
 #include "stores/sqlite/store.h"
 
@@ -96,6 +95,7 @@ New_Item Store::Read_Whole(const Found_Item& item) {
     whole.message_id = content.Text(3);
     whole.list_id = content.Text(4);
     whole.answered = content.Integer(5) != 0;
+    whole.identity = content.Integer(8);
     const auto body_bytes = static_cast<std::size_t>(content.Integer(6));
     std::string texts = Unpacked(content.Text(7), Packer::everything);
     if (texts.size() < body_bytes) database_->Fail_Damaged("the text of an item is cut short");
@@ -113,9 +113,9 @@ New_Item Store::Read_Whole(const Found_Item& item) {
   return whole;
 }
 
-std::int64_t Store::Count_Alike(const Item_Key& key) {
+std::int64_t Store::Count_Of(std::int64_t identity) {
   Statement& alike = statements_->alike;
-  alike.Bind(1, static_cast<std::int64_t>(key.content)).Bind(2, std::string_view(key.message_id));
+  alike.Bind(1, identity);
   Reading reading(alike);
   return reading.Next() ? alike.Integer(0) : 0;
 }
@@ -124,25 +124,7 @@ void Store::Display(const Found_Item& item, std::int64_t folder) {
   if (!display_) {
     Fail(automation_error::not_supported, "There is no window here that could show an item.");
   }
-  New_Item whole = Read_Whole(item);
-  Displayed_Item shown;
-  shown.item_class = whole.item_class;
-  shown.entry_id = Item_Entry_Id(item.Row().id);
-  shown.store_id = store_id_;
-  shown.folder_name = Find_Folder(folder).name;
-  shown.sender = std::move(whole.sender);
-  shown.recipients = std::move(whole.recipients);
-  shown.subject = std::move(whole.subject);
-  shown.body = std::move(whole.body);
-  shown.unread = whole.unread;
-  shown.received = whole.received;
-  shown.last_modified = whole.last_modified;
-  shown.completed = whole.completed;
-  shown.due = whole.due;
-  shown.end = whole.end;
-  shown.size = whole.size;
-  shown.attachments = std::move(whole.attachments);
-  shown.raw_message = std::move(whole.raw_message);
+  Displayed_Item shown{Read_Whole(item), Item_Entry_Id(item.Row().id), store_id_, Find_Folder(folder).name};
   display_(shown);
 }
 
@@ -223,7 +205,7 @@ void Store::Insert_Content(std::int64_t id, const New_Item& item) {
       .Bind(5, item.message_id)
       .Bind(6, item.list_id)
       .Bind(7, std::int64_t{item.answered ? 1 : 0})
-      .Bind(8, static_cast<std::int64_t>(Key_Of(item).content))
+      .Bind(8, item.identity)
       .Bind(9, static_cast<std::int64_t>(item.body.size()))
       .Bind_Blob(10, packer_.Pack(item.body, item.raw_message))
       .Run();

@@ -55,7 +55,7 @@ class Test_Writer : public Store_Writer {
     return com::Make_Folder(outlook_.Session(), folder.Object());
   }
   std::string Add_Item(MAPIFolder& folder, const New_Item& item) override;
-  std::int64_t Count_Alike(const Item_Key&) override {
+  std::int64_t Count_Of(std::int64_t) override {
     throw Automation_Error(automation_error::not_supported, "Outlook does not compare items.", "test");
   }
   void Begin() override { outlook_.Tell("Begin", number_); }

@@ -35,7 +35,7 @@ void Delete_First(Embedded_Store& store) {
 // What a few of these change does not fit into SQLite's memory and is written before the group ends.
 void Add_Large(Embedded_Store& store) {
   New_Item item;
-  item.body = std::string(1'500'000, 'x');
+  item.body = Incompressible(1'500'000);
   store.Writer().Add_Item(*Folder_Named(store, "Deleted Items"), item);
 }
 
@@ -143,7 +143,9 @@ TEST(Group, Ends_In_Front_Of_A_Change_And_With_The_Writers_Transaction) {
   ++open;
   outlook.Commit_Pending();
   expect(1, 101, 0);
+  EXPECT_THROW(store.Writer().Begin(), Automation_Error);
   store.Writer().Roll_Back();
+  EXPECT_THROW(store.Writer().Commit(), Automation_Error);
   expect(0, 101, 1);
   outlook.Commit_Pending();
   outlook.Watch(nullptr);
