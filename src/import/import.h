@@ -23,7 +23,7 @@ class Import_Error : public std::exception {
   std::string text_;
 };
 
-// An item that was found but could not be read.
+// An item that was found and did not go in.
 struct Import_Failure {
   std::string where;  // its file, or its folder and position
   std::string why;
@@ -31,10 +31,11 @@ struct Import_Failure {
 
 struct Import_Report {
   std::string source;
-  std::int64_t found = 0;  // always imported + failed
+  std::int64_t found = 0;  // always imported + left out + failed
   std::int64_t imported = 0;
   std::int64_t failed = 0;
-  std::vector<Import_Failure> failures;
+  std::vector<Import_Failure> failures;  // what could not be read
+  std::vector<Import_Failure> left_out;  // what does not belong into a store, such as deleted mail
   // The progress callback returned false: the store is unchanged, and the counts are 0.
   bool cancelled = false;
 };

@@ -62,6 +62,12 @@ void Import_Run::Fail(std::string_view where, std::string_view why) {
   Tick();
 }
 
+void Import_Run::Leave_Out(std::string_view where, std::string_view why) {
+  report_.left_out.push_back({One_Line(where), One_Line(why)});
+  ++report_.found;
+  Tick();
+}
+
 void Import_Run::Tick() {
   if (!options_.progress) return;
   const auto now = std::chrono::steady_clock::now();

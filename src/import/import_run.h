@@ -30,6 +30,8 @@ class Import_Run {
 
   void Add(MAPIFolder& folder, const New_Item& item);
   void Fail(std::string_view where, std::string_view why);
+  // For items that can be read and are left out on purpose.
+  void Leave_Out(std::string_view where, std::string_view why);
   void Expect(std::int64_t total) { total_ = total; }
 
   // Calls the progress callback when it is due. Cheap otherwise, so call it often.
