@@ -9,6 +9,7 @@
 #include "base/text.h"
 #include "import/charset.h"
 #include "import/gmime_ptr.h"
+#include "import/mail_headers.h"
 #include "import/mime_message.h"
 #include "import/rtf_text.h"
 
