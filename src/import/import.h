@@ -36,6 +36,7 @@ struct Import_Report {
   std::int64_t failed = 0;
   std::vector<Import_Failure> failures;  // what could not be read
   std::vector<Import_Failure> left_out;  // what does not belong into a store, such as deleted mail
+  std::vector<Import_Failure> doubts;    // what went in, but perhaps not as it was
   // The progress callback returned false: the store is unchanged, and the counts are 0.
   bool cancelled = false;
 };

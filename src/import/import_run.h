@@ -14,6 +14,9 @@
 
 namespace tidyfold {
 
+// Why mail that its program has marked as deleted stays out.
+inline constexpr std::string_view deleted_mail = "it was deleted in the program that it comes from";
+
 // Thrown when the progress callback returned false. Ends the run; the store is rolled back.
 struct Import_Cancelled {};
 
@@ -30,6 +33,8 @@ class Import_Run {
 
   void Add(MAPIFolder& folder, const New_Item& item);
   void Fail(std::string_view where, std::string_view why);
+  // For an item that went in, but perhaps not as it was.
+  void Doubt(std::string_view where, std::string_view why);
   // For items that can be read and are left out on purpose.
   void Leave_Out(std::string_view where, std::string_view why);
   void Expect(std::int64_t total) { total_ = total; }
