@@ -48,7 +48,8 @@ to_check=(
   clang-tidy           # static checks
 )
 to_fuzz=(
-  clang                # libFuzzer
+  clang
+  libclang-rt-14-dev   # libFuzzer
 )
 # Libraries for Windows are built in the versions of this machine's development packages.
 for_windows=(

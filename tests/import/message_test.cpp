@@ -316,6 +316,45 @@ TEST_F(Mime_Test, Attachments_Have_Names_And_Sizes) {
   EXPECT_EQ(item.body, "text");
 }
 
+TEST_F(Mime_Test, Files_In_Tnef_And_In_Uuencoded_Text_Are_Attachments) {
+  // The text "plain body" and one file.
+  const std::string tnef =
+      "eJ8+"
+      "IgEAAQyAAgALAAAAcGxhaW4gYm9keQDiAwICkAYAAgAAAAEAAQACBZAGACgAAAACAAAAHgABMAEAAAAFAAAAbmFtZQAAAAACAQE3AQ"
+      "AAAAQAAABkYXRh0gMCDw==";
+  struct Case {
+    std::string message, body, name;
+    std::int64_t size;
+  };
+  const Case cases[] = {
+      {"Content-Type: application/ms-tnef\nContent-Transfer-Encoding: base64\n\n" + tnef, "plain body",
+       "name", 4},
+      {"Content-Type: multipart/mixed; boundary=b\n\n--b\n\nown\n--b\nContent-Type: application/x; "
+       "name=WINMAIL.DAT\nContent-Transfer-Encoding: base64\n\n" +
+           tnef + "\n--b--\n",
+       "own", "name", 4},
+      {"Content-Type: application/ms-tnef; name=winmail.dat\n\nno such thing", "", "winmail.dat", 13},
+      {"\nbefore\nbegin 644 a b.txt\n#86)C\n`\nend\nafter\nbegin 644 never ends\n",
+       "before\nafter\nbegin 644 never ends\n", "a b.txt", 3},
+  };
+  for (const Case& c : cases) {
+    const New_Item item = Read("From: a@b\n" + c.message);
+    EXPECT_EQ(item.body, c.body) << c.message;
+    ASSERT_EQ(item.attachments.size(), 1U) << c.message;
+    EXPECT_EQ(item.attachments[0].name, c.name);
+    EXPECT_EQ(item.attachments[0].size, c.size);
+  }
+}
+
+TEST_F(Mime_Test, Reads_What_Outlook_Sent) {
+  REQUIRE_SHARED_FILE(five, "winmail.dat");
+  const New_Item item = Read("From: a@b\nContent-Type: application/ms-tnef\n\n" + Bytes_Of(five));
+  EXPECT_NE(item.body.find("These are five files."), std::string::npos);
+  ASSERT_EQ(item.attachments.size(), 5U);
+  EXPECT_EQ(item.attachments[2].name, "quick.pdf");
+  EXPECT_EQ(item.attachments[2].size, 18638);
+}
+
 TEST_F(Mime_Test, Class_Follows_Calendar_And_Report_Parts) {
   const std::string calendar = "Content-Type: text/calendar";
   const std::string reply = "\n\nBEGIN:VCALENDAR\nMETHOD:REPLY\nATTENDEE;CN=x;PARTS\n TAT=";
