@@ -67,7 +67,7 @@ class Import_Run {
 
  private:
   static constexpr std::chrono::milliseconds period{12};
-  static constexpr std::int64_t portion_items = 1000, portion_bytes = std::int64_t{8} << 20;
+  static constexpr std::int64_t portion_items = 5000, portion_bytes = std::int64_t{16} << 20;
   using Children = std::unordered_map<std::string, MAPIFolder_Ptr>;
   struct Copies {
     std::int32_t before = 0;  // in the store when the run met the first one

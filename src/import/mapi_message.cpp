@@ -11,6 +11,7 @@
 #include "base/text.h"
 #include "import/charset.h"
 #include "import/gmime_ptr.h"
+#include "import/mail_headers.h"
 #include "import/mime_message.h"
 #include "import/rtf_text.h"
 
@@ -188,20 +189,13 @@ std::string Rebuild_Message(const Mapi_Item& item, const Mapi_Body& body) {
   return Built(item, body, 0);
 }
 
-std::string List_Id_Of(std::string_view headers) {
-  constexpr std::string_view field = "list-id:";
-  for (std::size_t at = 0; at < headers.size(); at = std::min(headers.find('\n', at), headers.size() - 1) + 1) {
-    if (!Begins_Ignoring_Case(headers.substr(at), field)) continue;
-    std::size_t end = at;
-    do {
-      end = std::min(headers.find('\n', end), headers.size() - 1) + 1;
-    } while (end < headers.size() && (headers[end] == ' ' || headers[end] == '\t'));
-    const std::string_view value = headers.substr(at + field.size(), end - at - field.size());
-    const std::size_t open = value.rfind('<'), close = value.rfind('>');
-    if (open == std::string_view::npos || close == std::string_view::npos || close < open) return {};
-    return One_Line(Trim(value.substr(open + 1, close - open - 1)));
-  }
-  return {};
+std::string List_Id_Of(std::string_view text) {
+  Mail_Headers headers;
+  headers.Read(text);
+  const std::string_view value = headers[Mail_Field::List_Id];
+  const std::size_t open = value.rfind('<'), close = value.rfind('>');
+  if (open == std::string_view::npos || close == std::string_view::npos || close < open) return {};
+  return One_Line(Trim(value.substr(open + 1, close - open - 1)));
 }
 
 }  // namespace tidyfold

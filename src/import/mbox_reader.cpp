@@ -5,6 +5,7 @@
 #include <charconv>
 #include <string_view>
 
+#include "import/mail_headers.h"
 #include "import/mime_message.h"
 
 namespace tidyfold {

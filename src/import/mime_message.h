@@ -19,12 +19,13 @@ class Message_Error : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// Whether the text begins with a header field ("Name: ...").
-bool Begins_With_Header(std::string_view text);
-
-// The class is mail, report or, with a calendar part, that of a meeting. Unread unless its Status header says
-// otherwise; received is no_date if no header has a date. Throws Message_Error for data without headers.
+// The class is mail, report or, with a calendar part, that of a meeting. Unread unless its header says
+// otherwise; received is no_date if no header has a date. A byte order mark, empty lines and a "From " line
+// may stand before the header. Throws Message_Error for data without header.
 New_Item Read_Mime_Message(std::string raw);
+
+// A message that is a body only.
+New_Item Read_Message_Without_Header(std::string raw);
 
 // Parses a date in any form found in mail and converts it to local time; no_date if it is none. With
 // `as_written` its time zone is ignored.

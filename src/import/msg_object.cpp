@@ -166,7 +166,7 @@ class Msg_Item : public Mapi_Item {
   std::vector<std::unique_ptr<Mapi_Properties>> Recipients() const override;
   std::vector<std::unique_ptr<Mapi_Attachment>> Attachments() const override;
   std::string Rtf() const override {
-    return Expand_Rtf(properties_.Bytes(mapi_property::compressed_rtf).value_or(std::string()));
+    return Decompress_Rtf(properties_.Bytes(mapi_property::compressed_rtf).value_or(std::string()));
   }
 
  private:

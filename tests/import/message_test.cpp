@@ -198,7 +198,7 @@ TEST_F(Mime_Test, Body_Is_The_Plain_Text_Or_What_Html_Shows) {
        "text/plain\n\nunseen\n--c--\n--b\n\nfooter\n--b\nContent-Disposition: "
        "attachment\n\nfile\n--b--\n",
        "seen\nfooter"},
-      {"Content-Type: multipart/mixed; boundary=never\n\nno part at all\n", ""},
+      {"Content-Type: multipart/mixed; boundary=never\n\nno part at all\n", "no part at all\n"},
       {"Content-Type: text\n\nodd type\n", "odd type\n"},
   };
   for (const auto& [message, body] : cases) EXPECT_EQ(Read("From: a@b\n" + std::string(message)).body, body);
