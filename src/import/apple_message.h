@@ -1,5 +1,5 @@
-// Messages as Apple's mail program keeps them (.emlx): the message's length on a line of its own, the message, and
-// a property list with its marks.
+// Messages as Apple's mail program keeps them (.emlx): the message's length on a line of its own, the
+// message, and a property list with its marks.
 #pragma once
 
 #include <string>

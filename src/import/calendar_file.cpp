@@ -48,9 +48,11 @@ void Add(std::vector<Calendar_Item> items, MAPIFolder& folder, Import_Run& run) 
 
 void Import_Calendar(const fs::path& source, Import_Run& run) {
   std::vector<Calendar_Item> items = Read(source, run);
-  if (items.empty()) throw Import_Error(source.string() + ": the calendar has no items, so there is nothing to import.");
+  if (items.empty())
+    throw Import_Error(source.string() + ": the calendar has no items, so there is nothing to import.");
   run.Expect(static_cast<std::int64_t>(items.size()));
-  const bool tasks = std::all_of(items.begin(), items.end(), [](const Calendar_Item& item) { return item.kind == "VTODO"; });
+  const bool tasks =
+      std::all_of(items.begin(), items.end(), [](const Calendar_Item& item) { return item.kind == "VTODO"; });
   const MAPIFolder_Ptr folder = run.Target_Folder(tasks ? item_type::task : item_type::appointment);
   Add(std::move(items), *folder, run);
 }

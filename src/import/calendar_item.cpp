@@ -27,7 +27,8 @@ std::string Text(icalcomponent* component, icalproperty_kind kind) {
 
 Date Time(icalcomponent* component, icalproperty_kind kind) {
   icalproperty* property = icalcomponent_get_first_property(component, kind);
-  return property == nullptr ? no_date : Date_Of_Ical(icalproperty_get_datetime_with_component(property, component));
+  return property == nullptr ? no_date
+                             : Date_Of_Ical(icalproperty_get_datetime_with_component(property, component));
 }
 
 std::string Without_Scheme(std::string_view address) {

@@ -59,7 +59,8 @@ std::string Unfolded(std::string_view line) {
 
 // "BEGIN" or "END" of what, in upper case; empty for any other line.
 std::string Name_Behind(std::string_view line, std::string_view mark) {
-  return Begins_Ignoring_Case(line, mark) ? Upper_Case(Trim(Unfolded(line.substr(mark.size())))) : std::string();
+  return Begins_Ignoring_Case(line, mark) ? Upper_Case(Trim(Unfolded(line.substr(mark.size()))))
+                                          : std::string();
 }
 
 void Read_Property(std::string_view line, Component& component) {
@@ -148,12 +149,14 @@ void Add_Items(const Calendar& calendar, std::vector<Calendar_Item>& items) {
   for (const Component& component : calendar.components) {
     if (component.kind == "VTIMEZONE") continue;
     const std::pair key(component.kind, component.uid);
-    const bool of_series = !component.recurrence_id.empty() && !component.uid.empty() && component.problem.empty();
+    const bool of_series =
+        !component.recurrence_id.empty() && !component.uid.empty() && component.problem.empty();
     // Changed occurrences go with their series; without one, all of a series' are one item.
     if (of_series && (series.contains(key) || !taken.insert(key).second)) continue;
     std::vector<const Component*> parts;
     if (!of_series) parts.push_back(&component);
-    if (const auto found = changed.find(key); found != changed.end() && (of_series || taken.insert(key).second)) {
+    if (const auto found = changed.find(key);
+        found != changed.end() && (of_series || taken.insert(key).second)) {
       parts.insert(parts.end(), found->second.begin(), found->second.end());
     }
     Calendar_Item item{component.kind, calendar.head, component.problem};

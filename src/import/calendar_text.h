@@ -9,8 +9,8 @@ namespace tidyfold {
 
 struct Calendar_Item {
   std::string kind;  // "VEVENT" and so on, in upper case
-  // A calendar of its own: the calendar's properties, the time zones that the item names, the item, and the changed
-  // occurrences of its series.
+  // A calendar of its own: the calendar's properties, the time zones that the item names, the item, and the
+  // changed occurrences of its series.
   std::string calendar;
   std::string problem;  // why it cannot be read; empty if it can
 };

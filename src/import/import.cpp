@@ -67,9 +67,10 @@ Source_Kind Detect_Source(const fs::path& source) {
   }
   if (fs::is_directory(status)) {
     if (Is_Tree(source)) return Source_Kind::Tree;
-    throw Import_Error(source.string() +
-                       ": nothing in the folder can be imported. Name a folder that holds mail, a Maildir for "
-                       "instance, or the files themselves.");
+    throw Import_Error(
+        source.string() +
+        ": nothing in the folder can be imported. Name a folder that holds mail, a Maildir for "
+        "instance, or the files themselves.");
   }
   if (!fs::is_regular_file(status)) {
     throw Import_Error(source.string() + ": this is neither a file nor a folder. Name a file or a Maildir.");

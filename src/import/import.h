@@ -81,11 +81,11 @@ bool Can_Import();
 // Goes by content, never by name. Throws Import_Error if the source is missing, empty or of no known kind.
 Source_Kind Detect_Source(const std::filesystem::path& source);
 
-// Imports one source. What the store holds already is left out, however it got there. Single items that cannot
-// be read are counted and named in the report, and the rest goes in. Commits in portions: after a cancel or an
-// error, what went in before stays, and importing the source again goes on where it ended. Throws before anything
-// has been committed: Import_Error where the source as a whole cannot be read, Automation_Error where the store
-// cannot be written.
+// Imports one source. What the store holds already is left out, however it got there. Single items that
+// cannot be read are counted and named in the report, and the rest goes in. Commits in portions: after a
+// cancel or an error, what went in before stays, and importing the source again goes on where it ended.
+// Throws before anything has been committed: Import_Error where the source as a whole cannot be read,
+// Automation_Error where the store cannot be written.
 Import_Report Import_Source(const std::filesystem::path& source, Store_Writer& writer,
                             const Import_Options& options = {});
 

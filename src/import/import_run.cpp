@@ -1,5 +1,8 @@
 #include "import/import_run.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "base/text.h"
 #include "import/charset.h"
 #include "import/item_identity.h"
@@ -19,7 +22,10 @@ Import_Run::Import_Run(const std::filesystem::path& source, Store_Writer& writer
   default_folder_ = whole_name ? whole.filename().string() : whole.stem().string();
   if (default_folder_.empty()) default_folder_ = "Imported";
   // Mail from elsewhere does not mix with the store's own unasked.
-  if (!options.merge && Is_Default_Folder_Name(default_folder_)) default_folder_ += " (imported)";
+  const bool is_default = std::any_of(
+      std::begin(default_folders), std::end(default_folders),
+      [&](const Default_Folder& folder) { return Compare_Ignoring_Case(folder.name, default_folder_) == 0; });
+  if (!options.merge && is_default) default_folder_ += " (imported)";
   top_ = writer_.Top_Folder();
 }
 
@@ -54,8 +60,8 @@ MAPIFolder_Ptr Import_Run::Folder(const MAPIFolder_Ptr& parent, std::string_view
   return child;
 }
 
-// An item that lies in the source twice goes in twice, and neither copy goes in again: the n-th is there already
-// if the store had n of them before.
+// An item that lies in the source twice goes in twice, and neither copy goes in again: the n-th is there
+// already if the store had n of them before.
 bool Import_Run::Is_There_Already(const New_Item& item) {
   if (options_.again || item.identity == 0) return false;
   const auto [found, first] = copies_.try_emplace(item.identity);

@@ -30,9 +30,15 @@ namespace fs = std::filesystem;
 constexpr std::string_view below_mbox = ".sbd", apple_mailbox = ".mbox", below_kmail_folder = ".directory";
 
 // Files that mail programs keep beside the mail, and directories of what is not mail.
-constexpr std::array<std::string_view, 9> index_suffixes = {
-    ".msf", ".dat", ".cmeta", ".ibex.index", ".ibex.index.data", ".ev-summary", ".ev-summary-meta",
-    ".plist", "table_of_contents"};
+constexpr std::array<std::string_view, 9> index_suffixes = {".msf",
+                                                            ".dat",
+                                                            ".cmeta",
+                                                            ".ibex.index",
+                                                            ".ibex.index.data",
+                                                            ".ev-summary",
+                                                            ".ev-summary-meta",
+                                                            ".plist",
+                                                            "table_of_contents"};
 
 bool Ends_With_Any(std::string_view name) {
   return std::any_of(index_suffixes.begin(), index_suffixes.end(),
@@ -96,7 +102,8 @@ std::optional<Stop> Below(const Stop& stop, const std::string& name) {
     below.apple_mailbox = true;
     return below;
   }
-  below.names.push_back(Without_Suffix(below.apple_mailbox ? Without_Suffix(name, apple_mailbox) : name, below_mbox));
+  below.names.push_back(
+      Without_Suffix(below.apple_mailbox ? Without_Suffix(name, apple_mailbox) : name, below_mbox));
   return below;
 }
 
@@ -116,7 +123,8 @@ bool Holds_Anything(const Stop& stop, std::set<fs::path>& seen) {
   if (Is_Maildir(stop.directory)) return true;
   const std::vector<Entry> entries = List(stop.directory, error);
   for (const Entry& entry : entries) {
-    if (!entry.is_directory && !entry.name.starts_with('.') && Is_Mail_File(stop.directory / entry.name)) return true;
+    if (!entry.is_directory && !entry.name.starts_with('.') && Is_Mail_File(stop.directory / entry.name))
+      return true;
   }
   return std::any_of(entries.begin(), entries.end(), [&](const Entry& entry) {
     if (!entry.is_directory) return false;
@@ -138,7 +146,8 @@ class Tree_Importer {
     if (is_maildir) Import_Maildir(stop);
     for (const Entry& entry : entries) {
       run_.Tick();
-      if (!entry.is_directory && !entry.name.starts_with('.')) Import_File(stop, entry.name, entries, is_maildir);
+      if (!entry.is_directory && !entry.name.starts_with('.'))
+        Import_File(stop, entry.name, entries, is_maildir);
     }
     for (const Entry& entry : entries) {
       if (!entry.is_directory) continue;
@@ -164,14 +173,16 @@ class Tree_Importer {
   void Import_Maildir(const Stop& stop) {
     // The outermost Maildir is the inbox of a mail server.
     const bool inbox = run_.Merges() && stop.names.empty();
-    const MAPIFolder_Ptr place = Place(inbox ? Names{Find_Default_Folder(default_folder_inbox)->name} : stop.names);
+    const MAPIFolder_Ptr place =
+        Place(inbox ? Names{Find_Default_Folder(default_folder_inbox)->name} : stop.names);
     std::vector<Maildir_Message> messages;
     for (const bool is_new : {false, true}) {
       const fs::path part = stop.directory / (is_new ? "new" : "cur");
       std::error_code error;
       if (!fs::exists(part, error) && !error) continue;
       for (Entry& entry : List_Or_Fail(part)) {
-        if (!entry.name.starts_with('.')) messages.push_back(Read_Maildir_Name(std::move(entry.name), is_new));
+        if (!entry.name.starts_with('.'))
+          messages.push_back(Read_Maildir_Name(std::move(entry.name), is_new));
         run_.Tick();
       }
     }
@@ -200,7 +211,8 @@ class Tree_Importer {
     run_.Set_File({});
   }
 
-  void Import_File(const Stop& stop, const std::string& name, const std::vector<Entry>& entries, bool is_maildir) {
+  void Import_File(const Stop& stop, const std::string& name, const std::vector<Entry>& entries,
+                   bool is_maildir) {
     if (Ends_With_Any(name)) return;
     const fs::path file = stop.directory / name;
     std::error_code error;
@@ -246,7 +258,8 @@ class Tree_Importer {
       case Source_Kind::Mbox: {
         const bool mailbox_itself = stop.apple_mailbox && name == "mbox";
         return Import_Mbox(
-            file, Place(mailbox_itself ? stop.names : With(stop.names, Without_Suffix(name, apple_mailbox))), run_);
+            file, Place(mailbox_itself ? stop.names : With(stop.names, Without_Suffix(name, apple_mailbox))),
+            run_);
       }
       case Source_Kind::Pst:
         return Import_Pst(file, Place(With(stop.names, fs::path(name).stem().string())), run_);

@@ -15,8 +15,8 @@ namespace tidyfold {
 // Whether there is anything to import in the directory or below it.
 bool Is_Tree(const std::filesystem::path& directory);
 
-// A file or folder that cannot be read is a failure of its own, and the rest goes in. Files of no kind that is
-// known are left out, except those in which mail programs keep their indexes.
+// A file or folder that cannot be read is a failure of its own, and the rest goes in. Files of no kind that
+// is known are left out, except those in which mail programs keep their indexes.
 void Import_Tree(const std::filesystem::path& source, Import_Run& run);
 
 }  // namespace tidyfold

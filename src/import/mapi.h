@@ -14,22 +14,24 @@ namespace tidyfold {
 // (https://learn.microsoft.com/office/client-developer/outlook/mapi/mapi-properties).
 namespace mapi_property {
 inline constexpr std::uint32_t importance = 0x0017, message_class = 0x001A, subject = 0x0037,
-                               client_submit_time = 0x0039, subject_prefix = 0x003D, sent_representing_name = 0x0042,
-                               start_date = 0x0060, end_date = 0x0061, sent_representing_address = 0x0065,
-                               transport_headers = 0x007D, recipient_type = 0x0C15, sender_name = 0x0C1A,
-                               sender_address = 0x0C1F, display_to = 0x0E04, delivery_time = 0x0E06,
-                               message_flags = 0x0E07, message_size = 0x0E08, attachment_size = 0x0E20,
-                               object_type = 0x0FFE, body = 0x1000, compressed_rtf = 0x1009, html = 0x1013,
-                               message_id = 0x1035, last_verb = 0x1081, flag_status = 0x1090, hidden = 0x10F4,
+                               client_submit_time = 0x0039, subject_prefix = 0x003D,
+                               sent_representing_name = 0x0042, start_date = 0x0060, end_date = 0x0061,
+                               sent_representing_address = 0x0065, transport_headers = 0x007D,
+                               recipient_type = 0x0C15, sender_name = 0x0C1A, sender_address = 0x0C1F,
+                               display_to = 0x0E04, delivery_time = 0x0E06, message_flags = 0x0E07,
+                               message_size = 0x0E08, attachment_size = 0x0E20, object_type = 0x0FFE,
+                               body = 0x1000, compressed_rtf = 0x1009, html = 0x1013, message_id = 0x1035,
+                               last_verb = 0x1081, flag_status = 0x1090, hidden = 0x10F4,
                                display_name = 0x3001, address_type = 0x3002, address = 0x3003,
                                creation_time = 0x3007, last_modification_time = 0x3008, search_key = 0x300B,
                                ipm_subtree = 0x35E0, wastebasket = 0x35E3, container_class = 0x3613,
                                attachment_data = 0x3701, attachment_name = 0x3704, attachment_method = 0x3705,
                                attachment_long_name = 0x3707, attachment_mime_type = 0x370E,
-                               attachment_content_id = 0x3712, smtp_address = 0x39FE, internet_code_page = 0x3FDE,
-                               message_code_page = 0x3FFD, sender_smtp_address = 0x5D01,
-                               sent_representing_smtp_address = 0x5D02, recipient_flags = 0x5FFD,
-                               recipient_track_status = 0x5FFF, attachment_flags = 0x7FFD;
+                               attachment_content_id = 0x3712, smtp_address = 0x39FE,
+                               internet_code_page = 0x3FDE, message_code_page = 0x3FFD,
+                               sender_smtp_address = 0x5D01, sent_representing_smtp_address = 0x5D02,
+                               recipient_flags = 0x5FFD, recipient_track_status = 0x5FFF,
+                               attachment_flags = 0x7FFD;
 }
 
 // A named property: its number within a set. Sets are told apart by the first 32 bits of their GUIDs.
@@ -48,8 +50,8 @@ struct Mapi_Value {
   std::string bytes;
 };
 
-// The properties of one object. Absent properties, and those of another type than the one asked for, are empty.
-// All throw Message_Error if the file is damaged.
+// The properties of one object. Absent properties, and those of another type than the one asked for, are
+// empty. All throw Message_Error if the file is damaged.
 class Mapi_Properties {
  public:
   virtual ~Mapi_Properties() = default;

@@ -27,8 +27,9 @@ constexpr Named_Property appointment_start{mapi_set::appointment, 0x820D},
     zone_rules{mapi_set::appointment, 0x8233}, zone_name{mapi_set::appointment, 0x8234},
     series_end{mapi_set::appointment, 0x8236}, global_id{mapi_set::meeting, 0x0003},
     clean_global_id{mapi_set::meeting, 0x0023}, task_status{mapi_set::task, 0x8101},
-    part_complete{mapi_set::task, 0x8102}, task_start{mapi_set::task, 0x8104}, task_due{mapi_set::task, 0x8105},
-    task_completed{mapi_set::task, 0x810F}, task_pattern{mapi_set::task, 0x8116}, task_recurs{mapi_set::task, 0x8126};
+    part_complete{mapi_set::task, 0x8102}, task_start{mapi_set::task, 0x8104},
+    task_due{mapi_set::task, 0x8105}, task_completed{mapi_set::task, 0x810F},
+    task_pattern{mapi_set::task, 0x8116}, task_recurs{mapi_set::task, 0x8126};
 
 constexpr std::int64_t filetime_second = 10'000'000, seconds_to_1970 = 11'644'473'600;
 constexpr std::uint32_t free_time = 0, track_organizer = 1, track_tentative = 2, track_accepted = 3,
@@ -65,7 +66,8 @@ icaltimetype Whole_Day(std::uint64_t filetime) {
   constexpr std::int64_t days_from_1601_to_epoch = 109'205;  // to 1899-12-30
   const Date date = Local_Date_From_Filetime(filetime);
   if (date == no_date) return Whole_Day(Utc(filetime));
-  return Whole_Day(Floating((static_cast<std::int64_t>(std::floor(date + 0.5)) + days_from_1601_to_epoch) * 24 * 60));
+  return Whole_Day(
+      Floating((static_cast<std::int64_t>(std::floor(date + 0.5)) + days_from_1601_to_epoch) * 24 * 60));
 }
 
 std::string Hex(std::string_view bytes) {
@@ -104,10 +106,11 @@ class Builder {
     if (id.empty()) id = properties_.Bytes(mapi_property::search_key).value_or(std::string());
     if (!id.empty()) Add_Text(icalproperty_new_uid, Hex(id));
     const auto changed = properties_.Time(mapi_property::last_modification_time);
+    const auto created = properties_.Time(mapi_property::creation_time);
     // A stamp has to be there, and must not differ from one import to the next.
-    Add(icalproperty_new_dtstamp(Utc(changed.value_or(seconds_to_1970 * filetime_second))));
+    Add(icalproperty_new_dtstamp(Utc(changed.value_or(created.value_or(seconds_to_1970 * filetime_second)))));
     if (changed) Add(icalproperty_new_lastmodified(Utc(*changed)));
-    if (const auto created = properties_.Time(mapi_property::creation_time)) Add(icalproperty_new_created(Utc(*created)));
+    if (created) Add(icalproperty_new_created(Utc(*created)));
     Add_Text(icalproperty_new_summary, One_Line(properties_.Subject()));
     Add_Text(icalproperty_new_description, body);
     const std::uint32_t importance = properties_.Number(mapi_property::importance).value_or(1);
@@ -130,7 +133,8 @@ class Builder {
       const bool organizer = track == track_organizer || (flags & recipient_is_organizer) != 0;
       // An address has to be there; one that leads nowhere stands for none.
       const std::string link = address.empty() ? "invalid:nomail" : "mailto:" + address;
-      icalproperty* person = organizer ? icalproperty_new_organizer(link.c_str()) : icalproperty_new_attendee(link.c_str());
+      icalproperty* person =
+          organizer ? icalproperty_new_organizer(link.c_str()) : icalproperty_new_attendee(link.c_str());
       if (!name.empty()) icalproperty_add_parameter(person, icalparameter_new_cn(Quotable(name).c_str()));
       if (!organizer) {
         if (recipient->Number(mapi_property::recipient_type).value_or(1) == optional_recipient)
@@ -159,9 +163,9 @@ class Builder {
   void Add_Series(const Mapi_Series& series, bool whole_days) {
     whole_days_ = whole_days;
     icalrecurrencetype rule = icalrecurrencetype_from_string(series.rule.c_str());
-    if (series.end_kind == Mapi_Series::End::Count)
+    if (series.end_kind == Mapi_Series::End::After_Count)
       rule.count = static_cast<int>(std::min<std::uint32_t>(series.count, 1'000'000));
-    if (series.end_kind == Mapi_Series::End::Date) rule.until = Until(series.last_day + series.start);
+    if (series.end_kind == Mapi_Series::End::On_Day) rule.until = Until(series.last_day + series.start);
     Add(icalproperty_new_rrule(rule));
     for (const std::int64_t day : series.deleted) {
       Add_Time(part_, icalproperty_new_exdate(Shown(day + series.start)));
@@ -174,11 +178,14 @@ class Builder {
     icalcomponent_add_property(part, property);
   }
 
-  icaltimetype Shown(std::int64_t minutes) const { return whole_days_ ? Whole_Day(Floating(minutes)) : Floating(minutes); }
+  icaltimetype Shown(std::int64_t minutes) const {
+    return whole_days_ ? Whole_Day(Floating(minutes)) : Floating(minutes);
+  }
 
   void Add_Changed(const Mapi_Occurrence& changed) {
     icalcomponent* part = icalcomponent_new_clone(part_);
-    for (const icalproperty_kind kind : {ICAL_RRULE_PROPERTY, ICAL_EXDATE_PROPERTY, ICAL_DTSTART_PROPERTY, ICAL_DTEND_PROPERTY}) {
+    for (const icalproperty_kind kind :
+         {ICAL_RRULE_PROPERTY, ICAL_EXDATE_PROPERTY, ICAL_DTSTART_PROPERTY, ICAL_DTEND_PROPERTY}) {
       while (icalproperty* property = icalcomponent_get_first_property(part, kind)) {
         icalcomponent_remove_property(part, property);
         icalproperty_free(property);
@@ -194,7 +201,8 @@ class Builder {
 
   std::string Text() const {
     const std::unique_ptr<char, decltype(&icalmemory_free_buffer)> text(
-        icalcomponent_as_ical_string_r(calendar_.get()), [](void* buffer) { icalmemory_free_buffer(buffer); });
+        icalcomponent_as_ical_string_r(calendar_.get()),
+        [](void* buffer) { icalmemory_free_buffer(buffer); });
     return text ? std::string(text.get()) : std::string();
   }
 
@@ -242,13 +250,15 @@ Mapi_Appointment Build_Appointment(const Mapi_Item& item, const std::string& bod
   if (!end) end = properties.Time(mapi_property::end_date);
   const bool whole_days = properties.Flag(all_day);
   const auto pattern = properties.Bytes(series_pattern);
-  const auto series = pattern && properties.Flag(is_recurring) ? Read_Mapi_Series(*pattern, true) : std::nullopt;
+  const auto series =
+      pattern && properties.Flag(is_recurring) ? Read_Mapi_Series(*pattern, true) : std::nullopt;
 
   Mapi_Appointment appointment;
   if (series) {
     if (!whole_days) builder.Add_Zone();
     builder.Add_Series(*series, whole_days);
-    builder.Add_Time(builder.Part(), icalproperty_new_dtstart(builder.Shown(series->first_day + series->start)));
+    builder.Add_Time(builder.Part(),
+                     icalproperty_new_dtstart(builder.Shown(series->first_day + series->start)));
     builder.Add_Time(builder.Part(), icalproperty_new_dtend(builder.Shown(series->first_day + series->end)));
     for (const Mapi_Occurrence& changed : series->changed) builder.Add_Changed(changed);
     appointment.calendar = builder.Text();
@@ -271,12 +281,14 @@ std::string Build_Task(const Mapi_Item& item, const std::string& body) {
   const auto day = [](std::uint64_t filetime) { return Whole_Day(Utc(filetime)); };
   if (const auto start = properties.Time(task_start)) builder.Add(icalproperty_new_dtstart(day(*start)));
   if (const auto due = properties.Time(task_due)) builder.Add(icalproperty_new_due(day(*due)));
-  if (const auto completed = properties.Time(task_completed)) builder.Add(icalproperty_new_completed(Utc(*completed)));
+  if (const auto completed = properties.Time(task_completed))
+    builder.Add(icalproperty_new_completed(Utc(*completed)));
   const std::uint32_t status = properties.Number(task_status).value_or(0);
   if (status == task_complete) builder.Add(icalproperty_new_status(ICAL_STATUS_COMPLETED));
   if (status == task_in_progress) builder.Add(icalproperty_new_status(ICAL_STATUS_INPROCESS));
   const double part = properties.Real(part_complete).value_or(0);
-  if (part > 0 && part <= 1) builder.Add(icalproperty_new_percentcomplete(static_cast<int>(std::lround(part * 100))));
+  if (part > 0 && part <= 1)
+    builder.Add(icalproperty_new_percentcomplete(static_cast<int>(std::lround(part * 100))));
   const auto pattern = properties.Bytes(task_pattern);
   if (pattern && properties.Flag(task_recurs)) {
     if (const auto series = Read_Mapi_Series(*pattern, false)) builder.Add_Series(*series, true);

@@ -1,5 +1,6 @@
 #include "import/mapi_contact.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <optional>
@@ -155,18 +156,21 @@ void Add_Birthday(const Mapi_Properties& properties, Card& card) {
 
 void Add_Mails(const Mapi_Properties& properties, Card& card) {
   for (const Mail& mail : mails) {
-    const std::string address = properties.First_Text(mail.address), original = properties.First_Text(mail.original);
+    const std::string address = properties.First_Text(mail.address),
+                      original = properties.First_Text(mail.original);
     card.Add("EMAIL", Is_Internet_Address(address) || !Is_Internet_Address(original) ? address : original);
   }
   // Address books keep a single one.
   const std::string address = properties.First_Text(mapi_property::smtp_address, mapi_property::address);
-  if (properties.First_Text(mails[0].address).empty() && Is_Internet_Address(address)) card.Add("EMAIL", address);
+  if (properties.First_Text(mails[0].address).empty() && Is_Internet_Address(address))
+    card.Add("EMAIL", address);
 }
 
 void Add_Places(const Mapi_Properties& properties, Card& card) {
   for (const Place& place : places) {
     std::vector<std::string> parts;
-    for (const std::uint32_t part : {place.post_box, place.street, place.city, place.state, place.code, place.country})
+    for (const std::uint32_t part :
+         {place.post_box, place.street, place.city, place.state, place.code, place.country})
       parts.push_back(properties.First_Text(part));
     if (&place == &places.front()) {
       for (std::size_t i = 0; i < work_place.size(); ++i)

@@ -9,10 +9,10 @@
 #include "import/charset.h"
 #include "import/html_text.h"
 #include "import/local_date.h"
-#include "import/mime_message.h"
 #include "import/mapi_calendar.h"
 #include "import/mapi_contact.h"
 #include "import/mapi_message.h"
+#include "import/mime_message.h"
 #include "import/rtf_text.h"
 
 namespace tidyfold {

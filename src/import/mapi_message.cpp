@@ -59,12 +59,13 @@ void Append_Address(InternetAddressList* list, const std::string& name, const st
 
 void Add_Recipients(const Mapi_Item& item, GMimeMessage* message) {
   for (const auto& recipient : item.Recipients()) {
-    const std::uint32_t type = recipient->Number(mapi_property::recipient_type).value_or(0) & recipient_type_mask;
+    const std::uint32_t type =
+        recipient->Number(mapi_property::recipient_type).value_or(0) & recipient_type_mask;
     GMimeAddressType kind = GMIME_ADDRESS_TYPE_TO;
     if (type == 2) kind = GMIME_ADDRESS_TYPE_CC;
     if (type == 3) kind = GMIME_ADDRESS_TYPE_BCC;
-    Append_Address(g_mime_message_get_addresses(message, kind), recipient->First_Text(mapi_property::display_name),
-                   Recipient_Address(*recipient));
+    Append_Address(g_mime_message_get_addresses(message, kind),
+                   recipient->First_Text(mapi_property::display_name), Recipient_Address(*recipient));
   }
 }
 

@@ -212,8 +212,8 @@ std::optional<Mapi_Series> Read_Mapi_Series(std::string_view bytes, bool of_appo
     series.first_day = reader.Minutes();
     series.last_day = reader.Minutes();
     series.rule = Rule(pattern, series.first_day);
-    if (end == ends_on_date) series.end_kind = Mapi_Series::End::Date;
-    if (end == ends_after_count && series.count > 0) series.end_kind = Mapi_Series::End::Count;
+    if (end == ends_on_date) series.end_kind = Mapi_Series::End::On_Day;
+    if (end == ends_after_count && series.count > 0) series.end_kind = Mapi_Series::End::After_Count;
     if (of_appointment) Read_Appointment_Part(reader, series);
     return series;
   } catch (const Unreadable&) {

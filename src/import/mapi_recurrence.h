@@ -19,19 +19,19 @@ struct Mapi_Occurrence {
 };
 
 struct Mapi_Series {
-  enum class End { Never, Count, Date };
+  enum class End { Never, After_Count, On_Day };
 
   std::string rule;  // as in iCalendar, without its end
   End end_kind = End::Never;
   std::uint32_t count = 0;
   std::int64_t first_day = 0, last_day = 0;  // midnights
   std::int64_t start = 0, end = 0;           // minutes from midnight; 0 of tasks
-  std::vector<std::int64_t> deleted;         // midnights of occurrences that were taken out, not of changed ones
+  std::vector<std::int64_t> deleted;  // midnights of occurrences that were taken out, not of changed ones
   std::vector<Mapi_Occurrence> changed;
 };
 
-// Nothing for a pattern that is damaged or goes by another calendar than the Gregorian. Appointments have more in it
-// than tasks.
+// Nothing for a pattern that is damaged or goes by another calendar than the Gregorian. Appointments have
+// more in it than tasks.
 std::optional<Mapi_Series> Read_Mapi_Series(std::string_view pattern, bool of_appointment);
 
 }  // namespace tidyfold

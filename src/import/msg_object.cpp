@@ -2,6 +2,7 @@
 
 #include <gsf/gsf-infile-msole.h>
 #include <gsf/gsf-input-memory.h>
+#include <gsf/gsf-utils.h>
 
 #include <algorithm>
 #include <array>
@@ -42,7 +43,8 @@ std::optional<std::string> Stream(GsfInfile* storage, const std::string& name) {
   const gsf_off_t size = gsf_input_size(input.get());
   if (size < 0 || size > max_message_size) throw Message_Error("it is damaged (a value of no real size)");
   std::string bytes(static_cast<std::size_t>(size), '\0');
-  if (size > 0 && gsf_input_read(input.get(), bytes.size(), reinterpret_cast<guint8*>(bytes.data())) == nullptr)
+  if (size > 0 &&
+      gsf_input_read(input.get(), bytes.size(), reinterpret_cast<guint8*>(bytes.data())) == nullptr)
     throw Message_Error("it is damaged (a value is cut off)");
   return bytes;
 }
@@ -83,12 +85,14 @@ Names Read_Names(GsfInfile* file) {
 
 class Msg_Properties : public Mapi_Properties {
  public:
-  Msg_Properties(GsfInfile* storage, const Names& names, std::size_t head) : storage_(storage), names_(names) {
+  Msg_Properties(GsfInfile* storage, const Names& names, std::size_t head)
+      : storage_(storage), names_(names) {
     const std::string stream = Stream(storage, property_stream).value_or(std::string());
     for (std::size_t at = head; at + entry_size <= stream.size(); at += entry_size) {
       const std::string_view entry = std::string_view(stream).substr(at, entry_size);
       const auto tag = static_cast<std::uint32_t>(Little_Endian(entry.substr(0, 4)));
-      entries_.try_emplace(tag >> 16, Mapi_Value{static_cast<std::uint16_t>(tag & 0xFFFF), std::string(entry.substr(8))});
+      entries_.try_emplace(
+          tag >> 16, Mapi_Value{static_cast<std::uint16_t>(tag & 0xFFFF), std::string(entry.substr(8))});
     }
   }
 
@@ -99,7 +103,7 @@ class Msg_Properties : public Mapi_Properties {
     const std::string name = Value_Name(*number, type_list_of_bytes);
     const std::size_t count = Stream(storage_, name).value_or(std::string()).size() / 8;
     for (std::size_t i = 0; i < std::min(count, most_parts); ++i) {
-      std::array<char, 16> ordinal{};
+      std::array<char, 32> ordinal{};
       std::snprintf(ordinal.data(), ordinal.size(), "-%08zX", i);
       auto value = Stream(storage_, name + ordinal.data());
       if (!value) break;
@@ -202,17 +206,21 @@ class Msg_Recipient : public Msg_Properties {
 class Msg_Attachment : public Mapi_Attachment {
  public:
   Msg_Attachment(Storage storage, std::shared_ptr<const Names> names)
-      : storage_(std::move(storage)), names_(std::move(names)), properties_(storage_.get(), *names_, head_of_part) {}
+      : storage_(std::move(storage)),
+        names_(std::move(names)),
+        properties_(storage_.get(), *names_, head_of_part) {}
 
   const Mapi_Properties& Properties() const override { return properties_; }
 
   std::optional<std::string> Data() const override {
     const std::uint32_t method = properties_.Number(mapi_property::attachment_method).value_or(0);
-    if (method == embedded_item || (method >= by_reference_least && method <= by_reference_most)) return std::nullopt;
+    if (method == embedded_item || (method >= by_reference_least && method <= by_reference_most))
+      return std::nullopt;
     return Stream(storage_.get(), Value_Name(mapi_property::attachment_data, type_bytes));
   }
   std::int64_t Size() const override {
-    const Input data(gsf_infile_child_by_name(storage_.get(), Value_Name(mapi_property::attachment_data, type_bytes).c_str()));
+    const Input data(gsf_infile_child_by_name(
+        storage_.get(), Value_Name(mapi_property::attachment_data, type_bytes).c_str()));
     if (data) return gsf_input_size(data.get());
     return properties_.Number(mapi_property::attachment_size).value_or(0);
   }
@@ -230,15 +238,17 @@ class Msg_Attachment : public Mapi_Attachment {
 
 std::vector<std::unique_ptr<Mapi_Properties>> Msg_Item::Recipients() const {
   std::vector<std::unique_ptr<Mapi_Properties>> recipients;
-  For_Each(recipient_mark,
-           [&](Storage part) { recipients.push_back(std::make_unique<Msg_Recipient>(std::move(part), *names_)); });
+  For_Each(recipient_mark, [&](Storage part) {
+    recipients.push_back(std::make_unique<Msg_Recipient>(std::move(part), *names_));
+  });
   return recipients;
 }
 
 std::vector<std::unique_ptr<Mapi_Attachment>> Msg_Item::Attachments() const {
   std::vector<std::unique_ptr<Mapi_Attachment>> attachments;
-  For_Each(attachment_mark,
-           [&](Storage part) { attachments.push_back(std::make_unique<Msg_Attachment>(std::move(part), names_)); });
+  For_Each(attachment_mark, [&](Storage part) {
+    attachments.push_back(std::make_unique<Msg_Attachment>(std::move(part), names_));
+  });
   return attachments;
 }
 
@@ -247,14 +257,15 @@ std::vector<std::unique_ptr<Mapi_Attachment>> Msg_Item::Attachments() const {
 std::unique_ptr<Mapi_Item> Open_Msg(const std::string& bytes) {
   static std::once_flag once;
   std::call_once(once, gsf_init);
-  const Input input(
-      gsf_input_memory_new(reinterpret_cast<const guint8*>(bytes.data()), static_cast<gsf_off_t>(bytes.size()), FALSE));
+  const Input input(gsf_input_memory_new(reinterpret_cast<const guint8*>(bytes.data()),
+                                         static_cast<gsf_off_t>(bytes.size()), FALSE));
   GError* error = nullptr;
   Storage file(gsf_infile_msole_new(input.get(), &error));
   if (error != nullptr) g_error_free(error);
   if (!file) throw Message_Error("it is damaged (its parts cannot be listed)");
   // Other programs keep their documents in compound files too.
-  if (!Stream(file.get(), property_stream)) throw Message_Error("it is a compound file, but no item of Outlook's");
+  if (!Stream(file.get(), property_stream))
+    throw Message_Error("it is a compound file, but no item of Outlook's");
   auto names = std::make_shared<const Names>(Read_Names(file.get()));
   return std::make_unique<Msg_Item>(std::move(file), std::move(names), head_of_file);
 }

@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
-#include "import/mime_message.h"
 #include "import/mapi_item.h"
+#include "import/mime_message.h"
 #include "import/pst_object.h"
 #include "import/source_file.h"
 
@@ -77,10 +77,12 @@ class Pst_Importer {
     std::int64_t total = 0;
     for (const Listed_Folder& folder : folders_) total += folder.messages;
     run_.Expect(total);
-    if (total == 0 && Has_Items(Root().get())) Refuse("it has items, but the folders that they lie in are not found");
+    if (total == 0 && Has_Items(Root().get()))
+      Refuse("it has items, but the folders that they lie in are not found");
     std::vector<MAPIFolder_Ptr> places;
     for (const Listed_Folder& folder : folders_) {
-      places.push_back(places.empty() ? target : run_.Folder(places[folder.parent], folder.name, folder.item_type));
+      places.push_back(places.empty() ? target
+                                      : run_.Folder(places[folder.parent], folder.name, folder.item_type));
       for (int i = 0; i < folder.messages; ++i) Import_Item(folder, i, *places.back());
     }
   }
@@ -131,7 +133,8 @@ class Pst_Importer {
     const Pff_Item store(found);
     const std::uint32_t top = Node(Pst_Properties(found).Bytes(mapi_property::ipm_subtree));
     found = nullptr;
-    if (top == 0 || libpff_file_get_item_by_identifier(file_.get(), top, &found, error.Out()) != 1) return nullptr;
+    if (top == 0 || libpff_file_get_item_by_identifier(file_.get(), top, &found, error.Out()) != 1)
+      return nullptr;
     return Pff_Item(found);
   }
 
@@ -148,7 +151,8 @@ class Pst_Importer {
   }
 
   // Offline files and address books do not mark their top; it is found by its name.
-  static void Find_Tops(libpff_item_t* parent, int levels, bool is_public, std::vector<Candidate>& candidates) {
+  static void Find_Tops(libpff_item_t* parent, int levels, bool is_public,
+                        std::vector<Candidate>& candidates) {
     for (Pff_Item& folder : Sub_Folders(parent)) {
       const std::string name = Pst_Properties(folder.get()).Text(mapi_property::display_name);
       if (name.starts_with("Top of ") || name == "IPM_SUBTREE") {
@@ -233,8 +237,8 @@ class Pst_Importer {
     }
   }
 
-  // The identifier of an entry of the file ends with the number of its node. 0 if there is none: those of Exchange
-  // are longer, and name none.
+  // The identifier of an entry of the file ends with the number of its node. 0 if there is none: those of
+  // Exchange are longer, and name none.
   static std::uint32_t Node(const std::optional<std::string>& entry_id) {
     constexpr std::size_t size_in_file = 24;
     if (!entry_id || entry_id->size() != size_in_file) return 0;

@@ -17,7 +17,8 @@ constexpr std::uint8_t own_property =
 constexpr std::uint8_t named_property = LIBPFF_ENTRY_VALUE_FLAG_MATCH_ANY_VALUE_TYPE;
 
 void Check_Size(size64_t size) {
-  if (size > static_cast<size64_t>(max_message_size)) throw Message_Error("it is damaged (a value of no real size)");
+  if (size > static_cast<size64_t>(max_message_size))
+    throw Message_Error("it is damaged (a value of no real size)");
 }
 
 class Pst_Attachment : public Mapi_Attachment {
@@ -50,7 +51,8 @@ class Pst_Attachment : public Mapi_Attachment {
   std::int64_t Size() const override {
     size64_t size = properties_.Number(mapi_property::attachment_size).value_or(0);
     Pff_Error error;
-    if (type_ == LIBPFF_ATTACHMENT_TYPE_DATA) libpff_attachment_get_data_size(item_.get(), &size, error.Out());
+    if (type_ == LIBPFF_ATTACHMENT_TYPE_DATA)
+      libpff_attachment_get_data_size(item_.get(), &size, error.Out());
     return static_cast<std::int64_t>(size);
   }
 
@@ -124,8 +126,8 @@ std::optional<Mapi_Value> Pst_Properties::Value_Of(const Entry& entry) {
   Check_Size(size);
   Mapi_Value value{static_cast<std::uint16_t>(type), std::string(size, '\0')};
   if (size > 0) {
-    Check_Pff(libpff_record_entry_get_data(entry.get(), reinterpret_cast<std::uint8_t*>(value.bytes.data()), size,
-                                           error.Out()),
+    Check_Pff(libpff_record_entry_get_data(entry.get(), reinterpret_cast<std::uint8_t*>(value.bytes.data()),
+                                           size, error.Out()),
               error);
   }
   return value;
@@ -158,7 +160,8 @@ std::vector<std::string> Pst_Properties::List(const Named_Property& property) co
   const std::string_view bytes = list->bytes;
   const std::size_t count = std::min<std::size_t>(Little_Endian(bytes.substr(0, 4)), bytes.size() / 4 - 1);
   const auto place = [&](std::size_t i) {
-    return i < count ? std::min<std::size_t>(Little_Endian(bytes.substr(4 + 4 * i, 4)), bytes.size()) : bytes.size();
+    return i < count ? std::min<std::size_t>(Little_Endian(bytes.substr(4 + 4 * i, 4)), bytes.size())
+                     : bytes.size();
   };
   for (std::size_t i = 0; i < count; ++i) {
     const std::size_t begin = place(i), end = place(i + 1);
@@ -172,7 +175,8 @@ namespace {
 // The rows of a table live as long as the table.
 class Pst_Recipient : public Pst_Properties {
  public:
-  Pst_Recipient(std::shared_ptr<libpff_item_t> table, int row) : Pst_Properties(table.get(), row), table_(std::move(table)) {}
+  Pst_Recipient(std::shared_ptr<libpff_item_t> table, int row)
+      : Pst_Properties(table.get(), row), table_(std::move(table)) {}
   ~Pst_Recipient() override { Release(); }
 
  private:
@@ -215,7 +219,8 @@ std::string Pst_Item::Rtf() const {
   if (found != 1 || size == 0) return {};
   Check_Size(size);
   std::string rtf(size, '\0');
-  Check_Pff(libpff_message_get_rtf_body(item_.get(), reinterpret_cast<std::uint8_t*>(rtf.data()), size, error.Out()),
+  Check_Pff(libpff_message_get_rtf_body(item_.get(), reinterpret_cast<std::uint8_t*>(rtf.data()), size,
+                                        error.Out()),
             error);
   return rtf;
 }

@@ -19,14 +19,15 @@ std::size_t Entries(const short* list, std::size_t size) {
   return static_cast<std::size_t>(std::find(list, list + size, ICAL_RECURRENCE_ARRAY_MAX) - list);
 }
 
-// Rules that name times of day, or go by them, make so many candidates that walking through them has no bound.
+// Rules that name times of day, or go by them, make so many candidates that walking through them has no
+// bound.
 bool Can_Be_Walked(const icalrecurrencetype& rule) {
   if (rule.freq == ICAL_SECONDLY_RECURRENCE || rule.freq == ICAL_MINUTELY_RECURRENCE ||
       rule.freq == ICAL_HOURLY_RECURRENCE || rule.freq == ICAL_NO_RECURRENCE) {
     return false;
   }
-  return Entries(rule.by_second, ICAL_BY_SECOND_SIZE) <= 1 && Entries(rule.by_minute, ICAL_BY_MINUTE_SIZE) <= 1 &&
-         Entries(rule.by_hour, ICAL_BY_HOUR_SIZE) <= 1;
+  return Entries(rule.by_second, ICAL_BY_SECOND_SIZE) <= 1 &&
+         Entries(rule.by_minute, ICAL_BY_MINUTE_SIZE) <= 1 && Entries(rule.by_hour, ICAL_BY_HOUR_SIZE) <= 1;
 }
 
 // A series without any end, or one whose end is unknown.
@@ -48,7 +49,8 @@ class Series {
       rules = true;
       Later(last, Last_Of_Rule(icalproperty_get_rrule(p)));
     }
-    if (!rules || !Is_Left_Out(start_)) Later(last, Is_Left_Out(start_) ? std::nullopt : std::optional(first_));
+    if (!rules || !Is_Left_Out(start_))
+      Later(last, Is_Left_Out(start_) ? std::nullopt : std::optional(first_));
     for (icalproperty* p = First(ICAL_RDATE_PROPERTY); p != nullptr; p = Next(ICAL_RDATE_PROPERTY)) {
       const icaldatetimeperiodtype time = icalproperty_get_rdate(p);
       const icaltimetype start = icaltime_is_null_time(time.time) ? time.period.start : time.time;
@@ -73,7 +75,8 @@ class Series {
     icalparameter* zone = icalproperty_get_first_parameter(property, ICAL_TZID_PARAMETER);
     if (zone == nullptr) return time;
     icalcomponent* calendar = icalcomponent_get_parent(component_);
-    time.zone = calendar == nullptr ? nullptr : icalcomponent_get_timezone(calendar, icalparameter_get_tzid(zone));
+    time.zone =
+        calendar == nullptr ? nullptr : icalcomponent_get_timezone(calendar, icalparameter_get_tzid(zone));
     return time;
   }
 
@@ -122,7 +125,8 @@ Date Date_Of_Ical(const icaltimetype& time) {
   if (icaltime_is_null_time(time) || !icaltime_is_valid_time(time)) return no_date;
   if (time.is_date) return Date_From_Calendar(time.year, time.month, time.day, 0, 0, 0);
   if (time.zone == nullptr) {
-    return Date_From_Calendar(time.year, time.month, time.day, time.hour, time.minute, std::min(time.second, 59));
+    return Date_From_Calendar(time.year, time.month, time.day, time.hour, time.minute,
+                              std::min(time.second, 59));
   }
   return Local_Date(icaltime_as_timet_with_zone(time, time.zone));
 }

@@ -142,10 +142,12 @@ Date Revision(std::string_view value) {
     return result;
   };
   if (!Trim(value).ends_with('Z')) {
-    return Date_From_Calendar(number(0, 4), number(4, 2), number(6, 2), number(8, 2), number(10, 2), number(12, 2));
+    return Date_From_Calendar(number(0, 4), number(4, 2), number(6, 2), number(8, 2), number(10, 2),
+                              number(12, 2));
   }
   const std::unique_ptr<GDateTime, decltype(&g_date_time_unref)> date(
-      g_date_time_new_utc(number(0, 4), number(4, 2), number(6, 2), number(8, 2), number(10, 2), number(12, 2)),
+      g_date_time_new_utc(number(0, 4), number(4, 2), number(6, 2), number(8, 2), number(10, 2),
+                          number(12, 2)),
       g_date_time_unref);
   return date ? Local_Date(g_date_time_to_unix(date.get())) : no_date;
 }
@@ -189,8 +191,7 @@ std::vector<Card_Text> Cards_In(std::string_view text) {
   int depth = 0;
   for (std::size_t at = 0; at < text.size();) {
     const std::string_view line = Line_At(text.substr(at));
-    const std::string_view shown =
-        at == 0 && line.starts_with("\xEF\xBB\xBF") ? line.substr(3) : line;
+    const std::string_view shown = at == 0 && line.starts_with("\xEF\xBB\xBF") ? line.substr(3) : line;
     if (Is_Line(shown, "BEGIN:VCARD")) {
       if (depth++ == 0) begin = at + (line.size() - shown.size());
     } else if (depth > 0 && Is_Line(line, "END:VCARD") && --depth == 0) {
