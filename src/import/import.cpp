@@ -82,7 +82,7 @@ Source_Kind Detect_Source(const fs::path& source) {
                        "again from where it "
                        "came from.");
   }
-  if (const auto kind = Kind_Of_Content(file.Read(0, longest_look))) return *kind;
+  if (const auto kind = Kind_Of_File(source)) return *kind;
   throw Import_Error(
       source.string() +
       ": the file is none that can be imported. Name an Outlook data file (PST, OST or PAB), an mbox file, a "

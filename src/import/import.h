@@ -37,6 +37,7 @@ struct Import_Report {
   std::int64_t failed = 0;
   std::vector<Import_Failure> failures;  // what could not be read; one for each that failed
   std::vector<Import_Failure> left_out;  // what does not belong into a store, such as deleted mail
+  std::vector<Import_Failure> doubts;    // what went in, but perhaps not as it was
   // The progress callback returned false. What had been imported by then stays.
   bool cancelled = false;
   // The error that ended the import on its way, where not empty. What had been committed by then stays.
@@ -45,7 +46,7 @@ struct Import_Report {
 
 // "FOUND items found, IMPORTED imported, FAILED failed", and where not 0 ", N there already", ", N left out".
 std::string Counts_Of(const Import_Report& report);
-// A line for each failure, and one for each reason for which items were left out.
+// A line for each failure and each doubt, and one for each reason for which items were left out.
 std::vector<std::string> Details_Of(const Import_Report& report);
 
 enum class Source_Kind {

@@ -16,6 +16,7 @@ std::string Counts_Of(const Import_Report& report) {
 std::vector<std::string> Details_Of(const Import_Report& report) {
   std::vector<std::string> lines;
   for (const Import_Failure& failure : report.failures) lines.push_back(failure.where + ": " + failure.why);
+  for (const Import_Failure& doubt : report.doubts) lines.push_back(doubt.where + ": " + doubt.why);
   struct Left_Out {
     std::int64_t items = 0;
     std::string first;

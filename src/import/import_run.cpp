@@ -113,6 +113,10 @@ void Import_Run::Fail(std::string_view where, std::string_view why) {
   Tick();
 }
 
+void Import_Run::Doubt(std::string_view where, std::string_view why) {
+  report_.doubts.push_back({In_File(where), One_Line(why)});
+}
+
 void Import_Run::Leave_Out(std::string_view where, std::string_view why) {
   report_.left_out.push_back({In_File(where), One_Line(why)});
   ++report_.found;

@@ -36,6 +36,8 @@ class Import_Run {
   // Adds the item, or counts it as there already.
   void Add(MAPIFolder& folder, New_Item item);
   void Fail(std::string_view where, std::string_view why);
+  // For an item that went in, but perhaps not as it was.
+  void Doubt(std::string_view where, std::string_view why);
   // For items that can be read and are left out on purpose.
   void Leave_Out(std::string_view where, std::string_view why);
   void Expect(std::int64_t total) { total_ = total; }

@@ -38,12 +38,7 @@ class Address_Reader {
         End_Address();
         if (c == ';') in_group_ = false;
       } else if (c == ':') {
-        if (!in_group_) {
-          const std::string name = Text(phrase_);
-          if (!name.empty()) addresses_.push_back({name, {}});
-        }
-        in_group_ = true;
-        Clear();
+        Begin_Group();
       } else {
         phrase_ += c;
       }
@@ -88,9 +83,15 @@ class Address_Reader {
   }
 
   void Angle() {
-    const std::size_t end = std::min(text_.find_first_of(">,", at_), text_.size());
-    address_ = text_.substr(at_ + 1, end - at_ - 1);
-    at_ = end < text_.size() && text_[end] == '>' ? end + 1 : end;
+    std::size_t end = std::min(text_.find_first_of("<>", at_ + 1), text_.size());
+    // An address that never ends, ends at the next comma.
+    const bool closed = end < text_.size() && text_[end] == '>';
+    std::string_view inside = std::string_view(text_).substr(at_ + 1, end - at_ - 1);
+    if (!closed) inside = inside.substr(0, inside.find(','));
+    if (!closed) end = at_ + 1 + inside.size();
+    if (inside.starts_with('@')) inside.remove_prefix(inside.rfind(':') + 1);
+    address_ = inside;
+    at_ = closed ? end + 1 : end;
   }
 
   std::size_t Closing(std::size_t from, char quote) const {
@@ -102,6 +103,14 @@ class Address_Reader {
       }
     }
     return std::string::npos;
+  }
+
+  void Begin_Group() {
+    const std::string name = Text(phrase_);
+    Clear();
+    if (name.starts_with('@')) return;  // the hosts of an old route: "@one,@two:user@three"
+    if (!in_group_ && !name.empty()) addresses_.push_back({name, {}});
+    in_group_ = true;
   }
 
   std::string Text(std::string_view raw) const { return Header_Text(raw, raw_charset_); }
@@ -119,7 +128,7 @@ class Address_Reader {
       found.address = address ? Text(phrase.substr(last)) : std::string();
       found.name = Text(address ? phrase.substr(0, last) : phrase);
     }
-    if (found.name.empty()) found.name = Text(comment_);
+    if (found.name.empty() && !found.address.empty()) found.name = Text(comment_);
     const bool any = !found.name.empty() || !found.address.empty();
     if (any && !in_group_) addresses_.push_back(std::move(found));
     Clear();

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "import/apple_message.h"
+#include "import/mail_flags.h"
 #include "import/mbox_reader.h"
 #include "import/mime_message.h"
 #include "import/source_file.h"
@@ -64,19 +65,42 @@ Date Separator_Date(std::string_view separator) {
   return date == std::string_view::npos ? no_date : Parse_Mail_Date(separator.substr(date + 1), true);
 }
 
-// What to do about a file that seems cut off; empty for any other.
-std::string Remedy_If_Whole(Mbox_Cut cut) {
+// Why a message is not whole; empty if it is, as far as one can tell.
+std::string Missing_Part(Mbox_Cut cut, std::string_view text) {
   switch (cut) {
-    case Mbox_Cut::Line:
-      return "add a line break at its end";
-    case Mbox_Cut::Headers:
-      return "add an empty line at its end";
+    case Mbox_Cut::Header:
+      return "the file ends within its header";
     case Mbox_Cut::Length:
-      return "remove the Content-Length line from that message's headers";
+      return "the file ends before the length that its Content-Length tells";
+    case Mbox_Cut::Line:
+      if (Lacks_Last_Part(text)) return "the file ends before its last part does";
+      break;
     case Mbox_Cut::None:
       break;
   }
   return {};
+}
+
+void Add_Mbox_Message(const Mbox_Message& message, const std::string& where, Mbox_Reader& reader,
+                      MAPIFolder& folder, Import_Run& run) {
+  const std::int64_t size = message.end - message.content;
+  Check_Size(size);
+  bool deleted = false;
+  const auto text = [&] {
+    std::string read = reader.Text(message);
+    if (read.empty()) throw Message_Error("it is empty");
+    const std::string missing = Missing_Part(message.cut, read);
+    if (!missing.empty()) throw Message_Error(missing + ". Copy the file again from where it came from");
+    deleted = Flags_In(read).deleted;
+    return read;
+  };
+  New_Item item = Read_Message(size, text, run);
+  if (deleted) return run.Leave_Out(where, deleted_mail);
+  if (item.received == no_date)
+    item.received = item.last_modified = Separator_Date(reader.Separator(message));
+  run.Add(folder, std::move(item));
+  if (message.cut == Mbox_Cut::Line)
+    run.Doubt(where, "it went in, but the file ends within its last line: check whether its end is missing");
 }
 
 }  // namespace
@@ -85,29 +109,14 @@ void Import_Mbox(const std::filesystem::path& source, const MAPIFolder_Ptr& fold
   Source_File file(source);
   Mbox_Reader reader(file, [&run] { run.Tick(); });
   std::int64_t number = 0;
-  std::string last;
   while (const auto message = reader.Next()) {
-    last = Position(++number, *message);
+    const std::string where = Position(++number, *message);
     try {
-      const std::int64_t size = message->end - message->content;
-      Check_Size(size);
-      New_Item item = Read_Message(
-          size, [&] { return reader.Text(*message); }, run);
-      if (item.received == no_date) {
-        item.received = Separator_Date(reader.Separator(*message));
-        item.last_modified = item.received;
-      }
-      run.Add(*folder, std::move(item));
+      Add_Mbox_Message(*message, where, reader, *folder, run);
     } catch (const Message_Error& error) {
-      run.Fail(last, error.what());
+      run.Fail(where, error.what());
     }
   }
-  const std::string if_whole = Remedy_If_Whole(reader.Cut());
-  if (if_whole.empty()) return;
-  throw Import_Error(source.string() + ": the mbox file is cut off in the middle of its last message (" +
-                     last + "). Copy the file again from where it came from. If nothing is missing, " +
-                     if_whole +
-                     "; to import only what is whole, cut the file off where that message begins.");
 }
 
 void Add_Message_File(const std::filesystem::path& file, MAPIFolder& folder, Import_Run& run,

@@ -233,7 +233,8 @@ New_Item Read_Mime_Message(std::string raw) {
   {
     const std::vector<Mime_Part> parts = Split_Message(Without_Lead_In(raw));
     const Mail_Headers& headers = parts.front().headers;
-    if (headers.Empty()) throw Message_Error("it has no message headers");
+    const bool empty_header = raw.starts_with('\n') || raw.starts_with("\r\n");
+    if (headers.Empty() && !empty_header) throw Message_Error("it has no message headers");
     const std::string raw_charset = Body_Charset(parts);
     Read_Sender(headers, raw_charset, item);
     item.recipients = Display_Names(Header_Addresses(headers[Mail_Field::To], raw_charset));
@@ -255,13 +256,13 @@ New_Item Read_Mime_Message(std::string raw) {
   return item;
 }
 
-New_Item Read_Message_Without_Header(std::string raw) {
-  New_Item item;
-  item.unread = true;
-  item.body = To_Utf8(Without_Lead_In(raw), {});
-  item.size = static_cast<std::int64_t>(raw.size());
-  item.raw_message = std::move(raw);
-  return item;
+bool Lacks_Last_Part(std::string_view text) {
+  Mail_Headers headers;
+  headers.Read(Without_Lead_In(text));
+  const std::string_view type = headers[Mail_Field::Content_Type];
+  if (!Header_Word(type).starts_with("multipart/")) return false;
+  const std::string boundary = Header_Parameter(type, "boundary");
+  return !boundary.empty() && text.find("\n--" + boundary + "--") == std::string_view::npos;
 }
 
 }  // namespace tidyfold

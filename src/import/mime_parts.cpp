@@ -84,10 +84,8 @@ class Splitter {
     }
     current_ = index;
     body_ = at_;
-    if (part.Is_Multipart() && open_.size() < deepest_part) {
-      std::string boundary = Header_Parameter(part.headers[Mail_Field::Content_Type], "boundary");
-      if (!boundary.empty()) open_.push_back({index, std::move(boundary)});
-    }
+    if (part.Is_Multipart() && open_.size() < deepest_part)
+      open_.push_back({index, Header_Parameter(part.headers[Mail_Field::Content_Type], "boundary")});
     parts_.push_back(std::move(part));
   }
 

@@ -28,6 +28,16 @@ std::string Source_File::Read(std::int64_t at, std::int64_t length) {
   return bytes;
 }
 
+std::string Source_File::Peek(std::int64_t at, std::int64_t length) {
+  length = std::clamp<std::int64_t>(size_ - at, 0, length);
+  const std::int64_t in_window = at - window_at_;
+  if (in_window >= 0 && in_window + length <= static_cast<std::int64_t>(window_.size()))
+    return window_.substr(static_cast<std::size_t>(in_window), static_cast<std::size_t>(length));
+  std::string bytes;
+  Fill(at, length, bytes);
+  return bytes;
+}
+
 std::string_view Source_File::View(std::int64_t at, std::int64_t minimum) {
   const std::int64_t end = std::min(at + minimum, size_);
   if (at >= end) return {};

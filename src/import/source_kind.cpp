@@ -40,8 +40,13 @@ std::optional<Source_Kind> Kind_Of_Content(std::string_view begin) {
   return std::nullopt;
 }
 
-std::optional<Source_Kind> Kind_Of_File(const std::filesystem::path& file) {
-  return Kind_Of_Content(Source_File(file).Read(0, longest_look));
+std::optional<Source_Kind> Kind_Of_File(const std::filesystem::path& path) {
+  Source_File file(path);
+  const auto kind = Kind_Of_Content(file.Read(0, longest_look));
+  if (kind != Source_Kind::Mbox || !Same_Name(path.extension().string(), ".eml")) return kind;
+  // Some programs save a message with the separator that it had.
+  const auto first = Mbox_Reader(file, [] {}).Next();
+  return first && first->end == file.Size() ? Source_Kind::Message : Source_Kind::Mbox;
 }
 
 }  // namespace tidyfold

@@ -40,8 +40,6 @@ TEST_F(Import_Test, What_Is_No_Source_Or_Cut_Off_Is_Refused_And_Changes_Nothing)
       {"Name: x\nColour: y\n\n", "none that can be imported"},  // header fields, but none of mail
       {"!BDN and then something else, long enough for a header", "cut off"},
       {std::string_view("!BD", 3), "none that can be imported"},
-      {"From a@b Fri Aug 23 02:32:53 2002\nS: 1\n\none\n\nFrom a@b Fri Aug 23 02:32:53 2002\nS: 2\n\nhalf",
-       "at byte 45"},
   };
   for (const auto& [content, part] : cases) {
     const std::string error = Error_Of(Write("odd.mbox", content));

@@ -1,4 +1,6 @@
 // Messages: where they begin and end in mbox files, and what is in them.
+#include <ctime>
+
 #include "import/import_fixture.h"
 #include "import/mbox_reader.h"
 #include "import/mime_message.h"
@@ -14,8 +16,10 @@ class Mbox_Test : public Import_Test {
     Source_File file(Write("mbox", mbox));
     Mbox_Reader reader(file, [] {});
     std::vector<std::string> messages;
-    while (const auto message = reader.Next()) messages.push_back(reader.Text(*message));
-    cut = reader.Cut();
+    while (const auto message = reader.Next()) {
+      messages.push_back(reader.Text(*message));
+      cut = message->cut;
+    }
     return messages;
   }
   Mbox_Cut cut = Mbox_Cut::None;
@@ -46,6 +50,13 @@ TEST_F(Mbox_Test, Finds_The_Messages) {
       {Message("S: 1\n\n>From x\n>>From y\n> From z\n>Fromage\n"),
        {"S: 1\n\nFrom x\n>From y\n> From z\n>Fromage\n"}},
       {Message(">From remote Fri Aug 23\nS: 1\n\nx\n"), {">From remote Fri Aug 23\nS: 1\n\nx\n"}},
+      // Separators whose message has a broken header, or none.
+      {Message("\none\n\n") + Message("broken\nS: 2\n\ntwo\n\n") + Message("no field\n\n") +
+           Message("S: 4\n\n"),
+       {"\none\n", "broken\nS: 2\n\ntwo\n", "no field\n\n", "S: 4\n\n"}},
+      {Message("S: 1\n\n\nFrom noon on Tue Mar 3 12:30 it broke, in 2003\nFrom Ann Fri\n"),
+       {"S: 1\n\n\nFrom noon on Tue Mar 3 12:30 it broke, in 2003\nFrom Ann Fri\n"}},
+      {Message("S: 1\nno blank line\n") + Message("S: 2\n\n"), {"S: 1\nno blank line\n", "S: 2\n\n"}},
       // With a correct length all else is body; a wrong one is ignored.
       {Message(lengthy) + "\n" + Message("S: 2\n\n"), {lengthy, "S: 2\n\n"}},
       {Message("S: 1\nContent-Length: 3\n\none\n\n") + Message("S: 2\n\n"),
@@ -75,23 +86,57 @@ TEST_F(Mbox_Test, Finds_Separators_Across_The_Window) {
   }
 }
 
-TEST_F(Mbox_Test, Tells_A_File_That_Was_Cut_Off) {
+TEST_F(Mbox_Test, What_Is_Whole_Goes_In_And_What_Was_Cut_Off_Is_Named) {
   const std::string whole = Message("S: 1\nContent-Length: 4\n\none\n\n");
   const std::string lying = Message("S: 1\nContent-Length: 90\n\none\n\n");
-  const std::pair<std::string, Mbox_Cut> cases[] = {
-      {whole + Message("S: 2\n\nhalf a li"), Mbox_Cut::Line},
-      {whole + Message("S: 2\nTo: x\n"), Mbox_Cut::Headers},
-      {whole + Message("S: 2\nContent-Length: 9\n\nhalf\n"), Mbox_Cut::Length},
-      {Message("S: 1\nContent-Length: 50\n\nhalf\n"), Mbox_Cut::Length},
-      {lying + Message("S: 2\nContent-Length: 9\n\nfull\n"), Mbox_Cut::None},
-      // CR LF became LF five times.
-      {Message("S: 1\nContent-Length: 15\n\n1\n2\n3\n4\n5\n"), Mbox_Cut::None},
-      {whole + Message("S: 2\n\nno way to tell\n"), Mbox_Cut::None},
+  struct Case {
+    std::string last;
+    Mbox_Cut cut;
+    bool fails, doubted;
   };
-  for (const auto& [mbox, expected] : cases) {
+  const Case cases[] = {
+      {"S: 2\n\nno last line end", Mbox_Cut::Line, false, true},
+      {"S: 2\nContent-Type: multipart/mixed; boundary=b\n\n--b\n\nhal", Mbox_Cut::Line, true, false},
+      {"S: 2\nTo: x\n", Mbox_Cut::Header, true, false},
+      {"S: 2\nContent-Length: 9\n\nhalf\n", Mbox_Cut::Length, true, false},
+      // CR LF became LF five times.
+      {"S: 1\nContent-Length: 15\n\n1\n2\n3\n4\n5\n", Mbox_Cut::None, false, false},
+      {"S: 2\n\nno way to tell\n", Mbox_Cut::None, false, false},
+  };
+  for (const Case& c : cases) {
+    const std::string mbox = whole + Message(c.last);
     Messages(mbox);
-    EXPECT_EQ(cut, expected) << mbox;
+    EXPECT_EQ(cut, c.cut) << mbox;
+    const Import_Report report = Import(Write("cut.mbox", mbox));
+    EXPECT_EQ(report.imported, c.fails ? 1 : 2) << mbox;
+    ASSERT_EQ(report.failures.size(), c.fails ? 1U : 0U) << mbox;
+    if (c.fails) {
+      EXPECT_EQ(report.failures[0].where, "message 2, at byte 63");
+    }
+    EXPECT_EQ(report.doubts.size(), c.doubted ? 1U : 0U) << mbox;
   }
+  // Where other lengths are wrong too, the last one proves nothing.
+  Messages(lying + Message("S: 2\nContent-Length: 9\n\nfull\n"));
+  EXPECT_EQ(cut, Mbox_Cut::None);
+}
+
+TEST_F(Mbox_Test, Takes_Time_In_Proportion_To_Its_Size) {
+  // Neither a blank line nor a right length anywhere.
+  std::string mbox;
+  while (mbox.size() < 8'000'000) mbox += Message("S: x\nContent-Length: 3000000\n");
+  const std::clock_t begin = std::clock();
+  Messages(mbox);
+  EXPECT_LT(std::clock() - begin, 5 * CLOCKS_PER_SEC);
+}
+
+TEST_F(Mbox_Test, Deleted_Mail_Stays_Out) {
+  const Import_Report report =
+      Import(Write("x.mbox", Message("S: 1\nX-Mozilla-Status: 0009\n\n") + Message("S: 2\nStatus: RO\n\n") +
+                                 Message("S: 3\nStatus: RD\n\n") + Message("S: 4\nX-Status: D\n\n")));
+  EXPECT_EQ(report.imported, 1);
+  ASSERT_EQ(report.left_out.size(), 3U);
+  EXPECT_EQ(report.left_out[0].where, "message 1, at byte 0");
+  EXPECT_EQ(report.found, 4);
 }
 
 TEST_F(Mbox_Test, A_Message_Without_A_Date_Takes_The_Separator_S) {
@@ -108,8 +153,9 @@ TEST_F(Mbox_Test, Real_Files) {
   EXPECT_EQ(Import(lengths).imported, 29);
   EXPECT_EQ(Items_In({"content-length"}), 29);
   EXPECT_EQ(writer.written.at(3 + 4).item.raw_message.size(), 748519U);
-  EXPECT_NE(Error_Of(Write("half.mbox", Bytes_Of(lengths).substr(0, 467636))).find("cut off"),
-            std::string::npos);
+  const Import_Report half = Import(Write("half.mbox", Bytes_Of(lengths).substr(0, 467636)));
+  EXPECT_EQ(half.failed, 1);
+  EXPECT_EQ(half.found, 5);
 }
 
 class Mime_Test : public Import_Test {
@@ -134,6 +180,23 @@ TEST_F(Mime_Test, Headers) {
       {"From: m@x\nSubject: =?no-such-set?Q?caf=E9?= =?utf-8?q?a=0Ab?=", "m@x", "", "caféa b"},
       {"From: x!y!z\nTo: undisclosed:;\nSubject:", "x!y!z", "undisclosed", ""},
       {"Sender: S <s@x>\nSubject: folded\n\tline", "S", "", "folded line"},
+      // Each word padded, characters cut in half, words in pieces, with and without blanks between them.
+      {"From: =?UTF-8?B?YWI=?= =?UTF-8?B?Y2Rl?= <a@x>\nSubject: =?UTF-8?B?YWI=?=\n =?UTF-8?B?Y2Rl?= f",
+       "abcde", "", "abcde f"},
+      {"From: =?utf-8?B?0Ys=?=\n =?utf-8?Q?_=D1?= =?utf-8?q?=8B?= <a@x>\nSubject: =?utf-8?B?0A==?= "
+       "=?utf-8?B?hg==?=",
+       "ы ы", "", "І"},
+      {"From: a@x\nSubject: =?utf-8?B?YWJj?= =?utf-8?B?ZGV?= =?utf-8?B?m?= =?iso-2022-jp?B?GyRCJCIbKEI=?= x",
+       "a@x", "", "abcdefあ x"},
+      {"From: \"=?utf-8?Q?Lee,_Bo?=\" <a@x>\nTo: =?utf-8?Q?Lee,_Al?= <b@x>, c@x (Cy (C.) D)\nSubject: "
+       "=?utf-8?Q?a b?= "
+       "=?x",
+       "Lee, Bo", "Lee, Al; Cy (C.) D", "a b =?x"},
+      {"From: Unclosed \" <a@x\nTo: a: b:c: d@x; e@x, <@r,@s:f@x>, Just A Name\nSubject: =?utf-8?B?YQ?=",
+       "Unclosed", "a; e@x; f@x; Just A Name", "a"},
+      // Raw 8-bit text is in the charset of the body.
+      {"From: \xC8\xE2\xE0\xED <i@x>\nSubject: \xD0\xB9\nContent-Type: text/plain; charset=windows-1251",
+       "Иван", "", "й"},
   };
   for (const Case& c : cases) {
     const New_Item item = Read(std::string(c.headers) + "\n\nbody\n");
@@ -174,10 +237,35 @@ TEST_F(Mime_Test, Is_Unread_Unless_It_Says_Otherwise) {
       {"X-Mozilla-Status: 8010\n", true},
       {"X-Gmail-Labels: Archived,Opened\n", false},
       {"X-Gmail-Labels: Inbox,Unread\n", true},
+      {"Status: DRAFT\n", true},  // a word, not flags
   };
   for (const auto& [headers, unread] : cases) {
     EXPECT_EQ(Read(std::string(headers) + "From: a@b\n\n").unread, unread) << headers;
   }
+}
+
+TEST_F(Mime_Test, Has_The_Identities_And_Flags_Of_Its_Header) {
+  const New_Item item =
+      Read("From: Ann <a@x>\nMessage-ID:\n <1@x>\nList-Id: The list <l.x>\nX-Status: AF\n\nx\n");
+  EXPECT_EQ(item.sender_address, "a@x");
+  EXPECT_EQ(item.message_id, "1@x");
+  EXPECT_EQ(item.list_id, "l.x");
+  EXPECT_TRUE(item.answered && item.flagged && item.unread);
+  const New_Item other = Read("From: a@x\nX-Mozilla-Status: 0002\n\n");
+  EXPECT_TRUE(other.answered && !other.flagged);
+  EXPECT_TRUE(Read("From: a@x\nX-Mozilla-Status: 0004\n\n").flagged);
+}
+
+TEST_F(Mime_Test, What_Stands_Before_Or_In_A_Header_Does_Not_Keep_A_Mail_Out) {
+  const std::string mail = "Subject: s\nFrom: a@b\n\nFrom x\n>From y\n";
+  for (const std::string before :
+       {"\xEF\xBB\xBF", "\r\n\n", "no field\n", "From a@b Fri Aug 23 02:32:53 2002\n"}) {
+    const New_Item item = Read(before + mail);
+    EXPECT_EQ(item.subject, "s") << before;
+    EXPECT_EQ(item.body, "From x\n>From y\n") << before;
+    EXPECT_EQ(item.raw_message, before + mail);
+  }
+  EXPECT_EQ(Read("From: a@b\nno field\nSubject: s\n\n").subject, "s");
 }
 
 TEST_F(Mime_Test, Body_Is_The_Plain_Text_Or_What_Html_Shows) {
@@ -198,6 +286,11 @@ TEST_F(Mime_Test, Body_Is_The_Plain_Text_Or_What_Html_Shows) {
        "text/plain\n\nunseen\n--c--\n--b\n\nfooter\n--b\nContent-Disposition: "
        "attachment\n\nfile\n--b--\n",
        "seen\nfooter"},
+      // The start of related parts, and a body of several padded blocks.
+      {"Content-Type: multipart/related; boundary=b; start=\"<2@x>\"\n\n--b\nContent-ID: "
+       "<1@x>\n\nunseen\n--b\n"
+       "Content-ID: <2@x>\nContent-Transfer-Encoding: base64\n\nYWI=\nY2Rl\n--b--\n",
+       "abcde"},
       {"Content-Type: multipart/mixed; boundary=never\n\nno part at all\n", "no part at all\n"},
       {"Content-Type: text\n\nodd type\n", "odd type\n"},
   };
@@ -245,16 +338,40 @@ TEST_F(Mime_Test, Class_Follows_Calendar_And_Report_Parts) {
   }
 }
 
+// The whole value many times over.
+std::string Repeat(std::string_view text, std::size_t times) {
+  std::string all;
+  for (std::size_t i = 0; i < times; ++i) all += text;
+  return all;
+}
+
 TEST_F(Mime_Test, Keeps_The_Message_As_It_Came_However_Deep_Or_Long) {
-  std::string message = "From: a@b\nSubject: " + std::string(100000, 's') + "\n";
+  std::string nested;
   for (int i = 0; i < 3000; ++i) {
     const std::string boundary = "b" + std::to_string(i);
-    message += "Content-Type: multipart/mixed; boundary=" + boundary + "\n\n--" + boundary + "\n";
+    nested += "Content-Type: multipart/mixed; boundary=" + boundary + "\n\n--" + boundary + "\n";
   }
-  const New_Item item = Read(message + "\ntext\n");
-  EXPECT_EQ(item.subject.size(), 100000U);
-  EXPECT_EQ(item.raw_message, message + "\ntext\n");
-  EXPECT_EQ(item.size, static_cast<std::int64_t>(item.raw_message.size()));
+  const std::string parts = "Content-Type: multipart/mixed; boundary=b\n\n" + Repeat("--b\n\n", 1'000'000);
+  const std::string cases[] = {
+      nested + "\ntext\n",
+      "To: " + Repeat("a:", 40'000) + "\n\n",
+      "To: " + Repeat("(", 80'000) + Repeat("<", 80'000) + Repeat("\"\\", 80'000) + "\n\n",
+      "X: " + Repeat("=?utf-8?Q?a ", 100'000) + "\n\n",
+      "Content-Type: text/plain" + Repeat("; a*0*=\"", 100'000) + "\n\n",
+      Repeat("a: b\n", 8'000'000) + "\n",
+      parts,
+      Repeat("--b\nContent-Type: message/rfc822\n\n", 1000),
+      "Content-Type: text/html\n\n" + Repeat("<a =\"&aa<!--", 100'000)};
+  for (const std::string& text : cases) {
+    const std::clock_t begin = std::clock();
+    const std::string message = "From: a@b\nSubject: " + std::string(100'000, 's') + "\n" + text;
+    const New_Item item = Read_Mime_Message(message);
+    EXPECT_EQ(item.subject.size(), 100'000U);
+    EXPECT_TRUE(item.raw_message == message);
+    EXPECT_EQ(item.size, static_cast<std::int64_t>(message.size()));
+    EXPECT_LE(item.attachments.size(), 10'000U);
+    EXPECT_LT(std::clock() - begin, 10 * CLOCKS_PER_SEC) << text.substr(0, 40);
+  }
 }
 
 }  // namespace
