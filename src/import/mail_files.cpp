@@ -4,12 +4,12 @@
 #include <string>
 #include <utility>
 
+#include "import/apple_message.h"
 #include "import/mail_flags.h"
-#include "import/mail_headers.h"
-#include "import/maildir.h"
 #include "import/mbox_reader.h"
 #include "import/mime_message.h"
 #include "import/source_file.h"
+#include "import/source_kind.h"
 
 namespace tidyfold {
 namespace {
@@ -28,15 +28,26 @@ void Check_Size(std::int64_t size) {
   if (size > max_message_size) throw Message_Error("it is larger than 512 MB");
 }
 
-New_Item Read_Message_File(const std::filesystem::path& path, Import_Run& run) {
+// The message of a file, and whether it is marked as deleted.
+std::pair<New_Item, bool> Read_Message_File(const std::filesystem::path& path, Import_Run& run) {
   std::error_code error;
   if (!std::filesystem::is_regular_file(path, error)) throw Message_Error("it is no file that can be read");
   try {
     Source_File file(path);
     Check_Size(file.Size());
     if (file.Size() == 0) throw Message_Error("it is empty");
-    return Read_Message(
-        file.Size(), [&] { return file.Read(0, file.Size()); }, run);
+    if (!Has_Apple_Frame(file.Read(0, longest_look))) {
+      return {Read_Message(
+                  file.Size(), [&] { return file.Read(0, file.Size()); }, run),
+              false};
+    }
+    Apple_Message message = Split_Apple_Frame(file.Read(0, file.Size()));
+    const auto text = [&] { return std::move(message.message); };
+    New_Item item = Read_Message(file.Size(), text, run);
+    item.unread = !message.read;
+    item.flagged = message.flagged;
+    item.answered = message.answered;
+    return {std::move(item), message.deleted};
   } catch (const Import_Error&) {
     throw Message_Error("it cannot be opened and read");
   }
@@ -87,25 +98,16 @@ void Add_Mbox_Message(const Mbox_Message& message, const std::string& where, Mbo
   if (deleted) return run.Leave_Out(where, deleted_mail);
   if (item.received == no_date)
     item.received = item.last_modified = Separator_Date(reader.Separator(message));
-  run.Add(folder, item);
+  run.Add(folder, std::move(item));
   if (message.cut == Mbox_Cut::Line)
     run.Doubt(where, "it went in, but the file ends within its last line: check whether its end is missing");
 }
 
-// Some programs save a message with the separator that it had.
-bool Is_Saved_Message(const std::filesystem::path& source, Source_File& file, Import_Run& run) {
-  if (!Same_Name(source.extension().string(), ".eml")) return false;
-  const auto first = Mbox_Reader(file, [&run] { run.Tick(); }).Next();
-  return first && first->end == file.Size();
-}
-
 }  // namespace
 
-void Import_Mbox(const std::filesystem::path& source, Import_Run& run) {
+void Import_Mbox(const std::filesystem::path& source, const MAPIFolder_Ptr& folder, Import_Run& run) {
   Source_File file(source);
-  if (Is_Saved_Message(source, file, run)) return Import_Eml(source, run);
   Mbox_Reader reader(file, [&run] { run.Tick(); });
-  const MAPIFolder_Ptr folder = run.Target_Folder();
   std::int64_t number = 0;
   while (const auto message = reader.Next()) {
     const std::string where = Position(++number, *message);
@@ -117,34 +119,19 @@ void Import_Mbox(const std::filesystem::path& source, Import_Run& run) {
   }
 }
 
-void Import_Maildir(const std::filesystem::path& source, Import_Run& run) {
-  const std::vector<Maildir_Folder> folders = List_Maildir(source, [&run] { run.Tick(); });
-  std::int64_t total = 0;
-  for (const Maildir_Folder& folder : folders) total += static_cast<std::int64_t>(folder.messages.size());
-  run.Expect(total);
-  const MAPIFolder_Ptr target = run.Target_Folder();
-  for (const Maildir_Folder& folder : folders) {
-    MAPIFolder_Ptr place = target;
-    for (const std::string& name : folder.names) place = run.Folder(place, name, item_type::mail);
-    for (const Maildir_Message& message : folder.messages) {
-      const std::filesystem::path file = message.Path(folder);
-      try {
-        New_Item item = Read_Message_File(file, run);
-        item.unread = !message.seen;
-        if (item.received == no_date) item.received = item.last_modified = message.delivered;
-        run.Add(message.trashed ? *run.Deleted_Items() : *place, item);
-      } catch (const Message_Error& error) {
-        run.Fail(file.string(), error.what());
-      }
-    }
-  }
+void Add_Message_File(const std::filesystem::path& file, MAPIFolder& folder, Import_Run& run,
+                      const std::function<void(New_Item&)>& change) {
+  auto [item, deleted] = Read_Message_File(file, run);
+  if (deleted) return run.Leave_Out("", deleted_mail);
+  if (change) change(item);
+  run.Add(folder, std::move(item));
 }
 
-void Import_Eml(const std::filesystem::path& source, Import_Run& run) {
+void Import_Message(const std::filesystem::path& source, Import_Run& run) {
   run.Expect(1);
+  run.Set_File(source.string());
   try {
-    const New_Item item = Read_Message_File(source, run);
-    run.Add(*run.Target_Folder(), item);
+    Add_Message_File(source, *run.Target_Folder(), run);
   } catch (const Message_Error& error) {
     throw Import_Error(source.string() + ": the message cannot be read: " + error.what() +
                        ". Save it again from the program that it came from.");

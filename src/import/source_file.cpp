@@ -60,4 +60,13 @@ void Source_File::Fill(std::int64_t at, std::int64_t length, std::string& bytes)
   }
 }
 
+std::string Read_Text_File(const std::filesystem::path& path) {
+  constexpr std::int64_t largest = 512LL << 20;
+  Source_File file(path);
+  if (file.Size() > largest)
+    throw Import_Error(path.string() +
+                       ": the file is larger than 512 MB. Divide it in the program that it came from.");
+  return file.Read(0, file.Size());
+}
+
 }  // namespace tidyfold

@@ -34,4 +34,7 @@ class Source_File {
   std::int64_t window_at_ = 0;
 };
 
+// A whole file of at most 512 MB. Throws Import_Error if it cannot be read or is larger.
+std::string Read_Text_File(const std::filesystem::path& path);
+
 }  // namespace tidyfold

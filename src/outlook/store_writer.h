@@ -37,6 +37,8 @@ struct New_Item {
   // Of a recurring appointment, the end of its last occurrence; no_date if it goes on for ever.
   Date end = no_date;
   std::int64_t size = 0;  // bytes of the whole item
+  // Tells an item from all that differ in content, wherever it lies; 0: not known, and never looked up.
+  std::int64_t identity = 0;
   // The item in the form that other programs read; empty where there is none. Mail, meetings and reports:
   // a message (RFC 5322). Appointments and tasks: iCalendar (RFC 5545), one VCALENDAR. Contacts and
   // distribution lists: vCard (RFC 6350), the latter with KIND:group. Notes, posts and journal entries have
@@ -56,6 +58,8 @@ class Store_Writer {
                                     std::int32_t default_item_type) = 0;
   // Returns the new item's EntryID. The item becomes the last of its folder.
   virtual std::string Add_Item(MAPIFolder& folder, const New_Item& item) = 0;
+  // How many items the store holds with this identity, those added since Begin included.
+  virtual std::int64_t Count_Of(std::int64_t identity) = 0;
   virtual void Begin() = 0;
   virtual void Commit() = 0;
   virtual void Roll_Back() = 0;

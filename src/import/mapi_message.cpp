@@ -1,8 +1,10 @@
-#include "import/pst_message.h"
+#include "import/mapi_message.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <memory>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -19,13 +21,14 @@ namespace {
 // Nested messages; anything deeper is damage.
 constexpr int max_depth = 20;
 
+constexpr std::uint32_t recipient_type_mask = 0xF;  // above it: flags
 constexpr std::int64_t filetime_second = 10'000'000;
 constexpr std::int64_t filetime_of_1970 = 11'644'473'600;
 
 // Fields that describe the structure of the original, which is lost.
 constexpr std::array<std::string_view, 3> structure_fields = {"CONTENT-", "MIME-VERSION", "LINES"};
 
-std::string Built(libpff_item_t* message, const Pst_Properties& properties, const Pst_Body& body, int depth);
+std::string Built(const Mapi_Item& item, const Mapi_Body& body, int depth);
 
 // The original headers with CR LF, without those of the structure.
 std::string Kept_Headers(std::string_view headers) {
@@ -54,51 +57,35 @@ void Append_Address(InternetAddressList* list, const std::string& name, const st
   internet_address_list_add(list, mailbox.get());
 }
 
-bool Is_Internet_Address(const std::string& address) {
-  return address.find('@') != std::string::npos;
-}
-
-std::string Recipient_Address(const Pst_Properties& recipient) {
-  std::string address = One_Line(recipient.Text(pst_property::smtp_address));
-  if (address.empty()) address = One_Line(recipient.Text(pst_property::address));
-  return Is_Internet_Address(address) ? address : std::string();
-}
-
-void Add_Recipients(libpff_item_t* source, GMimeMessage* message) {
-  Pff_Error error;
-  libpff_item_t* found = nullptr;
-  Check_Pff(libpff_message_get_recipients(source, &found, error.Out()), error);
-  const Pff_Item recipients(found);
-  int count = 0;
-  if (recipients) Check_Pff(libpff_item_get_number_of_record_sets(found, &count, error.Out()), error);
-  for (int i = 0; i < count; ++i) {
-    const Pst_Properties recipient(found, i);
-    const std::uint32_t type = recipient.Number(pst_property::recipient_type).value_or(GMIME_ADDRESS_TYPE_TO);
+void Add_Recipients(const Mapi_Item& item, GMimeMessage* message) {
+  for (const auto& recipient : item.Recipients()) {
+    const std::uint32_t type =
+        recipient->Number(mapi_property::recipient_type).value_or(0) & recipient_type_mask;
     GMimeAddressType kind = GMIME_ADDRESS_TYPE_TO;
     if (type == 2) kind = GMIME_ADDRESS_TYPE_CC;
     if (type == 3) kind = GMIME_ADDRESS_TYPE_BCC;
     Append_Address(g_mime_message_get_addresses(message, kind),
-                   One_Line(recipient.Text(pst_property::display_name)), Recipient_Address(recipient));
+                   recipient->First_Text(mapi_property::display_name), Recipient_Address(*recipient));
   }
 }
 
-void Add_Headers(libpff_item_t* source, const Pst_Properties& properties, GMimeMessage* message) {
-  std::string address = One_Line(properties.Text(pst_property::sender_smtp_address));
-  if (address.empty()) address = One_Line(properties.Text(pst_property::sender_address));
-  Append_Address(g_mime_message_get_from(message), One_Line(properties.Text(pst_property::sender_name)),
-                 Is_Internet_Address(address) ? address : std::string());
-  Add_Recipients(source, message);
+void Add_Headers(const Mapi_Item& item, GMimeMessage* message) {
+  const Mapi_Properties& properties = item.Properties();
+  Append_Address(g_mime_message_get_from(message),
+                 properties.First_Text(mapi_property::sender_name, mapi_property::sent_representing_name),
+                 Sender_Address(properties));
+  Add_Recipients(item, message);
   g_mime_message_set_subject(message, One_Line(properties.Subject()).c_str(), "utf-8");
-  std::optional<std::uint64_t> time = properties.Time(pst_property::client_submit_time);
-  if (!time) time = properties.Time(pst_property::delivery_time);
-  if (!time) time = properties.Time(pst_property::last_modification_time);
+  std::optional<std::uint64_t> time = properties.Time(mapi_property::client_submit_time);
+  if (!time) time = properties.Time(mapi_property::delivery_time);
+  if (!time) time = properties.Time(mapi_property::last_modification_time);
   if (time) {
     const std::unique_ptr<GDateTime, decltype(&g_date_time_unref)> date(
         g_date_time_new_from_unix_utc(static_cast<std::int64_t>(*time / filetime_second) - filetime_of_1970),
         g_date_time_unref);
     if (date) g_mime_message_set_date(message, date.get());
   }
-  std::string id = One_Line(properties.Text(pst_property::message_id));
+  std::string id = properties.First_Text(mapi_property::message_id);
   if (id.starts_with('<') && id.ends_with('>')) id = id.substr(1, id.size() - 2);
   if (!id.empty()) g_mime_message_set_message_id(message, id.c_str());
 }
@@ -123,55 +110,25 @@ Gmime_Ptr<GMimeObject> File_Part(const std::string& bytes, std::string type) {
   return Gmime_Ptr<GMimeObject>(GMIME_OBJECT(part));
 }
 
-std::string Attached_Data(libpff_item_t* attachment) {
-  Pff_Error error;
-  size64_t size = 0;
-  Check_Pff(libpff_attachment_get_data_size(attachment, &size, error.Out()), error);
-  if (size > static_cast<size64_t>(max_message_size))
-    throw Message_Error("an attachment is larger than 512 MB");
-  std::string data(static_cast<std::size_t>(size), '\0');
-  for (std::size_t at = 0; at < data.size();) {
-    const ssize_t count = libpff_attachment_data_read_buffer(
-        attachment, reinterpret_cast<std::uint8_t*>(data.data()) + at, data.size() - at, error.Out());
-    if (count <= 0) throw Message_Error("an attachment is damaged (" + error.Text() + ")");
-    at += static_cast<std::size_t>(count);
-  }
-  return data;
-}
-
-std::string Attached_Message(libpff_item_t* attachment, int depth) {
-  Pff_Error error;
-  libpff_item_t* found = nullptr;
-  Check_Pff(libpff_attachment_get_item(attachment, &found, error.Out()), error);
-  const Pff_Item inner(found);
-  if (!inner || depth >= max_depth) return {};
-  const Pst_Properties properties(found);
-  return Built(found, properties, Read_Pst_Body(found, properties), depth + 1);
+std::string Attached_Message(const Mapi_Item& inner, int depth) {
+  return depth >= max_depth ? std::string() : Built(inner, Read_Mapi_Body(inner), depth + 1);
 }
 
 // Empty for a reference to external data.
-Gmime_Ptr<GMimeObject> Attachment_Part(libpff_item_t* attachment, int depth) {
-  Pff_Error error;
-  int type = LIBPFF_ATTACHMENT_TYPE_UNDEFINED;
-  Check_Pff(libpff_attachment_get_type(attachment, &type, error.Out()), error);
-  const Pst_Properties properties(attachment);
+Gmime_Ptr<GMimeObject> Attachment_Part(const Mapi_Attachment& attachment, int depth) {
+  const Mapi_Properties& properties = attachment.Properties();
   Gmime_Ptr<GMimeObject> part;
-  if (type == LIBPFF_ATTACHMENT_TYPE_DATA) {
-    part =
-        File_Part(Attached_Data(attachment), One_Line(properties.Text(pst_property::attachment_mime_type)));
-  } else if (type == LIBPFF_ATTACHMENT_TYPE_ITEM) {
-    part = File_Part(Attached_Message(attachment, depth), "message/rfc822");
+  if (const auto data = attachment.Data()) {
+    part = File_Part(*data, properties.First_Text(mapi_property::attachment_mime_type));
+    g_mime_part_set_content_encoding(GMIME_PART(part.get()), GMIME_CONTENT_ENCODING_BASE64);
+  } else if (const auto inner = attachment.Item()) {
+    part = File_Part(Attached_Message(*inner, depth), "message/rfc822");
   }
   if (!part) return part;
-  if (type == LIBPFF_ATTACHMENT_TYPE_DATA) {
-    g_mime_part_set_content_encoding(GMIME_PART(part.get()), GMIME_CONTENT_ENCODING_BASE64);
-  }
   g_mime_object_set_disposition(part.get(), "attachment");
-  std::string name = One_Line(properties.Text(pst_property::attachment_long_name));
-  if (name.empty()) name = One_Line(properties.Text(pst_property::attachment_name));
-  if (name.empty()) name = One_Line(properties.Text(pst_property::display_name));
+  const std::string name = attachment.Name();
   if (!name.empty()) g_mime_part_set_filename(GMIME_PART(part.get()), name.c_str());
-  const std::string id = One_Line(properties.Text(pst_property::attachment_content_id));
+  const std::string id = properties.First_Text(mapi_property::attachment_content_id);
   if (!id.empty()) g_mime_object_set_content_id(part.get(), id.c_str());
   return part;
 }
@@ -186,20 +143,14 @@ void Add_Part(Gmime_Ptr<GMimeObject>& whole, Gmime_Ptr<GMimeObject> part, const 
   g_mime_multipart_add(GMIME_MULTIPART(whole.get()), part.get());
 }
 
-Gmime_Ptr<GMimeObject> Content(libpff_item_t* message, const Pst_Body& body, int depth) {
+Gmime_Ptr<GMimeObject> Content(const Mapi_Item& item, const Mapi_Body& body, int depth) {
   std::string plain = body.plain;
   if (plain.empty() && body.html.empty()) plain = Rtf_To_Text(body.rtf);
   Gmime_Ptr<GMimeObject> whole =
       Text_Part(plain.empty() ? body.html : plain, plain.empty() ? "html" : "plain");
   if (!plain.empty() && !body.html.empty()) Add_Part(whole, Text_Part(body.html, "html"), "alternative");
-  Pff_Error error;
-  int count = 0;
-  Check_Pff(libpff_message_get_number_of_attachments(message, &count, error.Out()), error);
-  for (int i = 0; i < count; ++i) {
-    libpff_item_t* found = nullptr;
-    Check_Pff(libpff_message_get_attachment(message, i, &found, error.Out()), error);
-    const Pff_Item attachment(found);
-    if (auto part = Attachment_Part(found, depth)) Add_Part(whole, std::move(part), "mixed");
+  for (const auto& attachment : item.Attachments()) {
+    if (auto part = Attachment_Part(*attachment, depth)) Add_Part(whole, std::move(part), "mixed");
   }
   return whole;
 }
@@ -214,38 +165,38 @@ std::string Written(GMimeObject* object) {
   return {reinterpret_cast<const char*>(bytes->data), bytes->len};
 }
 
-std::string Built(libpff_item_t* source, const Pst_Properties& properties, const Pst_Body& body, int depth) {
-  const Gmime_Ptr<GMimeObject> content = Content(source, body, depth);
+std::string Built(const Mapi_Item& item, const Mapi_Body& body, int depth) {
+  const Gmime_Ptr<GMimeObject> content = Content(item, body, depth);
   g_mime_object_encode(content.get(), GMIME_ENCODING_CONSTRAINT_7BIT);
-  std::string headers = Kept_Headers(properties.Text(pst_property::transport_headers));
+  const std::string headers = Kept_Headers(item.Properties().Text(mapi_property::transport_headers));
   if (!headers.empty()) return headers + "MIME-Version: 1.0\r\n" + Written(content.get());
   const Gmime_Ptr<GMimeMessage> message(g_mime_message_new(TRUE));
-  Add_Headers(source, properties, message.get());
+  Add_Headers(item, message.get());
   g_mime_message_set_mime_part(message.get(), content.get());
   return Written(GMIME_OBJECT(message.get()));
 }
 
 }  // namespace
 
-Pst_Body Read_Pst_Body(libpff_item_t* message, const Pst_Properties& properties) {
-  Pst_Body body;
-  body.plain = properties.Text(pst_property::body);
-  body.html = properties.Text(pst_property::html);
-  if (!body.plain.empty() || !body.html.empty()) return body;
-  Pff_Error error;
-  std::size_t size = 0;
-  const int found = libpff_message_get_rtf_body_size(message, &size, error.Out());
-  Check_Pff(found, error);
-  if (found != 1 || size == 0) return body;
-  body.rtf.resize(size);
-  Check_Pff(libpff_message_get_rtf_body(message, reinterpret_cast<std::uint8_t*>(body.rtf.data()), size,
-                                        error.Out()),
-            error);
+Mapi_Body Read_Mapi_Body(const Mapi_Item& item) {
+  Mapi_Body body;
+  body.plain = item.Properties().Text(mapi_property::body);
+  body.html = item.Properties().Html();
+  if (body.plain.empty() && body.html.empty()) body.rtf = item.Rtf();
   return body;
 }
 
-std::string Rebuild_Message(libpff_item_t* message, const Pst_Properties& properties, const Pst_Body& body) {
-  return Built(message, properties, body, 0);
+std::string Rebuild_Message(const Mapi_Item& item, const Mapi_Body& body) {
+  return Built(item, body, 0);
+}
+
+std::string List_Id_Of(std::string_view text) {
+  Mail_Headers headers;
+  headers.Read(text);
+  const std::string_view value = headers[Mail_Field::List_Id];
+  const std::size_t open = value.rfind('<'), close = value.rfind('>');
+  if (open == std::string_view::npos || close == std::string_view::npos || close < open) return {};
+  return One_Line(Trim(value.substr(open + 1, close - open - 1)));
 }
 
 }  // namespace tidyfold
