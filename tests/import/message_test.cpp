@@ -54,6 +54,7 @@ TEST_F(Mbox_Test, Finds_The_Messages) {
       {Message("\none\n\n") + Message("broken\nS: 2\n\ntwo\n\n") + Message("no field\n\n") +
            Message("S: 4\n\n"),
        {"\none\n", "broken\nS: 2\n\ntwo\n", "no field\n\n", "S: 4\n\n"}},
+      {Message("S: 1\n\none\n") + Message("broken\nS: 2\n\n"), {"S: 1\n\none\n", "broken\nS: 2\n\n"}},
       {Message("S: 1\n\n\nFrom noon on Tue Mar 3 12:30 it broke, in 2003\nFrom Ann Fri\n"),
        {"S: 1\n\n\nFrom noon on Tue Mar 3 12:30 it broke, in 2003\nFrom Ann Fri\n"}},
       {Message("S: 1\nno blank line\n") + Message("S: 2\n\n"), {"S: 1\nno blank line\n", "S: 2\n\n"}},
@@ -194,7 +195,8 @@ TEST_F(Mime_Test, Headers) {
        "Lee, Bo", "Lee, Al; Cy (C.) D", "a b =?x"},
       {"From: Unclosed \" <a@x\nTo: a: b:c: d@x; e@x, <@r,@s:f@x>, Just A Name\nSubject: =?utf-8?B?YQ?=",
        "Unclosed", "a; e@x; f@x; Just A Name", "a"},
-      // Raw 8-bit text is in the charset of the body.
+      // Raw text is in the charset of the body.
+      {"From: a@x\nSubject: \x1B$B$\"\x1B(B\nContent-Type: text/plain; charset=ISO-2022-JP", "a@x", "", "あ"},
       {"From: \xC8\xE2\xE0\xED <i@x>\nSubject: \xD0\xB9\nContent-Type: text/plain; charset=windows-1251",
        "Иван", "", "й"},
   };
