@@ -11,6 +11,9 @@
 #include <system_error>
 
 #include "base/text.h"
+#include "import/apple_message.h"
+#include "import/calendar_item.h"
+#include "import/calendar_text.h"
 #include "import/charset.h"
 #include "import/compressed_rtf.h"
 #include "import/header_parameters.h"
@@ -18,12 +21,15 @@
 #include "import/html_text.h"
 #include "import/import.h"
 #include "import/mail_addresses.h"
+#include "import/mapi_recurrence.h"
 #include "import/mbox_reader.h"
 #include "import/mime_message.h"
+#include "import/msg_file.h"
 #include "import/rtf_text.h"
 #include "import/source_file.h"
 #include "import/tnef.h"
 #include "import/transfer_encoding.h"
+#include "import/vcard.h"
 
 namespace tidyfold {
 namespace {
@@ -40,6 +46,14 @@ void Expect_Line(const std::string& text) {
   Expect_Text(text);
   const bool control = std::any_of(text.begin(), text.end(), [](unsigned char c) { return c < 0x20; });
   Expect(!control, "a line has control characters");
+}
+
+template <class Read>
+void Unless_Refused(Read read) {
+  try {
+    read();
+  } catch (const Message_Error&) {
+  }
 }
 
 // A file in memory, for readers that take a path.
@@ -61,7 +75,7 @@ class Memory_File {
 };
 
 void Run_Message(const std::string& bytes) {
-  try {
+  Unless_Refused([&] {
     const New_Item item = Read_Mime_Message(bytes);
     Expect(item.raw_message == bytes, "the raw message is another");
     for (const std::string* line : {&item.sender, &item.sender_address, &item.recipients, &item.subject,
@@ -72,8 +86,7 @@ void Run_Message(const std::string& bytes) {
       Expect_Line(attachment.name);
       Expect(attachment.size >= 0, "an attachment has no size");
     }
-  } catch (const Message_Error&) {
-  }
+  });
 }
 
 void Run_Mbox(const std::string& bytes) {
@@ -136,10 +149,49 @@ void Run_Rtf(const std::string& bytes) {
   Expect_Text(Rtf_To_Text(Decompress_Rtf(bytes)));
 }
 
+void Expect_Item(const New_Item& item) {
+  for (const std::string& line : {item.subject, item.sender, item.recipients}) Expect_Line(line);
+  Expect_Text(item.body);
+}
+
+void Run_Apple(const std::string& bytes) {
+  const Apple_Message apple = Split_Apple_Frame(bytes);
+  Expect(bytes.find(apple.message) != std::string::npos, "the message is not what lies in the frame");
+}
+
+void Run_Calendar(const std::string& bytes) {
+  for (const Calendar_Item& item : Items_Of_Calendars(bytes)) {
+    if (item.problem.empty()) Unless_Refused([&] { Expect_Item(Read_Calendar_Item(item.calendar)); });
+  }
+}
+
+void Run_Contacts(const std::string& bytes) {
+  std::size_t end = 0;
+  for (const Card_Text& card : Cards_In(bytes)) {
+    Expect(card.begin >= end && card.begin + card.size <= bytes.size(), "cards overlap");
+    end = card.begin + card.size;
+    Unless_Refused([&] { Expect_Item(Read_Vcard(bytes.substr(card.begin, card.size))); });
+  }
+}
+
+void Run_Msg(const std::string& bytes) {
+  Unless_Refused([&] { Expect_Item(Read_Msg(bytes)); });
+}
+
+void Run_Series(const std::string& bytes) {
+  for (const bool of_appointment : {false, true}) {
+    const auto series = Read_Mapi_Series(bytes, of_appointment);
+    if (series) Expect(series->rule.starts_with("FREQ="), "a series without a rule");
+  }
+}
+
 constexpr std::array targets = {
+    Fuzz_Target{"apple", Run_Apple},         Fuzz_Target{"calendar", Run_Calendar},
+    Fuzz_Target{"contacts", Run_Contacts},
     Fuzz_Target{"encodings", Run_Encodings}, Fuzz_Target{"headers", Run_Headers},
     Fuzz_Target{"html", Run_Html},           Fuzz_Target{"mbox", Run_Mbox},
-    Fuzz_Target{"message", Run_Message},     Fuzz_Target{"rtf", Run_Rtf},
+    Fuzz_Target{"message", Run_Message},     Fuzz_Target{"msg", Run_Msg},
+    Fuzz_Target{"rtf", Run_Rtf},             Fuzz_Target{"series", Run_Series},
     Fuzz_Target{"tnef", Run_Tnef},
 };
 
