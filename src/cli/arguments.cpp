@@ -16,12 +16,13 @@ namespace tidyfold::cli {
 
 namespace {
 
-constexpr std::array<std::pair<const char*, Command>, 8> commands = {{{"sample", Command::Sample},
+constexpr std::array<std::pair<const char*, Command>, 9> commands = {{{"sample", Command::Sample},
                                                                       {"import", Command::Import},
                                                                       {"folders", Command::Folders},
                                                                       {"items", Command::Items},
                                                                       {"clean", Command::Clean},
                                                                       {"check", Command::Check},
+                                                                      {"compact", Command::Compact},
                                                                       {"runs", Command::Runs},
                                                                       {"undo", Command::Undo}}};
 
@@ -127,6 +128,7 @@ void Add_Store_Commands(CLI::App& app, Arguments& arguments, Raw& raw) {
   folders.add_flag("--json", raw.json, "As JSON");
 
   app.add_subcommand("check", "Look for what is wrong with the stores");
+  app.add_subcommand("compact", "Give the room back that the stores no longer need");
 }
 
 void Add_Item_Commands(CLI::App& app, Arguments& arguments, Raw& raw) {

@@ -11,7 +11,7 @@
 
 namespace tidyfold::cli {
 
-enum class Command { Sample, Import, Folders, Items, Clean, Check, Runs, Undo };
+enum class Command { Sample, Import, Folders, Items, Clean, Check, Compact, Runs, Undo };
 enum class Form { Text, Json, Csv };
 
 struct Filters {

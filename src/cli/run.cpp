@@ -22,6 +22,8 @@ Exit_Status Run_Command(const Arguments& arguments, Terminal& terminal) {
       return Clean(arguments, terminal);
     case Command::Check:
       return Check(arguments, terminal);
+    case Command::Compact:
+      return Compact(arguments, terminal);
     case Command::Runs:
       return Runs(arguments, terminal);
     case Command::Undo:
@@ -42,6 +44,7 @@ Exit_Status Guarded(Terminal& terminal, const std::vector<std::string>& words) {
     return failure.Status();
   } catch (const Store_Open_Error& error) {
     terminal.Write_Error(error.what());
+    if (error.Why() == Store_Open_Error::Reason::Cancelled) return Exit_Status::Cancelled;
   } catch (const Import_Error& error) {
     terminal.Write_Error(error.what());
   } catch (const Run_Log_Error& error) {

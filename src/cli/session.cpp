@@ -27,7 +27,7 @@ Session::Session(const std::vector<std::filesystem::path>& stores, Store_Mode mo
       registry_(Make_System_Registry([&terminal](const std::string& text) { terminal.Write_Error(text); })),
       limits_(stored_limits_, deleted_items_limit),
       app_(window_, {outlook_, message_box_, events_, clock_, log_, limits_}) {
-  outlook_.Open(stores, mode);
+  outlook_.Open(stores, mode, Told_On(terminal, "Bringing the store up to date"));
   folders_ = List_Folders(outlook_);
   events_.due = [this] { Events_Due(); };
   events_.urgent = [this] { return !interrupt_handled_ && terminal_.Interrupted(); };

@@ -8,7 +8,7 @@
 #include "import/import.h"
 #include "stores/sqlite/embedded_store.h"
 #include "stores/sqlite/sample_store.h"
-#include "stores/sqlite/store_file.h"
+#include "stores/sqlite/store_draft.h"
 
 namespace tidyfold::cli {
 
@@ -72,7 +72,8 @@ class Import_Command {
     // Open refuses anything else that exists there.
     created_ = !std::filesystem::exists(std::filesystem::symlink_status(path));
     store_ = created_ ? Embedded_Store::Create(path, path.stem().string())
-                      : Embedded_Store::Open(path, Store_Mode::Read_Write);
+                      : Embedded_Store::Open(path, Store_Mode::Read_Write,
+                                             Told_On(terminal_, "Bringing the store up to date"));
   }
 
   [[noreturn]] void Fail_Target(const std::string& what) const {

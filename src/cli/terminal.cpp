@@ -126,4 +126,12 @@ bool Terminal::Interrupted() const {
   return Interrupt_Caught();
 }
 
+std::function<bool(std::int64_t done, std::int64_t total)> Told_On(Terminal& terminal, std::string what) {
+  return [&terminal, what = std::move(what)](std::int64_t done, std::int64_t total) {
+    if (terminal.Progress_Due() && total > 0)
+      terminal.Progress(what + "  " + std::to_string(done * 100 / total) + " %");
+    return !terminal.Interrupted();
+  };
+}
+
 }  // namespace tidyfold::cli

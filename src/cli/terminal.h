@@ -2,6 +2,8 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -55,5 +57,8 @@ class Terminal {
   bool progress_shown_ = false;
   Clock::time_point next_progress_;
 };
+
+// Shows how much of some work is done, in percent, and cancels it after Ctrl-C. The terminal must outlive it.
+std::function<bool(std::int64_t done, std::int64_t total)> Told_On(Terminal& terminal, std::string what);
 
 }  // namespace tidyfold::cli

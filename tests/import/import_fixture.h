@@ -49,6 +49,7 @@ class Recording_Writer : public Store_Writer {
     written.push_back({folder.Name(), item});
     return store_.Add_Item(folder, item);
   }
+  std::int64_t Count_Of(std::int64_t identity) override { return store_.Count_Of(identity); }
   void Begin() override { store_.Begin(); }
   void Commit() override {
     store_.Commit();

@@ -137,6 +137,8 @@ void Main_Frame::Build_Menus() {
   Add_File_Entry(*file, "Import Fo&lder...",
                  "Bring a folder of mail into the store: a Maildir, mbox files, messages",
                  commands_.Import_Folder);
+  if (commands_.Compact) file->AppendSeparator();
+  Add_File_Entry(*file, "&Compact", "Give the room back that the store no longer needs", commands_.Compact);
   if (file->GetMenuItemCount() > 0) file->AppendSeparator();
   Add_Entry(*file, model_.mnuRuns, "Ctrl+L", "Look at what earlier runs have done");
   file->AppendSeparator();

@@ -7,6 +7,7 @@
 #include <iostream>
 
 #include "app/app.h"
+#include "base/size_text.h"
 #include "desktop/common/desktop_help.h"
 #include "desktop/common/error_box.h"
 #include "desktop/common/item_window.h"
@@ -90,6 +91,7 @@ void Program::Build() {
     commands.Import_Files = [this] { Change_Stores([this] { return files_->Import_Files(frame_); }); };
     commands.Import_Folder = [this] { Change_Stores([this] { return files_->Import_Folder(frame_); }); };
   }
+  if (!system_outlook_) commands.Compact = [this] { Compact(); };
   frame_ = new Main_Frame(window_, *schedule_, std::move(commands), [this] {
     help_->Close_Book();
     End_When_Unwound();
@@ -122,6 +124,9 @@ void Program::Build() {
   limits_ = std::make_unique<Stored_Limits>(*registry_);
   app_ = std::make_unique<App>(
       window_, Surroundings{outlook, message_box_, events_, clock_, log_, *limits_, &help_->Environment()});
+  if (!system_outlook_)
+    for (auto* const command : {&window_.cmdRun.Click, &window_.mnuClean.Click})
+      Offer_To_Compact_After(*command);
   window_.Take_Back_Run = [this](std::int64_t run) { app_->taking_back_commands.Take_Back_Run(run); };
 }
 
@@ -130,6 +135,33 @@ void Program::Show_Runs() {
   runs_window_->Show();
   runs_window_->Restore();
   runs_window_->Raise();
+}
+
+void Program::Compact() {
+  if (app_->phase.Is_Run()) {
+    message_box_.Show("A run is under way. Compact the store when it has ended.", Buttons::OK_Only,
+                      Icon::None, application_title);
+    return;
+  }
+  files_->Compact(frame_);
+}
+
+// After a run that left much unused room. The command also cancels a run, and then comes back at once.
+void Program::Offer_To_Compact_After(std::function<void()>& command) {
+  constexpr std::int64_t worth_while = std::int64_t{50} << 20;
+  constexpr std::int64_t part_of_file = 4;
+  command = [this, run = std::move(command)] {
+    const bool nested = app_->phase.Is_Run();
+    const std::int64_t before = files_->Unused_Bytes();
+    run();
+    if (nested || app_->phase.Is_Run() || !window_.frmRemoveItems.Loaded()) return;
+    const std::int64_t unused = files_->Unused_Bytes();
+    if (unused - before < worth_while || unused < files_->File_Bytes() / part_of_file) return;
+    if (message_box_.Show(
+            Format_Size(unused) + " of the store are not used any more. Give this room back now?",
+            Buttons::Yes_No, Icon::None, application_title) == Answer::Yes)
+      Compact();
+  };
 }
 
 void Program::Change_Stores(const std::function<bool()>& change) {

@@ -44,6 +44,8 @@ class Program : public wxApp {
   bool Open_First_Stores();
   void Build();
   void Show_Runs();
+  void Compact();
+  void Offer_To_Compact_After(std::function<void()>& command);
   void Change_Stores(const std::function<bool()>& change);
   void End_When_Unwound();
   void Commit();

@@ -8,9 +8,11 @@
 #include <wx/richmsgdlg.h>
 #include <wx/stdpaths.h>
 
+#include <algorithm>
 #include <optional>
 
 #include "base/file_path.h"
+#include "base/size_text.h"
 #include "controls/interaction.h"
 #include "desktop/common/error_box.h"
 #include "desktop/common/text_conversion.h"
@@ -71,6 +73,11 @@ class Progress {
                           wxString::Format("%s\n%lld of %lld items", what_, static_cast<long long>(done),
                                            static_cast<long long>(*total)));
   }
+  // Without a number of items.
+  bool Tell_Part(std::int64_t done, std::int64_t total) {
+    const std::int64_t part = total > 0 ? done * scale / total : 0;
+    return dialog_.Update(static_cast<int>(std::clamp<std::int64_t>(part, 0, scale - 1)));
+  }
 
  private:
   static constexpr int scale = 1000;
@@ -121,7 +128,12 @@ void Show_Reports(wxWindow* parent, const std::vector<Import_Report>& reports) {
 
 bool Store_Files::Open(wxWindow* parent, const std::vector<std::filesystem::path>& paths) {
   try {
-    outlook_.Replace(paths);
+    // Only a store that an older version wrote takes long enough to be told.
+    std::optional<Progress> progress;
+    outlook_.Replace(paths, Store_Mode::Read_Write, [&](std::int64_t done, std::int64_t total) {
+      if (!progress) progress.emplace(parent, "Open Store", "Bringing the store up to date");
+      return progress->Tell_Part(done, total);
+    });
   } catch (const std::exception& error) {
     Show_Error(parent, error.what());
     return false;
@@ -228,6 +240,50 @@ bool Store_Files::Import_Into(wxWindow* parent, Embedded_Store& store,
   if (reports.empty()) return false;
   Show_Reports(parent, reports);
   return true;
+}
+
+void Store_Files::Compact(wxWindow* parent) {
+  wxString text;
+  for (const auto& store : outlook_.Stores()) {
+    const wxString name = File_Name(store->Path());
+    try {
+      Compacted compacted;
+      {
+        Progress progress(parent, "Compact", "Compacting " + name);
+        compacted = store->Compact(
+            [&progress](std::int64_t done, std::int64_t total) { return progress.Tell_Part(done, total); });
+      }
+      text += wxString::Format("%s: %s -> %s\n", name, To_Wx(Format_Size(compacted.before)),
+                               To_Wx(Format_Size(compacted.after)));
+      if (compacted.cancelled) text += "Cancelled; the store is whole.\n";
+      if (compacted.cancelled) break;
+    } catch (const std::exception& error) {
+      Show_Error(parent, error.what());
+    }
+  }
+  if (!text.empty()) wxMessageDialog(parent, text.Trim(), application_title, wxOK | wxCENTRE).ShowModal();
+}
+
+std::int64_t Store_Files::Unused_Bytes() const {
+  std::int64_t bytes = 0;
+  for (const auto& store : outlook_.Stores()) {
+    try {
+      bytes += store->Unused_Bytes();
+    } catch (const Automation_Error&) {
+      // A store that cannot be read is told by whatever works on it.
+    }
+  }
+  return bytes;
+}
+
+std::int64_t Store_Files::File_Bytes() const {
+  std::int64_t bytes = 0;
+  std::error_code ignored;
+  for (const auto& store : outlook_.Stores()) {
+    const auto size = std::filesystem::file_size(store->Path(), ignored);
+    if (!ignored) bytes += static_cast<std::int64_t>(size);
+  }
+  return bytes;
 }
 
 void Store_Files::Remember() {

@@ -1,8 +1,9 @@
-// Commands on store files: opening, making a sample store, importing.
+// Commands on store files: opening, making a sample store, importing, compacting.
 #pragma once
 
 #include <wx/window.h>
 
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <vector>
@@ -26,6 +27,11 @@ class Store_Files {
   // Into the first open store, or into a new one if none is open.
   bool Import_Files(wxWindow* parent);
   bool Import_Folder(wxWindow* parent);
+  // Gives the unused room of all open stores back and says how much.
+  void Compact(wxWindow* parent);
+  // Bytes of the open stores that nothing uses, and of their files.
+  std::int64_t Unused_Bytes() const;
+  std::int64_t File_Bytes() const;
 
  private:
   bool Import(wxWindow* parent, const std::vector<std::filesystem::path>& sources,

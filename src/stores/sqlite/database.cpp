@@ -8,19 +8,17 @@
 
 namespace tidyfold::sqlite {
 
-namespace {
-
-// SQLite reports a full disk only for ENOSPC from write(). A quota, a limit on the size of files, and a disk
-// that proves to be full in fsync() are plain I/O errors to it.
 bool Means_Full(int system_error) {
 #ifdef EDQUOT
   if (system_error == EDQUOT) return true;
 #endif
-  const std::error_code error(system_error, std::generic_category());
-  return error == std::errc::no_space_on_device || error == std::errc::file_too_large;
+  // On Windows, the codes of errno and of the system differ.
+  for (const std::error_category* category : {&std::generic_category(), &std::system_category()}) {
+    const std::error_code error(system_error, *category);
+    if (error == std::errc::no_space_on_device || error == std::errc::file_too_large) return true;
+  }
+  return false;
 }
-
-}  // namespace
 
 void Database::Execute(const char* sql) {
   const int code = sqlite3_exec(connection_.get(), sql, nullptr, nullptr, nullptr);
@@ -131,6 +129,11 @@ Statement& Statement::Bind_Blob(int parameter, std::string_view bytes) {
 
 Statement& Statement::Bind_Null(int parameter) {
   Check(sqlite3_bind_null(statement_.get(), parameter));
+  return *this;
+}
+
+Statement& Statement::Bind_Column(int parameter, const Statement& row, int column) {
+  Check(sqlite3_bind_value(statement_.get(), parameter, sqlite3_column_value(row.statement_.get(), column)));
   return *this;
 }
 

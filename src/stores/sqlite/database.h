@@ -13,6 +13,11 @@ namespace tidyfold::sqlite {
 // Automation_Error::Source of all errors from here.
 inline constexpr const char* error_source = "Tidyfold store";
 
+// Whether an errno or a Windows error code says that there is no room left. SQLite itself says so only for a
+// write; a quota, a limit on the size of files, and a disk that proves to be full later are plain I/O errors
+// to it.
+bool Means_Full(int system_error);
+
 class Database {
  public:
   // Takes over the connection. `file` is the name in error texts.
@@ -52,6 +57,8 @@ class Statement {
   Statement& Bind(int parameter, std::string_view text);
   Statement& Bind_Blob(int parameter, std::string_view bytes);
   Statement& Bind_Null(int parameter);
+  // Whatever another statement's row holds.
+  Statement& Bind_Column(int parameter, const Statement& row, int column);
 
   // True if there is a row. Resets the statement on failure.
   bool Step();

@@ -118,7 +118,7 @@ class Embedded_Mapi_Utils : public Mapi_Utils {
 
 // Opens the file, unless it is open already.
 std::shared_ptr<Embedded_Store> Obtain(const Session_Ptr& session, const std::filesystem::path& path,
-                                       Store_Mode mode) {
+                                       Store_Mode mode, const Store_Progress& progress) {
   std::erase_if(session->known, [](const auto& store) { return store.expired(); });
   for (const auto& known : session->known) {
     auto store = known.lock();
@@ -126,7 +126,7 @@ std::shared_ptr<Embedded_Store> Obtain(const Session_Ptr& session, const std::fi
       return std::make_shared<Embedded_Store>(std::move(store));
     }
   }
-  return Embedded_Store::Open(path, mode);
+  return Embedded_Store::Open(path, mode, progress);
 }
 
 // A copy of a store file has the identity of its original; when both are open they need different ones.
@@ -161,18 +161,20 @@ Embedded_Outlook::Embedded_Outlook() : session_(std::make_shared<Session>()) {}
 
 Embedded_Outlook::~Embedded_Outlook() = default;
 
-void Embedded_Outlook::Open(const std::vector<std::filesystem::path>& paths, Store_Mode mode) {
+void Embedded_Outlook::Open(const std::vector<std::filesystem::path>& paths, Store_Mode mode,
+                            const Store_Progress& progress) {
   Store_List list = session_->stores;
   for (const auto& path : paths) {
     for (const auto& store : list) {
       if (Same_File(store->Path(), path)) Fail_Twice(path);
     }
-    Join(session_, list, Obtain(session_, path, mode));
+    Join(session_, list, Obtain(session_, path, mode, progress));
   }
   session_->stores = std::move(list);
 }
 
-void Embedded_Outlook::Replace(const std::vector<std::filesystem::path>& paths, Store_Mode mode) {
+void Embedded_Outlook::Replace(const std::vector<std::filesystem::path>& paths, Store_Mode mode,
+                               const Store_Progress& progress) {
   Store_List list;
   for (const auto& path : paths) {
     for (const auto& store : list) {
@@ -184,7 +186,7 @@ void Embedded_Outlook::Replace(const std::vector<std::filesystem::path>& paths, 
     if (open != session_->stores.end()) {
       list.push_back(*open);
     } else {
-      Join(session_, list, Obtain(session_, path, mode));
+      Join(session_, list, Obtain(session_, path, mode, progress));
     }
   }
   Commit_Pending();

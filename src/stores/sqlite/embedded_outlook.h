@@ -19,11 +19,13 @@ class Embedded_Outlook : public Automation, public Change_Groups {
   ~Embedded_Outlook() override;
 
   // Appends stores to the list. Throws Store_Open_Error and adds none if one cannot be opened. A file that
-  // is open here already or named twice is refused (Locked).
-  void Open(const std::vector<std::filesystem::path>& paths, Store_Mode mode = Store_Mode::Read_Write);
+  // is open here already or named twice is refused (Locked). Progress as Embedded_Store::Open tells it.
+  void Open(const std::vector<std::filesystem::path>& paths, Store_Mode mode = Store_Mode::Read_Write,
+            const Store_Progress& progress = {});
   // Replaces the list of stores. Stores in both lists stay open and their objects valid. Pending changes are
   // committed first. The list is unchanged after an error.
-  void Replace(const std::vector<std::filesystem::path>& paths, Store_Mode mode = Store_Mode::Read_Write);
+  void Replace(const std::vector<std::filesystem::path>& paths, Store_Mode mode = Store_Mode::Read_Write,
+               const Store_Progress& progress = {});
   // Appends a store that is open already, such as a new one.
   void Add(std::shared_ptr<Embedded_Store> store);
 

@@ -4,6 +4,8 @@
 #include <random>
 #include <utility>
 
+#include "errors/automation_error.h"
+#include "stores/sqlite/entry_id.h"
 #include "stores/sqlite/objects.h"
 #include "stores/sqlite/store.h"
 
@@ -19,10 +21,19 @@ std::string New_Store_Id() {
   return id;
 }
 
+std::int64_t Folder_Number(const std::string& entry_id) {
+  const auto id = sqlite::Folder_Of_Entry_Id(entry_id);
+  if (!id)
+    throw Automation_Error(automation_error::not_found, "The folder is no longer there.",
+                           sqlite::error_source);
+  return *id;
+}
+
 }  // namespace
 
-std::shared_ptr<Embedded_Store> Embedded_Store::Open(const std::filesystem::path& path, Store_Mode mode) {
-  return std::make_shared<Embedded_Store>(sqlite::Store::Open(path, mode));
+std::shared_ptr<Embedded_Store> Embedded_Store::Open(const std::filesystem::path& path, Store_Mode mode,
+                                                     const Store_Progress& progress) {
+  return std::make_shared<Embedded_Store>(sqlite::Store::Open(path, mode, progress));
 }
 
 std::shared_ptr<Embedded_Store> Embedded_Store::Create(const std::filesystem::path& path,
@@ -55,8 +66,31 @@ Store_Writer& Embedded_Store::Writer() {
   return *writer_;
 }
 
+New_Item Embedded_Store::Read_Whole_Item(const std::string& entry_id) {
+  const auto id = sqlite::Item_Of_Entry_Id(entry_id);
+  if (!id)
+    throw Automation_Error(automation_error::not_found, "The item is no longer there.", sqlite::error_source);
+  return store_->Read_Whole(store_->Item_By_Id(*id));
+}
+
+bool Embedded_Store::Is_Protected(const std::string& folder_entry_id) const {
+  return store_->Folder(Folder_Number(folder_entry_id)).is_protected;
+}
+
+void Embedded_Store::Set_Protected(const std::string& folder_entry_id, bool is_protected) {
+  store_->Set_Protected(Folder_Number(folder_entry_id), is_protected);
+}
+
 void Embedded_Store::Commit_Pending() {
   store_->Commit_Pending();
+}
+
+std::int64_t Embedded_Store::Unused_Bytes() const {
+  return store_->Unused_Bytes();
+}
+
+Compacted Embedded_Store::Compact(const Store_Progress& progress) {
+  return store_->Compact(progress);
 }
 
 std::vector<std::string> Embedded_Store::Check() {

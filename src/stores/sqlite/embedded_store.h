@@ -1,7 +1,9 @@
 // A store file of the program: an information store in an SQLite database.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -16,6 +18,14 @@ namespace sqlite {
 class Store;
 }
 
+// Long work on a store: how much is done of how much. Returns false to cancel.
+using Store_Progress = std::function<bool(std::int64_t done, std::int64_t total)>;
+
+struct Compacted {
+  std::int64_t before = 0, after = 0;  // bytes of the file
+  bool cancelled = false;
+};
+
 enum class Store_Mode {
   Read_Write,  // excludes everybody else
   Read_Only,   // leaves the file and its folder unchanged; excludes only writers
@@ -26,8 +36,10 @@ enum class Store_Mode {
 // All calls must come from one thread.
 class Embedded_Store {
  public:
-  // Throws Store_Open_Error.
-  static std::shared_ptr<Embedded_Store> Open(const std::filesystem::path& path, Store_Mode mode);
+  // Throws Store_Open_Error. A store that an older version wrote is brought up to date when it is opened for
+  // writing; that takes seconds for a large store, and progress is told.
+  static std::shared_ptr<Embedded_Store> Open(const std::filesystem::path& path, Store_Mode mode,
+                                              const Store_Progress& progress = {});
   // Creates a store with this name and the ten default folders, and opens it for writing. Never touches an
   // existing file. Throws Store_Open_Error.
   static std::shared_ptr<Embedded_Store> Create(const std::filesystem::path& path,
@@ -47,12 +59,27 @@ class Embedded_Store {
   // they throw Automation_Error (no_access).
   Store_Writer& Writer();
 
+  // All of an item, as it was added. Throws Automation_Error (not_found).
+  New_Item Read_Whole_Item(const std::string& entry_id);
+
+  // A folder's protection is kept in the file; whoever clears out must ask for it. By EntryID; throws
+  // Automation_Error (not_found). Setting it is a change like any other.
+  bool Is_Protected(const std::string& folder_entry_id) const;
+  void Set_Protected(const std::string& folder_entry_id, bool is_protected);
+
   // Commits the current group, except between the writer's Begin and Commit. Throws Automation_Error if that
   // fails; the whole group is then undone.
   void Commit_Pending();
 
   // One line for each fault of the file. Reads the whole file, which takes seconds for a large store.
   std::vector<std::string> Check();
+
+  // Bytes of the file that nothing uses; Compact gives them back.
+  std::int64_t Unused_Bytes() const;
+  // Gives back what the file does not need. Writes a compact copy that takes the file's place or, where there
+  // is no room for one, works within the file. Whenever it is cancelled or killed, the store is whole. Throws
+  // Automation_Error or Store_Open_Error; what was freed is freed.
+  Compacted Compact(const Store_Progress& progress = {});
 
   // For Embedded_Outlook.
   const std::shared_ptr<sqlite::Store>& Inner() const { return store_; }

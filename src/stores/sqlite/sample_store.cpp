@@ -347,6 +347,7 @@ bool Make_Sample(const std::filesystem::path& path, const std::string& name, std
                  std::uint64_t seed, const std::function<bool(std::int32_t written)>& progress) {
   Random random(Mixed(seed, name, items));
   std::shared_ptr<sqlite::Store> store = sqlite::Store::Create(path, name, Store_Id(random));
+  store->Seed_Log(seed);
   try {
     if (Fill(*store, random, items, progress)) return true;
   } catch (...) {

@@ -4,8 +4,10 @@
 #include <utility>
 
 #include "errors/automation_error.h"
-#include "outlook/default_folders.h"
 #include "stores/sqlite/check.h"
+#include "stores/sqlite/compact.h"
+#include "stores/sqlite/migration.h"
+#include "stores/sqlite/store_schema.h"
 
 namespace tidyfold::sqlite {
 
@@ -14,6 +16,12 @@ namespace {
 // Too short to be noticed in the window.
 constexpr std::chrono::milliseconds clearing_time{5};
 constexpr std::int64_t items_per_clearing = 100;
+
+#ifdef _WIN32
+constexpr bool can_replace_open_files = false;
+#else
+constexpr bool can_replace_open_files = true;
+#endif
 
 Store_Open_Error::Reason Reason_Of(const Automation_Error& error) {
   using Reason = Store_Open_Error::Reason;
@@ -44,13 +52,20 @@ Store::~Store() {
   }
 }
 
-std::shared_ptr<Store> Store::Open(const std::filesystem::path& path, Store_Mode mode) {
+std::shared_ptr<Store> Store::Open(const std::filesystem::path& path, Store_Mode mode,
+                                   const Store_Progress& progress) {
   std::shared_ptr<Store> store(new Store(path, mode));
   if (mode == Store_Mode::Read_Only) {
     store->reader_ = std::make_unique<Reader_File>(path);
     store->database_ = &store->reader_->Connection();
   } else {
-    store->owned_ = Open_For_Writing(path);
+    auto [database, version] = Open_For_Writing(path);
+    try {
+      if (version < schema_version) Migrate(database, path, progress);
+    } catch (const Automation_Error& error) {
+      throw Store_Open_Error(Reason_Of(error), path, error.Description());
+    }
+    store->owned_ = std::move(database);
     store->database_ = store->owned_.get();
   }
   store->Start();
@@ -59,25 +74,8 @@ std::shared_ptr<Store> Store::Open(const std::filesystem::path& path, Store_Mode
 
 std::shared_ptr<Store> Store::Create(const std::filesystem::path& path, const std::string& name,
                                      const std::string& store_id) {
-  std::shared_ptr<Store> store(new Store(path, Store_Mode::Read_Write));
-  store->owned_ = Create_File(path, name, store_id);
-  store->database_ = store->owned_.get();
-  try {
-    store->Start();
-    store->Begin();
-    for (const auto& folder : default_folders)
-      store->Add_Folder(store->Top().id, folder.name, folder.item_type);
-    store->Commit();
-  } catch (const Automation_Error& error) {
-    store.reset();
-    Remove_File(path);
-    throw Store_Open_Error(Store_Open_Error::Reason::Cannot_Write, path, error.Description());
-  } catch (...) {
-    store.reset();
-    Remove_File(path);
-    throw;
-  }
-  return store;
+  Create_File(path, name, store_id);
+  return Open(path, Store_Mode::Read_Write);
 }
 
 // Quick checks: the tables exist, the folders form a tree and the index of items can be read.
@@ -86,8 +84,7 @@ void Store::Start() {
     Statement identity(*database_, "SELECT store_id FROM store");
     if (!identity.Step()) database_->Fail_Damaged("it has no identity");
     store_id_ = identity.Text(0);
-    statements_ = std::make_unique<Statements>(*database_);
-    read_ahead_ = std::make_unique<Read_Ahead>(*database_);
+    Prepare();
     Refresh();
     Statement last(*database_,
                    "SELECT (SELECT MAX(id) FROM folder), (SELECT MAX(id) FROM item),"
@@ -101,6 +98,12 @@ void Store::Start() {
   }
 }
 
+void Store::Prepare() {
+  statements_ = std::make_unique<Statements>(*database_);
+  read_ahead_ = std::make_unique<Read_Ahead>(*database_);
+  if (mode_ == Store_Mode::Read_Write) log_keeper_ = std::make_unique<Log_Keeper>(*database_);
+}
+
 void Store::Fail(std::int32_t number, const std::string& text) const {
   throw Automation_Error(number, text, error_source);
 }
@@ -108,6 +111,51 @@ void Store::Fail(std::int32_t number, const std::string& text) const {
 std::vector<std::string> Store::Check() {
   Refresh();
   return Check_Store(*database_, folders_);
+}
+
+std::int64_t Store::Unused_Bytes() {
+  return sqlite::Unused_Bytes(*database_);
+}
+
+Compacted Store::Compact(const Store_Progress& progress) {
+  Check_Writable();
+  if (writing_) Fail(automation_error::call_failed, "The store is being written. Compact it later.");
+  Commit_Pending();
+  Clear_Away(std::chrono::hours(1));
+  writing_ = true;  // nothing else may change the store meanwhile
+  Compacted result;
+  try {
+    log_keeper_->Empty_Log();
+    result.before = static_cast<std::int64_t>(std::filesystem::file_size(path_));
+    if (can_replace_open_files && Write_Compact_Draft(*database_, path_, progress, result.cancelled)) {
+      Exchange_File();
+    } else if (!result.cancelled) {
+      result.cancelled = !Compact_In_Place(*database_, progress);
+    }
+    log_keeper_->Empty_Log();
+    result.after = static_cast<std::int64_t>(std::filesystem::file_size(path_));
+  } catch (...) {
+    writing_ = false;
+    throw;
+  }
+  writing_ = false;
+  return result;
+}
+
+// Lets the draft take the file's place. Numbers, places and counts stay what they are.
+void Store::Exchange_File() {
+  statements_.reset();
+  read_ahead_.reset();
+  log_keeper_.reset();
+  try {
+    Put_In_Place(owned_, path_);
+  } catch (...) {
+    Remove_File(Draft_Of(path_));
+    Prepare();
+    throw;
+  }
+  database_ = owned_.get();
+  Prepare();
 }
 
 // Folders.
@@ -159,6 +207,15 @@ void Store::Remove_Folder(std::int64_t id) {
     }
     folders_.Remove(*doomed.front());
     ++age_;
+  });
+}
+
+void Store::Set_Protected(std::int64_t folder, bool is_protected) {
+  Folder_Record& record = Find_Folder(folder);
+  if (record.is_protected == is_protected) return;
+  Change([&] {
+    statements_->protect.Bind(1, folder).Bind(2, std::int64_t{is_protected ? 1 : 0}).Run();
+    record.is_protected = is_protected;
   });
 }
 

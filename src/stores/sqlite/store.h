@@ -16,8 +16,11 @@
 #include "stores/sqlite/displayed_item.h"
 #include "stores/sqlite/embedded_store.h"
 #include "stores/sqlite/folder_tree.h"
+#include "stores/sqlite/log_keeper.h"
+#include "stores/sqlite/packer.h"
 #include "stores/sqlite/read_ahead.h"
 #include "stores/sqlite/statements.h"
+#include "stores/sqlite/store_draft.h"
 #include "stores/sqlite/store_file.h"
 
 namespace tidyfold::sqlite {
@@ -38,7 +41,8 @@ struct Item_Place {
 class Store : public std::enable_shared_from_this<Store> {
  public:
   // Both throw Store_Open_Error.
-  static std::shared_ptr<Store> Open(const std::filesystem::path& path, Store_Mode mode);
+  static std::shared_ptr<Store> Open(const std::filesystem::path& path, Store_Mode mode,
+                                     const Store_Progress& progress = {});
   static std::shared_ptr<Store> Create(const std::filesystem::path& path, const std::string& name,
                                        const std::string& store_id);
 
@@ -53,6 +57,8 @@ class Store : public std::enable_shared_from_this<Store> {
   // For a copy that is open beside its original, which has the same identity in the file.
   void Set_StoreID(std::string store_id) { store_id_ = std::move(store_id); }
   void Set_Display(Display_Callback display) { display_ = std::move(display); }
+  // Makes the file follow from what is written into it alone.
+  void Seed_Log(std::uint64_t seed) { log_keeper_->Seed(seed); }
   // Hears of this store's groups of changes and of the writer's transactions.
   void Set_Watcher(std::weak_ptr<Group_Watcher> watcher) { watcher_ = std::move(watcher); }
 
@@ -64,6 +70,7 @@ class Store : public std::enable_shared_from_this<Store> {
   std::int64_t Add_Folder(std::int64_t parent, const std::string& name, std::int32_t item_type);
   // Removes the folder with everything in it.
   void Remove_Folder(std::int64_t id);
+  void Set_Protected(std::int64_t folder, bool is_protected);
 
   // By index in the folder, from 1. Throws Automation_Error (bad_index).
   Found_Item Item_At(std::int64_t folder, std::int32_t place);
@@ -73,6 +80,8 @@ class Store : public std::enable_shared_from_this<Store> {
   Item_Place Locate(std::int64_t id);
   std::string Sender(std::int64_t id);
   std::string Body(std::int64_t id);
+  New_Item Read_Whole(const Found_Item& item);
+  std::int64_t Count_Of(std::int64_t identity);
   void Display(const Found_Item& item, std::int64_t folder);
 
   // `place` must be the item's current place. Both return the new one.
@@ -92,10 +101,15 @@ class Store : public std::enable_shared_from_this<Store> {
   void Roll_Back();
 
   std::vector<std::string> Check();
+  std::int64_t Unused_Bytes();
+  Compacted Compact(const Store_Progress& progress);
 
  private:
   Store(std::filesystem::path path, Store_Mode mode);
   void Start();
+  // Prepares what works on the database that is open now.
+  void Prepare();
+  void Exchange_File();
 
   Folder_Record& Find_Folder(std::int64_t id);
   // Deletes items of removed folders for about this long.
@@ -136,17 +150,21 @@ class Store : public std::enable_shared_from_this<Store> {
     statements_->release.Run();
   }
   void Insert_Item(std::int64_t id, Item_Place place, const New_Item& item);
+  void Insert_Content(std::int64_t id, const New_Item& item);
+  std::string Unpacked(std::string_view packed, std::size_t bytes);
 
   [[noreturn]] void Fail(std::int32_t number, const std::string& text) const;
   [[noreturn]] void Fail_Item_Gone() const;
 
   std::filesystem::path path_;
   Store_Mode mode_;
-  std::unique_ptr<Database> owned_;      // when writing
-  std::unique_ptr<Reader_File> reader_;  // when only reading
+  std::unique_ptr<Database> owned_;         // when writing
+  std::unique_ptr<Log_Keeper> log_keeper_;  // when writing
+  std::unique_ptr<Reader_File> reader_;     // when only reading
   Database* database_ = nullptr;
   std::unique_ptr<Statements> statements_;
   std::unique_ptr<Read_Ahead> read_ahead_;
+  Packer packer_;
 
   std::string store_id_;
   Display_Callback display_;

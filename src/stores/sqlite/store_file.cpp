@@ -1,9 +1,6 @@
 #include "stores/sqlite/store_file.h"
 
 #include <array>
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
 #include <new>
 #include <optional>
 #include <string_view>
@@ -11,6 +8,7 @@
 #include <utility>
 
 #include "errors/automation_error.h"
+#include "stores/sqlite/log_keeper.h"
 #include "stores/sqlite/store_schema.h"
 
 namespace tidyfold::sqlite {
@@ -24,12 +22,6 @@ constexpr std::size_t header_bytes = 100;
 constexpr std::size_t application_id_offset = 68;
 constexpr std::string_view database_magic{"SQLite format 3\0", 16};
 
-fs::path Beside(const fs::path& path, const char* ending) {
-  fs::path beside = path;
-  beside += ending;
-  return beside;
-}
-
 bool Holds_Bytes(const fs::path& path) {
   std::error_code error;
   const auto size = fs::file_size(path, error);
@@ -38,14 +30,16 @@ bool Holds_Bytes(const fs::path& path) {
 
 // Throws the Store_Open_Error for a failed call while opening.
 [[noreturn]] void Fail_Call(sqlite3* connection, int code, const fs::path& path) {
-  switch (code & 0xFF) {
+  const int kind = code & 0xFF;
+  const bool out_of_room = Means_Full(sqlite3_system_errno(connection));
+  if (kind == SQLITE_FULL || ((kind == SQLITE_IOERR || kind == SQLITE_CANTOPEN) && out_of_room))
+    Fail_Open(Reason::Disk_Full, path);
+  switch (kind) {
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
       Fail_Open(Reason::Locked, path);
     case SQLITE_NOTADB:
       Fail_Open(Reason::Not_A_Store, path, "it is another program's file");
-    case SQLITE_FULL:
-      Fail_Open(Reason::Cannot_Write, path, "the disk is full");
     case SQLITE_READONLY:
     case SQLITE_CANTOPEN:
       // The file itself is open; the log beside it cannot be opened.
@@ -61,23 +55,6 @@ bool Holds_Bytes(const fs::path& path) {
     default:
       Fail_Open(Reason::Cannot_Read, path, sqlite3_errstr(code));
   }
-}
-
-sqlite3* Connect(const fs::path& path, const std::string& name, int flags) {
-  sqlite3* connection = nullptr;
-  const int code = sqlite3_open_v2(name.c_str(), &connection, flags | SQLITE_OPEN_NOMUTEX, nullptr);
-  if (code == SQLITE_OK) {
-    sqlite3_extended_result_codes(connection, 1);
-    return connection;
-  }
-  // errno, or GetLastError on Windows.
-  const std::error_code reason(sqlite3_system_errno(connection), std::system_category());
-  const std::string detail = sqlite3_errmsg(connection);
-  sqlite3_close(connection);
-  if (reason == std::errc::permission_denied || reason == std::errc::operation_not_permitted)
-    Fail_Open(Reason::No_Permission, path);
-  if (reason == std::errc::no_such_file_or_directory) Fail_Open(Reason::Missing, path);
-  Fail_Open(Reason::Cannot_Read, path, reason ? reason.message() : detail);
 }
 
 // SQLite's own file object. A second descriptor must never be opened: closing it would release all locks that
@@ -117,19 +94,20 @@ void Run(Database& database, const fs::path& path, const char* sql) {
   if (code != SQLITE_OK) Fail_Call(database.Connection(), code, path);
 }
 
-void Check_Version(Database& database, const fs::path& path) {
+std::int64_t Version_Of(Database& database, const fs::path& path) {
   sqlite3_stmt* statement = nullptr;
   int code = sqlite3_prepare_v2(database.Connection(), "PRAGMA user_version", -1, &statement, nullptr);
   const std::unique_ptr<sqlite3_stmt, decltype(&sqlite3_finalize)> owner(statement, &sqlite3_finalize);
   if (code == SQLITE_OK) code = sqlite3_step(statement);
   if (code != SQLITE_ROW) Fail_Call(database.Connection(), code, path);
-  const int version = sqlite3_column_int(statement, 0);
+  const std::int64_t version = sqlite3_column_int64(statement, 0);
   if (version > schema_version) {
     Fail_Open(
         Reason::Newer_Version, path,
         "format " + std::to_string(version) + "; this one knows up to " + std::to_string(schema_version));
   }
   if (version < 1) Fail_Open(Reason::Damaged, path, "it has no format number");
+  return version;
 }
 
 // Makes damaged files cause errors rather than wrong results.
@@ -176,150 +154,99 @@ std::string Immutable_Uri(const fs::path& path) {
   return uri + "?immutable=1";
 }
 
+std::unique_ptr<Database> Connect_For_Reading(const fs::path& path, const std::string& name, int flags) {
+  auto database = std::make_unique<Database>(Connect(path, name, SQLITE_OPEN_READONLY | flags), Utf8(path));
+  Recognise(database->Connection(), path);
+  Run(*database, path, careful);
+  return database;
+}
+
+std::unique_ptr<Database> Connect_Without_Log(const fs::path& path) {
+  return Connect_For_Reading(path, Immutable_Uri(path), SQLITE_OPEN_URI);
+}
+
+void Set_Log_Aside(std::unique_ptr<Database> database, const fs::path& path) {
+  sqlite3_db_config(database->Connection(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+  fs::path aside;
+  std::error_code error;
+  int number = 1;
+  do {
+    aside = Beside(path, "-wal-set-aside-" + std::to_string(number++));
+  } while (fs::exists(aside, error));
+  fs::rename(Beside(path, "-wal"), aside, error);
+  database.reset();
+  // Windows moves no file that is open.
+  if (error) fs::rename(Beside(path, "-wal"), aside, error);
+  if (error) Fail_Open(Reason::Cannot_Write, path, error.message());
+}
+
 }  // namespace
 
-std::string Utf8(const fs::path& path) {
-  const std::u8string text = path.u8string();
-  return {reinterpret_cast<const char*>(text.data()), text.size()};
-}
-
-void Fail_Open(Reason reason, const fs::path& path, const std::string& detail) {
-  const std::string name = "\"" + Utf8(path) + "\"";
-  const std::string store = "The store " + name + " ";
-  const std::string why = detail.empty() ? "" : " (" + detail + ")";
-  std::string text;
-  switch (reason) {
-    case Reason::Missing:
-      text = store + "does not exist. Check its name and the folder that it lies in.";
-      break;
-    case Reason::Exists:
-      text = name + " exists already. Choose another name for the new store, or move that file away.";
-      break;
-    case Reason::Not_A_Store:
-      text = name + " is not a Tidyfold store: " + detail +
-             ". Choose a store file; mail files of other programs can be imported into one.";
-      break;
-    case Reason::Damaged:
-      text = store + "is damaged" + why + ". Restore it from a backup copy.";
-      break;
-    case Reason::Read_Only:
-      text = store +
-             "can only be read, but it must be written. Make the file and its folder writable, or copy the "
-             "store to a place where you may write.";
-      break;
-    case Reason::No_Permission:
-      text = "You have no permission to open " + name +
-             ". Change the permissions of the file and its folder, or ask the owner to.";
-      break;
-    case Reason::Locked:
-      text = store + "is open in another Tidyfold. Close it there and try again.";
-      break;
-    case Reason::Newer_Version:
-      text = store + "was written by a newer version of Tidyfold" + why + ". Open it with that version.";
-      break;
-    case Reason::Cannot_Read:
-      text = store + "could not be read" + why +
-             ". Check the disk or the network share that it lies on, and try again.";
-      break;
-    case Reason::Cannot_Write:
-      text = store + "could not be written" + why + ". Check the folder and the room on its disk.";
-      break;
+sqlite3* Connect(const fs::path& path, const std::string& name, int flags) {
+  sqlite3* connection = nullptr;
+  const int code = sqlite3_open_v2(name.c_str(), &connection, flags | SQLITE_OPEN_NOMUTEX, nullptr);
+  if (code == SQLITE_OK) {
+    sqlite3_extended_result_codes(connection, 1);
+    return connection;
   }
-  throw Store_Open_Error(reason, path, text);
+  // errno, or GetLastError on Windows.
+  const std::error_code reason(sqlite3_system_errno(connection), std::system_category());
+  const std::string detail = sqlite3_errmsg(connection);
+  sqlite3_close(connection);
+  if (reason == std::errc::permission_denied || reason == std::errc::operation_not_permitted)
+    Fail_Open(Reason::No_Permission, path);
+  if (reason == std::errc::no_such_file_or_directory) Fail_Open(Reason::Missing, path);
+  Fail_Open(Reason::Cannot_Read, path, reason ? reason.message() : detail);
 }
 
-void Remove_File(const fs::path& path) {
-  std::error_code ignored;
-  for (const char* ending : {"", "-journal", "-wal"}) fs::remove(Beside(path, ending), ignored);
+fs::path Beside(const fs::path& path, const std::string& ending) {
+  std::error_code error;
+  fs::path beside = fs::canonical(path, error);
+  if (error) beside = path;
+  return beside += ending;
 }
 
-std::unique_ptr<Database> Open_For_Writing(const fs::path& path) {
+Opened_File Open_For_Writing(const fs::path& path) {
   Check_Place(path);
   auto database = Connect_For_Writing(path);
   Recognise(database->Connection(), path);
   Run(*database, path, careful);
   Run(*database, path, for_writing);
-  Check_Version(*database, path);
-  // In case another tool has changed the journal mode.
-  Run(*database, path, "PRAGMA journal_mode = WAL; BEGIN IMMEDIATE; ROLLBACK;");
-  return database;
-}
-
-std::unique_ptr<Database> Create_File(const fs::path& path, const std::string& store_name,
-                                      const std::string& store_id) {
-  // "x" fails if the file exists. (A new file can have no locks, so that closing it is safe.)
-#ifdef _WIN32
-  std::FILE* file = _wfopen(path.c_str(), L"wbx");
-#else
-  std::FILE* file = std::fopen(path.c_str(), "wbx");
-#endif
-  if (file == nullptr) {
-    switch (errno) {
-      case EEXIST:
-        Fail_Open(Reason::Exists, path);
-      case EACCES:
-      case EPERM:
-        Fail_Open(Reason::No_Permission, path);
-      case EROFS:
-        Fail_Open(Reason::Read_Only, path);
-      default:
-        Fail_Open(Reason::Cannot_Write, path, std::strerror(errno));
+  if (Holds_Bytes(Beside(path, "-wal"))) {
+    // Nobody else may touch the log from here on.
+    Run(*database, path, "BEGIN IMMEDIATE; ROLLBACK;");
+    if (!Log_Belongs(*database, *Connect_Without_Log(path))) {
+      Set_Log_Aside(std::move(database), path);
+      return Open_For_Writing(path);
     }
   }
-  std::fclose(file);
-  try {
-    auto database = Connect_For_Writing(path);
-    Run(*database, path, careful);
-    Run(*database, path, for_writing);
-    // One transaction, before switching to the write-ahead log: the header that identifies the file as a
-    // store must be in the file itself, not in its log.
-    Run(*database, path, "BEGIN IMMEDIATE");
-    Run(*database, path, ("PRAGMA application_id = " + std::to_string(application_id)).c_str());
-    Run(*database, path, ("PRAGMA user_version = " + std::to_string(schema_version)).c_str());
-    Run(*database, path, schema);
-    Statement(*database, "INSERT INTO store (id, store_id) VALUES (1, ?1)").Bind(1, store_id).Run();
-    Statement(*database, "INSERT INTO folder (parent, name, item_type) VALUES (NULL, ?1, 0)")
-        .Bind(1, store_name)
-        .Run();
-    Run(*database, path, "COMMIT");
-    Run(*database, path, "PRAGMA journal_mode = WAL");
-    return database;
-  } catch (const Automation_Error& error) {
-    Remove_File(path);
-    throw Store_Open_Error(Reason::Cannot_Write, path, error.Description());
-  } catch (...) {
-    Remove_File(path);
-    throw;
-  }
+  const std::int64_t version = Version_Of(*database, path);
+  // In case another tool has changed the journal mode.
+  Run(*database, path, "PRAGMA journal_mode = WAL; BEGIN IMMEDIATE; ROLLBACK;");
+  return {std::move(database), version};
 }
 
 Reader_File::Reader_File(const fs::path& path) {
   Check_Place(path);
   // A store that was closed properly has no log. Opened as immutable, it is read without creating any file.
   // SQLite takes no lock then, so one is taken here to keep writers out.
-  Connect_For_Reading(path, Immutable_Uri(path), SQLITE_OPEN_URI);
+  database_ = Connect_Without_Log(path);
   sqlite3_file* file = File_Of(database_->Connection());
   const int code = file->pMethods->xLock(file, SQLITE_LOCK_SHARED);
   if (code != SQLITE_OK) Fail_Call(database_->Connection(), code, path);
   if (Holds_Bytes(Beside(path, "-wal")) || Holds_Bytes(Beside(path, "-journal"))) Read_With_Log(path);
   try {
-    Check_Version(*database_, path);
+    if (Version_Of(*database_, path) < schema_version) Fail_Open(Reason::Older_Version, path);
   } catch (...) {
     Clean_Up();
     throw;
   }
 }
 
-void Reader_File::Connect_For_Reading(const fs::path& path, const std::string& name, int flags) {
-  database_ = std::make_unique<Database>(Connect(path, name, SQLITE_OPEN_READONLY | flags), Utf8(path));
-  Recognise(database_->Connection(), path);
-  Run(*database_, path, careful);
-}
-
 void Reader_File::Read_With_Log(const fs::path& path) {
   // A writer crashed. Its log is part of the store and is left for the next writer to merge.
-  database_.reset();
-  Connect_For_Reading(path, Utf8(path), 0);
+  std::unique_ptr<Database> without_log = std::exchange(database_, nullptr);
+  database_ = Connect_For_Reading(path, Utf8(path), 0);
   sqlite3_db_config(database_->Connection(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
   const fs::path index = Beside(path, "-shm");
   std::error_code error;
@@ -327,6 +254,10 @@ void Reader_File::Read_With_Log(const fs::path& path) {
   try {
     // Opens the read transaction in which everything is read.
     Run(*database_, path, "BEGIN; SELECT 1 FROM sqlite_schema;");
+    if (!Log_Belongs(*database_, *without_log)) {
+      Clean_Up();
+      database_ = std::move(without_log);
+    }
   } catch (...) {
     Clean_Up();
     throw;
@@ -336,7 +267,7 @@ void Reader_File::Read_With_Log(const fs::path& path) {
 void Reader_File::Clean_Up() {
   database_.reset();
   std::error_code ignored;
-  if (!left_over_.empty()) fs::remove(left_over_, ignored);
+  if (!left_over_.empty()) fs::remove(std::exchange(left_over_, {}), ignored);
 }
 
 Reader_File::~Reader_File() {

@@ -1,4 +1,4 @@
-// Recognises, creates, opens and locks store files.
+// Recognises, opens and locks store files.
 //
 // A store has one writer or any number of readers. The writer's lock is SQLite's exclusive locking mode. The
 // operating system releases it when the process ends in any way, and SQLite keeps it apart from locks of
@@ -7,6 +7,7 @@
 // without checking the file again.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -16,14 +17,19 @@
 
 namespace tidyfold::sqlite {
 
-// Both throw Store_Open_Error.
-std::unique_ptr<Database> Open_For_Writing(const std::filesystem::path& path);
-// Creates a store with its tables, identity and top folder.
-std::unique_ptr<Database> Create_File(const std::filesystem::path& path, const std::string& store_name,
-                                      const std::string& store_id);
+struct Opened_File {
+  std::unique_ptr<Database> database;
+  std::int64_t version = 0;  // of the format; at most schema_version
+};
 
-// Removes a store that could not be completed, with its log.
-void Remove_File(const std::filesystem::path& path);
+// Throws Store_Open_Error. A log that belongs to another file is set aside first.
+Opened_File Open_For_Writing(const std::filesystem::path& path);
+// The file with this ending that belongs to a store. It lies where SQLite puts it: beside the file that a
+// link leads to.
+std::filesystem::path Beside(const std::filesystem::path& path, const std::string& ending);
+
+// A bare connection; `name` is a path or a URI, `flags` are SQLite's.
+sqlite3* Connect(const std::filesystem::path& path, const std::string& name, int flags);
 
 // A connection for reading only. If a writer crashed, reading its log makes SQLite create an index file
 // beside the store; the destructor removes it.
@@ -36,7 +42,6 @@ class Reader_File {
   Database& Connection() { return *database_; }
 
  private:
-  void Connect_For_Reading(const std::filesystem::path& path, const std::string& name, int flags);
   void Read_With_Log(const std::filesystem::path& path);
   void Clean_Up();
 

@@ -144,6 +144,7 @@ class Memory_Item : public Item {
   Date DueDate() override { return Data().due; }
   Date End() override { return Data().end; }
   bool UnRead() override { return Data().unread; }
+  std::int32_t FlagStatus() override { return Data().flagged ? flag_status::marked : flag_status::none; }
   std::int64_t Size() override { return Data().size; }
   MAPIFolder_Ptr Parent() override { return Handle(Alive().folder->shared_from_this()); }
   void Delete() override {
@@ -377,6 +378,12 @@ std::string Memory_Store::Add_Item(MAPIFolder& folder, const New_Item& item) {
   items_.emplace(stored->entry_id, stored);
   if (in_transaction_) undo_.push_back([stored] { memory::Remove_For_Good(*stored); });
   return stored->entry_id;
+}
+
+std::int64_t Memory_Store::Count_Of(std::int64_t identity) {
+  return std::count_if(items_.begin(), items_.end(), [&](const auto& item) {
+    return item.second->folder != nullptr && item.second->data.identity == identity;
+  });
 }
 
 void Memory_Store::Begin() {
