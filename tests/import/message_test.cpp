@@ -108,7 +108,9 @@ TEST_F(Mbox_Test, What_Is_Whole_Goes_In_And_What_Was_Cut_Off_Is_Named) {
     const std::string mbox = whole + Message(c.last);
     Messages(mbox);
     EXPECT_EQ(cut, c.cut) << mbox;
-    const Import_Report report = Import(Write("cut.mbox", mbox));
+    Import_Options options;
+    options.again = true;
+    const Import_Report report = Import(Write("cut.mbox", mbox), options);
     EXPECT_EQ(report.imported, c.fails ? 1 : 2) << mbox;
     ASSERT_EQ(report.failures.size(), c.fails ? 1U : 0U) << mbox;
     if (c.fails) {
@@ -164,7 +166,9 @@ class Mime_Test : public Import_Test {
   // Through the importer, which initialises the library.
   New_Item Read(std::string_view message) {
     writer.written.clear();
-    Import(Write("message.eml", message));
+    Import_Options options;
+    options.again = true;
+    Import(Write("message.eml", message), options);
     return writer.written.at(0).item;
   }
 };
