@@ -36,9 +36,9 @@ std::string Lines(int count, const char* line) {
 // A plain text, two forms of one text, a long text in base64, and a text with an attachment, in turn.
 std::string Content(int number) {
   const std::string plain =
-      Lines(18, "The quick brown fox jumps over the lazy dog, and so does the slow one.\n");
+      Lines(19, "The quick brown fox jumps over the lazy dog, and so does the slow one.\n");
   const std::string base64 =
-      Lines(18, "VGhlIHF1aWNrIGJyb3duIGZveCBqdW1wcyBvdmVyIHRoZSBsYXp5IGRvZywgYW5kIHNvIGRv\n");
+      Lines(19, "VGhlIHF1aWNrIGJyb3duIGZveCBqdW1wcyBvdmVyIHRoZSBsYXp5IGRvZywgYW5kIHNvIGRv\n");
   switch (number % 4) {
     case 0:
       return "Content-Type: text/plain; charset=us-ascii\n\n" + plain;
