@@ -22,7 +22,7 @@ to_build=(
   libgtk-3-dev         # for calls below wxWidgets
   libsqlite3-dev       # the embedded store
   libpff-dev           # PST, OST, PAB
-  libgmime-3.0-dev     # mbox, Maildir, EML
+  libgmime-3.0-dev     # dates and encodings of mail
   libutf8proc-dev      # case mapping
   libcli11-dev         # the command line
   nlohmann-json3-dev
@@ -48,7 +48,8 @@ to_check=(
   clang-tidy           # static checks
 )
 to_fuzz=(
-  clang                # libFuzzer
+  clang
+  libclang-rt-14-dev   # libFuzzer
 )
 # Libraries for Windows are built in the versions of this machine's development packages.
 for_windows=(

@@ -26,7 +26,10 @@ int Hex_Digit(char c) {
 
 std::string Raw_Text(std::string_view bytes, std::string_view charset) {
   std::string text = Valid_Utf8(bytes);
-  if (text.size() == bytes.size()) return text;
+  // Old Japanese and Korean mail: seven bits, with escapes.
+  const bool escapes = bytes.find('\x1B') != std::string_view::npos && charset.size() > 8 &&
+                       Same_Name(charset.substr(0, 8), "iso-2022");
+  if (text.size() == bytes.size() && !escapes) return text;
   return To_Utf8(bytes, Same_Name(charset, "utf-8") ? std::string_view() : charset);
 }
 

@@ -22,6 +22,9 @@ constexpr std::array<std::string_view, 16> field_names = {"from",
                                                           "content-disposition",
                                                           "content-id"};
 
+// Longer than the value of any field that a person or a program wrote in earnest.
+constexpr std::size_t longest_value = std::size_t{1} << 20;
+
 // Any text may begin with "Word: ...", but hardly with one of these.
 constexpr std::array<std::string_view, 16> mail_names = {
     "from",       "to",           "subject",        "date",    "received",     "return-path",
@@ -44,6 +47,10 @@ std::string_view Field_Name(std::string_view text) {
 std::size_t Next_Line(std::string_view text, std::size_t at) {
   const std::size_t end = text.find('\n', at);
   return end == std::string_view::npos ? text.size() : end + 1;
+}
+
+std::string_view Shortened(std::string_view value) {
+  return value.substr(0, longest_value);
 }
 
 // Whether one of the next lines, of which none is empty, begins a field.
@@ -69,7 +76,8 @@ std::size_t Mail_Headers::Read(std::string_view text,
     if (ends_part && line.starts_with("--") && ends_part(line)) return at;
     if (line[0] == ' ' || line[0] == '\t') {
       if (current != nullptr)
-        *current = {current->data(), static_cast<std::size_t>(line.data() + line.size() - current->data())};
+        *current = Shortened(
+            {current->data(), static_cast<std::size_t>(line.data() + line.size() - current->data())});
     } else if (const std::string_view name = Field_Name(line); !name.empty()) {
       any_ = true;
       current = nullptr;
@@ -78,7 +86,7 @@ std::size_t Mail_Headers::Read(std::string_view text,
       if (known != field_names.end()) {
         std::string_view& value = values_[static_cast<std::size_t>(known - field_names.begin())];
         if (value.data() == nullptr) {
-          value = line.substr(line.find(':') + 1);
+          value = Shortened(line.substr(line.find(':') + 1));
           current = &value;
         }
       }

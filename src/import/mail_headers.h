@@ -28,8 +28,8 @@ enum class Mail_Field {
   Content_Id
 };
 
-// Values are views into the text, still folded and encoded. However many fields a header has, this takes the
-// same room.
+// Values are views into the text, still folded and encoded, and cut at 1 MB. However many fields a header
+// has, this takes the same room.
 class Mail_Headers {
  public:
   // The topmost field of that name; empty if there is none.

@@ -71,6 +71,12 @@ std::size_t Header_End(std::string_view text) {
   return std::string_view::npos;
 }
 
+bool Has_Header(std::string_view text) {
+  Mail_Headers headers;
+  headers.Read(text);
+  return !headers.Empty();
+}
+
 std::optional<std::int64_t> Content_Length(std::string_view line) {
   constexpr std::string_view name = "content-length:";
   if (!Same_Name(line.substr(0, name.size()), name)) return std::nullopt;
@@ -89,9 +95,9 @@ bool Begins_With_Separator(std::string_view text, bool after_blank_line) {
   const std::string_view line = First_Line(text);
   const std::size_t next = text.find('\n');
   if (next == std::string_view::npos) return false;
-  // Then a message begins here whatever has become of its header.
-  if (after_blank_line && Ends_With_Full_Date(line)) return true;
   const std::string_view following = text.substr(next + 1);
+  // Then a message begins here even if its header is broken or, behind a blank line, missing.
+  if (Ends_With_Full_Date(line) && (after_blank_line || Has_Header(following))) return true;
   if (!Begins_With_Header(following) && !following.starts_with(">From ")) return false;
   // Some writers put only "-" there, some only a sender.
   const std::string_view sender = line.substr(mark.size(), line.find(' ', mark.size()) - mark.size());
