@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Builds the libraries of the Windows program from the distribution's source packages, once.
 #
-#   scripts/build_windows_libraries.sh core   SQLite, utf8proc, GoogleTest and the libraries that are headers only
+#   scripts/build_windows_libraries.sh core   SQLite, zstd, utf8proc, GoogleTest and the libraries that are headers only
 #   scripts/build_windows_libraries.sh        these, and wxWidgets (about a quarter of an hour on two cores)
 #
 # Results are kept in $TIDYFOLD_CACHE, by default ~/.cache/tidyfold, in folders named by version and a key of compiler
@@ -85,12 +85,13 @@ finish() {
 }
 
 build_core() {
-  local sqlite_version utf8proc_version prefix
+  local sqlite_version zstd_version utf8proc_version prefix
   sqlite_version=$(version_of libsqlite3-dev)
+  zstd_version=$(version_of libzstd-dev)
   utf8proc_version=$(version_of libutf8proc-dev)
   # The options of the distribution's SQLite that Tidyfold relies on: deleted mail is overwritten.
   local sqlite_options=(-DSQLITE_THREADSAFE=1 -DSQLITE_SECURE_DELETE -DSQLITE_OMIT_LOAD_EXTENSION)
-  prefix=$cache/core-$(key_of "$sqlite_version" "$utf8proc_version" "${sqlite_options[*]}" "$(version_of googletest)" \
+  prefix=$cache/core-$(key_of "$sqlite_version" "$zstd_version" "$utf8proc_version" "${sqlite_options[*]}" "$(version_of googletest)" \
     "$(version_of libcli11-dev)" "$(version_of nlohmann-json3-dev)")
   ln -sfn "$prefix" "$links/core"
   begin "core libraries" "$prefix" || return 0
@@ -112,6 +113,24 @@ build_core() {
     $AR rcs "$prefix/lib/libsqlite3.a" sqlite3.o
     cp sqlite3.h "$prefix/include/"
   )
+
+  source=$(fetch libzstd "$zstd_version")
+  mkdir "$scratch/zstd"
+  (
+    cd "$scratch/zstd"
+    # The assembler part is for other object formats.
+    $CC -O2 -DZSTD_DISABLE_ASM -c "$source"/lib/{common,compress,decompress}/*.c
+    $AR rcs "$prefix/lib/libzstd.a" ./*.o
+    cp "$source"/lib/zstd.h "$source"/lib/zstd_errors.h "$prefix/include/"
+  )
+  cat >"$prefix/lib/pkgconfig/libzstd.pc" <<PC
+prefix=$prefix
+Name: libzstd
+Description: compression
+Version: ${zstd_version%%+*}
+Libs: -L\${prefix}/lib -lzstd
+Cflags: -I\${prefix}/include
+PC
 
   source=$(fetch utf8proc "$utf8proc_version")
   (

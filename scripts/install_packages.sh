@@ -21,6 +21,7 @@ to_build=(
   libwebkit2gtk-4.0-dev    # its page engine
   libgtk-3-dev         # for calls below wxWidgets
   libsqlite3-dev       # the embedded store
+  libzstd-dev          # compresses what it keeps
   libpff-dev           # PST, OST, PAB
   libgmime-3.0-dev     # dates and encodings of mail
   libutf8proc-dev      # case mapping
@@ -67,6 +68,7 @@ for_windows=(
   nsis                 # the installer
   libwxgtk3.2-dev
   libsqlite3-dev
+  libzstd-dev
   libutf8proc-dev
   libcli11-dev
   nlohmann-json3-dev

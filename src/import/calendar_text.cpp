@@ -57,10 +57,14 @@ std::string Unfolded(std::string_view line) {
   return text;
 }
 
-// "BEGIN" or "END" of what, in upper case; empty for any other line.
-std::string Name_Behind(std::string_view line, std::string_view mark) {
-  return Begins_Ignoring_Case(line, mark) ? Upper_Case(Trim(Unfolded(line.substr(mark.size()))))
-                                          : std::string();
+// Of a BEGIN or END line the name behind it, in upper case; empty for any other line.
+std::string Name_Behind(std::string_view line, std::string_view word) {
+  constexpr std::size_t longest_needed = 512;
+  const std::string text = Upper_Case(Unfolded(line.substr(0, longest_needed)));
+  const std::size_t end = text.find_first_of(";:");
+  const std::size_t colon = text.find(':');
+  if (colon == std::string::npos || std::string_view(text).substr(0, end) != word) return {};
+  return std::string(Trim(std::string_view(text).substr(colon + 1)));
 }
 
 void Read_Property(std::string_view line, Component& component) {
@@ -93,10 +97,10 @@ Component Read_Component(std::string kind, std::string_view whole, std::string_v
   while (!text.empty() && depth > 0) {
     const std::string_view rest = text;
     const std::string_view line = Take_Line(text);
-    if (!Name_Behind(line, "BEGIN:").empty()) {
+    if (!Name_Behind(line, "BEGIN").empty()) {
       ++depth;
       if (depth > max_depth) component.problem = "its parts are nested too deep";
-    } else if (const std::string end = Name_Behind(line, "END:"); !end.empty()) {
+    } else if (const std::string end = Name_Behind(line, "END"); !end.empty()) {
       if (end == "VCALENDAR") {
         text = rest;
         break;
@@ -118,9 +122,9 @@ Calendar Read_Calendar(std::string_view begin, std::string_view& text) {
   while (!text.empty()) {
     const std::string_view whole = text;
     const std::string_view line = Take_Line(text);
-    if (std::string kind = Name_Behind(line, "BEGIN:"); !kind.empty()) {
+    if (std::string kind = Name_Behind(line, "BEGIN"); !kind.empty()) {
       calendar.components.push_back(Read_Component(std::move(kind), whole, text));
-    } else if (!Name_Behind(line, "END:").empty()) {
+    } else if (!Name_Behind(line, "END").empty()) {
       calendar.tail = line;
       break;
     } else {
@@ -180,7 +184,7 @@ std::vector<Calendar_Item> Items_Of_Calendars(std::string_view text) {
   if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
   while (!text.empty()) {
     const std::string_view line = Take_Line(text);
-    if (Name_Behind(line, "BEGIN:") == "VCALENDAR") Add_Items(Read_Calendar(line, text), items);
+    if (Name_Behind(line, "BEGIN") == "VCALENDAR") Add_Items(Read_Calendar(line, text), items);
   }
   return items;
 }

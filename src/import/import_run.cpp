@@ -24,7 +24,7 @@ Import_Run::Import_Run(const std::filesystem::path& source, Store_Writer& writer
   // Mail from elsewhere does not mix with the store's own unasked.
   const bool is_default = std::any_of(
       std::begin(default_folders), std::end(default_folders),
-      [&](const Default_Folder& folder) { return Compare_Ignoring_Case(folder.name, default_folder_) == 0; });
+      [&](const Default_Folder& folder) { return Upper_Case(folder.name) == Upper_Case(default_folder_); });
   if (!options.merge && is_default) default_folder_ += " (imported)";
   top_ = writer_.Top_Folder();
 }
@@ -72,7 +72,6 @@ bool Import_Run::Is_There_Already(const New_Item& item) {
 
 void Import_Run::Add(MAPIFolder& folder, New_Item item) {
   item.identity = Item_Identity(item);
-  ++report_.found;
   if (Is_There_Already(item)) {
     ++report_.there_already;
   } else {
@@ -81,6 +80,7 @@ void Import_Run::Add(MAPIFolder& folder, New_Item item) {
     ++items_in_portion_;
     bytes_in_portion_ += item.size;
   }
+  ++report_.found;
   if (items_in_portion_ >= portion_items || bytes_in_portion_ >= portion_bytes) {
     End_Portion();
   }

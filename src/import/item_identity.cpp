@@ -67,7 +67,9 @@ std::int64_t Item_Identity(const New_Item& item) {
   digest.Add(item.recipients);
   digest.Add(item.subject);
   digest.Add(Plain(item.body));
-  for (const Date date : {item.received, item.completed, item.due, item.end}) digest.Add_Date(date);
+  // Where a mail names no date of its own, the files of mail programs do, each another one.
+  if (item.message_id.empty()) digest.Add_Date(item.received);
+  for (const Date date : {item.completed, item.due, item.end}) digest.Add_Date(date);
   for (const New_Attachment& attachment : item.attachments) {
     digest.Add(attachment.name);
     digest.Add(attachment.size);

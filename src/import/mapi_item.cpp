@@ -132,11 +132,11 @@ void Read_Marks(const Mapi_Properties& properties, New_Item& item) {
 }
 
 void Read_Identities(const Mapi_Properties& properties, New_Item& item) {
+  Kept_Identities kept = Identities_In(properties.Text(mapi_property::transport_headers));
   item.sender_address = Sender_Address(properties);
-  std::string id = properties.First_Text(mapi_property::message_id);
-  if (id.starts_with('<') && id.ends_with('>')) id = id.substr(1, id.size() - 2);
-  item.message_id = std::move(id);
-  item.list_id = List_Id_Of(properties.Text(mapi_property::transport_headers));
+  if (item.sender_address.empty()) item.sender_address = std::move(kept.sender_address);
+  item.message_id = Message_Id_Of(properties);
+  item.list_id = std::move(kept.list_id);
 }
 
 std::string Text_Of(const Mapi_Body& body) {

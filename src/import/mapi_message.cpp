@@ -11,6 +11,8 @@
 #include "base/text.h"
 #include "import/charset.h"
 #include "import/gmime_ptr.h"
+#include "import/header_parameters.h"
+#include "import/mail_addresses.h"
 #include "import/mail_headers.h"
 #include "import/mime_message.h"
 #include "import/rtf_text.h"
@@ -85,8 +87,7 @@ void Add_Headers(const Mapi_Item& item, GMimeMessage* message) {
         g_date_time_unref);
     if (date) g_mime_message_set_date(message, date.get());
   }
-  std::string id = properties.First_Text(mapi_property::message_id);
-  if (id.starts_with('<') && id.ends_with('>')) id = id.substr(1, id.size() - 2);
+  const std::string id = Message_Id_Of(properties);
   if (!id.empty()) g_mime_message_set_message_id(message, id.c_str());
 }
 
@@ -168,8 +169,14 @@ std::string Written(GMimeObject* object) {
 std::string Built(const Mapi_Item& item, const Mapi_Body& body, int depth) {
   const Gmime_Ptr<GMimeObject> content = Content(item, body, depth);
   g_mime_object_encode(content.get(), GMIME_ENCODING_CONSTRAINT_7BIT);
-  const std::string headers = Kept_Headers(item.Properties().Text(mapi_property::transport_headers));
-  if (!headers.empty()) return headers + "MIME-Version: 1.0\r\n" + Written(content.get());
+  std::string headers = Kept_Headers(item.Properties().Text(mapi_property::transport_headers));
+  if (!headers.empty()) {
+    const std::string id = Message_Id_Of(item.Properties());
+    Mail_Headers kept;
+    kept.Read(headers);
+    if (kept[Mail_Field::Message_Id].empty() && !id.empty()) headers += "Message-ID: <" + id + ">\r\n";
+    return headers + "MIME-Version: 1.0\r\n" + Written(content.get());
+  }
   const Gmime_Ptr<GMimeMessage> message(g_mime_message_new(TRUE));
   Add_Headers(item, message.get());
   g_mime_message_set_mime_part(message.get(), content.get());
@@ -190,13 +197,17 @@ std::string Rebuild_Message(const Mapi_Item& item, const Mapi_Body& body) {
   return Built(item, body, 0);
 }
 
-std::string List_Id_Of(std::string_view text) {
-  Mail_Headers headers;
-  headers.Read(text);
-  const std::string_view value = headers[Mail_Field::List_Id];
-  const std::size_t open = value.rfind('<'), close = value.rfind('>');
-  if (open == std::string_view::npos || close == std::string_view::npos || close < open) return {};
-  return One_Line(Trim(value.substr(open + 1, close - open - 1)));
+std::string Message_Id_Of(const Mapi_Properties& properties) {
+  const std::string id = properties.First_Text(mapi_property::message_id);
+  return id.starts_with('<') && id.ends_with('>') ? id.substr(1, id.size() - 2) : id;
+}
+
+Kept_Identities Identities_In(const std::string& headers) {
+  Mail_Headers fields;
+  fields.Read(headers);
+  const std::vector<Mail_Address> senders = Header_Addresses(fields[Mail_Field::From]);
+  return {senders.empty() ? std::string() : senders.front().address,
+          Header_Identity(fields[Mail_Field::List_Id])};
 }
 
 }  // namespace tidyfold

@@ -20,7 +20,14 @@ Mapi_Body Read_Mapi_Body(const Mapi_Item& item);
 // attachments. Signatures of the original do not match it.
 std::string Rebuild_Message(const Mapi_Item& item, const Mapi_Body& body);
 
-// The identifier of a mailing list from a message's headers (RFC 2919), without angle brackets.
-std::string List_Id_Of(std::string_view headers);
+// Without angle brackets.
+std::string Message_Id_Of(const Mapi_Properties& properties);
+
+// What only the headers of the original tell.
+struct Kept_Identities {
+  std::string sender_address;
+  std::string list_id;
+};
+Kept_Identities Identities_In(const std::string& headers);
 
 }  // namespace tidyfold

@@ -256,7 +256,13 @@ std::vector<std::unique_ptr<Mapi_Attachment>> Msg_Item::Attachments() const {
 
 std::unique_ptr<Mapi_Item> Open_Msg(const std::string& bytes) {
   static std::once_flag once;
-  std::call_once(once, gsf_init);
+  std::call_once(once, [] {
+    gsf_init();
+    // What is wrong with a file is told in the report, not on standard error.
+    g_log_set_handler(
+        "libgsf:msole", G_LOG_LEVEL_MASK, [](const gchar*, GLogLevelFlags, const gchar*, gpointer) {},
+        nullptr);
+  });
   const Input input(gsf_input_memory_new(reinterpret_cast<const guint8*>(bytes.data()),
                                          static_cast<gsf_off_t>(bytes.size()), FALSE));
   GError* error = nullptr;

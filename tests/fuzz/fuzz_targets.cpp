@@ -186,13 +186,12 @@ void Run_Series(const std::string& bytes) {
 }
 
 constexpr std::array targets = {
-    Fuzz_Target{"apple", Run_Apple},         Fuzz_Target{"calendar", Run_Calendar},
-    Fuzz_Target{"contacts", Run_Contacts},
-    Fuzz_Target{"encodings", Run_Encodings}, Fuzz_Target{"headers", Run_Headers},
-    Fuzz_Target{"html", Run_Html},           Fuzz_Target{"mbox", Run_Mbox},
-    Fuzz_Target{"message", Run_Message},     Fuzz_Target{"msg", Run_Msg},
-    Fuzz_Target{"rtf", Run_Rtf},             Fuzz_Target{"series", Run_Series},
-    Fuzz_Target{"tnef", Run_Tnef},
+    Fuzz_Target{"apple", Run_Apple},       Fuzz_Target{"calendar", Run_Calendar},
+    Fuzz_Target{"contacts", Run_Contacts}, Fuzz_Target{"encodings", Run_Encodings},
+    Fuzz_Target{"headers", Run_Headers},   Fuzz_Target{"html", Run_Html},
+    Fuzz_Target{"mbox", Run_Mbox},         Fuzz_Target{"message", Run_Message},
+    Fuzz_Target{"msg", Run_Msg},           Fuzz_Target{"rtf", Run_Rtf},
+    Fuzz_Target{"series", Run_Series},     Fuzz_Target{"tnef", Run_Tnef},
 };
 
 }  // namespace

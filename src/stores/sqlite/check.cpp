@@ -5,6 +5,7 @@
 
 #include "errors/automation_error.h"
 #include "stores/sqlite/entry_id.h"
+#include "stores/sqlite/packer.h"
 
 namespace tidyfold::sqlite {
 
@@ -80,6 +81,17 @@ class Checker {
                return "Item " + Item_Entry_Id(row.Integer(0)) + " " + Quoted(row.Text(1)) +
                       " has lost its text.";
              });
+    Each_Row("SELECT item, body_bytes, packed FROM content", [&](const Statement& row) {
+      const auto texts = packer_.Unpack(row.Text(2));
+      return texts && static_cast<std::int64_t>(texts->size()) >= row.Integer(1)
+                 ? std::string()
+                 : "The text of item " + Item_Entry_Id(row.Integer(0)) + " cannot be unpacked.";
+    });
+    Each_Row("SELECT item, name, packed FROM attachment WHERE packed IS NOT NULL", [&](const Statement& row) {
+      return packer_.Unpack(row.Text(2)) ? std::string()
+                                         : "The attachment " + Quoted(row.Text(1)) + " of item " +
+                                               Item_Entry_Id(row.Integer(0)) + " cannot be unpacked.";
+    });
     for (const char* table : {"content", "attachment"}) {
       Each_Row("SELECT DISTINCT item FROM " + std::string(table) + " WHERE item NOT IN (SELECT id FROM item)",
                [&](const Statement& row) {
@@ -105,6 +117,7 @@ class Checker {
 
   Database& database_;
   Folder_Tree& folders_;
+  Packer packer_;
   std::vector<std::string> faults_;
 };
 

@@ -76,10 +76,11 @@ bool Write_Compact_Draft(Database& database, const fs::path& path, const Store_P
   }
   if (code == SQLITE_DONE) return true;
   Remove_File(draft);
-  cancelled = (code & 0xFF) == SQLITE_INTERRUPT;
-  // Other programs fill a disk, too; then it is done in place.
-  if (cancelled || (code & 0xFF) == SQLITE_FULL) return false;
-  database.Fail(code);
+  const int kind = code & 0xFF;
+  cancelled = kind == SQLITE_INTERRUPT;
+  if (kind == SQLITE_CORRUPT || kind == SQLITE_NOMEM) database.Fail(code);
+  // Other programs fill the disk, too, and not every folder may be written.
+  return false;
 }
 
 bool Compact_In_Place(Database& database, const Store_Progress& progress) {

@@ -12,8 +12,8 @@ namespace tidyfold::sqlite {
 // Bytes in the file that nothing uses. Compacting may free more, as it also fills up pages.
 std::int64_t Unused_Bytes(Database& database);
 
-// Writes the store's draft without unused room. Returns false if `progress` did, or if there is no room for
-// it; there is no draft then. Throws Automation_Error.
+// Writes the store's draft without unused room. Returns false if `progress` did, or if a draft cannot
+// be written, for want of room above all; there is none then. Throws Automation_Error.
 bool Write_Compact_Draft(Database& database, const std::filesystem::path& path,
                          const Store_Progress& progress, bool& cancelled);
 

@@ -40,7 +40,8 @@ void Database::Fail(int code) const {
     throw Automation_Error(number, text, error_source);
   };
   if (kind == SQLITE_NOMEM || code == SQLITE_IOERR_NOMEM) throw std::bad_alloc();
-  if (kind == SQLITE_FULL || (kind == SQLITE_IOERR && Means_Full(system_error))) {
+  ran_full_ = kind == SQLITE_FULL || (kind == SQLITE_IOERR && Means_Full(system_error));
+  if (ran_full_) {
     fail(automation_error::call_failed, store +
                                             "could not be written: the disk is full. Make room on it and "
                                             "try again; the last changes were not kept.");

@@ -32,6 +32,9 @@ class Database {
   // Rows that the last statement changed, without those that cascaded.
   int Changes() const { return sqlite3_changes(connection_.get()); }
 
+  // Whether the last call of Fail was for a full disk.
+  bool Ran_Full() const { return ran_full_; }
+
   // Runs statements and ignores their rows.
   void Execute(const char* sql);
   [[noreturn]] void Fail(int code) const;
@@ -44,6 +47,7 @@ class Database {
   };
   std::unique_ptr<sqlite3, Closer> connection_;
   std::string file_;
+  mutable bool ran_full_ = false;
 };
 
 // A prepared statement. As in SQLite, parameters count from 1 and columns from 0.

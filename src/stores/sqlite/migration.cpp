@@ -103,7 +103,8 @@ void Migrate(std::unique_ptr<Database>& database, const std::filesystem::path& p
     Put_In_Place(database, path);
   } catch (const Automation_Error& error) {
     Remove_File(draft_file);
-    if (error.Number() == automation_error::corrupt_data) throw;
+    if (error.Number() == automation_error::corrupt_data)
+      throw Store_Open_Error(Reason::Damaged, path, error.Description());
     throw Store_Open_Error(
         Reason::Cannot_Write, path,
         "The store \"" + Utf8(path) +

@@ -23,8 +23,9 @@ constexpr bool can_replace_open_files = false;
 constexpr bool can_replace_open_files = true;
 #endif
 
-Store_Open_Error::Reason Reason_Of(const Automation_Error& error) {
+Store_Open_Error::Reason Reason_Of(const Automation_Error& error, const Database& database) {
   using Reason = Store_Open_Error::Reason;
+  if (database.Ran_Full()) return Reason::Disk_Full;
   switch (error.Number()) {
     case automation_error::corrupt_data:
       return Reason::Damaged;
@@ -60,11 +61,7 @@ std::shared_ptr<Store> Store::Open(const std::filesystem::path& path, Store_Mode
     store->database_ = &store->reader_->Connection();
   } else {
     auto [database, version] = Open_For_Writing(path);
-    try {
-      if (version < schema_version) Migrate(database, path, progress);
-    } catch (const Automation_Error& error) {
-      throw Store_Open_Error(Reason_Of(error), path, error.Description());
-    }
+    if (version < schema_version) Migrate(database, path, progress);
     store->owned_ = std::move(database);
     store->database_ = store->owned_.get();
   }
@@ -94,7 +91,7 @@ void Store::Start() {
     next_folder_ = std::max(last.Integer(0), last.Integer(2)) + 1;
     next_item_ = std::max(last.Integer(1), last.Integer(3)) + 1;
   } catch (const Automation_Error& error) {
-    throw Store_Open_Error(Reason_Of(error), path_, error.Description());
+    throw Store_Open_Error(Reason_Of(error, *database_), path_, error.Description());
   }
 }
 

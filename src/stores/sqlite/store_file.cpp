@@ -1,6 +1,7 @@
 #include "stores/sqlite/store_file.h"
 
 #include <array>
+#include <cerrno>
 #include <new>
 #include <optional>
 #include <string_view>
@@ -31,7 +32,7 @@ bool Holds_Bytes(const fs::path& path) {
 // Throws the Store_Open_Error for a failed call while opening.
 [[noreturn]] void Fail_Call(sqlite3* connection, int code, const fs::path& path) {
   const int kind = code & 0xFF;
-  const bool out_of_room = Means_Full(sqlite3_system_errno(connection));
+  const bool out_of_room = Means_Full(errno) || Means_Full(sqlite3_system_errno(connection));
   if (kind == SQLITE_FULL || ((kind == SQLITE_IOERR || kind == SQLITE_CANTOPEN) && out_of_room))
     Fail_Open(Reason::Disk_Full, path);
   switch (kind) {
@@ -195,6 +196,7 @@ sqlite3* Connect(const fs::path& path, const std::string& name, int flags) {
   sqlite3_close(connection);
   if (reason == std::errc::permission_denied || reason == std::errc::operation_not_permitted)
     Fail_Open(Reason::No_Permission, path);
+  if (reason == std::errc::no_space_on_device) Fail_Open(Reason::Disk_Full, path);
   if (reason == std::errc::no_such_file_or_directory) Fail_Open(Reason::Missing, path);
   Fail_Open(Reason::Cannot_Read, path, reason ? reason.message() : detail);
 }

@@ -77,7 +77,7 @@ TEST_F(Crash, An_Import_Onto_A_Full_Disk_Fails_As_A_Whole) {
     const auto inbox = Folder_Named(*store, "Inbox");
     disk.Fail_Writing(1, SQLITE_FULL, ENOSPC);
     New_Item item;
-    item.body = std::string(100000, 'x');
+    item.body = Incompressible(100000);
     store->Writer().Begin();
     std::int32_t error = 0;
     for (int i = 0; i < 1000 && error == 0; ++i)

@@ -63,20 +63,24 @@ INSTANTIATE_TEST_SUITE_P(
                     Failure{"Damaged", true, SQLITE_CORRUPT, 0, corrupt_data, "is damaged"}),
     [](const auto& one) { return one.param.name; });
 
-TEST(Failing_Disk, That_Cannot_Be_Read_Makes_No_Store_A_Damaged_One) {
+TEST(Failing_Disk, Makes_No_Store_A_Damaged_One) {
+  using Reason = Store_Open_Error::Reason;
   const Temporary_Directory directory;
   const fs::path file = directory / "a.tfs";
   Make_Small_Store(file);
   Fault_Vfs disk;
-  for (const Store_Mode mode : {Store_Mode::Read_Write, Store_Mode::Read_Only}) {
-    for (int number = 1;; ++number) {
-      disk.Fail_Reading(number, SQLITE_IOERR_READ, EIO);
-      try {
-        Embedded_Store::Open(file, mode);
-        EXPECT_GT(number, 5);
-        break;
-      } catch (const Store_Open_Error& error) {
-        EXPECT_EQ(error.Why(), Store_Open_Error::Reason::Cannot_Read) << error.what();
+  for (const auto& [system_error, reason] :
+       {std::pair(EIO, Reason::Cannot_Read), {ENOSPC, Reason::Disk_Full}}) {
+    for (const Store_Mode mode : {Store_Mode::Read_Write, Store_Mode::Read_Only}) {
+      for (int number = 1;; ++number) {
+        disk.Fail_Reading(number, SQLITE_IOERR_READ, system_error);
+        try {
+          Embedded_Store::Open(file, mode);
+          EXPECT_GT(number, 5);
+          break;
+        } catch (const Store_Open_Error& error) {
+          EXPECT_EQ(error.Why(), reason) << error.what();
+        }
       }
     }
   }

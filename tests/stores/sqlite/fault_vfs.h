@@ -1,19 +1,26 @@
-// SQLite's way to the disk, with writing and reading that fail when a test wants them to.
+// SQLite's way to the disk, with writing and reading that fail, or kill the process, when a test wants them
+// to.
 #pragma once
 
+#include <signal.h>
 #include <sqlite3.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <map>
+#include <string>
+#include <string_view>
 
 namespace tidyfold {
 
 struct Planned_Failure {
-  int left = -1;  // calls that still succeed; never fails when negative
+  static constexpr int killed = -1;  // as a result
+  int left = -1;                     // calls that still succeed; never fails when negative
   int result = SQLITE_OK, system_error = 0;
 
   bool Comes() {
     if (left == 0) {
+      if (result == killed) kill(getpid(), SIGKILL);
       errno = system_error;
       return true;
     }
@@ -25,7 +32,9 @@ struct Planned_Failure {
 // Serves every file that is opened while it exists. One at a time.
 class Fault_Vfs {
  public:
-  Fault_Vfs() {
+  // Only files whose names end so fail.
+  explicit Fault_Vfs(std::string ending = {}) {
+    ending_ = std::move(ending);
     real_ = sqlite3_vfs_find(nullptr);
     own_ = *real_;
     own_.zName = "faulty";
@@ -44,6 +53,7 @@ class Fault_Vfs {
   void Fail_Writing(int number, int result, int system_error) {
     writing_ = {number - 1, result, system_error};
   }
+  void Kill_At_Writing(int number) { writing_ = {number - 1, Planned_Failure::killed, 0}; }
   void Fail_Reading(int number, int result, int system_error) {
     reading_ = {number - 1, result, system_error};
   }
@@ -60,7 +70,8 @@ class Fault_Vfs {
   }
   static int Open(sqlite3_vfs*, sqlite3_filename name, sqlite3_file* file, int flags, int* out) {
     const int result = real_->xOpen(real_, name, file, flags, out);
-    if (file->pMethods == nullptr) return result;
+    if (file->pMethods == nullptr || name == nullptr || !std::string_view(name).ends_with(ending_))
+      return result;
     Table& table = tables_[file->pMethods];
     table = {*file->pMethods, file->pMethods};
     table.own.xWrite = [](sqlite3_file* target, const void* bytes, int count, sqlite3_int64 at) {
@@ -77,6 +88,7 @@ class Fault_Vfs {
   static inline sqlite3_vfs own_{};
   static inline std::map<const sqlite3_io_methods*, Table> tables_;
   static inline Planned_Failure writing_, reading_;
+  static inline std::string ending_;
 };
 
 }  // namespace tidyfold

@@ -35,7 +35,7 @@ void Delete_First(Embedded_Store& store) {
 // What a few of these change does not fit into SQLite's memory and is written before the group ends.
 void Add_Large(Embedded_Store& store) {
   New_Item item;
-  item.body = std::string(1'500'000, 'x');
+  item.body = Incompressible(1'500'000);
   store.Writer().Add_Item(*Folder_Named(store, "Deleted Items"), item);
 }
 

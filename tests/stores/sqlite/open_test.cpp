@@ -64,7 +64,7 @@ TEST(Open, Bad_Files_Are_Refused_And_Left_Alone) {
       {"random", Reason::Not_A_Store, Bytes(Random_Bytes())},
       {"other database", Reason::Not_A_Store,
        [](const fs::path& file) { Run_Sql(file, "CREATE TABLE item (id); PRAGMA user_version = 1"); }},
-      {"newer", Reason::Newer_Version, After("PRAGMA user_version = 2")},
+      {"newer", Reason::Newer_Version, After("PRAGMA user_version = 3")},
       {"cut in the header", Reason::Not_A_Store, Cut(50)},
       {"cut in the first page", Reason::Damaged, Cut(1000)},
       {"cut in half", Reason::Damaged, Cut(20000)},

@@ -109,7 +109,7 @@ TEST_F(Embedded_Store_Test, A_Removed_Folder_Leaves_Nothing_In_The_File) {
   EXPECT_EQ(store_->Check(), std::vector<std::string>());
   store_.reset();
   EXPECT_EQ(Number_By_Sql(file_, "SELECT COUNT(*) FROM folder"), 11);
-  for (const char* table : {"item", "content", "message", "attachment"}) {
+  for (const char* table : {"item", "content", "attachment"}) {
     EXPECT_EQ(Number_By_Sql(file_, std::string("SELECT COUNT(*) FROM ") + table), 3) << table;
   }
 }
@@ -177,7 +177,8 @@ TEST_F(Store_File, Check_Names_What_Is_Wrong) {
       {"UPDATE item SET folder = 99 WHERE id = 2",
        "Item I2 \"2\" lies in a folder that does not exist (F99)."},
       {"DELETE FROM content WHERE item = 3", "Item I3 \"3\" has lost its text."},
-      {"UPDATE message SET item = 9 WHERE item = 3", "The message of item I9 is there, the item is not."},
+      {"UPDATE content SET item = 9 WHERE item = 3", "The content of item I9 is there, the item is not."},
+      {"UPDATE content SET packed = zeroblob(50) WHERE item = 3", "The text of item I3 cannot be unpacked."},
       {"UPDATE attachment SET item = 9 WHERE item = 3",
        "The attachment of item I9 is there, the item is not."},
       {"DROP INDEX item_by_position; CREATE INDEX item_by_position ON item (folder, position);"
@@ -201,7 +202,7 @@ TEST_F(Store_File, Check_Names_What_Is_Wrong) {
 
 TEST_F(Store_File, Check_Finds_A_Damaged_Page_That_Opening_Passes_Over) {
   Make_Small_Store(file_);
-  const auto page = Number_By_Sql(file_, "SELECT rootpage FROM sqlite_schema WHERE name = 'message'");
+  const auto page = Number_By_Sql(file_, "SELECT rootpage FROM sqlite_schema WHERE name = 'content'");
   std::string bytes = Bytes_Of(file_);
   bytes[static_cast<std::size_t>(page - 1) * 4096 + 3] ^= 0x40;
   Write_Bytes(file_, bytes);

@@ -7,6 +7,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <random>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -52,6 +53,14 @@ inline MAPIFolder_Ptr Folder_Named(Embedded_Store& store, const std::string& nam
     if (folders->Item(i)->Name() == name) return folders->Item(i);
   }
   throw std::runtime_error("no folder " + name);
+}
+
+// Text that takes as many bytes in a store.
+inline std::string Incompressible(std::size_t bytes) {
+  std::mt19937_64 random(bytes);
+  std::string text(bytes, ' ');
+  for (char& byte : text) byte = static_cast<char>(random());
+  return text;
 }
 
 // Adds `count` items with the subjects "1" and so on.
