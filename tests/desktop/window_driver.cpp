@@ -175,7 +175,7 @@ Window_Driver::State Window_Driver::Wait(const std::string& what,
   std::ostringstream text;
   text << "Waited in vain for: " << what << "\nThe program is " << (program_->Running() ? "running" : "gone")
        << ", has printed:\n"
-       << printed.rdbuf() << "\nand shows:\n"
+       << std::string(std::istreambuf_iterator<char>(printed), {}) << "\nand shows:\n"
        << (state ? state->dump() : "nothing");
   throw std::runtime_error(text.str());
 }
