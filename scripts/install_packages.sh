@@ -24,6 +24,8 @@ to_build=(
   libzstd-dev          # compresses what it keeps
   libpff-dev           # PST, OST, PAB
   libgmime-3.0-dev     # dates and encodings of mail
+  libical-dev          # iCalendar
+  libgsf-1-dev         # MSG
   libutf8proc-dev      # case mapping
   libcli11-dev         # the command line
   nlohmann-json3-dev

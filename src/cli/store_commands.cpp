@@ -20,6 +20,7 @@ class Import_Command {
       : arguments_(arguments), terminal_(terminal) {}
 
   Exit_Status Run() {
+    Read_Target();
     // Refuses bad sources before a store is created for them.
     for (const std::filesystem::path& source : arguments_.sources) Detect_Source(source);
     Find_Target();
@@ -45,12 +46,15 @@ class Import_Command {
   }
 
  private:
-  // With several stores, the first name of the path is the store; without a path it is the first one.
-  void Find_Target() {
+  void Read_Target() {
     if (arguments_.target) names_ = Parse_Folder_Path(*arguments_.target);
     if (std::any_of(names_.begin(), names_.end(), [](const std::string& name) { return name.empty(); }))
       Fail_Target(
           " has an empty name in it. Leave out a \"/\" at its end, and one of two that follow each other.");
+  }
+
+  // With several stores, the first name of the path is the store; without a path it is the first one.
+  void Find_Target() {
     for (const std::filesystem::path& path : arguments_.stores) {
       if (arguments_.stores.size() == 1 || !arguments_.target) return Open(path);
       if (names_.empty()) break;

@@ -16,6 +16,11 @@ constexpr std::size_t max_depth = 8;
 // Of an item; pictures may be in it.
 constexpr std::size_t max_item_size = std::size_t{64} << 20;
 
+// Of a calendar's own properties, which go with each of its items.
+constexpr std::size_t max_head_size = 4096;
+// Of a property, up to its value: the library takes time by the square of their number.
+constexpr std::size_t max_parameters_size = 8192;
+
 struct Component {
   std::string kind;
   std::string_view text;
@@ -28,7 +33,7 @@ struct Component {
 
 struct Calendar {
   std::string head;  // from its begin to its first component, and what stands between components
-  std::string tail;
+  std::string_view tail = "END:VCALENDAR\r\n";
   std::vector<Component> components;
 };
 
@@ -67,15 +72,19 @@ std::string Name_Behind(std::string_view line, std::string_view word) {
   return std::string(Trim(std::string_view(text).substr(colon + 1)));
 }
 
+// Where the value begins: behind the first colon that is not quoted.
+std::size_t Value_At(std::string_view line, std::size_t from) {
+  bool quoted = false;
+  while (from < line.size() && (quoted || line[from] != ':')) quoted = quoted != (line[from++] == '"');
+  return from;
+}
+
 void Read_Property(std::string_view line, Component& component) {
   constexpr std::size_t longest_needed = 4096;
   const std::string text = Unfolded(line.substr(0, longest_needed));
   const std::size_t name_end = std::min(text.find_first_of(";:"), text.size());
   const std::string name = Upper_Case(std::string_view(text).substr(0, name_end));
-  // The value stands behind the first colon that is not quoted.
-  bool quoted = false;
-  std::size_t colon = name_end;
-  while (colon < text.size() && (quoted || text[colon] != ':')) quoted = quoted != (text[colon++] == '"');
+  const std::size_t colon = Value_At(text, name_end);
   const std::string value = colon < text.size() ? text.substr(colon + 1) : std::string();
   if (name == "UID") component.uid = value;
   if (name == "RECURRENCE-ID") component.recurrence_id = value;
@@ -109,6 +118,8 @@ Component Read_Component(std::string kind, std::string_view whole, std::string_v
     } else if (depth == 1) {
       Read_Property(line, component);
     }
+    if (line.size() > max_parameters_size && Value_At(line, 0) > max_parameters_size)
+      component.problem = "one of its properties is longer than any real one";
   }
   component.text = whole.substr(0, whole.size() - text.size());
   if (depth > 0) component.problem = "its end is missing";
@@ -118,7 +129,7 @@ Component Read_Component(std::string kind, std::string_view whole, std::string_v
 
 Calendar Read_Calendar(std::string_view begin, std::string_view& text) {
   Calendar calendar;
-  calendar.head = begin;
+  calendar.head = begin.substr(0, max_head_size);
   while (!text.empty()) {
     const std::string_view whole = text;
     const std::string_view line = Take_Line(text);
@@ -127,11 +138,10 @@ Calendar Read_Calendar(std::string_view begin, std::string_view& text) {
     } else if (!Name_Behind(line, "END").empty()) {
       calendar.tail = line;
       break;
-    } else {
+    } else if (calendar.head.size() + line.size() <= max_head_size) {
       calendar.head += line;
     }
   }
-  if (calendar.tail.empty()) calendar.tail = "END:VCALENDAR\r\n";
   return calendar;
 }
 
@@ -149,6 +159,7 @@ void Add_Items(const Calendar& calendar, std::vector<Calendar_Item>& items) {
       changed[key].push_back(&component);
     }
   }
+  const auto head = std::make_shared<const std::string>(calendar.head);
   std::set<std::pair<std::string, std::string>> taken;
   for (const Component& component : calendar.components) {
     if (component.kind == "VTIMEZONE") continue;
@@ -163,21 +174,26 @@ void Add_Items(const Calendar& calendar, std::vector<Calendar_Item>& items) {
         found != changed.end() && (of_series || taken.insert(key).second)) {
       parts.insert(parts.end(), found->second.begin(), found->second.end());
     }
-    Calendar_Item item{component.kind, calendar.head, component.problem};
+    Calendar_Item item{component.kind, component.problem, head, {}, calendar.tail};
     std::set<std::string, std::less<>> named;
     for (const Component* part : parts) named.insert(part->zones.begin(), part->zones.end());
     for (const std::string& zone : named) {
       const auto found = zones.find(zone);
-      if (found != zones.end() && found->second->problem.empty()) item.calendar += found->second->text;
+      if (found != zones.end() && found->second->problem.empty()) item.parts.push_back(found->second->text);
     }
-    for (const Component* part : parts) item.calendar += part->text;
-    if (!item.calendar.ends_with('\n')) item.calendar += "\r\n";
-    item.calendar += calendar.tail;
+    for (const Component* part : parts) item.parts.push_back(part->text);
     items.push_back(std::move(item));
   }
 }
 
 }  // namespace
+
+std::string Calendar_Item::Calendar() const {
+  std::string calendar = *head;
+  for (const std::string_view part : parts) calendar += part;
+  if (!calendar.ends_with('\n')) calendar += "\r\n";
+  return calendar.append(tail);
+}
 
 std::vector<Calendar_Item> Items_Of_Calendars(std::string_view text) {
   std::vector<Calendar_Item> items;

@@ -10,8 +10,9 @@
 namespace tidyfold {
 namespace {
 
-// More occurrences than a daily appointment of a century has.
-constexpr int most_steps = 40'000;
+// Of all rules of a series; more occurrences than a daily appointment of a century has. A rule that never
+// comes true takes as long as the second number of them.
+constexpr int most_steps = 40'000, steps_of_rule = 1000;
 
 using Iterator = std::unique_ptr<icalrecur_iterator, decltype(&icalrecur_iterator_free)>;
 
@@ -35,22 +36,23 @@ struct For_Ever {};
 
 class Series {
  public:
-  explicit Series(icalcomponent* component)
-      : component_(component), start_(icalcomponent_get_dtstart(component)), first_(Date_Of_Ical(start_)) {
-    length_ = End_Of(component) - first_;
+  // `steps` is what is left to all series of a calendar.
+  Series(icalcomponent* component, int& steps)
+      : component_(component),
+        start_(icalcomponent_get_dtstart(component)),
+        first_(Date_Of_Ical(start_)),
+        steps_left_(steps) {
+    if (first_ != no_date) length_ = End_Of(component) - first_;
   }
 
   // The start of the last occurrence, nothing where there is none. Throws For_Ever.
   std::optional<Date> Last_Start() {
     Read_Exceptions();
     std::optional<Date> last;
-    bool rules = false;
     for (icalproperty* p = First(ICAL_RRULE_PROPERTY); p != nullptr; p = Next(ICAL_RRULE_PROPERTY)) {
-      rules = true;
       Later(last, Last_Of_Rule(icalproperty_get_rrule(p)));
     }
-    if (!rules || !Is_Left_Out(start_))
-      Later(last, Is_Left_Out(start_) ? std::nullopt : std::optional(first_));
+    if (!Is_Left_Out(start_)) Later(last, first_);
     for (icalproperty* p = First(ICAL_RDATE_PROPERTY); p != nullptr; p = Next(ICAL_RDATE_PROPERTY)) {
       const icaldatetimeperiodtype time = icalproperty_get_rdate(p);
       const icaltimetype start = icaltime_is_null_time(time.time) ? time.period.start : time.time;
@@ -90,7 +92,7 @@ class Series {
     return !left_out_.empty() && left_out_.contains(Date_Of_Ical(time));
   }
 
-  std::optional<Date> Last_Of_Rule(const icalrecurrencetype& rule) const {
+  std::optional<Date> Last_Of_Rule(const icalrecurrencetype& rule) {
     const bool until = !icaltime_is_null_time(rule.until);
     if (!until && rule.count <= 0) throw For_Ever{};
     // A time of day of an all-day end, or of another zone, is less than a day.
@@ -99,11 +101,11 @@ class Series {
       if (!until) throw For_Ever{};
       return at_most;
     }
-    icaltimetype local = start_;
-    const Iterator iterator(icalrecur_iterator_new(rule, local), icalrecur_iterator_free);
+    steps_left_ -= steps_of_rule;
+    const Iterator iterator(icalrecur_iterator_new(rule, start_), icalrecur_iterator_free);
     if (!iterator) throw For_Ever{};
     std::optional<Date> last;
-    for (int step = 0; step < most_steps; ++step) {
+    for (; steps_left_ > 0; --steps_left_) {
       const icaltimetype next = icalrecur_iterator_next(iterator.get());
       if (icaltime_is_null_time(next)) return last;
       if (!Is_Left_Out(next)) Later(last, Date_Of_Ical(next));
@@ -117,6 +119,7 @@ class Series {
   Date first_;
   Date length_ = 0;
   std::set<Date> left_out_;
+  int& steps_left_;
 };
 
 }  // namespace
@@ -143,6 +146,7 @@ Date End_Of_Last_Occurrence(const std::vector<icalcomponent*>& parts) {
   const auto later = [&](Date date) {
     if (date != no_date && (end == no_date || date > end)) end = date;
   };
+  int steps = most_steps;
   try {
     for (icalcomponent* part : parts) {
       const bool recurs = icalcomponent_get_first_property(part, ICAL_RRULE_PROPERTY) != nullptr ||
@@ -151,7 +155,7 @@ Date End_Of_Last_Occurrence(const std::vector<icalcomponent*>& parts) {
         later(End_Of(part));
         continue;
       }
-      Series series(part);
+      Series series(part, steps);
       if (const auto last = series.Last_Start()) later(*last + series.Length());
     }
   } catch (const For_Ever&) {

@@ -161,7 +161,7 @@ void Run_Apple(const std::string& bytes) {
 
 void Run_Calendar(const std::string& bytes) {
   for (const Calendar_Item& item : Items_Of_Calendars(bytes)) {
-    if (item.problem.empty()) Unless_Refused([&] { Expect_Item(Read_Calendar_Item(item.calendar)); });
+    if (item.problem.empty()) Unless_Refused([&] { Expect_Item(Read_Calendar_Item(item.Calendar())); });
   }
 }
 

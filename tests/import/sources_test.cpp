@@ -116,6 +116,32 @@ TEST_F(Sources_Test, Items_Of_Outlook_Get_The_Forms_Of_Their_Classes) {
     EXPECT_NE(contact.raw_message.find(std::string("\r\n") + line + "\r\n"), std::string::npos) << line;
 }
 
+// A directory that is one long list: its library would recurse along it.
+TEST_F(Sources_Test, A_Compound_File_Of_Countless_Parts_Is_Refused) {
+  constexpr std::uint32_t entries = 320'000, sector = 4096, sectors = entries / 32,
+                          lists = sectors / 1024 + 1;
+  const auto number = [](std::uint32_t value) {
+    return std::string{static_cast<char>(value), static_cast<char>(value >> 8),
+                       static_cast<char>(value >> 16), static_cast<char>(value >> 24)};
+  };
+  std::string file = "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1" + std::string(16, '\0') + number(0x4003E) +
+                     number(0xCFFFE) + number(6) + std::string(8, '\0') + number(lists) + number(lists);
+  file.resize(60);
+  file += number(~1U) + number(0) + number(~1U) + number(0);
+  for (std::uint32_t i = 0; i < 109; ++i) file += number(i < lists ? i : ~0U);
+  file.resize(sector);
+  for (std::uint32_t i = 0; i < lists * 1024; ++i) file += number(i < lists ? ~2U : i + 1);
+  for (std::uint32_t i = 0; i < entries; ++i) {
+    std::string entry{static_cast<char>('a' + i % 26)};
+    entry.resize(64);
+    entry += std::string{4, 0, static_cast<char>(i == 0 ? 5 : 1), 1} + number(~0U) +
+             number(i == 0 || i + 1 == entries ? ~0U : i + 1) + number(i == 0 ? 1 : ~0U);
+    entry.resize(128);
+    file += entry;
+  }
+  EXPECT_NE(Error_Of(Write("long.msg", file)).find("too many parts"), std::string::npos);
+}
+
 TEST_F(Sources_Test, Patterns_Of_Outlook_S_Series) {
   const std::pair<const char*, const char*> cases[] = {
       {"series/weekly", "FREQ=WEEKLY;BYDAY=TU;WKST=SU"},
@@ -169,6 +195,7 @@ TEST_F(Sources_Test, A_Series_Is_Dated_By_The_End_Of_Its_Last_Occurrence) {
       {"RRULE:FREQ=DAILY;COUNT=100000000", no_date},
       {"RRULE:FREQ=DAILY;BYHOUR=0,1,2,3;BYMINUTE=0,1,2,3;BYSECOND=1,2,3;BYMONTH=2;BYMONTHDAY=30;COUNT=9",
        no_date},
+      {"RRULE:FREQ=DAILY;COUNT=30000\nRRULE:FREQ=DAILY;COUNT=30001", no_date},
       {"RRULE:nonsense", Day(37488, 11)},
   };
   for (const auto& [rule, end] : cases) {
