@@ -4,6 +4,7 @@
 #   scripts/install_packages.sh run          for ./run: build the programs and show the window
 #   scripts/install_packages.sh test         for ./test
 #   scripts/install_packages.sh check        for scripts/check_sources.sh
+#   scripts/install_packages.sh fuzz         for ./fuzz
 #   scripts/install_packages.sh windows      for ./test windows: build and test the Windows program here
 #   scripts/install_packages.sh --list run   only print the names
 #
@@ -22,7 +23,9 @@ to_build=(
   libsqlite3-dev       # the embedded store
   libzstd-dev          # compresses what it keeps
   libpff-dev           # PST, OST, PAB
-  libgmime-3.0-dev     # mbox, Maildir, EML
+  libgmime-3.0-dev     # dates and encodings of mail
+  libical-dev          # iCalendar
+  libgsf-1-dev         # MSG
   libutf8proc-dev      # case mapping
   libcli11-dev         # the command line
   nlohmann-json3-dev
@@ -46,6 +49,10 @@ to_test=(
 to_check=(
   clang-format         # layout of the sources
   clang-tidy           # static checks
+)
+to_fuzz=(
+  clang
+  libclang-rt-14-dev   # libFuzzer
 )
 # Libraries for Windows are built in the versions of this machine's development packages.
 for_windows=(
@@ -78,7 +85,7 @@ for_windows=(
   fonts-dejavu-core
 )
 
-usage() { sed -n '2,10s/^# \{0,1\}//p' "$0"; }
+usage() { sed -n '2,11s/^# \{0,1\}//p' "$0"; }
 
 only_list=no
 if [[ ${1:-} == --list ]]; then
@@ -89,6 +96,7 @@ case ${1:-} in
   run) needed=("${to_build[@]}" "${to_show[@]}") ;;
   test) needed=("${to_build[@]}" "${to_show[@]}" "${to_test[@]}") ;;
   check) needed=("${to_check[@]}") ;;
+  fuzz) needed=("${to_build[@]}" "${to_test[@]}" "${to_fuzz[@]}") ;;
   windows) needed=("${for_windows[@]}") ;;
   -h | --help) usage && exit 0 ;;
   *) usage >&2 && exit 2 ;;

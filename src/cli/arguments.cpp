@@ -111,11 +111,19 @@ void Add_Store_Commands(CLI::App& app, Arguments& arguments, Raw& raw) {
       ->type_name("N")
       ->capture_default_str();
 
-  CLI::App& import = *app.add_subcommand("import", "Bring PST, OST, PAB, mbox, Maildir and EML in");
+  CLI::App& import =
+      *app.add_subcommand("import", "Bring mail, calendars and address books of other programs in");
   Add_List(import, std::string("SOURCE,") + source_option, raw.sources,
-           "Files, and folders that are Maildirs")
+           "PST, OST, PAB, mbox, EML, EMLX, MSG, iCalendar and vCard files, and folders that hold such files "
+           "or Maildirs")
       ->required();
-  import.add_option("--folder", raw.target, "Where mail without folders of its own goes")->type_name("PATH");
+  CLI::Option* target =
+      import.add_option("--folder", raw.target, "The folder that a source goes into")->type_name("PATH");
+  import
+      .add_flag("--merge", arguments.merge,
+                "Bring the folders of a source into the store's own of the same names")
+      ->excludes(target);
+  import.add_flag("--again", arguments.again, "Bring in what is there already once more");
 
   CLI::App& folders = *app.add_subcommand("folders", "List the folders");
   folders.add_flag("--json", raw.json, "As JSON");

@@ -53,6 +53,8 @@ struct Arguments {
   // import
   std::vector<std::filesystem::path> sources;
   std::optional<std::string> target;  // a path
+  bool merge = false;
+  bool again = false;
 
   // sample
   std::filesystem::path sample_file;

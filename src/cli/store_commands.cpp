@@ -20,6 +20,7 @@ class Import_Command {
       : arguments_(arguments), terminal_(terminal) {}
 
   Exit_Status Run() {
+    Read_Target();
     // Refuses bad sources before a store is created for them.
     for (const std::filesystem::path& source : arguments_.sources) Detect_Source(source);
     Find_Target();
@@ -33,20 +34,27 @@ class Import_Command {
       Put_Away();
       throw;
     }
-    if (!imported_any_) Put_Away();
+    if (!keeps_any_) Put_Away();
     Report();
     if (cancelled_) {
-      terminal_.Write_Error("Cancelled; what was imported from the sources before stays in the store.");
+      terminal_.Write_Error(
+          "Cancelled; what was imported stays in the store. Import the same again to go on.");
       return Exit_Status::Cancelled;
     }
-    if (!imported_any_) return Exit_Status::Bad_Input;
+    if (!keeps_any_) return Exit_Status::Bad_Input;
     return failed_any_ ? Exit_Status::Not_All_Done : Exit_Status::Done;
   }
 
  private:
+  void Read_Target() {
+    if (arguments_.target) names_ = Parse_Folder_Path(*arguments_.target);
+    if (std::any_of(names_.begin(), names_.end(), [](const std::string& name) { return name.empty(); }))
+      Fail_Target(
+          " has an empty name in it. Leave out a \"/\" at its end, and one of two that follow each other.");
+  }
+
   // With several stores, the first name of the path is the store; without a path it is the first one.
   void Find_Target() {
-    if (arguments_.target) names_ = Parse_Folder_Path(*arguments_.target);
     for (const std::filesystem::path& path : arguments_.stores) {
       if (arguments_.stores.size() == 1 || !arguments_.target) return Open(path);
       if (names_.empty()) break;
@@ -96,6 +104,8 @@ class Import_Command {
   void Import(const std::filesystem::path& source) {
     Import_Options options;
     if (arguments_.target) options.folder_path = names_;
+    options.merge = arguments_.merge;
+    options.again = arguments_.again;
     options.progress = [&](std::int64_t found, std::optional<std::int64_t> total) {
       if (terminal_.Progress_Due()) {
         terminal_.Progress("Importing " + source.string() + "  " + std::to_string(found) +
@@ -104,12 +114,12 @@ class Import_Command {
       return !terminal_.Interrupted();
     };
     try {
-      const Import_Report report = Import_Source(source, store_->Writer(), options);
+      reports_.push_back(Import_Source(source, store_->Writer(), options));
+      const Import_Report& report = reports_.back();
       cancelled_ = report.cancelled;
-      if (cancelled_) return;
-      imported_any_ = true;
-      failed_any_ = failed_any_ || report.failed > 0;
-      reports_.push_back(report);
+      keeps_any_ = keeps_any_ || !cancelled_ || report.imported > 0;
+      failed_any_ = failed_any_ || report.failed > 0 || !report.ended_by.empty();
+      if (!report.ended_by.empty()) terminal_.Write_Error(source.string() + ": " + report.ended_by);
     } catch (const Import_Error& error) {
       terminal_.Write_Error(error.what());
       failed_any_ = true;
@@ -122,11 +132,9 @@ class Import_Command {
   void Report() {
     for (const Import_Report& report : reports_) {
       const std::string source = Printable_Line(report.source) + ": ";
-      terminal_.Write(source + std::to_string(report.found) + " items found, " +
-                      std::to_string(report.imported) + " imported, " + std::to_string(report.failed) +
-                      " failed\n");
-      for (const Import_Failure& failure : report.failures)
-        terminal_.Write(source + Printable_Line(failure.where + ": " + failure.why) + "\n");
+      terminal_.Write(source + Counts_Of(report) + "\n");
+      for (const std::string& line : Details_Of(report))
+        terminal_.Write(source + Printable_Line(line) + "\n");
     }
   }
 
@@ -143,7 +151,7 @@ class Import_Command {
   std::shared_ptr<Embedded_Store> store_;
   std::vector<Import_Report> reports_;
   bool created_ = false;
-  bool imported_any_ = false;
+  bool keeps_any_ = false;  // of what was imported, so that the store stays
   bool failed_any_ = false;
   bool cancelled_ = false;
 };

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <unordered_map>
 #include <utility>
 
 #include "import/charset.h"
@@ -75,6 +76,17 @@ void Append_Utf8(std::string& text, char32_t c) {
     byte(0x80 | ((c >> 6) & 0x3F));
     byte(0x80 | (c & 0x3F));
   }
+}
+
+std::unordered_map<std::string_view, char32_t> Named_Characters() {
+  std::unordered_map<std::string_view, char32_t> names(other_names.begin(), other_names.end());
+  char32_t c = 0xA0;
+  for (std::size_t at = 0; at < latin_names.size(); ++c) {
+    const std::size_t end = latin_names.find(' ', at);
+    names.emplace(latin_names.substr(at, end - at), c);
+    at = end + 1;
+  }
+  return names;
 }
 
 // Builds the text: runs of blanks become one, line breaks come only where a block wants them.
@@ -238,16 +250,9 @@ class Html_Reader {
   // 0 if the name or number is that of no character.
   static char32_t Referenced(std::string_view name) {
     if (name.starts_with('#')) return Numbered(name.substr(1));
-    for (const auto& [known, c] : other_names) {
-      if (known == name) return c;
-    }
-    char32_t c = 0xA0;
-    for (std::size_t at = 0; at < latin_names.size(); ++c) {
-      const std::size_t end = latin_names.find(' ', at);
-      if (latin_names.substr(at, end - at) == name) return c;
-      at = end + 1;
-    }
-    return 0;
+    static const std::unordered_map<std::string_view, char32_t> names = Named_Characters();
+    const auto found = names.find(name);
+    return found == names.end() ? 0 : found->second;
   }
 
   static char32_t Numbered(std::string_view digits) {

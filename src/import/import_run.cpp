@@ -1,7 +1,11 @@
 #include "import/import_run.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "base/text.h"
 #include "import/charset.h"
+#include "import/item_identity.h"
 #include "outlook/default_folders.h"
 
 namespace tidyfold {
@@ -13,16 +17,28 @@ Import_Run::Import_Run(const std::filesystem::path& source, Store_Writer& writer
   // "mail/" and "." have no file name.
   std::filesystem::path whole = std::filesystem::absolute(source).lexically_normal();
   if (!whole.has_filename()) whole = whole.parent_path();
-  default_folder_ = std::filesystem::is_directory(whole) ? whole.filename().string() : whole.stem().string();
+  // A folder's name may hold dots; only that of an Apple mailbox ends in a suffix.
+  const bool whole_name = std::filesystem::is_directory(whole) && whole.extension() != ".mbox";
+  default_folder_ = whole_name ? whole.filename().string() : whole.stem().string();
   if (default_folder_.empty()) default_folder_ = "Imported";
+  // Mail from elsewhere does not mix with the store's own unasked.
+  const bool is_default = std::any_of(
+      std::begin(default_folders), std::end(default_folders),
+      [&](const Default_Folder& folder) { return Upper_Case(folder.name) == Upper_Case(default_folder_); });
+  if (!options.merge && is_default) default_folder_ += " (imported)";
   top_ = writer_.Top_Folder();
 }
 
-MAPIFolder_Ptr Import_Run::Target_Folder() {
-  if (!options_.folder_path) return Folder(top_, default_folder_, item_type::mail);
+MAPIFolder_Ptr Import_Run::Target_Folder(std::int32_t default_item_type) {
+  if (target_) return target_;
+  if (!options_.folder_path) return target_ = Folder(top_, default_folder_, default_item_type);
   MAPIFolder_Ptr folder = top_;
-  for (const std::string& name : *options_.folder_path) folder = Folder(folder, name, item_type::mail);
-  return folder;
+  for (const std::string& name : *options_.folder_path) folder = Folder(folder, name, default_item_type);
+  return target_ = folder;
+}
+
+MAPIFolder_Ptr Import_Run::Tree_Folder() {
+  return options_.merge ? top_ : Target_Folder();
 }
 
 MAPIFolder_Ptr Import_Run::Folder(const MAPIFolder_Ptr& parent, std::string_view name,
@@ -44,21 +60,66 @@ MAPIFolder_Ptr Import_Run::Folder(const MAPIFolder_Ptr& parent, std::string_view
   return child;
 }
 
-MAPIFolder_Ptr Import_Run::Deleted_Items() {
-  return Folder(top_, deleted_items_name, item_type::mail);
+// An item that lies in the source twice goes in twice, and neither copy goes in again: the n-th is there
+// already if the store had n of them before.
+bool Import_Run::Is_There_Already(const New_Item& item) {
+  if (options_.again || item.identity == 0) return false;
+  const auto [found, first] = copies_.try_emplace(item.identity);
+  Copies& copies = found->second;
+  if (first) copies.before = static_cast<std::int32_t>(writer_.Count_Of(item.identity));
+  return ++copies.met <= copies.before;
 }
 
-void Import_Run::Add(MAPIFolder& folder, const New_Item& item) {
-  writer_.Add_Item(folder, item);
+void Import_Run::Add(MAPIFolder& folder, New_Item item) {
+  item.identity = Item_Identity(item);
+  if (Is_There_Already(item)) {
+    ++report_.there_already;
+  } else {
+    writer_.Add_Item(folder, item);
+    ++report_.imported;
+    ++items_in_portion_;
+    bytes_in_portion_ += item.size;
+  }
   ++report_.found;
-  ++report_.imported;
+  if (items_in_portion_ >= portion_items || bytes_in_portion_ >= portion_bytes) {
+    End_Portion();
+  }
   Tick();
 }
 
+void Import_Run::End_Portion() {
+  writer_.Commit();
+  has_committed_ = true;
+  items_in_portion_ = bytes_in_portion_ = 0;
+  writer_.Begin();
+}
+
+Import_Report Import_Run::Report_Of_Committed() const {
+  Import_Report report = report_;
+  report.found -= items_in_portion_;
+  report.imported -= items_in_portion_;
+  return report;
+}
+
+std::string Import_Run::In_File(std::string_view where) const {
+  if (file_.empty()) return One_Line(where);
+  return One_Line(where.empty() ? file_ : file_ + ", " + std::string(where));
+}
+
 void Import_Run::Fail(std::string_view where, std::string_view why) {
-  report_.failures.push_back({One_Line(where), One_Line(why)});
+  report_.failures.push_back({In_File(where), One_Line(why)});
   ++report_.found;
   ++report_.failed;
+  Tick();
+}
+
+void Import_Run::Doubt(std::string_view where, std::string_view why) {
+  report_.doubts.push_back({In_File(where), One_Line(why)});
+}
+
+void Import_Run::Leave_Out(std::string_view where, std::string_view why) {
+  report_.left_out.push_back({In_File(where), One_Line(why)});
+  ++report_.found;
   Tick();
 }
 

@@ -4,10 +4,12 @@
 #include <string>
 #include <utility>
 
-#include "import/maildir.h"
+#include "import/apple_message.h"
+#include "import/mail_flags.h"
 #include "import/mbox_reader.h"
 #include "import/mime_message.h"
 #include "import/source_file.h"
+#include "import/source_kind.h"
 
 namespace tidyfold {
 namespace {
@@ -26,15 +28,26 @@ void Check_Size(std::int64_t size) {
   if (size > max_message_size) throw Message_Error("it is larger than 512 MB");
 }
 
-New_Item Read_Message_File(const std::filesystem::path& path, Import_Run& run) {
+// The message of a file, and whether it is marked as deleted.
+std::pair<New_Item, bool> Read_Message_File(const std::filesystem::path& path, Import_Run& run) {
   std::error_code error;
   if (!std::filesystem::is_regular_file(path, error)) throw Message_Error("it is no file that can be read");
   try {
     Source_File file(path);
     Check_Size(file.Size());
     if (file.Size() == 0) throw Message_Error("it is empty");
-    return Read_Message(
-        file.Size(), [&] { return file.Read(0, file.Size()); }, run);
+    if (!Has_Apple_Frame(file.Read(0, longest_look))) {
+      return {Read_Message(
+                  file.Size(), [&] { return file.Read(0, file.Size()); }, run),
+              false};
+    }
+    Apple_Message message = Split_Apple_Frame(file.Read(0, file.Size()));
+    const auto text = [&] { return std::move(message.message); };
+    New_Item item = Read_Message(file.Size(), text, run);
+    item.unread = !message.read;
+    item.flagged = message.flagged;
+    item.answered = message.answered;
+    return {std::move(item), message.deleted};
   } catch (const Import_Error&) {
     throw Message_Error("it cannot be opened and read");
   }
@@ -52,81 +65,73 @@ Date Separator_Date(std::string_view separator) {
   return date == std::string_view::npos ? no_date : Parse_Mail_Date(separator.substr(date + 1), true);
 }
 
-// What to do about a file that seems cut off; empty for any other.
-std::string Remedy_If_Whole(Mbox_Cut cut) {
+// Why a message is not whole; empty if it is, as far as one can tell.
+std::string Missing_Part(Mbox_Cut cut, std::string_view text) {
   switch (cut) {
-    case Mbox_Cut::Line:
-      return "add a line break at its end";
-    case Mbox_Cut::Headers:
-      return "add an empty line at its end";
+    case Mbox_Cut::Header:
+      return "the file ends within its header";
     case Mbox_Cut::Length:
-      return "remove the Content-Length line from that message's headers";
+      return "by its Content-Length it is longer than what is left of the file";
+    case Mbox_Cut::Line:
+      if (Lacks_Last_Part(text)) return "the file ends before its last part does";
+      break;
     case Mbox_Cut::None:
       break;
   }
   return {};
 }
 
+void Add_Mbox_Message(const Mbox_Message& message, const std::string& where, Mbox_Reader& reader,
+                      MAPIFolder& folder, Import_Run& run) {
+  const std::int64_t size = message.end - message.content;
+  Check_Size(size);
+  bool deleted = false;
+  const auto text = [&] {
+    std::string read = reader.Text(message);
+    if (read.empty()) throw Message_Error("it is empty");
+    const std::string missing = Missing_Part(message.cut, read);
+    if (!missing.empty()) throw Message_Error(missing + ". Copy the file again from where it came from");
+    deleted = Flags_In(read).deleted;
+    return read;
+  };
+  New_Item item = Read_Message(size, text, run);
+  if (deleted) return run.Leave_Out(where, deleted_mail);
+  if (item.received == no_date)
+    item.received = item.last_modified = Separator_Date(reader.Separator(message));
+  run.Add(folder, std::move(item));
+  if (message.cut == Mbox_Cut::Line)
+    run.Doubt(where, "it went in, but the file ends within its last line: check whether its end is missing");
+}
+
 }  // namespace
 
-void Import_Mbox(const std::filesystem::path& source, Import_Run& run) {
+void Import_Mbox(const std::filesystem::path& source, const MAPIFolder_Ptr& folder, Import_Run& run) {
   Source_File file(source);
   Mbox_Reader reader(file, [&run] { run.Tick(); });
-  const MAPIFolder_Ptr folder = run.Target_Folder();
   std::int64_t number = 0;
-  std::string last;
   while (const auto message = reader.Next()) {
-    last = Position(++number, *message);
+    const std::string where = Position(++number, *message);
     try {
-      const std::int64_t size = message->end - message->content;
-      Check_Size(size);
-      New_Item item = Read_Message(
-          size, [&] { return reader.Text(*message); }, run);
-      if (item.received == no_date) {
-        item.received = Separator_Date(reader.Separator(*message));
-        item.last_modified = item.received;
-      }
-      run.Add(*folder, item);
+      Add_Mbox_Message(*message, where, reader, *folder, run);
     } catch (const Message_Error& error) {
-      run.Fail(last, error.what());
-    }
-  }
-  const std::string if_whole = Remedy_If_Whole(reader.Cut());
-  if (if_whole.empty()) return;
-  throw Import_Error(source.string() + ": the mbox file is cut off in the middle of its last message (" +
-                     last + "). Copy the file again from where it came from. If nothing is missing, " +
-                     if_whole +
-                     "; to import only what is whole, cut the file off where that message begins.");
-}
-
-void Import_Maildir(const std::filesystem::path& source, Import_Run& run) {
-  const std::vector<Maildir_Folder> folders = List_Maildir(source, [&run] { run.Tick(); });
-  std::int64_t total = 0;
-  for (const Maildir_Folder& folder : folders) total += static_cast<std::int64_t>(folder.messages.size());
-  run.Expect(total);
-  const MAPIFolder_Ptr target = run.Target_Folder();
-  for (const Maildir_Folder& folder : folders) {
-    MAPIFolder_Ptr place = target;
-    for (const std::string& name : folder.names) place = run.Folder(place, name, item_type::mail);
-    for (const Maildir_Message& message : folder.messages) {
-      const std::filesystem::path file = message.Path(folder);
-      try {
-        New_Item item = Read_Message_File(file, run);
-        item.unread = !message.seen;
-        if (item.received == no_date) item.received = item.last_modified = message.delivered;
-        run.Add(message.trashed ? *run.Deleted_Items() : *place, item);
-      } catch (const Message_Error& error) {
-        run.Fail(file.string(), error.what());
-      }
+      run.Fail(where, error.what());
     }
   }
 }
 
-void Import_Eml(const std::filesystem::path& source, Import_Run& run) {
+void Add_Message_File(const std::filesystem::path& file, MAPIFolder& folder, Import_Run& run,
+                      const std::function<void(New_Item&)>& change) {
+  auto [item, deleted] = Read_Message_File(file, run);
+  if (deleted) return run.Leave_Out("", deleted_mail);
+  if (change) change(item);
+  run.Add(folder, std::move(item));
+}
+
+void Import_Message(const std::filesystem::path& source, Import_Run& run) {
   run.Expect(1);
+  run.Set_File(source.string());
   try {
-    const New_Item item = Read_Message_File(source, run);
-    run.Add(*run.Target_Folder(), item);
+    Add_Message_File(source, *run.Target_Folder(), run);
   } catch (const Message_Error& error) {
     throw Import_Error(source.string() + ": the message cannot be read: " + error.what() +
                        ". Save it again from the program that it came from.");

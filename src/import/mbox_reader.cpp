@@ -5,15 +5,13 @@
 #include <charconv>
 #include <string_view>
 
-#include "import/mime_message.h"
+#include "import/mail_headers.h"
 
 namespace tidyfold {
 namespace {
 
 constexpr std::string_view mark = "From ";
 constexpr std::int64_t longest_separator = 1024;
-constexpr std::int64_t usual_header = std::int64_t{16} * 1024;
-constexpr std::int64_t longest_header = std::int64_t{256} * 1024;
 constexpr std::array<std::string_view, 12> months = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                                      "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
 
@@ -36,10 +34,30 @@ bool Has_Date(std::string_view line) {
   return false;
 }
 
-std::string_view Line(std::string_view text) {
-  std::string_view line = text.substr(0, std::min(text.find('\n'), text.size()));
-  if (line.ends_with('\r')) line.remove_suffix(1);
-  return line;
+// "... Fri Aug 23 02:32:53 2002" at the end of the line, with a zone before or behind the year. Hardly any
+// sentence ends like that.
+bool Ends_With_Full_Date(std::string_view line) {
+  constexpr std::array<std::string_view, 7> days = {" Mon ", " Tue ", " Wed ", " Thu ",
+                                                    " Fri ", " Sat ", " Sun "};
+  constexpr std::size_t longest_date = 40;
+  std::string_view date = line.substr(line.size() - std::min(line.size(), longest_date));
+  std::size_t at = std::string_view::npos;
+  for (const std::string_view day : days) at = std::min(at, date.find(day));
+  if (at == std::string_view::npos) return false;
+  date.remove_prefix(at + 5);
+  const bool month = std::find(months.begin(), months.end(), date.substr(0, 3)) != months.end();
+  if (!month || !Has_Date(date)) return false;
+  date.remove_prefix(std::min(date.find(' ', date.find(':')), date.size()));
+  bool year = false;
+  for (std::size_t begin = 0; (begin = date.find_first_not_of(' ', begin)) != std::string_view::npos;) {
+    const std::string_view word = date.substr(begin, date.find(' ', begin) - begin);
+    const bool number = word.find_first_not_of("0123456789") == std::string_view::npos;
+    year = year || (number && word.size() == 4);
+    if (!number && word.find_first_not_of("+-0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ") != std::string_view::npos)
+      return false;
+    begin += word.size();
+  }
+  return year;
 }
 
 // The end of the blank line behind the headers; npos if there is none.
@@ -47,41 +65,39 @@ std::size_t Header_End(std::string_view text) {
   for (std::size_t at = 0; at < text.size();) {
     const std::size_t end = text.find('\n', at);
     if (end == std::string_view::npos) break;
-    if (Line(text.substr(at)).empty()) return end + 1;
+    if (First_Line(text.substr(at)).empty()) return end + 1;
     at = end + 1;
   }
   return std::string_view::npos;
 }
 
-std::optional<std::int64_t> Content_Length(std::string_view headers) {
+bool Has_Header(std::string_view text) {
+  Mail_Headers headers;
+  headers.Read(text);
+  return !headers.Empty();
+}
+
+std::optional<std::int64_t> Content_Length(std::string_view line) {
   constexpr std::string_view name = "content-length:";
-  for (std::size_t at = 0; at < headers.size();) {
-    const std::string_view line = Line(headers.substr(at));
-    if (line.size() > name.size() &&
-        std::equal(name.begin(), name.end(), line.begin(),
-                   [](char expected, char c) { return (c >= 'A' && c <= 'Z' ? c + 32 : c) == expected; })) {
-      std::string_view number = line.substr(name.size());
-      number.remove_prefix(std::min(number.find_first_not_of(" \t"), number.size()));
-      std::int64_t length = 0;
-      const auto result = std::from_chars(number.data(), number.data() + number.size(), length);
-      if (result.ec != std::errc() || length < 0) return std::nullopt;
-      return length;
-    }
-    const std::size_t end = headers.find('\n', at);
-    if (end == std::string_view::npos) break;
-    at = end + 1;
-  }
-  return std::nullopt;
+  if (!Same_Name(line.substr(0, name.size()), name)) return std::nullopt;
+  std::string_view number = line.substr(name.size());
+  number.remove_prefix(std::min(number.find_first_not_of(" \t"), number.size()));
+  std::int64_t length = 0;
+  const auto result = std::from_chars(number.data(), number.data() + number.size(), length);
+  if (result.ec != std::errc() || length < 0) return std::nullopt;
+  return length;
 }
 
 }  // namespace
 
 bool Begins_With_Separator(std::string_view text, bool after_blank_line) {
   if (!text.starts_with(mark)) return false;
-  const std::string_view line = Line(text);
+  const std::string_view line = First_Line(text);
   const std::size_t next = text.find('\n');
   if (next == std::string_view::npos) return false;
   const std::string_view following = text.substr(next + 1);
+  // Then a message begins here even if its header is broken or, behind a blank line, missing.
+  if (Ends_With_Full_Date(line) && (after_blank_line || Has_Header(following))) return true;
   if (!Begins_With_Header(following) && !following.starts_with(">From ")) return false;
   // Some writers put only "-" there, some only a sender.
   const std::string_view sender = line.substr(mark.size(), line.find(' ', mark.size()) - mark.size());
@@ -91,11 +107,24 @@ bool Begins_With_Separator(std::string_view text, bool after_blank_line) {
 
 bool Mbox_Reader::Is_Separator(std::int64_t at) {
   const std::int64_t before = std::min<std::int64_t>(at, 3);
-  const std::string_view text = file_.View(at - before, before + longest_separator);
-  const std::string_view behind = text.substr(0, static_cast<std::size_t>(before));
-  if (at > 0 && !behind.ends_with('\n')) return false;
-  const bool after_blank_line = at == 0 || behind.ends_with("\n\n") || behind.ends_with("\n\r\n");
-  return Begins_With_Separator(text.substr(static_cast<std::size_t>(before)), after_blank_line);
+  const auto check = [&](std::string_view text) {
+    const std::string_view behind = text.substr(0, static_cast<std::size_t>(before));
+    if (at > 0 && !behind.ends_with('\n')) return false;
+    const bool after_blank_line = at == 0 || behind.ends_with("\n\n") || behind.ends_with("\n\r\n");
+    return Begins_With_Separator(text.substr(static_cast<std::size_t>(before)), after_blank_line);
+  };
+  return check(file_.Peek(at - before, before + longest_separator));
+}
+
+std::int64_t Mbox_Reader::Line_End(std::int64_t at) {
+  while (at < file_.Size()) {
+    const std::string_view text = file_.View(at, longest_separator);
+    const std::size_t end = text.find('\n');
+    if (end != std::string_view::npos) return at + static_cast<std::int64_t>(end) + 1;
+    at += static_cast<std::int64_t>(text.size());
+    tick_();
+  }
+  return file_.Size();
 }
 
 std::int64_t Mbox_Reader::Next_Separator(std::int64_t from) {
@@ -117,30 +146,37 @@ std::int64_t Mbox_Reader::Next_Separator(std::int64_t from) {
   return file_.Size();
 }
 
-std::optional<std::int64_t> Mbox_Reader::End_By_Length(std::int64_t content) {
-  missing_.reset();
-  std::string_view text = file_.View(content, usual_header);
-  std::size_t header_end = Header_End(text);
-  if (header_end == std::string_view::npos) {
-    text = file_.View(content, longest_header);
-    header_end = Header_End(text);
+Mbox_Reader::Header Mbox_Reader::Read_Header(std::int64_t content) {
+  Header header;
+  std::int64_t at = content;
+  while (at < file_.Size()) {
+    const std::string_view text = file_.View(at, longest_separator);
+    const std::string_view line = First_Line(text.substr(0, longest_separator));
+    if (line.empty() && !text.empty()) {
+      header.ended = true;
+      header.end = Line_End(at);
+      return header;
+    }
+    if (!header.length) header.length = Content_Length(line);
+    if (line.starts_with(mark) && Is_Separator(at)) break;
+    at = Line_End(at);
   }
-  if (header_end == std::string_view::npos) return std::nullopt;
-  const std::optional<std::int64_t> length = Content_Length(text.substr(0, header_end));
-  if (!length) return std::nullopt;
-  const std::int64_t body = content + static_cast<std::int64_t>(header_end);
-  if (*length > file_.Size() - body) {
-    missing_ = *length - (file_.Size() - body);
+  header.end = at;
+  return header;
+}
+
+std::optional<std::int64_t> Mbox_Reader::End_By_Length(const Header& header) {
+  missing_ = 0;
+  if (!header.ended || !header.length) return std::nullopt;
+  if (*header.length > file_.Size() - header.end) {
+    missing_ = *header.length - (file_.Size() - header.end);
     return std::nullopt;
   }
   // The blank line between two messages belongs to neither.
-  const std::int64_t end = body + *length;
-  std::string_view rest = file_.View(end, 4).substr(0, 4);
-  std::int64_t next = end;
-  while (!rest.empty() && (rest.front() == '\n' || rest.front() == '\r')) {
-    rest.remove_prefix(1);
-    ++next;
-  }
+  const std::int64_t end = header.end + *header.length;
+  const std::string rest = file_.Peek(end, 4);
+  const std::int64_t next =
+      end + static_cast<std::int64_t>(std::min(rest.find_first_not_of("\r\n"), rest.size()));
   if (next < file_.Size() && !Is_Separator(next)) return std::nullopt;
   ++lengths_right_;
   return end;
@@ -153,48 +189,37 @@ std::optional<Mbox_Message> Mbox_Reader::Next() {
     ++at_;
   }
   if (at_ >= file_.Size()) return std::nullopt;
-  if (missing_) ++lengths_too_long_;
+  if (missing_ > 0) ++lengths_too_long_;
 
   Mbox_Message message;
   message.begin = at_;
-  const std::string_view separator = file_.View(at_, longest_separator);
-  message.content = at_ + static_cast<std::int64_t>(std::min(separator.find('\n'), separator.size() - 1)) + 1;
-  content_ = message.content;
-  if (const auto end = End_By_Length(message.content)) {
+  message.content = Line_End(at_);
+  const Header header = Read_Header(message.content);
+  if (const auto end = End_By_Length(header)) {
     message.end = *end;
     message.by_length = true;
   } else {
-    message.end = Next_Separator(message.content);
+    message.end = header.ended ? Next_Separator(header.end) : header.end;
   }
   at_ = message.end;
+  if (at_ == file_.Size()) message.cut = Cut(header);
   return message;
 }
 
-Mbox_Cut Mbox_Reader::Cut() {
-  if (content_ == 0) return Mbox_Cut::None;
-  if (!file_.View(file_.Size() - 1, 1).ends_with('\n')) return Mbox_Cut::Line;
-  const std::string_view text = file_.View(content_, longest_header);
-  const std::size_t header_end = Header_End(text);
-  if (header_end == std::string_view::npos &&
-      static_cast<std::int64_t>(text.size()) == file_.Size() - content_) {
-    return Mbox_Cut::Headers;
-  }
-  if (!missing_ || lengths_too_long_ > 0) return Mbox_Cut::None;
-  if (lengths_right_ > 0) return Mbox_Cut::Length;
+Mbox_Cut Mbox_Reader::Cut(const Header& header) {
+  const bool line_ended = file_.Peek(file_.Size() - 1, 1) == "\n";
+  if (!header.ended) return Mbox_Cut::Header;
+  if (missing_ > 0 && !line_ended) return Mbox_Cut::Length;
+  if (!line_ended) return Mbox_Cut::Line;
+  if (missing_ == 0 || lengths_too_long_ > 0 || lengths_right_ == 0) return Mbox_Cut::None;
   // A file whose CR LF became LF lacks exactly one byte per line.
   std::int64_t lines = 0;
-  for (std::int64_t at = content_ + static_cast<std::int64_t>(header_end);
-       at < file_.Size() && lines < *missing_;) {
-    const std::string_view part = file_.View(at, 1);
-    lines += std::count(part.begin(), part.end(), '\n');
-    at += static_cast<std::int64_t>(part.size());
-    tick_();
-  }
-  return lines < *missing_ ? Mbox_Cut::Length : Mbox_Cut::None;
+  for (std::int64_t at = header.end; at < file_.Size() && lines < missing_; at = Line_End(at)) ++lines;
+  return lines < missing_ ? Mbox_Cut::Length : Mbox_Cut::None;
 }
 
 std::string Mbox_Reader::Separator(const Mbox_Message& message) {
-  return std::string(Line(file_.View(message.begin, longest_separator)));
+  return std::string(First_Line(file_.View(message.begin, longest_separator)));
 }
 
 std::string Mbox_Reader::Text(const Mbox_Message& message) {

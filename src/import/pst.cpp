@@ -1,5 +1,6 @@
 #include "import/pst.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -8,9 +9,9 @@
 #include <utility>
 #include <vector>
 
+#include "import/mapi_item.h"
 #include "import/mime_message.h"
-#include "import/pst_item.h"
-#include "import/pst_properties.h"
+#include "import/pst_object.h"
 #include "import/source_file.h"
 
 namespace tidyfold {
@@ -27,13 +28,6 @@ struct Free_Pff_File {
   void operator()(libpff_file_t* file) const { libpff_file_free(&file, nullptr); }
 };
 using Pff_File = std::unique_ptr<libpff_file_t, Free_Pff_File>;
-
-std::uint64_t Little_Endian(std::string_view bytes) {
-  std::uint64_t number = 0;
-  for (std::size_t i = bytes.size(); i > 0; --i)
-    number = number << 8 | static_cast<unsigned char>(bytes[i - 1]);
-  return number;
-}
 
 // The header has the kind and the length of the file; libpff would read a shorter file and miss items.
 void Check_Header(const fs::path& source) {
@@ -66,28 +60,30 @@ struct Listed_Folder {
   std::string path;  // for reports
   std::int32_t item_type;
   int messages;
-  bool deleted_items;
+};
+
+// A folder that may be the top of what Outlook shows.
+struct Candidate {
+  Pff_Item item;
+  bool is_public;  // the cache of an organisation's folders beside the mailbox
 };
 
 class Pst_Importer {
  public:
   Pst_Importer(const fs::path& source, Import_Run& run) : source_(source), run_(run) { Open(); }
 
-  void Import() {
+  void Import(const MAPIFolder_Ptr& target) {
     List_Folders();
     std::int64_t total = 0;
     for (const Listed_Folder& folder : folders_) total += folder.messages;
     run_.Expect(total);
+    if (total == 0 && Has_Items(Root().get()))
+      Refuse("it has items, but the folders that they lie in are not found");
     std::vector<MAPIFolder_Ptr> places;
     for (const Listed_Folder& folder : folders_) {
-      MAPIFolder_Ptr place = run_.Top_Folder();
-      if (folder.deleted_items) {
-        place = run_.Deleted_Items();
-      } else if (!places.empty()) {
-        place = run_.Folder(places[folder.parent], folder.name, folder.item_type);
-      }
-      places.push_back(place);
-      for (int i = 0; i < folder.messages; ++i) Import_Item(folder, i, *place);
+      places.push_back(places.empty() ? target
+                                      : run_.Folder(places[folder.parent], folder.name, folder.item_type));
+      for (int i = 0; i < folder.messages; ++i) Import_Item(folder, i, *places.back());
     }
   }
 
@@ -109,48 +105,79 @@ class Pst_Importer {
                        std::string(repair));
   }
 
-  // The folder that Outlook shows as the file's top. Finds Deleted Items, too.
-  Pff_Item Top() {
+  Pff_Item Root() {
     Pff_Error error;
     libpff_item_t* found = nullptr;
-    if (libpff_file_get_message_store(file_.get(), &found, error.Out()) == 1) {
-      const Pff_Item store(found);
-      const Pst_Properties properties(found);
-      deleted_items_ = Node(properties.Bytes(pst_property::wastebasket));
-      const std::uint32_t top = Node(properties.Bytes(pst_property::ipm_subtree));
-      found = nullptr;
-      if (top != 0 && libpff_file_get_item_by_identifier(file_.get(), top, &found, error.Out()) == 1) {
-        return Pff_Item(found);
-      }
-    }
-    found = nullptr;
     if (libpff_file_get_root_folder(file_.get(), &found, error.Out()) != 1) Refuse("it has no folders");
-    Pff_Item root(found);
-    Pff_Item top = Named_Top(found, 2);
-    return top ? std::move(top) : std::move(root);
+    return Pff_Item(found);
   }
 
-  // Offline files and address books may not mark their top folder; then it is found by name.
-  static Pff_Item Named_Top(libpff_item_t* parent, int levels) {
+  // The folder that Outlook shows as the file's top.
+  Pff_Item Top() {
+    if (Pff_Item marked = Marked_Top()) return marked;
+    Pff_Item root = Root();
+    std::vector<Candidate> candidates;
+    Find_Tops(root.get(), 3, false, candidates);
+    std::stable_partition(candidates.begin(), candidates.end(),
+                          [](const Candidate& candidate) { return !candidate.is_public; });
+    for (Candidate& candidate : candidates)
+      if (Has_Items(candidate.item.get())) return std::move(candidate.item);
+    return root;
+  }
+
+  // What the file itself names as its top.
+  Pff_Item Marked_Top() {
+    Pff_Error error;
+    libpff_item_t* found = nullptr;
+    if (libpff_file_get_message_store(file_.get(), &found, error.Out()) != 1) return nullptr;
+    const Pff_Item store(found);
+    const std::uint32_t top = Node(Pst_Properties(found).Bytes(mapi_property::ipm_subtree));
+    found = nullptr;
+    if (top == 0 || libpff_file_get_item_by_identifier(file_.get(), top, &found, error.Out()) != 1)
+      return nullptr;
+    return Pff_Item(found);
+  }
+
+  static std::vector<Pff_Item> Sub_Folders(libpff_item_t* parent) {
+    std::vector<Pff_Item> folders;
     Pff_Error error;
     int count = 0;
-    Check_Pff(libpff_folder_get_number_of_sub_folders(parent, &count, error.Out()), error);
+    if (libpff_folder_get_number_of_sub_folders(parent, &count, error.Out()) != 1) return folders;
     for (int i = 0; i < count; ++i) {
       libpff_item_t* found = nullptr;
-      if (libpff_folder_get_sub_folder(parent, i, &found, error.Out()) != 1) continue;
-      Pff_Item child(found);
-      const std::string name = Pst_Properties(found).Text(pst_property::display_name);
-      if (name.starts_with("Top of ") || name == "IPM_SUBTREE") return child;
-      if (levels == 1) continue;
-      if (Pff_Item below = Named_Top(found, levels - 1)) return below;
+      if (libpff_folder_get_sub_folder(parent, i, &found, error.Out()) == 1) folders.emplace_back(found);
     }
-    return nullptr;
+    return folders;
+  }
+
+  // Offline files and address books do not mark their top; it is found by its name.
+  static void Find_Tops(libpff_item_t* parent, int levels, bool is_public,
+                        std::vector<Candidate>& candidates) {
+    for (Pff_Item& folder : Sub_Folders(parent)) {
+      const std::string name = Pst_Properties(folder.get()).Text(mapi_property::display_name);
+      if (name.starts_with("Top of ") || name == "IPM_SUBTREE") {
+        candidates.push_back({std::move(folder), is_public});
+      } else if (levels > 1) {
+        Find_Tops(folder.get(), levels - 1, is_public || name == "Root - Public", candidates);
+      }
+    }
+  }
+
+  bool Has_Items(libpff_item_t* folder, int levels = 100) {
+    run_.Tick();
+    Pff_Error error;
+    int count = 0;
+    if (libpff_folder_get_number_of_sub_messages(folder, &count, error.Out()) == 1 && count > 0) return true;
+    if (levels == 0) return false;
+    const std::vector<Pff_Item> below = Sub_Folders(folder);
+    return std::any_of(below.begin(), below.end(),
+                       [&](const Pff_Item& child) { return Has_Items(child.get(), levels - 1); });
   }
 
   // Parents before children, without folders that Outlook hides.
   void List_Folders() {
     std::vector<Listed_Folder> waiting;
-    waiting.push_back({Top(), 0, {}, {}, item_type::mail, 0, false});
+    waiting.push_back({Top(), 0, {}, {}, item_type::mail, 0});
     while (!waiting.empty()) {
       run_.Tick();
       Listed_Folder folder = std::move(waiting.back());
@@ -170,15 +197,14 @@ class Pst_Importer {
       Pff_Error error;
       libpff_item_t* found = nullptr;
       Check_Pff(libpff_folder_get_sub_folder(parent.item.get(), index, &found, error.Out()), error);
-      Listed_Folder child{Pff_Item(found), folders_.size(), {}, {}, item_type::mail, 0, false};
+      Listed_Folder child{Pff_Item(found), folders_.size(), {}, {}, item_type::mail, 0};
       std::uint32_t node = 0;
       Check_Pff(libpff_item_get_identifier(found, &node, error.Out()), error);
       const Pst_Properties properties(found);
-      if ((node & node_type_mask) == search_folder || properties.Flag(pst_property::hidden)) return;
-      child.deleted_items = node == deleted_items_;
-      child.name = properties.Text(pst_property::display_name);
+      if ((node & node_type_mask) == search_folder || properties.Flag(mapi_property::hidden)) return;
+      child.name = properties.Text(mapi_property::display_name);
       child.path = parent.path.empty() ? child.name : parent.path + "/" + child.name;
-      child.item_type = Item_Type_Of(properties.Text(pst_property::container_class));
+      child.item_type = Item_Type_Of(properties.Text(mapi_property::container_class));
       waiting.push_back(std::move(child));
     } catch (const Message_Error& error) {
       run_.Fail(Shown(parent) + ", folder " + std::to_string(index + 1), error.what());
@@ -202,18 +228,20 @@ class Pst_Importer {
       Pff_Error error;
       libpff_item_t* message = nullptr;
       Check_Pff(libpff_folder_get_sub_message(folder.item.get(), index, &message, error.Out()), error);
-      const Pff_Item item(message);
-      const bool is_long = Pst_Properties(message).Number(pst_property::message_size).value_or(0) > long_item;
-      run_.Add(place,
-               is_long ? run_.Beside([message] { return Read_Pst_Item(message); }) : Read_Pst_Item(message));
+      const Pst_Item item{Pff_Item(message)};
+      const bool is_long = item.Properties().Number(mapi_property::message_size).value_or(0) > long_item;
+      const auto read = [&item] { return Read_Mapi_Item(item); };
+      run_.Add(place, is_long ? run_.Beside(read) : read());
     } catch (const Message_Error& error) {
       run_.Fail(Shown(folder) + ", item " + std::to_string(index + 1), error.what());
     }
   }
 
-  // An entry identifier ends with the number of its node; 0 if there is none.
+  // The identifier of an entry of the file ends with the number of its node. 0 if there is none: those of
+  // Exchange are longer, and name none.
   static std::uint32_t Node(const std::optional<std::string>& entry_id) {
-    if (!entry_id || entry_id->size() < 4) return 0;
+    constexpr std::size_t size_in_file = 24;
+    if (!entry_id || entry_id->size() != size_in_file) return 0;
     return static_cast<std::uint32_t>(
         Little_Endian(std::string_view(*entry_id).substr(entry_id->size() - 4)));
   }
@@ -221,16 +249,15 @@ class Pst_Importer {
   const fs::path& source_;
   Import_Run& run_;
   Pff_File file_;
-  std::uint32_t deleted_items_ = 0;
   std::vector<Listed_Folder> folders_;
 };
 
 }  // namespace
 
-void Import_Pst(const fs::path& source, Import_Run& run) {
+void Import_Pst(const fs::path& source, const MAPIFolder_Ptr& folder, Import_Run& run) {
   Check_Header(source);
   try {
-    Pst_Importer(source, run).Import();
+    Pst_Importer(source, run).Import(folder);
   } catch (const Message_Error& error) {
     throw Import_Error(source.string() + ": the Outlook data file cannot be read: " + error.what() + "." +
                        std::string(repair));

@@ -28,6 +28,16 @@ std::string Source_File::Read(std::int64_t at, std::int64_t length) {
   return bytes;
 }
 
+std::string Source_File::Peek(std::int64_t at, std::int64_t length) {
+  length = std::clamp<std::int64_t>(size_ - at, 0, length);
+  const std::int64_t in_window = at - window_at_;
+  if (in_window >= 0 && in_window + length <= static_cast<std::int64_t>(window_.size()))
+    return window_.substr(static_cast<std::size_t>(in_window), static_cast<std::size_t>(length));
+  std::string bytes;
+  Fill(at, length, bytes);
+  return bytes;
+}
+
 std::string_view Source_File::View(std::int64_t at, std::int64_t minimum) {
   const std::int64_t end = std::min(at + minimum, size_);
   if (at >= end) return {};
@@ -48,6 +58,15 @@ void Source_File::Fill(std::int64_t at, std::int64_t length, std::string& bytes)
     throw Import_Error(path_.string() + ": the file cannot be read at byte " + std::to_string(at) +
                        ". Copy it to another disk first, and import the copy.");
   }
+}
+
+std::string Read_Text_File(const std::filesystem::path& path) {
+  constexpr std::int64_t largest = 512LL << 20;
+  Source_File file(path);
+  if (file.Size() > largest)
+    throw Import_Error(path.string() +
+                       ": the file is larger than 512 MB. Divide it in the program that it came from.");
+  return file.Read(0, file.Size());
 }
 
 }  // namespace tidyfold

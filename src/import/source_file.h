@@ -18,6 +18,8 @@ class Source_File {
   std::int64_t Size() const { return size_; }
   // Up to `length` bytes from `at` on. Throws Import_Error if they cannot be read.
   std::string Read(std::int64_t at, std::int64_t length);
+  // The same for a few bytes anywhere, which does not move the buffer.
+  std::string Peek(std::int64_t at, std::int64_t length);
   // The buffered bytes from `at` on: at least `minimum`, fewer only at the end of the file. Valid until the
   // next call.
   std::string_view View(std::int64_t at, std::int64_t minimum);
@@ -31,5 +33,8 @@ class Source_File {
   std::string window_;
   std::int64_t window_at_ = 0;
 };
+
+// A whole file of at most 512 MB. Throws Import_Error if it cannot be read or is larger.
+std::string Read_Text_File(const std::filesystem::path& path);
 
 }  // namespace tidyfold

@@ -74,8 +74,14 @@ class Import_Test : public ::testing::Test {
   std::filesystem::path Write(const std::string& name, std::string_view content) const {
     return Write_Bytes(directory / name, content);
   }
-  Import_Report Import(const std::filesystem::path& source, const Import_Options& options = {}) {
+  Import_Report Import(const std::filesystem::path& source, const Import_Options& options) {
     return Import_Source(source, writer, options);
+  }
+  // Whatever is there already.
+  Import_Report Import(const std::filesystem::path& source) {
+    Import_Options options;
+    options.again = true;
+    return Import(source, options);
   }
   std::string Error_Of(const std::filesystem::path& source) {
     try {

@@ -2,6 +2,7 @@
 #include <functional>
 
 #include "import/import_fixture.h"
+#include "import/import_run.h"
 #include "import/maildir.h"
 
 namespace tidyfold {
@@ -19,16 +20,21 @@ TEST_F(Import_Test, Kinds_Are_Told_By_Content_Whatever_The_Name) {
       {"From a@b Fri Aug 23 02:32:53 2002\nSubject: x\n\n", Source_Kind::Mbox},
       {"From - \r\nSubject: x\r\n\r\n", Source_Kind::Mbox},
       {"\n\nFrom a@b Fri Aug 23 02:32:53 2002\nSubject: x\n\n", Source_Kind::Mbox},
-      {"Return-Path: <a@b>\nX-Odd: y\n\tand on\n\nbody", Source_Kind::Eml},
-      {"\xEF\xBB\xBFSubject: x\r\n\r\nbody", Source_Kind::Eml},
-      {"From : a@b\n\nbody", Source_Kind::Eml},  // an old header form, not a separator
+      {"Return-Path: <a@b>\nX-Odd: y\n\tand on\n\nbody", Source_Kind::Message},
+      {"\xEF\xBB\xBFSubject: x\r\n\r\nbody", Source_Kind::Message},
+      {"From : a@b\n\nbody", Source_Kind::Message},  // an old header form, not a separator
+      {"21        \nSubject: x\n\nbody\n", Source_Kind::Message},
+      {"\xEF\xBB\xBF"
+       "begin:vcalendar\r\n",
+       Source_Kind::Calendar},
+      {"\r\nBEGIN:VCARD\nVERSION:2.1", Source_Kind::Contacts},
+      {"\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1", Source_Kind::Msg},
   };
   for (const auto& [content, kind] : cases) {
     EXPECT_EQ(Detect_Source(Write("source.txt", content)), kind) << content;
   }
   std::filesystem::create_directories(directory / "mail.pst" / "cur");
-  std::filesystem::create_directories(directory / "mail.pst" / "new");
-  EXPECT_EQ(Detect_Source(directory / "mail.pst"), Source_Kind::Maildir);
+  EXPECT_EQ(Detect_Source(directory / "mail.pst"), Source_Kind::Tree);
 }
 
 TEST_F(Import_Test, What_Is_No_Source_Or_Cut_Off_Is_Refused_And_Changes_Nothing) {
@@ -40,8 +46,6 @@ TEST_F(Import_Test, What_Is_No_Source_Or_Cut_Off_Is_Refused_And_Changes_Nothing)
       {"Name: x\nColour: y\n\n", "none that can be imported"},  // header fields, but none of mail
       {"!BDN and then something else, long enough for a header", "cut off"},
       {std::string_view("!BD", 3), "none that can be imported"},
-      {"From a@b Fri Aug 23 02:32:53 2002\nS: 1\n\none\n\nFrom a@b Fri Aug 23 02:32:53 2002\nS: 2\n\nhalf",
-       "at byte 45"},
   };
   for (const auto& [content, part] : cases) {
     const std::string error = Error_Of(Write("odd.mbox", content));
@@ -49,7 +53,8 @@ TEST_F(Import_Test, What_Is_No_Source_Or_Cut_Off_Is_Refused_And_Changes_Nothing)
     EXPECT_NE(error.find("odd.mbox: "), std::string::npos) << error;
   }
   EXPECT_NE(Error_Of(directory / "gone.pst").find("no such file"), std::string::npos);
-  EXPECT_NE(Error_Of(directory.Path()).find("no Maildir"), std::string::npos);
+  std::filesystem::create_directory(directory / "empty");
+  EXPECT_NE(Error_Of(directory / "empty").find("nothing in the folder"), std::string::npos);
   EXPECT_NE(Error_Of("/dev/null").find("neither a file nor a folder"), std::string::npos);
   EXPECT_EQ(writer.commits, 0);
   EXPECT_EQ(store.Top_Folder()->Folders()->Count(), 10);
@@ -61,10 +66,9 @@ TEST_F(Import_Test, Goes_Into_The_Folder_Named_Or_One_Named_After_The_Source) {
     store.Add_Folder(*store.Top_Folder(), "Old mail.2003", item_type::mail);
   Import(source);
   EXPECT_EQ(Items_In({"Old mail.2003"}), 1);
-  Import(source);
-  EXPECT_EQ(Items_In({"Old mail.2003"}), 2);
 
   Import_Options options;
+  options.again = true;
   options.folder_path = {"Inbox", "a/b", "two\nlines", "bad\xFF"};
   Import(source, options);
   EXPECT_EQ(Items_In({"Inbox", "a/b", "two lines", "bad\uFFFD"}), 1);
@@ -75,6 +79,50 @@ TEST_F(Import_Test, Goes_Into_The_Folder_Named_Or_One_Named_After_The_Source) {
   options.folder_path.emplace();  // the top folder
   Import(source, options);
   EXPECT_EQ(Items_In({}), 1);
+
+  options.folder_path.reset();
+  Import(Write("inbox.mbox", Mbox(1)), options);
+  EXPECT_EQ(Items_In({"inbox (imported)"}), 1);
+  options.merge = true;
+  Import(Write("Inbox", Mbox(1)), options);
+  EXPECT_EQ(Items_In({"Inbox"}), 1);
+}
+
+TEST_F(Import_Test, What_Is_There_Already_Stays_Out) {
+  const std::string other = "From a@b Fri Aug 23 02:32:53 2002\nMessage-ID: <1@b>\nSubject: other\n\n";
+  // Twins of a source go in both.
+  EXPECT_EQ(Counts_Of(Import(Write("mail", Mbox(2) + other), {})), "3 items found, 3 imported, 0 failed");
+  // Marks of mail programs and line ends make no other mail.
+  const std::string marked =
+      "From - \r\nStatus: RO\r\nX-Mozilla-Status: 0005\r\nMessage-ID: <1@b>\r\nSubject: other\r\n\r\n\r\n";
+  EXPECT_EQ(Counts_Of(Import(Write("else", Mbox(3) + marked), {})),
+            "4 items found, 1 imported, 0 failed, 3 there already");
+  EXPECT_EQ(Import(Write("mail", other)).imported, 1);
+}
+
+TEST_F(Import_Test, Goes_On_Where_A_Cancelled_Or_Failed_Import_Ended) {
+  std::string many;  // more than one portion
+  for (int i = 0; i < 40; ++i) {
+    many += "From a@b Fri Aug 23 02:32:53 2002\nSubject: " + std::to_string(i) + "\n\n" +
+            std::string(1'100'000, 'x') + "\n";
+  }
+  const auto source = Write("mail", many);
+  writer.items_until_full = 20;
+  const Import_Report full = Import(source, {});
+  EXPECT_EQ(full.ended_by, "The disk is full.");
+  EXPECT_EQ(full.imported, 16);
+  EXPECT_EQ(full.found, 16);
+  EXPECT_EQ(Items_In({"mail"}), 16);
+  writer.items_until_full = -1;
+  Import_Options options;
+  options.progress = [](std::int64_t found, std::optional<std::int64_t>) { return found < 20; };
+  const Import_Report cancelled = Import(source, options);
+  EXPECT_TRUE(cancelled.cancelled);
+  EXPECT_EQ(cancelled.there_already, 16);
+  EXPECT_EQ(Items_In({"mail"}), 16 + cancelled.imported);
+  const Import_Report rest = Import(source, {});
+  EXPECT_EQ(rest.found, 40);
+  EXPECT_EQ(rest.imported, 24 - cancelled.imported);
 }
 
 TEST_F(Import_Test, Bad_Messages_Do_Not_Keep_The_Rest_Out) {
@@ -111,13 +159,12 @@ TEST_F(Import_Test, Progress_Is_Told_And_Can_Cancel) {
   options.progress = [](std::int64_t, std::optional<std::int64_t>) { return false; };
   const Import_Report report = Import(source, options);
   EXPECT_TRUE(report.cancelled);
-  EXPECT_EQ(report.found, 0);
-  EXPECT_EQ(writer.roll_backs, 1);
+  EXPECT_EQ(report.found, report.there_already + report.imported);
   options.progress = [](std::int64_t, std::optional<std::int64_t>) -> bool {
     throw std::bad_function_call();
   };
   EXPECT_THROW(Import(source, options), std::bad_function_call);
-  EXPECT_EQ(writer.roll_backs, 2);
+  EXPECT_EQ(writer.roll_backs, 1);
   EXPECT_EQ(Items_In({"mail"}), 5000);
 }
 
@@ -148,23 +195,26 @@ class Maildir_Test : public Import_Test {
 TEST_F(Maildir_Test, File_Names_Tell_Flags_And_Delivery) {
   struct Case {
     std::string_view name;
-    bool is_new, seen, trashed;
+    bool is_new, seen, trashed, flagged, answered;
     Date delivered;
   };
   const Case cases[] = {
-      {"1030084373.M1P2.host:2,FRS", false, true, false, Day(37491, 2, 32, 53)},
-      {"1030084373.host:2,ST", false, true, true, Day(37491, 2, 32, 53)},
-      {"1030084373.host;2,S", false, true, false, Day(37491, 2, 32, 53)},
-      {"1030084373.host!2,", false, false, false, Day(37491, 2, 32, 53)},
-      {"1030084373.STST", false, false, false, Day(37491, 2, 32, 53)},
-      {"1030084373.host:2,S", true, false, false, Day(37491, 2, 32, 53)},  // nothing in new/ is seen
-      {"msg.1", false, false, false, no_date},
-      {"12345678901234567890.x", false, false, false, no_date},
+      {"1030084373.M1P2.host:2,FRS", false, true, false, true, true, Day(37491, 2, 32, 53)},
+      {"1030084373.host:2,ST", false, true, true, false, false, Day(37491, 2, 32, 53)},
+      {"1030084373.host;2,S", false, true, false, false, false, Day(37491, 2, 32, 53)},
+      {"1030084373.host!2,", false, false, false, false, false, Day(37491, 2, 32, 53)},
+      {"1030084373.STST", false, false, false, false, false, Day(37491, 2, 32, 53)},
+      // Nothing in new/ is seen.
+      {"1030084373.host:2,S", true, false, false, false, false, Day(37491, 2, 32, 53)},
+      {"msg.1", false, false, false, false, false, no_date},
+      {"12345678901234567890.x", false, false, false, false, false, no_date},
   };
   for (const Case& c : cases) {
     const Maildir_Message message = Read_Maildir_Name(std::string(c.name), c.is_new);
     EXPECT_EQ(message.seen, c.seen) << c.name;
     EXPECT_EQ(message.trashed, c.trashed) << c.name;
+    EXPECT_EQ(message.flagged, c.flagged) << c.name;
+    EXPECT_EQ(message.answered, c.answered) << c.name;
     EXPECT_DOUBLE_EQ(message.delivered, c.delivered) << c.name;
   }
 }
@@ -176,6 +226,9 @@ TEST_F(Maildir_Test, Comes_In_With_Flags_And_Sub_Folders) {
   Make("plain/below");
   Make("plain");
   Make(".Odd&name");
+  Make("bare/.Only.Here");  // below a folder that is no Maildir
+  std::filesystem::remove_all(directory / "box/bare/.Only.Here/new");
+  Message("bare/.Only.Here/cur/1.x:2,FR", "bare");
   Message("cur/1030084374.b:2,S", "second");
   Message("new/1030084373.a", "first");
   Message("cur/1030084375.c:2,T", "trash");
@@ -186,14 +239,15 @@ TEST_F(Maildir_Test, Comes_In_With_Flags_And_Sub_Folders) {
   Message("plain/below/cur/1.x:2,", "deep");
   std::filesystem::create_directory_symlink(directory / "box", directory / "box" / "loop");
   const Import_Report report = Import(directory / "box" / "");
-  EXPECT_EQ(report.imported, 6);
-  EXPECT_EQ(report.found, 6);
-  EXPECT_EQ(Subjects(), (std::vector<std::string>{"first", "second", "trash", "draft", "sent", "deep"}));
+  EXPECT_EQ(Counts_Of(report), "7 items found, 6 imported, 0 failed, 1 left out");
+  EXPECT_EQ(report.left_out[0].why, deleted_mail);
+  EXPECT_EQ(Subjects(), (std::vector<std::string>{"first", "second", "draft", "sent", "bare", "deep"}));
+  EXPECT_TRUE(writer.written[4].item.flagged && writer.written[4].item.answered);
   EXPECT_TRUE(writer.written[0].item.unread);
   EXPECT_FALSE(writer.written[1].item.unread);
   EXPECT_DOUBLE_EQ(writer.written[0].item.received, Day(37491, 2, 32, 53));
   EXPECT_EQ(Items_In({"box"}), 2);
-  EXPECT_EQ(Items_In({"Deleted Items"}), 1);
+  EXPECT_EQ(Items_In({"box", "bare", "Only", "Here"}), 1);
   EXPECT_EQ(Items_In({"box", "Lists", "Entwürfe"}), 1);
   EXPECT_EQ(Items_In({"box", "Sent"}), 1);
   EXPECT_EQ(Items_In({"box", "plain", "below"}), 1);

@@ -134,8 +134,9 @@ void Main_Frame::Build_Menus() {
   if (commands_.Import_Files) file->AppendSeparator();
   Add_File_Entry(*file, "&Import Files...\tCtrl+I", "Bring PST, OST, PAB, mbox or EML files into the store",
                  commands_.Import_Files);
-  Add_File_Entry(*file, "Import &Maildir Folder...", "Bring a Maildir folder into the store",
-                 commands_.Import_Maildir);
+  Add_File_Entry(*file, "Import Fo&lder...",
+                 "Bring a folder of mail into the store: a Maildir, mbox files, messages",
+                 commands_.Import_Folder);
   if (commands_.Compact) file->AppendSeparator();
   Add_File_Entry(*file, "&Compact", "Give the room back that the store no longer needs", commands_.Compact);
   if (file->GetMenuItemCount() > 0) file->AppendSeparator();

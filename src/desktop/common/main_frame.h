@@ -23,7 +23,7 @@ class Options_Panel;
 
 // Commands on store files, which the model does not know. Empty ones get no menu entry.
 struct File_Commands {
-  std::function<void()> Open_Store, New_Sample, Import_Files, Import_Maildir, Compact;
+  std::function<void()> Open_Store, New_Sample, Import_Files, Import_Folder, Compact;
 };
 
 // Shows the model frmRemoveItems, whose size is that of the client area, with all its controls. When the

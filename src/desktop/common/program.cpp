@@ -90,7 +90,7 @@ void Program::Build() {
   }
   if (!system_outlook_ && Can_Import()) {
     commands.Import_Files = [this] { Change_Stores([this] { return files_->Import_Files(frame_); }); };
-    commands.Import_Maildir = [this] { Change_Stores([this] { return files_->Import_Maildir(frame_); }); };
+    commands.Import_Folder = [this] { Change_Stores([this] { return files_->Import_Folder(frame_); }); };
   }
   if (!system_outlook_) commands.Compact = [this] { Compact(); };
   frame_ = new Main_Frame(window_, *schedule_, std::move(commands), [this] {

@@ -1,7 +1,9 @@
 #include "desktop/common/store_files.h"
 
 #include <wx/dirdlg.h>
+#include <wx/file.h>
 #include <wx/filedlg.h>
+#include <wx/filedlgcustomize.h>
 #include <wx/progdlg.h>
 #include <wx/richmsgdlg.h>
 #include <wx/stdpaths.h>
@@ -25,9 +27,28 @@ namespace {
 
 constexpr const char* store_wildcard = "Tidyfold stores (*.tidyfold)|*.tidyfold|All files|*";
 constexpr const char* source_wildcard =
-    "Mail files "
-    "(*.pst;*.ost;*.pab;*.mbox;*.mbx;*.eml)|*.pst;*.PST;*.ost;*.OST;*.pab;*.PAB;*.mbox;*.mbx;*.eml;*.EML|"
-    "All files|*";
+    "Mail, calendars and address "
+    "books|*.pst;*.PST;*.ost;*.OST;*.pab;*.PAB;*.mbox;*.mbx;*.eml;*.EML;*.emlx;*.msg;*.MSG;"
+    "*.ics;*.ICS;*.vcf;*.VCF|All files|*";
+
+// The choices of an import, in the dialog that asks for its files.
+class Import_Choices : public wxFileDialogCustomizeHook {
+ public:
+  void AddCustomControls(wxFileDialogCustomize& controls) override {
+    merge_box_ = controls.AddCheckBox("Into the store's own folders of the same names");
+    again_box_ = controls.AddCheckBox("Once more what is there already");
+  }
+  void TransferDataFromCustomControls() override {
+    options.merge = merge_box_->GetValue();
+    options.again = again_box_->GetValue();
+  }
+
+  Import_Options options;
+
+ private:
+  wxFileDialogCheckBox* merge_box_ = nullptr;
+  wxFileDialogCheckBox* again_box_ = nullptr;
+};
 
 std::filesystem::path To_Path(const wxString& path) {
   return File_Path(From_Wx(path));
@@ -64,23 +85,43 @@ class Progress {
   wxString what_;
 };
 
-void Show_Reports(wxWindow* parent, const std::vector<Import_Report>& reports) {
-  wxString text, failures;
+// What the reports say, for a file that a person keeps.
+wxString Whole_Text(const std::vector<Import_Report>& reports) {
+  wxString text;
   for (const Import_Report& report : reports) {
-    if (report.cancelled) {
-      text += wxString::Format("%s: cancelled, nothing imported\n", To_Wx(report.source));
-      continue;
-    }
-    text += wxString::Format("%s: %lld items found, %lld imported, %lld failed\n", To_Wx(report.source),
-                             static_cast<long long>(report.found), static_cast<long long>(report.imported),
-                             static_cast<long long>(report.failed));
-    for (const Import_Failure& failure : report.failures)
-      failures += To_One_Line(failure.where) + ": " + To_One_Line(failure.why) + "\n";
+    text += To_Wx(report.source + ": " + Counts_Of(report)) + "\n";
+    for (const std::string& line : Details_Of(report)) text += To_Wx(report.source + ": " + line) + "\n";
   }
-  wxRichMessageDialog dialog(parent, text.Trim(), application_title,
-                             wxOK | wxCENTRE | (failures.empty() ? wxICON_INFORMATION : wxICON_WARNING));
-  if (!failures.empty()) dialog.ShowDetailedText(failures);
-  dialog.ShowModal();
+  return text;
+}
+
+void Save_Report(wxWindow* parent, const wxString& text) {
+  wxFileDialog dialog(parent, "Save Report", wxStandardPaths::Get().GetDocumentsDir(), "Import report.txt",
+                      "Text files (*.txt)|*.txt|All files|*", wxFD_SAVE | wxFD_OVERWRITE_PROMPT);
+  while (dialog.ShowModal() == wxID_OK) {
+    wxFile file;
+    if (file.Create(dialog.GetPath(), true) && file.Write(text, wxConvUTF8) && file.Close()) return;
+    Show_Error(parent, "The report could not be written to \"" + From_Wx(dialog.GetPath()) +
+                           "\". Choose another place.");
+  }
+}
+
+void Show_Reports(wxWindow* parent, const std::vector<Import_Report>& reports) {
+  wxString text, details;
+  bool failed = false;
+  for (const Import_Report& report : reports) {
+    text += To_Wx(report.source + ": " + Counts_Of(report)) + "\n";
+    if (report.cancelled) text += "Cancelled. What was imported stays; import the same again to go on.\n";
+    if (!report.ended_by.empty()) text += "Ended on the way: " + To_One_Line(report.ended_by) + "\n";
+    for (const std::string& line : Details_Of(report)) details += To_One_Line(line) + "\n";
+    failed = failed || report.failed > 0 || !report.ended_by.empty();
+  }
+  wxRichMessageDialog dialog(
+      parent, text.Trim(), application_title,
+      wxYES_NO | wxNO_DEFAULT | wxCENTRE | (failed ? wxICON_WARNING : wxICON_INFORMATION));
+  dialog.SetYesNoLabels("&Save Report...", "&Close");
+  if (!details.empty()) dialog.ShowDetailedText(details);
+  if (dialog.ShowModal() == wxID_YES) Save_Report(parent, Whole_Text(reports));
 }
 
 }  // namespace
@@ -145,22 +186,25 @@ bool Store_Files::Make_Sample_Store(wxWindow* parent) {
 bool Store_Files::Import_Files(wxWindow* parent) {
   wxFileDialog dialog(parent, "Import", wxStandardPaths::Get().GetDocumentsDir(), wxString(), source_wildcard,
                       wxFD_OPEN | wxFD_FILE_MUST_EXIST | wxFD_MULTIPLE);
+  Import_Choices choices;
+  dialog.SetCustomizeHook(choices);
   if (dialog.ShowModal() != wxID_OK) return false;
   wxArrayString chosen;
   dialog.GetPaths(chosen);
   std::vector<std::filesystem::path> sources;
   for (const wxString& path : chosen) sources.push_back(To_Path(path));
-  return Import(parent, sources);
+  return Import(parent, sources, choices.options);
 }
 
-bool Store_Files::Import_Maildir(wxWindow* parent) {
-  wxDirDialog dialog(parent, "Import Maildir Folder", wxString(), wxDD_DEFAULT_STYLE | wxDD_DIR_MUST_EXIST);
+bool Store_Files::Import_Folder(wxWindow* parent) {
+  wxDirDialog dialog(parent, "Import Folder", wxString(), wxDD_DEFAULT_STYLE | wxDD_DIR_MUST_EXIST);
   if (dialog.ShowModal() != wxID_OK) return false;
-  return Import(parent, {To_Path(dialog.GetPath())});
+  return Import(parent, {To_Path(dialog.GetPath())}, {});
 }
 
-bool Store_Files::Import(wxWindow* parent, const std::vector<std::filesystem::path>& sources) {
-  if (!outlook_.Stores().empty()) return Import_Into(parent, *outlook_.Stores().front(), sources);
+bool Store_Files::Import(wxWindow* parent, const std::vector<std::filesystem::path>& sources,
+                         const Import_Options& options) {
+  if (!outlook_.Stores().empty()) return Import_Into(parent, *outlook_.Stores().front(), sources, options);
   for (;;) {
     const std::filesystem::path path =
         Ask_New_Store(parent, "Where to keep what is imported", File_Name(sources.front().stem()));
@@ -172,18 +216,17 @@ bool Store_Files::Import(wxWindow* parent, const std::vector<std::filesystem::pa
       continue;
     }
     Remember();
-    Import_Into(parent, *outlook_.Stores().front(), sources);
+    Import_Into(parent, *outlook_.Stores().front(), sources, options);
     return true;
   }
 }
 
 bool Store_Files::Import_Into(wxWindow* parent, Embedded_Store& store,
-                              const std::vector<std::filesystem::path>& sources) {
+                              const std::vector<std::filesystem::path>& sources, Import_Options options) {
   std::vector<Import_Report> reports;
   for (const std::filesystem::path& source : sources) {
     try {
       Progress progress(parent, "Import", "Importing " + File_Name(source));
-      Import_Options options;
       options.progress = [&progress](std::int64_t found, std::optional<std::int64_t> total) {
         return progress.Tell(found, total);
       };

@@ -8,6 +8,7 @@
 #include <functional>
 #include <vector>
 
+#include "import/import.h"
 #include "settings/registry.h"
 #include "stores/sqlite/embedded_outlook.h"
 
@@ -25,7 +26,7 @@ class Store_Files {
   bool Make_Sample_Store(wxWindow* parent);
   // Into the first open store, or into a new one if none is open.
   bool Import_Files(wxWindow* parent);
-  bool Import_Maildir(wxWindow* parent);
+  bool Import_Folder(wxWindow* parent);
   // Gives the unused room of all open stores back and says how much.
   void Compact(wxWindow* parent);
   // Bytes of the open stores that nothing uses, and of their files.
@@ -33,9 +34,10 @@ class Store_Files {
   std::int64_t File_Bytes() const;
 
  private:
-  bool Import(wxWindow* parent, const std::vector<std::filesystem::path>& sources);
-  bool Import_Into(wxWindow* parent, Embedded_Store& store,
-                   const std::vector<std::filesystem::path>& sources);
+  bool Import(wxWindow* parent, const std::vector<std::filesystem::path>& sources,
+              const Import_Options& options);
+  bool Import_Into(wxWindow* parent, Embedded_Store& store, const std::vector<std::filesystem::path>& sources,
+                   Import_Options options);
   std::filesystem::path Ask_New_Store(wxWindow* parent, const wxString& question, const wxString& name);
   void Remember();
 

@@ -52,8 +52,9 @@ Welcome_Dialog::Welcome_Dialog(Store_Files& files)
   if (Can_Import()) {
     offer("cmdImport", "&Import Files...", "PST, OST, PAB, mbox or EML files. They go into a new store.",
           [this, &files] { return files.Import_Files(this); });
-    offer("cmdImportMaildir", "Import &Maildir...", "A Maildir folder. It goes into a new store.",
-          [this, &files] { return files.Import_Maildir(this); });
+    offer("cmdImportFolder", "Import Fo&lder...",
+          "A Maildir, mbox files, messages. They go into a new store.",
+          [this, &files] { return files.Import_Folder(this); });
   }
 
   auto* const column = new wxBoxSizer(wxVERTICAL);

@@ -1,4 +1,4 @@
-#include "import/pst_item.h"
+#include "import/mapi_item.h"
 
 #include <algorithm>
 #include <array>
@@ -9,8 +9,10 @@
 #include "import/charset.h"
 #include "import/html_text.h"
 #include "import/local_date.h"
+#include "import/mapi_calendar.h"
+#include "import/mapi_contact.h"
+#include "import/mapi_message.h"
 #include "import/mime_message.h"
-#include "import/pst_message.h"
 #include "import/rtf_text.h"
 
 namespace tidyfold {
@@ -64,13 +66,12 @@ std::int32_t Nearest(const std::array<Class_Name, size>& classes, std::string_vi
   return otherwise;
 }
 
-constexpr std::uint32_t appointment_set = 0x00062002, task_set = 0x00062003, journal_set = 0x0006200A;
-constexpr Named_Property appointment_end{appointment_set, 0x820E}, task_due{task_set, 0x8105},
-    task_completed{task_set, 0x810F}, journal_end{journal_set, 0x8708};
+constexpr Named_Property appointment_end{mapi_set::appointment, 0x820E}, task_due{mapi_set::task, 0x8105},
+    task_completed{mapi_set::task, 0x810F}, journal_end{mapi_set::journal, 0x8708};
 
 constexpr std::uint32_t flag_read = 1;
 constexpr std::uint32_t object_distribution_list = 8, object_mail_user = 6;
-constexpr std::uint32_t exception_of_a_series = 2;
+constexpr std::uint32_t flagged_for_follow_up = 2, verb_reply = 102, verb_reply_to_all = 103;
 
 Date Local(std::optional<std::uint64_t> filetime) {
   return filetime ? Local_Date_From_Filetime(*filetime) : no_date;
@@ -80,26 +81,26 @@ Date First_Of(Date first, Date second) {
   return first != no_date ? first : second;
 }
 
-std::int32_t Class_Of(const Pst_Properties& properties) {
-  const std::string message_class = properties.Text(pst_property::message_class);
+std::int32_t Class_Of(const Mapi_Properties& properties) {
+  const std::string message_class = properties.Text(mapi_property::message_class);
   if (!message_class.empty()) return Item_Class_Of(message_class);
   // Entries of address books have no message class.
-  const std::uint32_t object_type = properties.Number(pst_property::object_type).value_or(0);
+  const std::uint32_t object_type = properties.Number(mapi_property::object_type).value_or(0);
   if (object_type == object_mail_user) return item_class::contact;
   if (object_type == object_distribution_list) return item_class::distribution_list;
   return item_class::mail;
 }
 
-bool Has_Raw_Message(std::int32_t number) {
+bool Is_Message(std::int32_t number) {
   return number == item_class::mail || number == item_class::report ||
          (number >= item_class::meeting_request && number <= item_class::meeting_response_tentative);
 }
 
-void Read_Dates(const Pst_Properties& properties, New_Item& item) {
-  item.received = First_Of(Local(properties.Time(pst_property::delivery_time)),
-                           Local(properties.Time(pst_property::client_submit_time)));
-  item.last_modified = First_Of(Local(properties.Time(pst_property::last_modification_time)), item.received);
-  const Date end = Local(properties.Time(pst_property::end_date));
+void Read_Dates(const Mapi_Properties& properties, New_Item& item) {
+  item.received = First_Of(Local(properties.Time(mapi_property::delivery_time)),
+                           Local(properties.Time(mapi_property::client_submit_time)));
+  item.last_modified = First_Of(Local(properties.Time(mapi_property::last_modification_time)), item.received);
+  const Date end = Local(properties.Time(mapi_property::end_date));
   if (item.item_class == item_class::appointment)
     item.end = First_Of(Local(properties.Time(appointment_end)), end);
   if (item.item_class == item_class::journal) item.end = First_Of(Local(properties.Time(journal_end)), end);
@@ -111,35 +112,34 @@ void Read_Dates(const Pst_Properties& properties, New_Item& item) {
   }
 }
 
-std::vector<New_Attachment> Attachments(libpff_item_t* message) {
+// With their contents where the item's own form does not hold them.
+std::vector<New_Attachment> Attachments(const Mapi_Item& source, bool with_content) {
   std::vector<New_Attachment> attachments;
-  Pff_Error error;
-  int count = 0;
-  Check_Pff(libpff_message_get_number_of_attachments(message, &count, error.Out()), error);
-  for (int i = 0; i < count; ++i) {
-    libpff_item_t* found = nullptr;
-    Check_Pff(libpff_message_get_attachment(message, i, &found, error.Out()), error);
-    const Pff_Item attachment(found);
-    const Pst_Properties properties(found);
-    if ((properties.Number(pst_property::attachment_flags).value_or(0) & exception_of_a_series) != 0)
-      continue;
-    std::string name;
-    for (const std::uint32_t property :
-         {pst_property::attachment_long_name, pst_property::attachment_name, pst_property::display_name}) {
-      if (name.empty()) name = One_Line(properties.Text(property));
-    }
-    // libpff gives the size of the data only for plain files.
-    size64_t size = properties.Number(pst_property::attachment_size).value_or(0);
-    int type = 0;
-    if (libpff_attachment_get_type(found, &type, error.Out()) == 1 && type == LIBPFF_ATTACHMENT_TYPE_DATA) {
-      libpff_attachment_get_data_size(found, &size, error.Out());
-    }
-    attachments.push_back({std::move(name), static_cast<std::int64_t>(size)});
+  for (const auto& attachment : source.Attachments()) {
+    if (attachment->Is_Exception_Of_Series()) continue;
+    New_Attachment kept{attachment->Name(), attachment->Size()};
+    if (with_content) kept.content = attachment->Data().value_or(std::string());
+    attachments.push_back(std::move(kept));
   }
   return attachments;
 }
 
-std::string Text_Of(const Pst_Body& body) {
+void Read_Marks(const Mapi_Properties& properties, New_Item& item) {
+  item.unread = (properties.Number(mapi_property::message_flags).value_or(flag_read) & flag_read) == 0;
+  item.flagged = properties.Number(mapi_property::flag_status) == flagged_for_follow_up;
+  const std::uint32_t verb = properties.Number(mapi_property::last_verb).value_or(0);
+  item.answered = verb == verb_reply || verb == verb_reply_to_all;
+}
+
+void Read_Identities(const Mapi_Properties& properties, New_Item& item) {
+  Kept_Identities kept = Identities_In(properties.Text(mapi_property::transport_headers));
+  item.sender_address = Sender_Address(properties);
+  if (item.sender_address.empty()) item.sender_address = std::move(kept.sender_address);
+  item.message_id = Message_Id_Of(properties);
+  item.list_id = std::move(kept.list_id);
+}
+
+std::string Text_Of(const Mapi_Body& body) {
   if (!body.plain.empty()) return body.plain;
   if (!body.html.empty()) return Html_To_Text(body.html);
   return Rtf_To_Text(body.rtf);
@@ -155,23 +155,34 @@ std::int32_t Item_Type_Of(std::string_view container_class) {
   return Nearest(container_classes, container_class, item_type::mail);
 }
 
-New_Item Read_Pst_Item(libpff_item_t* message) {
-  const Pst_Properties properties(message);
+New_Item Read_Mapi_Item(const Mapi_Item& source) {
+  const Mapi_Properties& properties = source.Properties();
   New_Item item;
   item.item_class = Class_Of(properties);
   item.subject = One_Line(properties.Subject());
-  if (item.subject.empty()) item.subject = One_Line(properties.Text(pst_property::display_name));
-  item.sender = One_Line(properties.Text(pst_property::sender_name));
-  if (item.sender.empty()) item.sender = One_Line(properties.Text(pst_property::sent_representing_name));
-  item.recipients = One_Line(properties.Text(pst_property::display_to));
-  item.unread = (properties.Number(pst_property::message_flags).value_or(flag_read) & flag_read) == 0;
-  item.size = properties.Number(pst_property::message_size).value_or(0);
+  if (item.subject.empty()) item.subject = properties.First_Text(mapi_property::display_name);
+  item.sender = properties.First_Text(mapi_property::sender_name, mapi_property::sent_representing_name);
+  item.recipients = properties.First_Text(mapi_property::display_to);
+  item.size = properties.Number(mapi_property::message_size).value_or(0);
+  Read_Marks(properties, item);
   Read_Dates(properties, item);
-  const Pst_Body body = Read_Pst_Body(message, properties);
+  const Mapi_Body body = Read_Mapi_Body(source);
   item.body = Text_Of(body);
-  item.attachments = Attachments(message);
-  if (Has_Raw_Message(item.item_class) && item.size <= max_message_size) {
-    item.raw_message = Rebuild_Message(message, properties, body);
+  item.attachments = Attachments(source, !Is_Message(item.item_class));
+  if (item.size > max_message_size) return item;
+  if (Is_Message(item.item_class)) {
+    Read_Identities(properties, item);
+    item.raw_message = Rebuild_Message(source, body);
+  } else if (item.item_class == item_class::appointment) {
+    Mapi_Appointment appointment = Build_Appointment(source, item.body);
+    item.end = appointment.end;
+    item.raw_message = std::move(appointment.calendar);
+  } else if (item.item_class == item_class::task) {
+    item.raw_message = Build_Task(source, item.body);
+  } else if (item.item_class == item_class::contact) {
+    item.raw_message = Build_Contact(source, item.body);
+  } else if (item.item_class == item_class::distribution_list) {
+    item.raw_message = Build_Distribution_List(source, item.body);
   }
   return item;
 }

@@ -1,10 +1,10 @@
-// Converts an item of an Outlook file to an item of a store.
+// Converts an item of Outlook's to an item of a store.
 #pragma once
 
 #include <cstdint>
 #include <string_view>
 
-#include "import/pst_properties.h"
+#include "import/mapi.h"
 #include "outlook/store_writer.h"
 
 namespace tidyfold {
@@ -15,7 +15,8 @@ std::int32_t Item_Class_Of(std::string_view message_class);
 // The item_type that a folder of this container class ("IPF.Appointment") holds by default.
 std::int32_t Item_Type_Of(std::string_view container_class);
 
-// Reads the whole item. Throws Message_Error if the file is damaged.
-New_Item Read_Pst_Item(libpff_item_t* message);
+// Reads the whole item, and gives it the form of its class that other programs read. Throws Message_Error if
+// the file is damaged.
+New_Item Read_Mapi_Item(const Mapi_Item& source);
 
 }  // namespace tidyfold
