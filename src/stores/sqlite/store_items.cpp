@@ -124,25 +124,7 @@ void Store::Display(const Found_Item& item, std::int64_t folder) {
   if (!display_) {
     Fail(automation_error::not_supported, "There is no window here that could show an item.");
   }
-  New_Item whole = Read_Whole(item);
-  Displayed_Item shown;
-  shown.item_class = whole.item_class;
-  shown.entry_id = Item_Entry_Id(item.Row().id);
-  shown.store_id = store_id_;
-  shown.folder_name = Find_Folder(folder).name;
-  shown.sender = std::move(whole.sender);
-  shown.recipients = std::move(whole.recipients);
-  shown.subject = std::move(whole.subject);
-  shown.body = std::move(whole.body);
-  shown.unread = whole.unread;
-  shown.received = whole.received;
-  shown.last_modified = whole.last_modified;
-  shown.completed = whole.completed;
-  shown.due = whole.due;
-  shown.end = whole.end;
-  shown.size = whole.size;
-  shown.attachments = std::move(whole.attachments);
-  shown.raw_message = std::move(whole.raw_message);
+  Displayed_Item shown{Read_Whole(item), Item_Entry_Id(item.Row().id), store_id_, Find_Folder(folder).name};
   display_(shown);
 }
 

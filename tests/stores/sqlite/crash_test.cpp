@@ -53,6 +53,9 @@ TEST_F(Crash, An_Unfinished_Import_Has_Not_Happened) {
 TEST_F(Crash, A_Removed_Folder_Does_Not_Come_Back) {
   In_Crash(20000, [](Embedded_Store& store) {
     const auto folders = store.Top_Folder()->Folders();
+    MAPIFolder_Ptr deep = folders->Item(1);
+    for (int depth = 0; depth < 1000; ++depth) deep = store.Writer().Add_Folder(*deep, "Below", 0);
+    deep.reset();
     while (folders->Count() > 0) folders->Remove(1);
     store.Commit_Pending();
     return 0;
@@ -65,7 +68,10 @@ TEST_F(Crash, A_Removed_Folder_Does_Not_Come_Back) {
   EXPECT_EQ(Error_Of([&] { session->GetItemFromID("I1", outlook.Stores()[0]->StoreID()); }),
             automation_error::not_found);
   outlook.Replace({});
-  EXPECT_EQ(Number_By_Sql(file_, "SELECT (SELECT COUNT(*) FROM item) + (SELECT COUNT(*) FROM content)"), 0);
+  EXPECT_EQ(Number_By_Sql(file_,
+                          "SELECT (SELECT COUNT(*) FROM item) + (SELECT COUNT(*) FROM content) + (SELECT "
+                          "COUNT(*) FROM attachment)"),
+            0);
   EXPECT_EQ(Number_By_Sql(file_, "SELECT COUNT(*) FROM folder"), 1);
 }
 

@@ -10,58 +10,47 @@ namespace {
 namespace fs = std::filesystem;
 using automation_error::call_failed, automation_error::corrupt_data, automation_error::unavailable;
 
-struct Failure {
-  const char* name;
-  bool reading;
-  int result, system_error;
-  std::int32_t number;
-  const char* words;
-};
-
-class Disk : public testing::TestWithParam<Failure> {};
-
-TEST_P(Disk, Failures_Are_Called_What_They_Are) {
-  const auto& [name, reading, result, system_error, number, words] = GetParam();
-  const Temporary_Directory directory;
-  const fs::path file = directory / "a.tfs";
-  Make_Small_Store(file);
-  Fault_Vfs disk;
-  const auto store = Embedded_Store::Open(file, Store_Mode::Read_Write);
-  const auto items = Folder_Named(*store, "Inbox")->Items();
-  if (reading) {
-    disk.Fail_Reading(1, result, system_error);
-  } else {
-    disk.Fail_Writing(1, result, system_error);
+TEST(Failing_Disk, Is_Called_What_It_Is) {
+  constexpr const char* full = "could not be written: the disk is full. Make room";
+  constexpr const char* gone =
+      "can no longer be read or written (disk I/O error). Check the disk or the network";
+  const struct {
+    bool reading;
+    int result, system_error;
+    std::int32_t number;
+    const char* words;
+  } cases[] = {{false, SQLITE_FULL, ENOSPC, call_failed, full},
+               {false, SQLITE_IOERR_FSYNC, ENOSPC, call_failed, full},
+               {false, SQLITE_IOERR_WRITE, EDQUOT, call_failed, full},
+               {false, SQLITE_IOERR_WRITE, EIO, unavailable, gone},
+               {true, SQLITE_IOERR_READ, EIO, unavailable, gone},
+               {true, SQLITE_IOERR_READ, ESTALE, unavailable, gone},
+               {true, SQLITE_CANTOPEN, ENODEV, unavailable, "network share"},
+               {true, SQLITE_CORRUPT, 0, corrupt_data, "is damaged"}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(std::to_string(c.result) + " " + std::to_string(c.system_error));
+    const Temporary_Directory directory;
+    const fs::path file = directory / "a.tfs";
+    Make_Small_Store(file);
+    Fault_Vfs disk;
+    const auto store = Embedded_Store::Open(file, Store_Mode::Read_Write);
+    const auto items = Folder_Named(*store, "Inbox")->Items();
+    c.reading ? disk.Fail_Reading(1, c.result, c.system_error)
+              : disk.Fail_Writing(1, c.result, c.system_error);
+    try {
+      if (c.reading) items->Item(1)->Body();
+      items->Item(1)->Delete();
+      store->Commit_Pending();
+      ADD_FAILURE();
+    } catch (const Automation_Error& error) {
+      EXPECT_EQ(error.Number(), c.number);
+      for (const std::string& part : {file.string(), std::string(c.words)})
+        EXPECT_NE(error.Description().find(part), std::string::npos) << error.Description();
+    }
+    disk.Repair();
+    EXPECT_EQ(Subjects_Of(*store, "Inbox"), "1 2 3");
   }
-  try {
-    if (reading) items->Item(1)->Body();
-    items->Item(1)->Delete();
-    store->Commit_Pending();
-    ADD_FAILURE();
-  } catch (const Automation_Error& error) {
-    EXPECT_EQ(error.Number(), number);
-    for (const std::string& part : {file.string(), std::string(words)})
-      EXPECT_NE(error.Description().find(part), std::string::npos) << error.Description();
-  }
-  disk.Repair();
-  EXPECT_EQ(Subjects_Of(*store, "Inbox"), "1 2 3");
 }
-
-constexpr const char* full = "could not be written: the disk is full. Make room";
-constexpr const char* gone =
-    "can no longer be read or written (disk I/O error). Check the disk or the network";
-
-INSTANTIATE_TEST_SUITE_P(
-    Stores, Disk,
-    testing::Values(Failure{"Full", false, SQLITE_FULL, ENOSPC, call_failed, full},
-                    Failure{"Full_When_Synchronised", false, SQLITE_IOERR_FSYNC, ENOSPC, call_failed, full},
-                    Failure{"Quota_Used_Up", false, SQLITE_IOERR_WRITE, EDQUOT, call_failed, full},
-                    Failure{"Broken", false, SQLITE_IOERR_WRITE, EIO, unavailable, gone},
-                    Failure{"Broken_For_Reading", true, SQLITE_IOERR_READ, EIO, unavailable, gone},
-                    Failure{"Share_Gone", true, SQLITE_IOERR_READ, ESTALE, unavailable, gone},
-                    Failure{"No_Such_Device", true, SQLITE_CANTOPEN, ENODEV, unavailable, "network share"},
-                    Failure{"Damaged", true, SQLITE_CORRUPT, 0, corrupt_data, "is damaged"}),
-    [](const auto& one) { return one.param.name; });
 
 TEST(Failing_Disk, Makes_No_Store_A_Damaged_One) {
   using Reason = Store_Open_Error::Reason;

@@ -143,7 +143,9 @@ TEST(Group, Ends_In_Front_Of_A_Change_And_With_The_Writers_Transaction) {
   ++open;
   outlook.Commit_Pending();
   expect(1, 101, 0);
+  EXPECT_THROW(store.Writer().Begin(), Automation_Error);
   store.Writer().Roll_Back();
+  EXPECT_THROW(store.Writer().Commit(), Automation_Error);
   expect(0, 101, 1);
   outlook.Commit_Pending();
   outlook.Watch(nullptr);

@@ -1,7 +1,5 @@
 #include "stores/sqlite/embedded_outlook.h"
 
-#include <tuple>
-
 #include "stores/sqlite/other_process.h"
 #include "stores/sqlite/temporary_store.h"
 #include "stores/store_under_test.h"
@@ -111,41 +109,18 @@ TEST_F(Outlook_Test, A_Copy_Beside_Its_Original_Is_Another_Store) {
   EXPECT_EQ(outlook_.Place_Of_Store(from_original->StoreID()), a_.string());
 }
 
-TEST_F(Outlook_Test, Display_Tells_A_Window_All_There_Is) {
+TEST_F(Outlook_Test, Display_Tells_A_Window_What_The_Item_Is_And_Where_It_Lies) {
   outlook_.Open({a_});
-  New_Item item;
-  item.sender = "Zoë";
-  item.recipients = "You";
-  item.subject = "Plan";
-  item.body = "Look.";
-  item.unread = true;
-  item.received = 45000.5;
-  item.size = 1234;
-  item.raw_message = std::string("raw\0bytes", 9);
-  item.attachments = {{"a.pdf", 10}, {"b.pdf", 20}};
   const auto inbox = Inbox_Of(Session(), 1);
-  const std::int32_t classes[] = {item_class::mail, item_class::meeting_request};
-  for (const std::int32_t item_class : classes) {
-    item.item_class = item_class;
-    outlook_.Stores()[0]->Writer().Add_Item(*inbox, item);
-    const Item_Ptr added = inbox->Items()->Item(inbox->Items()->Count());
-    outlook_.Set_Display({});
-    EXPECT_EQ(Error_Of([&] { added->Display(); }), automation_error::not_supported);
-    Displayed_Item shown;
-    outlook_.Set_Display([&](const Displayed_Item& what) { shown = what; });
-    added->Delete();
-    added->Display();
-    const std::string id = added->EntryID(), store_id = inbox->StoreID(), in = "Deleted Items";
-    EXPECT_EQ(std::tie(shown.item_class, shown.entry_id, shown.store_id, shown.folder_name),
-              std::tie(item_class, id, store_id, in));
-    EXPECT_EQ(std::tie(shown.sender, shown.recipients, shown.subject, shown.body, shown.raw_message,
-                       shown.unread, shown.received, shown.due, shown.size),
-              std::tie(item.sender, item.recipients, item.subject, item.body, item.raw_message, item.unread,
-                       item.received, item.due, item.size));
-    ASSERT_EQ(shown.attachments.size(), 2U);
-    EXPECT_EQ(shown.attachments[1].name, "b.pdf");
-    EXPECT_EQ(shown.attachments[1].size, 20);
-  }
+  const Item_Ptr item = inbox->Items()->Item(2);
+  EXPECT_EQ(Error_Of([&] { item->Display(); }), automation_error::not_supported);
+  std::string shown;
+  outlook_.Set_Display([&](const Displayed_Item& what) {
+    shown = what.entry_id + "|" + what.store_id + "|" + what.folder_name + "|" + what.body;
+  });
+  item->Delete();
+  item->Display();
+  EXPECT_EQ(shown, "I2|" + inbox->StoreID() + "|Deleted Items|Body of 2");
 }
 
 }  // namespace
