@@ -68,26 +68,25 @@ std::optional<Encoded_Word> Encoded_Word_At(std::string_view text, std::size_t a
   return word;
 }
 
-// Words that stand beside each other in one charset and encoding.
+std::string Decode_Quoted(std::string_view word) {
+  std::string text(word);
+  std::replace(text.begin(), text.end(), '_', ' ');
+  return Decode_Hex(text, '=');
+}
+
+// Words that stand beside each other in one charset. A character may begin in one and end in the next.
 std::string Decode_Words(const std::vector<Encoded_Word>& words) {
-  std::string bytes;
-  if (!words.front().base64) {
-    for (const Encoded_Word& word : words) {
-      std::string text(word.text);
-      std::replace(text.begin(), text.end(), '_', ' ');
-      bytes += Decode_Hex(text, '=');
-    }
-  } else {
-    // Some writers cut the encoded text wherever a line ends, so that only all the words together are whole.
-    std::string joined;
-    bool whole = true;
-    for (const Encoded_Word& word : words) {
-      whole = whole && word.text.size() % 4 == 0;
-      joined += word.text;
-    }
-    if (!whole && joined.size() % 4 == 0) return To_Utf8(Decode_Base64(joined), words.front().charset);
-    for (const Encoded_Word& word : words) bytes += Decode_Base64(word.text);
+  std::string bytes, joined;
+  bool cut = false;
+  bool base64 = true;
+  for (const Encoded_Word& word : words) {
+    bytes += word.base64 ? Decode_Base64(word.text) : Decode_Quoted(word.text);
+    joined += word.text;
+    cut = cut || word.text.size() % 4 != 0;
+    base64 = base64 && word.base64;
   }
+  // Some writers cut the encoded text wherever a line ends, so that only all the words together are whole.
+  if (base64 && cut && joined.size() % 4 == 0) bytes = Decode_Base64(joined);
   return To_Utf8(bytes, words.front().charset);
 }
 
@@ -113,7 +112,7 @@ std::string Decode_Text(std::string_view value, std::string_view raw_charset) {
       std::size_t next = at;
       while (next < text.size() && Is_Blank(text[next])) ++next;
       const std::optional<Encoded_Word> word = Encoded_Word_At(text, next);
-      if (!word || word->base64 != first->base64 || !Same_Name(word->charset, first->charset)) break;
+      if (!word || !Same_Name(word->charset, first->charset)) break;
       words.push_back(*word);
       at = word->end;
     }

@@ -71,7 +71,7 @@ std::string Missing_Part(Mbox_Cut cut, std::string_view text) {
     case Mbox_Cut::Header:
       return "the file ends within its header";
     case Mbox_Cut::Length:
-      return "the file ends before the length that its Content-Length tells";
+      return "by its Content-Length it is longer than what is left of the file";
     case Mbox_Cut::Line:
       if (Lacks_Last_Part(text)) return "the file ends before its last part does";
       break;

@@ -54,7 +54,7 @@ int Bytes_In_Line(std::string_view line) {
   if (line.empty() || line[0] < ' ' || line[0] > '`') return -1;
   const int bytes = (line[0] - ' ') & 0x3F;
   // Blanks at the end of a line may have been lost on the way, and some writers add a check character.
-  const std::size_t needed = static_cast<std::size_t>((bytes + 2) / 3 * 4);
+  const std::size_t needed = (static_cast<std::size_t>(bytes) + 2) / 3 * 4;
   return line.size() <= needed + 2 ? bytes : -1;
 }
 
