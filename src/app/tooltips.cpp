@@ -26,6 +26,7 @@ void Load_Tooltips(MainWindow& window, Error_Handler& errors) {
         {&w.chkDeleteFolders, "Permanently delete selected folders."},
         {&w.lblFilterOptions, "Options controlling which records are deleted."},
         {&w.chkSelectUnread, "Remove unread items."},
+        {&w.chkSelectFlagged, "Remove mail that is flagged for follow-up."},
         {&w.chkSelectDate, "Remove only items as old or older than the indicated date."},
         {&w.chkSelectSubject, "Remove only items matching indicated subject line."},
         {&w.chkSelectType, "Remove only items of selected type(s)."},

@@ -360,6 +360,7 @@ void Item_Cache::Read(Item& object, ItemData& data) {
   data.Subject = object.Subject();
   data.ItemDate = Get_Item_Date(object, data.ItemClass);
   data.Unread = Check_Unread(object, errors_);
+  data.Flagged = Check_Flagged(object, data.ItemClass, errors_);
   data.EntryID = object.EntryID();
   data.Size = object.Size();
   if (data.ItemClass != item_class::mail) {

@@ -19,12 +19,23 @@ bool Check_Unread(Item& item, Error_Handler& errors) {
   });
 }
 
+bool Check_Flagged(Item& item, std::int32_t item_class, Error_Handler& errors) {
+  return errors.Run("Check_Flagged", [&] {
+    bool flagged = false;
+    if (item_class == item_class::mail &&
+        !errors.Try([&] { flagged = item.FlagStatus() == flag_status::marked; }))
+      errors.error.Clear();
+    return flagged;
+  });
+}
+
 Item_Filter Read_Filter(const MainWindow& window) {
   Item_Filter filter;
   filter.by_type = window.chkSelectType.Checked();
   filter.by_date = window.chkSelectDate.Checked();
   filter.by_subject = window.chkSelectSubject.Checked();
   filter.unread_too = window.chkSelectUnread.Checked();
+  filter.flagged_too = window.chkSelectFlagged.Checked();
   if (filter.by_type) {
     for (std::size_t i = 0; i < filter.types.size(); ++i)
       filter.types[i] = window.chkType[i].box.Checked() ? window.chkType[i].index : 0;
@@ -53,6 +64,9 @@ void Item_Filters::Wire() {
   window_.chkMatchCase.Click = [this] { errors_.Run("chkMatchCase_Click", [&] { Filter_Changed(); }); };
   window_.chkMatchWord.Click = [this] { errors_.Run("chkMatchWord_Click", [&] { Filter_Changed(); }); };
   window_.chkSelectUnread.Click = [this] { errors_.Run("chkSelectUnread_Click", [&] { Filter_Changed(); }); };
+  window_.chkSelectFlagged.Click = [this] {
+    errors_.Run("chkSelectFlagged_Click", [&] { Filter_Changed(); });
+  };
   for (TypeBox& type : window_.chkType)
     type.box.Click = [this] { errors_.Run("chkType_Click", [&] { Filter_Changed(); }); };
   window_.dtpCutoffDate.CloseUp = [this] { errors_.Run("dtpCutoffDate_CloseUp", [&] { Filter_Changed(); }); };

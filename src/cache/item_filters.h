@@ -11,6 +11,10 @@ namespace tidyfold {
 // True when the item is unread; an item that will not say counts as read.
 bool Check_Unread(Item& item, Error_Handler& errors);
 
+// True when the item is mail that is marked for follow-up; only mail is asked. An item that will not say
+// counts as not flagged.
+bool Check_Flagged(Item& item, std::int32_t item_class, Error_Handler& errors);
+
 // The filter that the option controls describe at this moment.
 Item_Filter Read_Filter(const MainWindow& window);
 

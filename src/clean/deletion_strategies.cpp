@@ -196,6 +196,7 @@ void Deletion_Strategies::Delete_Selected_Items_By_MAPIFolder(const Plan_Stop& s
         data.ItemClass = item->Class();
         data.ItemDate = Get_Item_Date(*item, data.ItemClass);
         data.Unread = Check_Unread(*item, errors_);
+        data.Flagged = Check_Flagged(*item, data.ItemClass, errors_);
         data.EntryID = item->EntryID();
       });
       if (!read) {

@@ -94,6 +94,7 @@ void Add_Filters(CLI::App& command, Arguments& arguments, Raw& raw) {
   command.add_flag("--match-case", filters.match_case, "The subject's case must match");
   command.add_flag("--match-word", filters.match_word, "The whole subject must match");
   command.add_flag("--unread", filters.unread, "Unread items too");
+  command.add_flag("--flagged", filters.flagged, "Flagged items too");
 }
 
 void Add_Store_Commands(CLI::App& app, Arguments& arguments, Raw& raw) {

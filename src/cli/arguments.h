@@ -20,7 +20,7 @@ struct Filters {
   std::optional<std::string> subject;
   bool match_case = false;
   bool match_word = false;
-  bool unread = false;
+  bool unread = false, flagged = false;
 };
 
 struct Options {

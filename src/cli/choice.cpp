@@ -48,6 +48,7 @@ void Choice::Set(const Options& options, const Filters& filters) {
 
 void Choice::Set_Filters(const Filters& filters) {
   if (filters.unread) Tick(window_.chkSelectUnread, "--unread");
+  if (filters.flagged) Tick(window_.chkSelectFlagged, "--flagged");
   if (!filters.types.empty()) Tick(window_.chkSelectType, "--type");
   for (TypeBox& type : window_.chkType) {
     const auto& wanted = filters.types;

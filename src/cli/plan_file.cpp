@@ -50,7 +50,8 @@ Json Options_Json(const Run_Options& options) {
           {"subject", filter.by_subject ? Json(filter.subject) : Json()},
           {"match_case", filter.match_case},
           {"match_word", filter.match_word},
-          {"unread", filter.unread_too}};
+          {"unread", filter.unread_too},
+          {"flagged", filter.flagged_too}};
 }
 
 // Each item of a plan is named, so Turbo's deleting whatever is there becomes deleting each for good.
@@ -76,6 +77,7 @@ Run_Options Options_Of(const Json& json) {
   filter.match_case = json.at("match_case").get<bool>();
   filter.match_word = json.at("match_word").get<bool>();
   filter.unread_too = json.at("unread").get<bool>();
+  filter.flagged_too = json.at("flagged").get<bool>();
   return options;
 }
 
@@ -108,8 +110,8 @@ std::string Opened(const Json& object) {
 
 Filed_Item Item_Of(const Json& json) {
   return {json.at("entry_id").get<std::string>(), json.at("class").get<std::int32_t>(),
-          json.at("subject").get<std::string>(), json.at("date").get<std::string>(),
-          json.at("unread").get<bool>()};
+          json.at("subject").get<std::string>(),  json.at("date").get<std::string>(),
+          json.at("unread").get<bool>(),          json.at("flagged").get<bool>()};
 }
 
 // Takes the items out of the document while it is read: a tree of all of them would be many times the file.
@@ -200,7 +202,8 @@ void Write_Plan_File(const std::filesystem::path& file, const Clean_Plan& plan, 
                                                          {"class", item.ItemClass},
                                                          {"subject", item.Subject},
                                                          {"date", Date_Text(item)},
-                                                         {"unread", item.Unread}});
+                                                         {"unread", item.Unread},
+                                                         {"flagged", item.Flagged}});
     }
     if (!all_named)
       throw Failure(Exit_Status::Bad_Input, "Not every item in \"" + folder.path +

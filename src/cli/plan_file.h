@@ -16,7 +16,7 @@ struct Filed_Item {
   std::string entry_id;
   std::int32_t item_class = 0;
   std::string subject, date;
-  bool unread = false;
+  bool unread = false, flagged = false;
 };
 
 struct Filed_Stop {

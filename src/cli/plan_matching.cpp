@@ -117,6 +117,8 @@ class Plan_Matching {
   // Empty when the item is what was planned.
   static std::string What_Differs(const Filed_Item& planned, const ItemData& now) {
     if (now.Unread != planned.unread) return planned.unread ? "It has been read." : "It has become unread.";
+    if (now.Flagged != planned.flagged)
+      return planned.flagged ? "Its flag has been removed." : "It has been flagged.";
     if (now.ItemClass != planned.item_class) return "It is of another type now.";
     if (now.Subject != planned.subject && Filed_Text(now.Subject) != planned.subject)
       return "Its subject is another.";
@@ -130,6 +132,7 @@ class Plan_Matching {
     shown.Subject = item.subject;
     shown.ItemDate = Parse_Date(item.date).value_or(no_date);
     shown.Unread = item.unread;
+    shown.Flagged = item.flagged;
     shown.EntryID = item.entry_id;
     plan_.kept.push_back({folder, std::move(shown), reason});
   }

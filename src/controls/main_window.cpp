@@ -42,6 +42,7 @@ MainWindow::MainWindow() {
               &chkConfirmItems,
               &chkDeleteFolders,
               &chkSelectUnread,
+              &chkSelectFlagged,
               &chkSelectDate,
               &dtpCutoffDate,
               &chkSelectSubject,

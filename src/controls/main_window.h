@@ -47,6 +47,7 @@ struct MainWindow {
   CheckBox chkDeleteFolders{"chkDeleteFolders", "&Delete Folders"};
   Label lblFilterOptions{"lblFilterOptions", "Filter Options"};
   CheckBox chkSelectUnread{"chkSelectUnread", "Select &Unread Items"};
+  CheckBox chkSelectFlagged{"chkSelectFlagged", "Select Fla&gged Items"};
   CheckBox chkSelectDate{"chkSelectDate", "Select By Da&te"};
   DatePicker dtpCutoffDate{"dtpCutoffDate"};
   CheckBox chkSelectSubject{"chkSelectSubject", "Select By Sub&ject"};

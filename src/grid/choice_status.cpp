@@ -11,7 +11,7 @@ namespace {
 struct Reasons {
   std::int64_t read = 0;  // items
   int folders = 0, unread_folders = 0;
-  std::int64_t not_ticked = 0, date = 0, subject = 0, type = 0, unread = 0, hidden = 0;
+  std::int64_t not_ticked = 0, date = 0, subject = 0, type = 0, unread = 0, flagged = 0, hidden = 0;
 
   void Add(const ItemData& item, bool ticked, const Item_Filter& filter, bool shows_selected) {
     ++read;
@@ -28,6 +28,7 @@ struct Reasons {
     if (!filter.Check_Subject(item.Subject)) ++subject;
     if (!filter.Check_Type(item.ItemClass)) ++type;
     if (item.Unread && !filter.unread_too) ++unread;
+    if (item.Flagged && !filter.flagged_too) ++flagged;
   }
 
   std::string Text() const {
@@ -40,6 +41,7 @@ struct Reasons {
     line(subject, " has another subject", " have another subject");
     line(type, " is of another type", " are of another type");
     line(unread, " is unread", " are unread");
+    line(flagged, " is flagged", " are flagged");
     line(hidden, " is selected, and Show Selected Items is off",
          " are selected, and Show Selected Items is off");
     return text;

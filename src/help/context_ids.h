@@ -42,6 +42,7 @@ inline constexpr Context_Topic context_topics[] = {
     {"chkDeleteFolders", -1, 1205, "controls/chkDeleteFolders.html"},
     {"lblFilterOptions", -1, 1300, "controls/lblFilterOptions.html"},
     {"chkSelectUnread", -1, 1301, "controls/chkSelectUnread.html"},
+    {"chkSelectFlagged", -1, 1309, "controls/chkSelectFlagged.html"},
     {"chkSelectDate", -1, 1302, "controls/chkSelectDate.html"},
     {"dtpCutoffDate", -1, 1303, "controls/dtpCutoffDate.html"},
     {"chkSelectSubject", -1, 1304, "controls/chkSelectSubject.html"},

@@ -50,6 +50,7 @@ void Control_Enabling::Enable_Check_Boxes() {
     w.chkConfirmFolders.Set_Enabled(!by_row);
     w.chkConfirmItems.Set_Enabled(!everything);
     w.chkSelectUnread.Set_Enabled(!everything);
+    w.chkSelectFlagged.Set_Enabled(!everything);
     w.chkSelectDate.Set_Enabled(!everything);
     w.chkSelectSubject.Set_Enabled(!everything);
     w.chkSelectType.Set_Enabled(!everything);
@@ -85,10 +86,11 @@ void Control_Enabling::Enable_Command_Buttons() {
 void Control_Enabling::Set_Checkbox_Values() {
   errors_.Run("Set_Checkbox_Values", [&] {
     MainWindow& w = window_;
-    for (CheckBox* off : {&w.chkDeleteFolders, &w.chkTurbo, &w.chkSelectByRow, &w.chkPermanentDelete,
-                          &w.chkConfirmFolders, &w.chkConfirmItems, &w.chkMarkSubFolders,
-                          &w.chkCollapseFolders, &w.chkShowAllFolders, &w.chkSelectUnread, &w.chkSelectDate,
-                          &w.chkSelectSubject, &w.chkMatchCase, &w.chkMatchWord, &w.chkSelectType})
+    for (CheckBox* off :
+         {&w.chkDeleteFolders, &w.chkTurbo, &w.chkSelectByRow, &w.chkPermanentDelete, &w.chkConfirmFolders,
+          &w.chkConfirmItems, &w.chkMarkSubFolders, &w.chkCollapseFolders, &w.chkShowAllFolders,
+          &w.chkSelectUnread, &w.chkSelectFlagged, &w.chkSelectDate, &w.chkSelectSubject, &w.chkMatchCase,
+          &w.chkMatchWord, &w.chkSelectType})
       off->Set_Value(0);
     for (TypeBox& type : w.chkType) type.box.Set_Value(0);
     w.chkShowSelectedItems.Set_Value(1);

@@ -82,6 +82,7 @@ void Processing_Options::Delete_Folders_Ticked() {
          {&window_.chkPermanentDelete, 1},
          {&window_.chkConfirmItems, 0},
          {&window_.chkSelectUnread, 1},
+         {&window_.chkSelectFlagged, 1},
          {&window_.chkSelectSubject, 0},
          {&window_.chkSelectDate, 0},
          {&window_.chkSelectType, 0}});
@@ -117,6 +118,7 @@ void Processing_Options::chkTurbo_Click() {
              {&window_.chkPermanentDelete, 1},
              {&window_.chkConfirmItems, 0},
              {&window_.chkSelectUnread, 1},
+             {&window_.chkSelectFlagged, 1},
              {&window_.chkSelectDate, 0},
              {&window_.chkSelectSubject, 0},
              {&window_.chkSelectType, 0}});

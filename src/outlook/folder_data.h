@@ -18,6 +18,7 @@ struct ItemData {
   std::string Subject;
   Date ItemDate = 0;  // whole days
   bool Unread = false;
+  bool Flagged = false;  // of mail: marked for follow-up, and not done
   std::string EntryID;
   std::int64_t Size = 0;  // bytes; 0 where the store does not say
 };

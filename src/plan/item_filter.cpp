@@ -59,6 +59,7 @@ std::string Item_Filter::In_Words() const {
         std::string(Trim_Right(subject)) + "\"" + (match_case ? " (case matters)" : ""));
   }
   add(unread_too ? "unread items too" : "read items only");
+  add(flagged_too ? "flagged items too" : "no flagged items");
   return words;
 }
 

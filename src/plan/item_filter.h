@@ -16,7 +16,7 @@ struct Item_Filter {
   static constexpr std::size_t type_count = 6;
 
   bool by_type = false, by_date = false, by_subject = false;
-  bool unread_too = false;
+  bool unread_too = false, flagged_too = false;
   bool match_case = false, match_word = false;
   // Wanted item classes; the others are 0. Empty while by_type is off.
   std::array<std::int32_t, type_count> types{};
@@ -32,16 +32,12 @@ struct Item_Filter {
   bool Check_Date(Date item_date) const;
   // Blanks at the end never count; without Match Case neither case nor blanks at the beginning do.
   bool Check_Subject(std::string_view item_subject) const;
-  // Whether an item that was read by itself passes every filter.
-  bool Passes(std::int32_t item_class, Date date, std::string_view item_subject, bool unread) const {
-    return (!unread || unread_too) && Check_Type(item_class) && Check_Date(date) &&
-           Check_Subject(item_subject);
-  }
-  // The same for a cached item. Never true for one that was not read as far as its EntryID, or that a run has
-  // deleted.
+  // Whether an item that was read passes every filter.
+  // Never true for one that was not read as far as its EntryID, or that a run has deleted.
   bool Passes(const ItemData& item) const {
-    return item.ItemClass > 0 && !item.EntryID.empty() &&
-           Passes(item.ItemClass, item.ItemDate, item.Subject, item.Unread);
+    return item.ItemClass > 0 && !item.EntryID.empty() && (!item.Unread || unread_too) &&
+           (!item.Flagged || flagged_too) && Check_Type(item.ItemClass) && Check_Date(item.ItemDate) &&
+           Check_Subject(item.Subject);
   }
 
   // What the filter lets pass, for a person: "mail and notes only", "2012-12-31 and older".

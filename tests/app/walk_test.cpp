@@ -11,7 +11,7 @@ namespace {
 struct Walk : Window_Fixture {
   std::mt19937 random;
   // The filters as they were last taken over.
-  bool by_date = false, by_subject = false, unread_too = false;
+  bool by_date = false, by_subject = false, unread_too = false, flagged_too = false;
   Date cutoff = 0;
   std::string subject;
 
@@ -22,6 +22,7 @@ struct Walk : Window_Fixture {
         New_Item item;
         item.subject = One_Of(2) == 0 ? "re" : "other";
         item.unread = One_Of(4) == 0;
+        item.flagged = One_Of(4) == 0;
         item.received = 44000 + One_Of(10);
         item.size = 10;
         Add(path, item);
@@ -47,7 +48,8 @@ struct Walk : Window_Fixture {
         window.chkSelectSubject.Set_Value(1 - window.chkSelectSubject.Value()), Take_Over();
         break;
       case 5:
-        window.chkSelectUnread.Set_Value(1 - window.chkSelectUnread.Value()), Take_Over();
+        for (CheckBox* const box_to_turn : {&window.chkSelectUnread, &window.chkSelectFlagged})
+          if (One_Of(2) == 0) box_to_turn->Set_Value(1 - box_to_turn->Value()), Take_Over();
         break;
       case 6:
         window.dtpCutoffDate.Set_Value(44000 + One_Of(10));
@@ -76,12 +78,14 @@ struct Walk : Window_Fixture {
     by_date = window.chkSelectDate.Checked();
     by_subject = window.chkSelectSubject.Checked();
     unread_too = window.chkSelectUnread.Checked();
+    flagged_too = window.chkSelectFlagged.Checked();
     cutoff = window.dtpCutoffDate.Value();
     subject = window.txtSelectSubject.Text();
   }
   bool Chosen(int folder, const ItemData& item) const {
     return tree.Checked(folder) && (!by_date || item.ItemDate <= cutoff) &&
-           (!by_subject || item.Subject.starts_with(subject)) && (!item.Unread || unread_too);
+           (!by_subject || item.Subject.starts_with(subject)) && (!item.Unread || unread_too) &&
+           (!item.Flagged || flagged_too);
   }
   void Compare() {
     const bool by_row = window.chkSelectByRow.Checked();

@@ -406,7 +406,7 @@ TEST(Packing, Closes_Holes_Among_What_Was_Read) {
                         Case{{1, 2}, 2, {1, 2}}, Case{{-1, 1, 0, 0}, 2, {1, -1, 0, 0}}, Case{{}, 0, {}}}) {
     FolderData record;
     for (const int item_class : c.classes)
-      record.ItemCache.push_back({item_class, "", std::to_string(item_class), 0, false, "", 0});
+      record.ItemCache.push_back({item_class, "", std::to_string(item_class), 0, false, false, "", 0});
     record.CachedCount = c.cached;
     Pack_Items_Array(record);
     std::vector<int> packed;

@@ -26,6 +26,7 @@ TEST(Random, A_Run_Takes_Exactly_What_The_Options_Say) {
       item.item_class = one_of(3) == 0 ? item_class::note : item_class::mail;
       item.subject = subjects[one_of(4)];
       item.unread = one_of(3) == 0;
+      item.flagged = one_of(4) == 0;
       for (Date* date : {&item.received, &item.last_modified}) *date = 44000 + 0.25 * one_of(40);
       const bool second = f.outlook.Stores() == 2 && one_of(2) == 0;
       if (one_of(4) != 0) f.items[f.Add((second ? "2:" : "") + paths[at / 7], item)] = item;
@@ -35,8 +36,8 @@ TEST(Random, A_Run_Takes_Exactly_What_The_Options_Say) {
       f.window.dtpCutoffDate.Set_Value(44005);
       f.window.chkType[0].box.Set_Value(1);  // mail
       for (const std::string option :
-           {"PermanentDelete", "ShowAllFolders", "MarkSubFolders", "SelectUnread", "SelectDate",
-            "SelectSubject", "MatchCase", "MatchWord", "SelectType", "ConfirmFolders"})
+           {"PermanentDelete", "ShowAllFolders", "MarkSubFolders", "SelectUnread", "SelectFlagged",
+            "SelectDate", "SelectSubject", "MatchCase", "MatchWord", "SelectType", "ConfirmFolders"})
         f.Set(option, one_of(3) == 0);
       f.Set("ShowSelectedItems", one_of(4) != 0);
       if (const int way = one_of(4); way < 2) f.Do(way == 0 ? "set Turbo" : "set DeleteFolders");

@@ -19,6 +19,7 @@ struct Run_Fixture : Window_Fixture {
     const bool case_matters = window.chkMatchCase.Checked(), whole = window.chkMatchWord.Checked();
     return (!window.chkSelectDate.Checked() || date < window.dtpCutoffDate.Value() + 1) &&
            (!item.unread || window.chkSelectUnread.Checked()) &&
+           (!item.flagged || item.item_class != item_class::mail || window.chkSelectFlagged.Checked()) &&
            (!window.chkSelectType.Checked() || item.item_class == item_class::mail) &&
            (!window.chkSelectSubject.Checked() || subject == "re" || (subject == " re" && !case_matters) ||
             (subject == "Re: x" && !case_matters && !whole));

@@ -88,7 +88,8 @@ TEST_F(Clean_Run, says_everything_that_the_window_says) {
   const Outcome outcome = On_Store(clean);
   EXPECT_EQ(outcome.out,
             "0 items in 1 folder identified for cleaning.\n\nTasks: 0 items, for good\n\nOptions: Permanent "
-            "Delete; subject begins with \"nothing-begins-so\"; read items only.\n[OK/Cancel] OK\n" +
+            "Delete; subject begins with \"nothing-begins-so\"; read items only; no flagged "
+            "items.\n[OK/Cancel] OK\n" +
                 question + "\n[Yes/No] Yes\nNo items were processed.\n");
   EXPECT_EQ(outcome.err, "");
   EXPECT_EQ(outcome.status, 0);

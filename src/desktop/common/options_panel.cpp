@@ -82,6 +82,7 @@ void Options_Panel::Add_Option(wxBoxSizer& group, CheckBox& model) {
 void Options_Panel::Add_Filters(wxBoxSizer& group) {
   const wxSizerFlags below_option = wxSizerFlags().Expand().Border(wxLEFT, FromDIP(indent));
   Add_Option(group, model_.chkSelectUnread);
+  Add_Option(group, model_.chkSelectFlagged);
 
   auto* const date_line = new wxBoxSizer(wxHORIZONTAL);
   date_line->Add(New_Check_Box(model_.chkSelectDate), wxSizerFlags().CentreVertical());
