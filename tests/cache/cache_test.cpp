@@ -51,7 +51,7 @@ class Filters : public Core_Window {
   Filters() {
     tree.Set_Node_Tag(tree.Add(0, "OUTLOOK", "Outlook"), "1");
     records.Recreate();
-    records[1].ItemCache.assign(3, {item_class::mail, "", "RE: invoice", 37802, false, "ID", 0});
+    records[1].ItemCache.assign(3, {item_class::mail, "", "RE: invoice", 37802, false, false, "ID", 0});
     records[1].CachedCount = 3;
     tree.Set_Checked(1, true);
   }
