@@ -35,20 +35,6 @@ TEST_F(Crash, Leaves_Every_Item_Where_It_Was_Or_Where_It_Was_Going) {
   }
 }
 
-TEST_F(Crash, An_Unfinished_Import_Has_Not_Happened) {
-  In_Crash(3, [](Embedded_Store& store) {
-    store.Writer().Begin();
-    const auto folder = store.Writer().Add_Folder(*store.Top_Folder(), "New", 0);
-    New_Item item;
-    item.body = std::string(1000, 'x');
-    for (int i = 0; i < 10000; ++i) store.Writer().Add_Item(*folder, item);
-    store.Commit_Pending();
-    return 0;
-  });
-  Expect_Kept("1 2 3");
-  EXPECT_EQ(Open()->Top_Folder()->Folders()->Count(), 10);
-}
-
 // A folder's items are cleared away in pieces; what a crash leaves of them is never seen again.
 TEST_F(Crash, A_Removed_Folder_Does_Not_Come_Back) {
   In_Crash(20000, [](Embedded_Store& store) {

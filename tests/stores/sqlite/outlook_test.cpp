@@ -35,24 +35,19 @@ class Outlook_Test : public testing::Test {
 };
 
 TEST_F(Outlook_Test, Opens_All_Or_None) {
+  using Reason = Store_Open_Error::Reason;
   const auto session = Session();
-  EXPECT_EQ(Refusal([&] { outlook_.Open({a_, directory_ / "missing"}); }), Store_Open_Error::Reason::Missing);
+  const fs::path missing = directory_ / "missing", again = directory_.Path() / "." / "a.tfs";
+  EXPECT_EQ(Refusal([&] { outlook_.Open({a_, missing}); }), Reason::Missing);
+  EXPECT_EQ(Refusal([&] { outlook_.Open({a_, again}); }), Reason::Locked);
   EXPECT_EQ(session->Folders()->Count(), 0);
-  EXPECT_EQ(Refusal([&] {
-              outlook_.Open({a_, directory_.Path() / "." / "a.tfs"});
-            }),
-            Store_Open_Error::Reason::Locked);
   outlook_.Open({b_});
-  EXPECT_EQ(Refusal([&] { outlook_.Open({b_}); }), Store_Open_Error::Reason::Locked);
+  EXPECT_EQ(Refusal([&] { outlook_.Open({b_}); }), Reason::Locked);
   outlook_.Open({a_});
+  EXPECT_EQ(Refusal([&] { outlook_.Replace({a_, missing}); }), Reason::Missing);
   EXPECT_EQ(session->Folders()->Count(), 2);
-  EXPECT_EQ(session->Folders()->Item(1)->StoreID(), outlook_.Stores()[0]->StoreID());
+  EXPECT_EQ(session->Folders()->Item(2)->StoreID(), outlook_.Stores()[1]->StoreID());
   EXPECT_EQ(outlook_.Stores()[1]->Path(), a_);
-  EXPECT_EQ(Refusal([&] {
-              outlook_.Replace({a_, directory_ / "missing"});
-            }),
-            Store_Open_Error::Reason::Missing);
-  EXPECT_EQ(session->Folders()->Count(), 2);
 }
 
 // A loop over a store must be able to end after another store has replaced it.
