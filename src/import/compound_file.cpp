@@ -9,7 +9,11 @@
 namespace tidyfold {
 namespace {
 
-constexpr std::size_t entry_size = 128, lists_in_header = 109;
+constexpr std::size_t most_entries = 20'000;
+constexpr std::size_t entry_size = 128, kind_in_entry = 66, left_in_entry = 68, right_in_entry = 72;
+constexpr std::size_t lists_in_header = 109;
+constexpr std::uint32_t none = UINT32_MAX;
+constexpr std::uint32_t root_kind = 5;
 constexpr std::size_t sector_shift_at = 30, directory_at = 48, more_lists_at = 68, lists_at = 76;
 
 // The file is cut into sectors; for each of them, lists tell the one that follows it.
@@ -31,6 +35,11 @@ class Sectors {
   std::size_t Size() const { return size_; }
   std::size_t Count() const { return size_ == 0 ? 0 : bytes_.size() / size_; }
   std::uint32_t First_Of_Directory() const { return Number_At(directory_at); }
+  bool Has_Root() const {
+    const std::size_t root = Place_Of(First_Of_Directory());
+    return (Number_At(root + kind_in_entry) & 0xFF) == root_kind && Number_At(root + left_in_entry) == none &&
+           Number_At(root + right_in_entry) == none;
+  }
   std::optional<std::uint32_t> Behind(std::uint32_t sector) const {
     const std::size_t list = sector / (size_ / 4);
     if (list >= lists_.size() || lists_[list] >= Count()) return std::nullopt;
@@ -51,16 +60,16 @@ class Sectors {
 
 }  // namespace
 
-std::size_t Compound_File_Entries(std::string_view bytes) {
+std::string Problem_Of_Compound_File(std::string_view bytes) {
   const Sectors sectors(bytes);
+  if (sectors.Size() == 0 || !sectors.Has_Root()) return "it is damaged (its directory has no root)";
   std::size_t entries = 0;
-  if (sectors.Size() == 0) return entries;
   std::optional<std::uint32_t> sector = sectors.First_Of_Directory();
-  while (sector && *sector < sectors.Count() && entries <= most_compound_entries) {
+  while (sector && *sector < sectors.Count() && entries <= most_entries) {
     entries += sectors.Size() / entry_size;
     sector = sectors.Behind(*sector);
   }
-  return entries;
+  return entries > most_entries ? "it has too many parts for an item" : std::string();
 }
 
 }  // namespace tidyfold

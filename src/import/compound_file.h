@@ -2,16 +2,15 @@
 // (https://learn.microsoft.com/openspecs/windows_protocols/ms-cfb).
 #pragma once
 
-#include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace tidyfold {
 
-// libgsf takes a level of the stack for each entry of a directory that is laid out like a list, and time by
-// the square of their number. This many are still harmless; an item of 1,000 recipients has fewer.
-inline constexpr std::size_t most_compound_entries = 20'000;
-
-// How many entries the file's directory has room for; counts no further than one more than the limit.
-std::size_t Compound_File_Entries(std::string_view bytes);
+// What keeps libgsf from reading the file without harm; empty if nothing does. It takes a level of the stack
+// for each entry of a directory that is laid out like a list, time by the square of their number, and loses
+// the memory of what stands beside the root. An item of 1,000 recipients has fewer entries than are let
+// through.
+std::string Problem_Of_Compound_File(std::string_view bytes);
 
 }  // namespace tidyfold

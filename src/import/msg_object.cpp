@@ -264,8 +264,8 @@ std::unique_ptr<Mapi_Item> Open_Msg(const std::string& bytes) {
         "libgsf:msole", G_LOG_LEVEL_MASK, [](const gchar*, GLogLevelFlags, const gchar*, gpointer) {},
         nullptr);
   });
-  if (Compound_File_Entries(bytes) > most_compound_entries)
-    throw Message_Error("it has too many parts for an item");
+  const std::string problem = Problem_Of_Compound_File(bytes);
+  if (!problem.empty()) throw Message_Error(problem);
   const Input input(gsf_input_memory_new(reinterpret_cast<const guint8*>(bytes.data()),
                                          static_cast<gsf_off_t>(bytes.size()), FALSE));
   GError* error = nullptr;

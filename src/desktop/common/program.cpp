@@ -101,9 +101,7 @@ void Program::Build() {
   message_window_ = new Message_Window(window_);
   if (observer_ != nullptr) observer_->Window_Built(*frame_, window_);
 
-  outlook_.Set_Display([this](const Displayed_Item& item) {
-    Show_In_Front(*new Item_Window(frame_, item));
-  });
+  outlook_.Set_Display([this](const Displayed_Item& item) { Show_In_Front(*new Item_Window(frame_, item)); });
   window_.mnuRuns.Click = [this] { Show_Runs(); };
   events_.before_yield = [this] { outlook_.Commit_Pending(); };
   message_box_.opening = [this](const std::string& text) {
