@@ -34,6 +34,7 @@ class Memory_Store : public Store_Writer {
   // Handles that callers still hold become invalid.
   ~Memory_Store() override;
 
+  const std::string& StoreID() const { return store_id_; }
   MAPIFolder_Ptr Top_Folder() override;
   MAPIFolder_Ptr Add_Folder(MAPIFolder& parent, const std::string& name,
                             std::int32_t default_item_type) override;
