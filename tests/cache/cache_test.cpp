@@ -399,5 +399,22 @@ TEST_F(Cache, Handlers_May_Reset_Or_Remove_The_Folder_That_Is_Read) {
   EXPECT_EQ(grid.Rows(), 1);
 }
 
+TEST(Packing, Closes_Holes_Among_What_Was_Read_And_No_Others) {
+  using Classes = std::vector<std::int32_t>;
+  for (const auto& [classes, cached, packed] :
+       {std::tuple{Classes{1, -1, 2, -1, -1, 3}, 6, Classes{1, 2, 3, -1, -1, -1}},
+        {Classes{-1, 1, 0, 0}, 2, Classes{1, -1, 0, 0}}}) {
+    FolderData record;
+    for (const std::int32_t item_class : classes)
+      record.ItemCache.push_back({item_class, "", "", 0, false, "", 0});
+    record.CachedCount = cached;
+    Pack_Items_Array(record);
+    Classes left;
+    for (const ItemData& data : record.ItemCache) left.push_back(data.ItemClass);
+    EXPECT_EQ(left, packed);
+    EXPECT_EQ(record.CachedCount, std::count_if(packed.begin(), packed.end(), [](int c) { return c > 0; }));
+  }
+}
+
 }  // namespace
 }  // namespace tidyfold
