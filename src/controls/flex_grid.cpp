@@ -49,6 +49,7 @@ void FlexGrid::Set_Redraw(bool redraw) {
 void FlexGrid::Set_Rows(int rows) {
   if (rows >= Rows()) return;
   rows_.resize(static_cast<std::size_t>(std::max(rows - 1, 0)));
+  in_order_ = std::min(in_order_, rows_.size());
   if (row_ >= Rows()) row_ = 0;
   Count_Marks();
   Rows_Changed();
@@ -58,6 +59,7 @@ void FlexGrid::Set_Cols(int columns) {
   headers_.resize(static_cast<std::size_t>(columns));
   widths_.resize(headers_.size());
   sort_column_ = 0;
+  in_order_ = 0;
   Columns_Changed();
 }
 
@@ -139,24 +141,22 @@ struct Sort_Key {
 
 }  // namespace
 
-void FlexGrid::Sort(int column, Sort_Mode mode) {
-  const bool ascending = mode == Sort_Mode::String_Ascending;
-  sort_column_ = column;
-  sorted_ascending_ = ascending;
+std::string_view FlexGrid::Text_To_Sort(const GridRow& row, int column, std::string& room) const {
+  if (column >= first_item_column)
+    return cells == nullptr ? std::string_view() : cells->Sort_Text(row, column, room);
+  room = column == key_column ? Row_Key(row.row_data, row.item) : row.marked ? "1" : "0";
+  return room;
+}
+
+bool FlexGrid::Put_In_Order(std::vector<GridRow>& rows, int column, bool ascending) const {
   std::vector<Sort_Key> keys;
-  keys.reserve(rows_.size());
+  keys.reserve(rows.size());
   // What of the texts is beyond the keys, one behind the other, and where each begins.
   std::string pool, room;
   std::vector<std::size_t> begins;
-  begins.reserve(rows_.size() + 1);
-  for (std::size_t i = 0; i < rows_.size(); ++i) {
-    std::string_view text;
-    if (column < first_item_column) {
-      room = TextMatrix(static_cast<int>(i) + 1, column);
-      text = room;
-    } else if (cells != nullptr) {
-      text = cells->Sort_Text(rows_[i], column, room);
-    }
+  begins.reserve(rows.size() + 1);
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    const std::string_view text = Text_To_Sort(rows[i], column, room);
     keys.emplace_back(text, ascending, static_cast<std::uint32_t>(i));
     begins.push_back(pool.size());
     pool.append(text.substr(std::min(text.size(), Sort_Key::prefix_size)));
@@ -171,7 +171,7 @@ void FlexGrid::Sort(int column, Sort_Mode mode) {
     const int order = rest_of(a).compare(rest_of(b));
     return order == 0 ? a.row < b.row : (order < 0) == ascending;
   };
-  if (std::is_sorted(keys.begin(), keys.end(), before)) return Tell();
+  if (std::is_sorted(keys.begin(), keys.end(), before)) return false;
   std::sort(keys.begin(), keys.end());
   // What the keys could not tell apart lies side by side now; only there must the rest be looked at.
   for (auto run = keys.begin(); !pool.empty() && run != keys.end();) {
@@ -181,9 +181,52 @@ void FlexGrid::Sort(int column, Sort_Mode mode) {
     run = end;
   }
   std::vector<GridRow> sorted;
-  sorted.reserve(rows_.size());
-  for (const Sort_Key& key : keys) sorted.push_back(rows_[key.row]);
-  rows_ = std::move(sorted);
+  sorted.reserve(rows.size());
+  for (const Sort_Key& key : keys) sorted.push_back(rows[key.row]);
+  rows = std::move(sorted);
+  return true;
+}
+
+void FlexGrid::Sort(int column, Sort_Mode mode) {
+  sort_column_ = column;
+  sorted_ascending_ = mode == Sort_Mode::String_Ascending;
+  const bool moved = Put_In_Order(rows_, column, sorted_ascending_);
+  in_order_ = rows_.size();
+  return moved ? Rows_Changed() : Tell();
+}
+
+void FlexGrid::Sort_New_Rows(int column, Sort_Mode mode) {
+  const bool ascending = mode == Sort_Mode::String_Ascending;
+  if (column != sort_column_ || ascending != sorted_ascending_ || in_order_ == 0) return Sort(column, mode);
+  if (in_order_ == rows_.size()) return Tell();
+  const auto old_end = rows_.begin() + static_cast<std::ptrdiff_t>(in_order_);
+  std::vector<GridRow> added(old_end, rows_.end()), merged;
+  Put_In_Order(added, column, ascending);
+  merged.reserve(rows_.size());
+  std::string room, old_room;
+  auto next = rows_.begin();
+  for (const GridRow& row : added) {
+    const std::string_view text = Text_To_Sort(row, column, room);
+    // Of equal rows the old ones stand first.
+    const auto stays_before = [&](const GridRow& old) {
+      const int order = Text_To_Sort(old, column, old_room).compare(text);
+      return order == 0 || (order < 0) == ascending;
+    };
+    // Steps that double find the neighbourhood with few comparisons where many old rows lie between two new
+    // ones, and with hardly any where none do.
+    auto low = next, high = next;
+    for (std::ptrdiff_t step = 1; high != old_end && stays_before(*high); step *= 2) {
+      low = high + 1;
+      high = low + std::min(step, old_end - low);
+    }
+    const auto place = std::partition_point(low, high, stays_before);
+    merged.insert(merged.end(), next, place);
+    merged.push_back(row);
+    next = place;
+  }
+  merged.insert(merged.end(), next, old_end);
+  rows_ = std::move(merged);
+  in_order_ = rows_.size();
   Rows_Changed();
 }
 

@@ -102,16 +102,23 @@ void Grid_Rows::Remove_All_Rows() {
 
 void Grid_Rows::Remove_Folder_Rows(int folder) {
   errors_.Run("Remove_Folder_Rows", [&] {
+    if (std::exchange(records_[folder].RowCount, 0) == 0) return;
     grid_.Remove_Rows_If([&](const GridRow& row) { return row.row_data == folder; });
-    records_[folder].RowCount = 0;
   });
 }
 
 void Grid_Rows::Remove_Nonselected_Folder_Rows() {
   errors_.Run("Remove_Nonselected_Folder_Rows", [&] {
-    grid_.Remove_Rows_If([&](const GridRow& row) { return !In_View(row.row_data); });
-    for (int index = 1; index <= records_.Upper_Bound(); ++index)
-      if (!In_View(index)) records_[index].RowCount = 0;
+    std::vector<char> goes(static_cast<std::size_t>(records_.Upper_Bound()) + 1, 0);
+    bool any = false;
+    for (int index = 1; index <= records_.Upper_Bound(); ++index) {
+      if (In_View(index)) continue;
+      goes[static_cast<std::size_t>(index)] = 1;
+      any |= std::exchange(records_[index].RowCount, 0) > 0;
+    }
+    if (!any) return;
+    grid_.Remove_Rows_If(
+        [&](const GridRow& row) { return goes[static_cast<std::size_t>(row.row_data)] != 0; });
   });
 }
 
@@ -143,7 +150,8 @@ void Grid_Rows::Change_Folder_Rows(int folder) {
     } else {
       Remove_Folder_Rows(folder);
       if (In_View(folder)) Add_Folder_Rows(folder, Marker::None);
-      Set_Grid_Order();
+      const int column = columns_.Get_Sort_Column(SortField);
+      if (column < grid_.Cols()) grid_.Sort_New_Rows(column, Order());
     }
     Follow_Choice();
   });
@@ -162,7 +170,7 @@ void Grid_Rows::Set_Grid_Order() {
   errors_.Run("Set_Grid_Order", [&] {
     const int column = columns_.Get_Sort_Column(SortField);
     if (column >= grid_.Cols()) return;
-    grid_.Sort(column, SortAscending ? Sort_Mode::String_Ascending : Sort_Mode::String_Descending);
+    grid_.Sort(column, Order());
   });
 }
 

@@ -26,6 +26,9 @@ class Grid_Rows : public Item_View {
   // The order of the rows survives rebuilding them.
   Grid_Field SortField = Grid_Field::Item_Date;
   bool SortAscending = false;
+  Sort_Mode Order() const {
+    return SortAscending ? Sort_Mode::String_Ascending : Sort_Mode::String_Descending;
+  }
 
   bool In_View(int folder) const override;
 

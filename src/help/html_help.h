@@ -52,7 +52,6 @@ class HTML_Help {
   void Transfer_WhatsThisHelpIDs(const Help_Form& form, std::string_view mode);
 
   // Empty: no book was found.
-  const std::string& Help_File() const { return help_file_; }
 
  private:
   void Open(std::string_view page);

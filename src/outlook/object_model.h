@@ -38,6 +38,11 @@ inline constexpr std::int32_t appointment = 26, contact = 40, journal = 42, mail
                               distribution_list = 69;
 }
 
+// OlFlagStatus
+namespace flag_status {
+inline constexpr std::int32_t none = 0, complete = 1, marked = 2;
+}
+
 // OlItemType, what a folder holds by default.
 namespace item_type {
 inline constexpr std::int32_t mail = 0, appointment = 1, contact = 2, task = 3, journal = 4, note = 5;
@@ -76,6 +81,8 @@ class Item {
   virtual Date DueDate() = 0;
   virtual Date End() = 0;
   virtual bool UnRead() = 0;
+  // A flag_status number. Only mail has one in every store.
+  virtual std::int32_t FlagStatus() = 0;
   // Bytes of the whole item; 0 where saying it would cost a call of its own.
   virtual std::int64_t Size() = 0;
   virtual MAPIFolder_Ptr Parent() = 0;

@@ -45,6 +45,13 @@ struct New_Item {
   std::vector<New_Attachment> attachments;
 };
 
+// Equal for items that are the same one; made by Key_Of (outlook/item_key.h).
+struct Item_Key {
+  std::string message_id;
+  std::uint64_t content = 0;  // a hash
+  bool operator==(const Item_Key&) const = default;
+};
+
 // Everything between Begin and Commit is kept or lost as one. Throws Automation_Error when the store cannot
 // be written (full, read-only, damaged).
 class Store_Writer {
@@ -56,6 +63,8 @@ class Store_Writer {
                                     std::int32_t default_item_type) = 0;
   // Returns the new item's EntryID. The item becomes the last of its folder.
   virtual std::string Add_Item(MAPIFolder& folder, const New_Item& item) = 0;
+  // How many items of the store are this one, in whatever folder; those that were added since Begin count.
+  virtual std::int64_t Count_Alike(const Item_Key& key) = 0;
   virtual void Begin() = 0;
   virtual void Commit() = 0;
   virtual void Roll_Back() = 0;

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <random>
 
 #include "base/dates.h"
 #include "base/text.h"
@@ -95,6 +96,32 @@ TEST_F(Grid_Model, Sorts_By_Bytes_And_Keeps_Equal_Rows_In_Order) {
   grid_.Sort(2, Sort_Mode::String_Descending);
   EXPECT_EQ(Order(), "71483526") << "rows 3 and 5 stay as they were";
   EXPECT_FALSE(grid_.Sorted_Ascending());
+}
+
+TEST_F(Grid_Model, Sorts_New_Rows_In_As_If_All_Were_Sorted) {
+  std::mt19937 random(7);
+  for (int round = 0; round < 300; ++round) {
+    SCOPED_TRACE(round);
+    const auto mode = round % 2 == 0 ? Sort_Mode::String_Ascending : Sort_Mode::String_Descending;
+    const auto add = [&](int rows) {
+      for (; rows > 0; --rows) Add({std::string(random() % 30, 'x').append(1, "ab"[random() % 2]).c_str()});
+    };
+    grid_.Set_Rows(1);
+    add(static_cast<int>(random() % 60));
+    grid_.Sort(2, mode);
+    const std::uint32_t share = random() % 4;
+    grid_.Remove_Rows_If([&](const GridRow&) { return random() % 4 < share; });
+    add(static_cast<int>(random() % 20));
+    FlexGrid whole("whole");
+    whole.cells = &cells_;
+    whole.Set_Cols(3);
+    for (int row = 1; row < grid_.Rows(); ++row) whole.Add_Item(grid_.Row_At(row));
+    whole.Sort(2, mode);
+    grid_.Sort_New_Rows(2, mode);
+    ASSERT_EQ(grid_.Rows(), whole.Rows());
+    for (int row = 1; row < grid_.Rows(); ++row)
+      ASSERT_EQ(grid_.Row_At(row).item, whole.Row_At(row).item) << row;
+  }
 }
 
 TEST_F(Grid_Model, Counts_Marks_And_Forgets_A_Current_Row_That_Went) {

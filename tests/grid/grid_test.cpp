@@ -216,6 +216,7 @@ TEST_F(Grid, Refuses_Picking_Rows_Until_They_Are_There) {
 TEST_F(Grid, Keeps_What_Was_Picked_Whatever_Filter_Changes) {
   Show("Inbox", 3);
   Mark("Inbox");
+  rows.Change_Folder_Rows(Node("Inbox"));
   window.chkShowSelectedItems.Set_Value(0);
   // Picking rows needs every row; what comes is not picked yet.
   window.chkSelectByRow.Set_Value(1);

@@ -49,6 +49,7 @@ class Recording_Writer : public Store_Writer {
     written.push_back({folder.Name(), item});
     return store_.Add_Item(folder, item);
   }
+  std::int64_t Count_Alike(const Item_Key& key) override { return store_.Count_Alike(key); }
   void Begin() override { store_.Begin(); }
   void Commit() override {
     store_.Commit();

@@ -99,6 +99,7 @@ TEST_P(Store_Contract, Items_Of_Every_Class_Keep_Every_Property) {
     item.subject = "Subject " + std::to_string(item_class);
     item.body = "Text";
     item.unread = item_class % 2 == 0;
+    item.flagged = item_class % 3 == 1;
     item.size = 1000 + item_class;
     // Each date is missing in some class; no two dates are equal.
     Date* dates[] = {&item.received, &item.last_modified, &item.completed, &item.due, &item.end};
@@ -113,6 +114,7 @@ TEST_P(Store_Contract, Items_Of_Every_Class_Keep_Every_Property) {
     EXPECT_EQ(read->Subject(), item.subject);
     EXPECT_EQ(read->Body(), "Text");
     EXPECT_EQ(read->UnRead(), item.unread);
+    EXPECT_EQ(read->FlagStatus(), item.flagged ? flag_status::marked : flag_status::none);
     EXPECT_EQ(read->Size(), stores_->Tells_Sizes() ? item.size : 0);
     EXPECT_EQ(read->ReceivedTime(), item.received);
     EXPECT_EQ(read->LastModificationTime(), item.last_modified);

@@ -14,6 +14,7 @@
 #include "desktop/common/message_window.h"
 #include "desktop/common/outlook_source.h"
 #include "desktop/common/runs_window.h"
+#include "desktop/common/show_in_front.h"
 #include "desktop/common/text_conversion.h"
 #include "desktop/common/welcome_dialog.h"
 #include "import/import.h"
@@ -99,10 +100,7 @@ void Program::Build() {
   if (observer_ != nullptr) observer_->Window_Built(*frame_, window_);
 
   outlook_.Set_Display([this](const Displayed_Item& item) {
-    auto* const window = new Item_Window(frame_, item);
-    window->Show();
-    // Later, for the click that asked for it still gives the focus to what was clicked.
-    window->CallAfter([window] { window->Raise(); });
+    Show_In_Front(*new Item_Window(frame_, item));
   });
   window_.mnuRuns.Click = [this] { Show_Runs(); };
   events_.before_yield = [this] { outlook_.Commit_Pending(); };
@@ -127,9 +125,7 @@ void Program::Build() {
 
 void Program::Show_Runs() {
   if (runs_window_ == nullptr) runs_window_ = new Runs_Window(frame_, window_, Default_Run_Log_File());
-  runs_window_->Show();
-  runs_window_->Restore();
-  runs_window_->Raise();
+  Show_In_Front(*runs_window_);
 }
 
 void Program::Change_Stores(const std::function<bool()>& change) {

@@ -14,6 +14,7 @@
 #include <optional>
 
 #include "desktop/common/application_icon.h"
+#include "desktop/common/show_in_front.h"
 #include "desktop/common/text_conversion.h"
 #include "help/chm_book.h"
 
@@ -116,8 +117,7 @@ bool Help_Viewer::Open(const std::string& file, const std::string& page) {
   }
   wxHtmlHelpFrame& frame = *controller_->GetFrame();
   if (frame.GetName() != window_name) Prepare(frame);
-  frame.Show();
-  frame.Raise();
+  Show_In_Front(frame);
   return true;
 }
 

@@ -27,6 +27,7 @@ enum class Member : std::size_t {
   DueDate,
   End,
   EntryID,
+  FlagStatus,
   Folders,
   GetDefaultFolder,
   GetItemFromID,

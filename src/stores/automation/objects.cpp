@@ -95,6 +95,7 @@ class Automation_Item : public Item {
   Date DueDate() override { return Get(Member::DueDate).Day(); }
   Date End() override { return Get(Member::End).Day(); }
   bool UnRead() override { return Get(Member::UnRead).Truth(); }
+  std::int32_t FlagStatus() override { return Get(Member::FlagStatus).Number(); }
   std::int64_t Size() override { return 0; }
   MAPIFolder_Ptr Parent() override { return Make_Folder(session_, Object_In(Get(Member::Parent))); }
   void Delete() override { Call(Member::Delete); }

@@ -80,7 +80,7 @@ class Checker {
                return "Item " + Item_Entry_Id(row.Integer(0)) + " " + Quoted(row.Text(1)) +
                       " has lost its text.";
              });
-    for (const char* table : {"content", "message", "attachment"}) {
+    for (const char* table : {"content", "attachment"}) {
       Each_Row("SELECT DISTINCT item FROM " + std::string(table) + " WHERE item NOT IN (SELECT id FROM item)",
                [&](const Statement& row) {
                  return "The " + std::string(table) + " of item " + Item_Entry_Id(row.Integer(0)) +

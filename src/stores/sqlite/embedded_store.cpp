@@ -4,6 +4,8 @@
 #include <random>
 #include <utility>
 
+#include "errors/automation_error.h"
+#include "stores/sqlite/entry_id.h"
 #include "stores/sqlite/objects.h"
 #include "stores/sqlite/store.h"
 
@@ -17,6 +19,14 @@ std::string New_Store_Id() {
   std::string id(32, '0');
   for (char& character : id) character = "0123456789ABCDEF"[digit(random)];
   return id;
+}
+
+std::int64_t Folder_Number(const std::string& entry_id) {
+  const auto id = sqlite::Folder_Of_Entry_Id(entry_id);
+  if (!id)
+    throw Automation_Error(automation_error::not_found, "The folder is no longer there.",
+                           sqlite::error_source);
+  return *id;
 }
 
 }  // namespace
@@ -53,6 +63,21 @@ MAPIFolder_Ptr Embedded_Store::Top_Folder() {
 
 Store_Writer& Embedded_Store::Writer() {
   return *writer_;
+}
+
+New_Item Embedded_Store::Read_Whole_Item(const std::string& entry_id) {
+  const auto id = sqlite::Item_Of_Entry_Id(entry_id);
+  if (!id)
+    throw Automation_Error(automation_error::not_found, "The item is no longer there.", sqlite::error_source);
+  return store_->Read_Whole(store_->Item_By_Id(*id));
+}
+
+bool Embedded_Store::Is_Protected(const std::string& folder_entry_id) const {
+  return store_->Folder(Folder_Number(folder_entry_id)).is_protected;
+}
+
+void Embedded_Store::Set_Protected(const std::string& folder_entry_id, bool is_protected) {
+  store_->Set_Protected(Folder_Number(folder_entry_id), is_protected);
 }
 
 void Embedded_Store::Commit_Pending() {

@@ -47,6 +47,14 @@ class Embedded_Store {
   // they throw Automation_Error (no_access).
   Store_Writer& Writer();
 
+  // All of an item, as it was added. Throws Automation_Error (not_found).
+  New_Item Read_Whole_Item(const std::string& entry_id);
+
+  // A folder's protection is kept in the file; whoever clears out must ask for it. By EntryID; throws
+  // Automation_Error (not_found). Setting it is a change like any other.
+  bool Is_Protected(const std::string& folder_entry_id) const;
+  void Set_Protected(const std::string& folder_entry_id, bool is_protected);
+
   // Commits the current group, except between the writer's Begin and Commit. Throws Automation_Error if that
   // fails; the whole group is then undone.
   void Commit_Pending();

@@ -22,7 +22,7 @@ std::vector<std::int64_t> Folder_Tree::Load(Database& database) {
   top_ = last_found_ = nullptr;
   std::vector<std::pair<std::int64_t, std::int64_t>> parents;
   std::vector<std::int64_t> removed;
-  Statement statement(database, "SELECT id, parent, name, item_type, removed FROM folder");
+  Statement statement(database, "SELECT id, parent, name, item_type, removed, protected FROM folder");
   while (statement.Step()) {
     const std::int64_t id = statement.Integer(0);
     if (statement.Integer(4) != 0) {
@@ -33,6 +33,7 @@ std::vector<std::int64_t> Folder_Tree::Load(Database& database) {
     folder.id = id;
     folder.name = statement.Text(2);
     folder.item_type = static_cast<std::int32_t>(statement.Integer(3));
+    folder.is_protected = statement.Integer(5) != 0;
     if (statement.Is_Null(1)) {
       if (top_ != nullptr) database.Fail_Damaged("it has more than one top folder");
       top_ = &folder;

@@ -18,6 +18,7 @@ struct Folder_Record {
   std::int32_t item_type = 0;
   std::vector<Folder_Record*> children;  // by name, ignoring case, then by id
   std::int32_t item_count = 0;
+  bool is_protected = false;       // must not be emptied or removed
   std::int64_t last_position = 0;  // the highest position used so far
 };
 

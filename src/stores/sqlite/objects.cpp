@@ -53,6 +53,7 @@ class Embedded_Item : public Item, public Mapi_Object, public std::enable_shared
   Date DueDate() override { return Alive().due; }
   Date End() override { return Alive().end; }
   bool UnRead() override { return Alive().unread; }
+  std::int32_t FlagStatus() override { return Alive().flag; }
   std::int64_t Size() override { return Alive().size; }
   MAPIFolder_Ptr Parent() override {
     Alive();
@@ -192,6 +193,7 @@ class Embedded_Writer : public Store_Writer {
   std::string Add_Item(MAPIFolder& folder, const New_Item& item) override {
     return Item_Entry_Id(store_->Add_Item(Number_Of(folder), item));
   }
+  std::int64_t Count_Alike(const Item_Key& key) override { return store_->Count_Alike(key); }
   void Begin() override { store_->Begin(); }
   void Commit() override { store_->Commit(); }
   void Roll_Back() override { store_->Roll_Back(); }

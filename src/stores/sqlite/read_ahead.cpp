@@ -19,8 +19,8 @@ constexpr std::size_t enough_text = std::size_t{4} << 20;
 // Without the folder, which the caller knows.
 constexpr std::string_view columns =
     "SELECT id, position, class, unread, received, last_modified, completed, due, ended, sender_or_text, "
-    "subject, size";
-constexpr int folder_column = 12;  // in by_id_
+    "subject, size, flag";
+constexpr int folder_column = 13;  // in by_id_
 
 std::string Select(std::string_view rest) {
   return std::string(columns).append(rest);
@@ -54,6 +54,7 @@ void Append_Row(const Statement& statement, std::int64_t folder, Item_Rows& rows
   rows.text += statement.Text(10);
   row.text_end = rows.text.size();
   row.size = statement.Integer(11);
+  row.flag = static_cast<std::int32_t>(statement.Integer(12));
 }
 
 }  // namespace

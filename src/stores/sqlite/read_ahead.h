@@ -26,6 +26,7 @@ struct Item_Row {
   Date received = no_date, last_modified = no_date, completed = no_date, due = no_date, end = no_date;
   std::int64_t size = 0;
   std::int32_t item_class = 0;
+  std::int32_t flag = 0;  // a flag_status number
   bool unread = false;
   std::size_t sender_or_text_at = 0, subject_at = 0, text_end = 0;  // in Item_Rows::text
 };

@@ -13,9 +13,11 @@ struct Statements {
         save(database, "SAVEPOINT change"),
         release(database, "RELEASE change"),
         locate(database, "SELECT folder, position FROM item WHERE id = ?1"),
-        content(database, "SELECT sender, recipients, body FROM content WHERE item = ?1"),
-        message(database, "SELECT raw FROM message WHERE item = ?1"),
-        attachments(database, "SELECT name, size FROM attachment WHERE item = ?1 ORDER BY number"),
+        content(database,
+                "SELECT sender, sender_address, recipients, message_id, list_id, answered, body_bytes, "
+                "packed FROM content WHERE item = ?1"),
+        alike(database, "SELECT COUNT(*) FROM content WHERE content_key = ?1 AND message_id = ?2"),
+        attachments(database, "SELECT name, size, packed FROM attachment WHERE item = ?1 ORDER BY number"),
         move(database, "UPDATE item SET folder = ?2, position = ?3 WHERE id = ?1"),
         remove(database, "DELETE FROM item WHERE id = ?1"),
         mark_removed(database, "UPDATE folder SET removed = 1, parent = NULL WHERE id = ?1"),
@@ -26,15 +28,19 @@ struct Statements {
         add_item(
             database,
             "INSERT INTO item (id, folder, position, class, unread, received, last_modified, completed, "
-            "due, ended, sender_or_text, subject, size) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, "
-            "?11, ?12, ?13)"),
-        add_content(database, "INSERT INTO content (item, sender, recipients, body) VALUES (?1, ?2, ?3, ?4)"),
-        add_message(database, "INSERT INTO message (item, raw) VALUES (?1, ?2)"),
-        add_attachment(database,
-                       "INSERT INTO attachment (item, number, name, size) VALUES (?1, ?2, ?3, ?4)") {}
+            "due, ended, sender_or_text, subject, size, flag) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, "
+            "?10, ?11, ?12, ?13, ?14)"),
+        add_content(database,
+                    "INSERT INTO content (item, sender, sender_address, recipients, message_id, list_id, "
+                    "answered, content_key, body_bytes, packed) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, "
+                    "?9, ?10)"),
+        add_attachment(
+            database,
+            "INSERT INTO attachment (item, number, name, size, packed) VALUES (?1, ?2, ?3, ?4, ?5)"),
+        protect(database, "UPDATE folder SET protected = ?2 WHERE id = ?1") {}
 
-  Statement begin, commit, save, release, locate, content, message, attachments, move, remove, mark_removed,
-      clear_items, clear_folder, add_folder, add_item, add_content, add_message, add_attachment;
+  Statement begin, commit, save, release, locate, content, alike, attachments, move, remove, mark_removed,
+      clear_items, clear_folder, add_folder, add_item, add_content, add_attachment, protect;
 };
 
 }  // namespace tidyfold::sqlite

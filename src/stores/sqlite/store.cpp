@@ -162,6 +162,15 @@ void Store::Remove_Folder(std::int64_t id) {
   });
 }
 
+void Store::Set_Protected(std::int64_t folder, bool is_protected) {
+  Folder_Record& record = Find_Folder(folder);
+  if (record.is_protected == is_protected) return;
+  Change([&] {
+    statements_->protect.Bind(1, folder).Bind(2, std::int64_t{is_protected ? 1 : 0}).Run();
+    record.is_protected = is_protected;
+  });
+}
+
 void Store::Clear_Away(std::chrono::milliseconds time) {
   const auto end = std::chrono::steady_clock::now() + time;
   while (clearing_ && known_ && !to_clear_.empty() && std::chrono::steady_clock::now() < end) {

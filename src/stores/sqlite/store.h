@@ -16,6 +16,7 @@
 #include "stores/sqlite/displayed_item.h"
 #include "stores/sqlite/embedded_store.h"
 #include "stores/sqlite/folder_tree.h"
+#include "stores/sqlite/packer.h"
 #include "stores/sqlite/read_ahead.h"
 #include "stores/sqlite/statements.h"
 #include "stores/sqlite/store_file.h"
@@ -64,6 +65,7 @@ class Store : public std::enable_shared_from_this<Store> {
   std::int64_t Add_Folder(std::int64_t parent, const std::string& name, std::int32_t item_type);
   // Removes the folder with everything in it.
   void Remove_Folder(std::int64_t id);
+  void Set_Protected(std::int64_t folder, bool is_protected);
 
   // By index in the folder, from 1. Throws Automation_Error (bad_index).
   Found_Item Item_At(std::int64_t folder, std::int32_t place);
@@ -73,6 +75,8 @@ class Store : public std::enable_shared_from_this<Store> {
   Item_Place Locate(std::int64_t id);
   std::string Sender(std::int64_t id);
   std::string Body(std::int64_t id);
+  New_Item Read_Whole(const Found_Item& item);
+  std::int64_t Count_Alike(const Item_Key& key);
   void Display(const Found_Item& item, std::int64_t folder);
 
   // `place` must be the item's current place. Both return the new one.
@@ -136,6 +140,8 @@ class Store : public std::enable_shared_from_this<Store> {
     statements_->release.Run();
   }
   void Insert_Item(std::int64_t id, Item_Place place, const New_Item& item);
+  void Insert_Content(std::int64_t id, const New_Item& item);
+  std::string Unpacked(std::string_view packed, std::size_t bytes);
 
   [[noreturn]] void Fail(std::int32_t number, const std::string& text) const;
   [[noreturn]] void Fail_Item_Gone() const;
@@ -147,6 +153,7 @@ class Store : public std::enable_shared_from_this<Store> {
   Database* database_ = nullptr;
   std::unique_ptr<Statements> statements_;
   std::unique_ptr<Read_Ahead> read_ahead_;
+  Packer packer_;
 
   std::string store_id_;
   Display_Callback display_;

@@ -271,12 +271,15 @@ std::unique_ptr<Database> Create_File(const fs::path& path, const std::string& s
     auto database = Connect_For_Writing(path);
     Run(*database, path, careful);
     Run(*database, path, for_writing);
+    // Lets Compact give room back in place. Cannot be changed later.
+    Run(*database, path, "PRAGMA auto_vacuum = INCREMENTAL");
     // One transaction, before switching to the write-ahead log: the header that identifies the file as a
     // store must be in the file itself, not in its log.
     Run(*database, path, "BEGIN IMMEDIATE");
     Run(*database, path, ("PRAGMA application_id = " + std::to_string(application_id)).c_str());
     Run(*database, path, ("PRAGMA user_version = " + std::to_string(schema_version)).c_str());
     Run(*database, path, schema);
+    Run(*database, path, content_schema);
     Statement(*database, "INSERT INTO store (id, store_id) VALUES (1, ?1)").Bind(1, store_id).Run();
     Statement(*database, "INSERT INTO folder (parent, name, item_type) VALUES (NULL, ?1, 0)")
         .Bind(1, store_name)

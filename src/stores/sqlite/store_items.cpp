@@ -3,6 +3,7 @@
 
 #include "base/text.h"
 #include "errors/automation_error.h"
+#include "outlook/item_key.h"
 #include "stores/sqlite/entry_id.h"
 #include "stores/sqlite/store.h"
 
@@ -62,49 +63,86 @@ std::string Store::Body(std::int64_t id) {
   content.Bind(1, id);
   Reading reading(content);
   if (!reading.Next()) database_->Fail_Damaged("an item has lost its text");
-  return std::string(content.Text(2));
+  return Unpacked(content.Text(7), static_cast<std::size_t>(content.Integer(6)));
+}
+
+std::string Store::Unpacked(std::string_view packed, std::size_t bytes) {
+  auto text = packer_.Unpack(packed, bytes);
+  if (!text) database_->Fail_Damaged("the text of an item cannot be read");
+  return *std::move(text);
+}
+
+New_Item Store::Read_Whole(const Found_Item& item) {
+  const Item_Row& row = item.Row();
+  New_Item whole;
+  whole.item_class = row.item_class;
+  whole.subject = item.rows->Subject(row);
+  whole.unread = row.unread;
+  whole.flagged = row.flag == flag_status::marked;
+  whole.size = row.size;
+  whole.received = row.received;
+  whole.last_modified = row.last_modified;
+  whole.completed = row.completed;
+  whole.due = row.due;
+  whole.end = row.end;
+  {
+    Statement& content = statements_->content;
+    content.Bind(1, row.id);
+    Reading reading(content);
+    if (!reading.Next()) database_->Fail_Damaged("an item has lost its text");
+    whole.sender = row.item_class == item_class::mail ? item.rows->Sender_Or_Text(row) : content.Text(0);
+    whole.sender_address = content.Text(1);
+    whole.recipients = content.Text(2);
+    whole.message_id = content.Text(3);
+    whole.list_id = content.Text(4);
+    whole.answered = content.Integer(5) != 0;
+    const auto body_bytes = static_cast<std::size_t>(content.Integer(6));
+    std::string texts = Unpacked(content.Text(7), Packer::everything);
+    if (texts.size() < body_bytes) database_->Fail_Damaged("the text of an item is cut short");
+    whole.body = texts.substr(0, body_bytes);
+    texts.erase(0, body_bytes);
+    whole.raw_message = std::move(texts);
+  }
+  Statement& attachments = statements_->attachments;
+  attachments.Bind(1, row.id);
+  Reading reading(attachments);
+  while (reading.Next()) {
+    whole.attachments.push_back({std::string(attachments.Text(0)), attachments.Integer(1),
+                                 Unpacked(attachments.Text(2), Packer::everything)});
+  }
+  return whole;
+}
+
+std::int64_t Store::Count_Alike(const Item_Key& key) {
+  Statement& alike = statements_->alike;
+  alike.Bind(1, static_cast<std::int64_t>(key.content)).Bind(2, std::string_view(key.message_id));
+  Reading reading(alike);
+  return reading.Next() ? alike.Integer(0) : 0;
 }
 
 void Store::Display(const Found_Item& item, std::int64_t folder) {
   if (!display_) {
     Fail(automation_error::not_supported, "There is no window here that could show an item.");
   }
-  const Item_Row& row = item.Row();
+  New_Item whole = Read_Whole(item);
   Displayed_Item shown;
-  shown.item_class = row.item_class;
-  shown.entry_id = Item_Entry_Id(row.id);
+  shown.item_class = whole.item_class;
+  shown.entry_id = Item_Entry_Id(item.Row().id);
   shown.store_id = store_id_;
   shown.folder_name = Find_Folder(folder).name;
-  shown.subject = item.rows->Subject(row);
-  shown.unread = row.unread;
-  shown.size = row.size;
-  shown.received = row.received;
-  shown.last_modified = row.last_modified;
-  shown.completed = row.completed;
-  shown.due = row.due;
-  shown.end = row.end;
-  {
-    Statement& content = statements_->content;
-    content.Bind(1, row.id);
-    Reading reading(content);
-    if (!reading.Next()) database_->Fail_Damaged("an item has lost its text");
-    shown.sender = row.item_class == item_class::mail ? item.rows->Sender_Or_Text(row) : content.Text(0);
-    shown.recipients = content.Text(1);
-    shown.body = content.Text(2);
-  }
-  {
-    statements_->message.Bind(1, row.id);
-    Reading reading(statements_->message);
-    if (reading.Next()) shown.raw_message = statements_->message.Text(0);
-  }
-  {
-    Statement& attachments = statements_->attachments;
-    attachments.Bind(1, row.id);
-    Reading reading(attachments);
-    while (reading.Next()) {
-      shown.attachments.push_back({std::string(attachments.Text(0)), attachments.Integer(1)});
-    }
-  }
+  shown.sender = std::move(whole.sender);
+  shown.recipients = std::move(whole.recipients);
+  shown.subject = std::move(whole.subject);
+  shown.body = std::move(whole.body);
+  shown.unread = whole.unread;
+  shown.received = whole.received;
+  shown.last_modified = whole.last_modified;
+  shown.completed = whole.completed;
+  shown.due = whole.due;
+  shown.end = whole.end;
+  shown.size = whole.size;
+  shown.attachments = std::move(whole.attachments);
+  shown.raw_message = std::move(whole.raw_message);
   display_(shown);
 }
 
@@ -171,20 +209,34 @@ void Store::Insert_Item(std::int64_t id, Item_Place place, const New_Item& item)
   Bind_Date(row, 9, item.due);
   Bind_Date(row, 10, item.end);
   row.Bind(11, mail ? std::string_view(item.sender) : First_Characters(item.body, row_characters));
-  row.Bind(12, item.subject).Bind(13, item.size).Run();
+  row.Bind(12, item.subject).Bind(13, item.size);
+  row.Bind(14, std::int64_t{item.flagged ? flag_status::marked : flag_status::none}).Run();
+  Insert_Content(id, item);
+}
+
+void Store::Insert_Content(std::int64_t id, const New_Item& item) {
+  const bool mail = item.item_class == item_class::mail;
   statements_->add_content.Bind(1, id)
       .Bind(2, mail ? std::string_view() : std::string_view(item.sender))
-      .Bind(3, item.recipients)
-      .Bind(4, item.body)
+      .Bind(3, item.sender_address)
+      .Bind(4, item.recipients)
+      .Bind(5, item.message_id)
+      .Bind(6, item.list_id)
+      .Bind(7, std::int64_t{item.answered ? 1 : 0})
+      .Bind(8, static_cast<std::int64_t>(Key_Of(item).content))
+      .Bind(9, static_cast<std::int64_t>(item.body.size()))
+      .Bind_Blob(10, packer_.Pack(item.body, item.raw_message))
       .Run();
-  if (!item.raw_message.empty()) statements_->add_message.Bind(1, id).Bind_Blob(2, item.raw_message).Run();
   std::int64_t number = 0;
   for (const New_Attachment& attachment : item.attachments) {
-    statements_->add_attachment.Bind(1, id)
-        .Bind(2, ++number)
-        .Bind(3, attachment.name)
-        .Bind(4, attachment.size)
-        .Run();
+    Statement& add = statements_->add_attachment;
+    add.Bind(1, id).Bind(2, ++number).Bind(3, attachment.name).Bind(4, attachment.size);
+    if (attachment.content.empty()) {
+      add.Bind_Null(5);
+    } else {
+      add.Bind_Blob(5, packer_.Pack(attachment.content));
+    }
+    add.Run();
   }
 }
 

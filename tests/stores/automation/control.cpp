@@ -32,7 +32,8 @@ New_Item Item_In(const Arguments& a) {
   item.subject = a.at(5).Text();
   item.body = a.at(6).Text();
   item.unread = a.at(7).Truth();
-  std::size_t at = 8;
+  item.flagged = a.at(8).Truth();
+  std::size_t at = 9;
   for (Date* date : {&item.received, &item.last_modified, &item.completed, &item.due, &item.end})
     *date = a.at(at++).Day();
   return item;

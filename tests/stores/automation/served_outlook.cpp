@@ -154,10 +154,10 @@ Ptr<IDispatch> Serve(World& world, const Items_Ptr& items) {
 Ptr<IDispatch> Serve(World& world, const Item_Ptr& item) {
   Ptr<Served> served(new Served(world.switches, "Item", item->Class()));
   Offer(world, *served, item, "Class", &Item::Class, "Subject", &Item::Subject, "EntryID", &Item::EntryID,
-        "UnRead", &Item::UnRead, "ReceivedTime", &Item::ReceivedTime, "LastModificationTime",
-        &Item::LastModificationTime, "DateCompleted", &Item::DateCompleted, "DueDate", &Item::DueDate, "End",
-        &Item::End, "MAPIOBJECT", &Item::MAPIOBJECT, "Parent", &Item::Parent, "Delete", &Item::Delete,
-        "Display", &Item::Display);
+        "UnRead", &Item::UnRead, "FlagStatus", &Item::FlagStatus, "ReceivedTime", &Item::ReceivedTime,
+        "LastModificationTime", &Item::LastModificationTime, "DateCompleted", &Item::DateCompleted, "DueDate",
+        &Item::DueDate, "End", &Item::End, "MAPIOBJECT", &Item::MAPIOBJECT, "Parent", &Item::Parent, "Delete",
+        &Item::Delete, "Display", &Item::Display);
   served->Offer("Body", [=](auto&) { return Variant(item->Body()); });
   // A served folder comes back as the same object.
   served->Offer("Move", [=, &world](auto& a) {

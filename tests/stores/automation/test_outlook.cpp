@@ -157,6 +157,7 @@ std::string Test_Writer::Add_Item(MAPIFolder& folder, const New_Item& item) {
   arguments.emplace_back(item.item_class);
   for (const std::string* text : {&item.sender, &item.subject, &item.body}) arguments.emplace_back(*text);
   arguments.emplace_back(item.unread);
+  arguments.emplace_back(item.flagged);
   for (const Date date : {item.received, item.last_modified, item.completed, item.due, item.end})
     arguments.push_back(com::Variant::Of_Date(date));
   return outlook_.Tell_All("AddItem", arguments).Text();

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "errors/automation_error.h"
 #include "outlook/store_writer.h"
 #include "stores/automation/objects.h"
 #include "stores/automation/outlook_automation.h"
@@ -54,6 +55,9 @@ class Test_Writer : public Store_Writer {
     return com::Make_Folder(outlook_.Session(), folder.Object());
   }
   std::string Add_Item(MAPIFolder& folder, const New_Item& item) override;
+  std::int64_t Count_Alike(const Item_Key&) override {
+    throw Automation_Error(automation_error::not_supported, "Outlook does not compare items.", "test");
+  }
   void Begin() override { outlook_.Tell("Begin", number_); }
   void Commit() override { outlook_.Tell("Commit", number_); }
   void Roll_Back() override { outlook_.Tell("RollBack", number_); }

@@ -86,6 +86,7 @@ class Faulty_Item : public Decorated<Item> {
   Date DueDate() override { return Call("Item.DueDate").DueDate(); }
   Date End() override { return Call("Item.End").End(); }
   bool UnRead() override { return Call("Item.UnRead").UnRead(); }
+  std::int32_t FlagStatus() override { return Call("Item.FlagStatus").FlagStatus(); }
   std::int64_t Size() override { return Call("Item.Size").Size(); }
   MAPIFolder_Ptr Parent() override { return Decorate_Folder(Call("Item.Parent").Parent(), Plan()); }
   void Delete() override { Call("Item.Delete").Delete(); }

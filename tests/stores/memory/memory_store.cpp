@@ -67,6 +67,9 @@ struct Stored_Item : tidyfold::Item, Mapi_Object, std::enable_shared_from_this<S
   Date DueDate() override { return Alive().data.due; }
   Date End() override { return Alive().data.end; }
   bool UnRead() override { return Alive().data.unread; }
+  std::int32_t FlagStatus() override {
+    return Alive().data.flagged ? flag_status::marked : flag_status::none;
+  }
   std::int64_t Size() override { return Alive().data.size; }
   MAPIFolder_Ptr Parent() override;
   void Delete() override;
@@ -236,6 +239,12 @@ std::string Memory_Store::Add_Item(MAPIFolder& folder, const New_Item& item) {
   items_.emplace(stored->entry_id, stored);
   undo_.push_back([stored] { stored->Lie_In(nullptr); });
   return stored->entry_id;
+}
+
+std::int64_t Memory_Store::Count_Of(std::int64_t identity) {
+  return std::count_if(items_.begin(), items_.end(), [&](const auto& item) {
+    return item.second->folder != nullptr && item.second->data.identity == identity;
+  });
 }
 
 void Memory_Store::Roll_Back() {
