@@ -6,6 +6,7 @@
 #include "base/text.h"
 #include "errors/automation_error.h"
 #include "outlook/default_folders.h"
+#include "outlook/item_key.h"
 
 namespace tidyfold {
 
@@ -241,9 +242,9 @@ std::string Memory_Store::Add_Item(MAPIFolder& folder, const New_Item& item) {
   return stored->entry_id;
 }
 
-std::int64_t Memory_Store::Count_Of(std::int64_t identity) {
+std::int64_t Memory_Store::Count_Alike(const Item_Key& key) {
   return std::count_if(items_.begin(), items_.end(), [&](const auto& item) {
-    return item.second->folder != nullptr && item.second->data.identity == identity;
+    return item.second->folder != nullptr && Key_Of(item.second->data) == key;
   });
 }
 

@@ -39,7 +39,7 @@ class Memory_Store : public Store_Writer {
   MAPIFolder_Ptr Add_Folder(MAPIFolder& parent, const std::string& name,
                             std::int32_t default_item_type) override;
   std::string Add_Item(MAPIFolder& folder, const New_Item& item) override;
-  std::int64_t Count_Of(std::int64_t identity) override;
+  std::int64_t Count_Alike(const Item_Key& key) override;
   void Begin() override { undo_.clear(); }
   void Commit() override { undo_.clear(); }
   // Removes what was added since Begin.
