@@ -89,11 +89,20 @@ struct Walk : Window_Fixture {
   }
   void Compare() {
     const bool by_row = window.chkSelectByRow.Checked();
-    int chosen = 0, ticked = 0, marked = 0;
+    int chosen = 0, ticked = 0, marked = 0, shown = 0;
     for (int folder = 1; folder <= tree.Upper_Bound(); ++folder) {
       ticked += tree.Checked(folder) ? 1 : 0;
-      for (const ItemData& item : Record(folder).ItemCache) chosen += Chosen(folder, item) ? 1 : 0;
+      const bool current =
+          window.lblCurrentFolder.Caption() == "Current Folder: " + Record(folder).FolderName;
+      const bool in_view = window.chkShowAllFolders.Checked() ? tree.Checked(folder) : current;
+      for (const ItemData& item : Record(folder).ItemCache) {
+        const bool is_chosen = Chosen(folder, item);
+        chosen += is_chosen ? 1 : 0;
+        shown +=
+            in_view && (is_chosen ? window.chkShowSelectedItems : window.chkShowUnselectedItems).Checked();
+      }
     }
+    EXPECT_EQ(grid.Rows() - 1, shown);
     std::set<std::string> keys;
     for (int row = 1; row < grid.Rows(); ++row) {
       const GridRow& at = grid.Row_At(row);

@@ -136,6 +136,7 @@ struct Window_Fixture : Test_Surroundings {
     if (path == "OUTLOOK") return 1;  // the root that stands for several stores
     const MAPIFolder_Ptr folder = Folder(path);
     const int node = tree.Find_Key("-:::-" + folder->EntryID() + "-:::-" + folder->StoreID());
+    if (node == 0 && !path.empty()) throw std::invalid_argument("no node: " + path);
     return node == 0 ? 1 : node;
   }
   bool Checked(const std::string& path) { return tree.Checked(Node(path)); }
@@ -186,7 +187,8 @@ struct Window_Fixture : Test_Surroundings {
     for (int node = 1; node <= tree.Upper_Bound(); ++node) {
       if (!tree.Exists(node)) continue;
       const FolderData& record = Record(node);
-      EXPECT_TRUE(record.Loaded && tree.Fore_Colour(node) == loaded_colour) << tree.Text(node);
+      EXPECT_TRUE(record.Loaded) << tree.Text(node);
+      EXPECT_EQ(tree.Fore_Colour(node), loaded_colour) << tree.Text(node);
       if (record.Folder == nullptr) continue;
       const std::string store = record.Folder->StoreID() + " ";
       const std::string label = "Current Folder: " + record.FolderName;

@@ -225,8 +225,8 @@ TEST_F(Cache, Reads_Of_Each_Item_What_It_Shows) {
   EXPECT_EQ(cached[0].ItemDate, 100);
   EXPECT_TRUE(cached[0].Unread);
   EXPECT_FALSE(cached[1].Unread) << "what does not say counts as read";
-  outlook.mapi_utils_available = false;
-  Expect_Message("Mail is shown without its sender.\r\n\r\nIt cannot be created: TidyDll.TidyMAPIUtils.");
+  Fail("Automation.Create_Mapi_Utils");
+  Expect_Message("Mail is shown without its sender.\r\n\r\nPlanned.");
   Load();
   Load();
   EXPECT_EQ(Record("Inbox").Cached(1).SenderOrText, "");
@@ -264,7 +264,9 @@ TEST_F(Cache, Broken_Off_Anywhere_It_Reads_Nothing_Twice_And_Loses_No_Row) {
       cache.Cache_Folder_Items();
       if (stop) {
         EXPECT_EQ(Record("Inbox").CachedCount, at);
-        EXPECT_FALSE(cache.AllFoldersCached || Record("Inbox").Loaded || cache.Running());
+        EXPECT_FALSE(cache.AllFoldersCached);
+        EXPECT_FALSE(Record("Inbox").Loaded);
+        EXPECT_FALSE(cache.Running());
         // Until it goes on, one item gives way to another; only the count is as before.
         Inbox()->Items()->Remove(1);
         Add_Items(Inbox(), 1);
@@ -363,7 +365,8 @@ TEST_F(Cache, A_Folder_That_Fails_Is_Left_Alone_Until_The_Next_Run) {
       Expect_Report("Planned.");
       cache.Cache_Folder_Items();
       box.Verify();
-      EXPECT_FALSE(cache.AllFoldersCached || Record("Tasks").Loaded);
+      EXPECT_FALSE(cache.AllFoldersCached);
+      EXPECT_FALSE(Record("Tasks").Loaded);
       EXPECT_EQ(tree.Fore_Colour(Node("Tasks")), unloaded_colour);
       EXPECT_EQ(Record("Notes").Loaded, !always) << member;
       plan.Forget_Faults();
@@ -396,24 +399,20 @@ TEST_F(Cache, Handlers_May_Reset_Or_Remove_The_Folder_That_Is_Read) {
   EXPECT_EQ(grid.Rows(), 1);
 }
 
-TEST(Packing, Closes_Holes_Among_What_Was_Read) {
-  struct Case {
-    std::vector<int> classes;
-    int cached;
-    std::vector<int> packed;
-  };
-  for (const Case& c : {Case{{1, -1, 2, -1, -1, 3}, 6, {1, 2, 3, -1, -1, -1}}, Case{{-1, -1}, 2, {-1, -1}},
-                        Case{{1, 2}, 2, {1, 2}}, Case{{-1, 1, 0, 0}, 2, {1, -1, 0, 0}}, Case{{}, 0, {}}}) {
+TEST(Packing, Closes_Holes_Among_What_Was_Read_And_No_Others) {
+  using Classes = std::vector<std::int32_t>;
+  for (const auto& [classes, cached, packed] :
+       {std::tuple{Classes{1, -1, 2, -1, -1, 3}, 6, Classes{1, 2, 3, -1, -1, -1}},
+        {Classes{-1, 1, 0, 0}, 2, Classes{1, -1, 0, 0}}}) {
     FolderData record;
-    for (const int item_class : c.classes)
-      record.ItemCache.push_back({item_class, "", std::to_string(item_class), 0, false, false, "", 0});
-    record.CachedCount = c.cached;
+    for (const std::int32_t item_class : classes)
+      record.ItemCache.push_back({item_class, "", "", 0, false, false, "", 0});
+    record.CachedCount = cached;
     Pack_Items_Array(record);
-    std::vector<int> packed;
-    for (const ItemData& data : record.ItemCache) packed.push_back(data.ItemClass);
-    EXPECT_EQ(packed, c.packed);
-    for (int i = 1; i <= record.CachedCount; ++i)
-      EXPECT_EQ(record.Cached(i).Subject, std::to_string(record.Cached(i).ItemClass));
+    Classes left;
+    for (const ItemData& data : record.ItemCache) left.push_back(data.ItemClass);
+    EXPECT_EQ(left, packed);
+    EXPECT_EQ(record.CachedCount, std::count_if(packed.begin(), packed.end(), [](int c) { return c > 0; }));
   }
 }
 

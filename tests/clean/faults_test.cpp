@@ -26,7 +26,8 @@ TEST(Faults, A_Call_That_Fails_Costs_What_It_Was_About_And_No_More) {
         met += thrown > 0 ? 1 : 0;
         f.plan.Forget_Faults();
         f.Expect_Nothing_Else();
-        EXPECT_TRUE(f.window.cmdRun.Caption() == "&Clean" && f.window.chkTurbo.Enabled());
+        EXPECT_EQ(f.window.cmdRun.Caption(), "&Clean");
+        EXPECT_TRUE(f.window.chkTurbo.Enabled());
         EXPECT_TRUE(!f.app.run.NotAllDeleted || f.box.Count("it fails") > 0) << "said without a reason";
         f.window.mnuRefresh.Click();
         f.Expect_Agreement();
@@ -68,7 +69,8 @@ TEST(Faults, A_Store_That_Vanishes_Is_Told_Of_Once_And_Ends_What_Is_Under_Way) {
         if (in_run) f.Expect_Nothing_Else();
         EXPECT_TRUE(!closed || (!in_run && number < 10));
         if (closed) continue;
-        EXPECT_TRUE(f.window.cmdRun.Caption() == "&Clean" && f.window.chkTurbo.Enabled());
+        EXPECT_EQ(f.window.cmdRun.Caption(), "&Clean");
+        EXPECT_TRUE(f.window.chkTurbo.Enabled());
         EXPECT_FALSE(f.window.frmMessageBox.Visible());
         EXPECT_EQ(f.window.sbStatusBar.Panel_Text(1), "");
         for (int node = 1; node <= f.tree.Upper_Bound(); ++node)

@@ -10,7 +10,9 @@ TEST(Strategies, A_Deleted_Branch_Leaves_No_Node_Record_Row_Or_Label) {
   // The folder with a default name stays, and with it the one around it.
   EXPECT_EQ(f.box.Count("Process:   \tDelete Folder - Remove"), 1);
   EXPECT_EQ(f.box.Count("Not all items could be deleted"), 1);
-  EXPECT_TRUE(!f.tree.Exists(alpha) && f.Record(alpha).Folder == nullptr && !f.Checked("Old"));
+  EXPECT_FALSE(f.tree.Exists(alpha));
+  EXPECT_EQ(f.Record(alpha).Folder, nullptr);
+  EXPECT_FALSE(f.Checked("Old"));
   f.Expect_Agreement();
   f.Folder("Old")->Folders()->Remove(1);
   f.window.mnuRefresh.Click();
@@ -42,7 +44,8 @@ TEST(Strategies, Confirmations_Name_What_Goes_And_Are_Obeyed) {
   f.box.Expect(Exact("Move item a to \"Deleted Items\" folder?"), Buttons::Yes_No_Cancel, No);
   f.box.Expect(Exact("Move item b to \"Deleted Items\" folder?"), Buttons::Yes_No_Cancel, Cancel);
   f.Clean({{"No items were processed.", OK}});
-  EXPECT_TRUE(f.Checked("Old") && f.app.run.Cancelled) << "what was not reached keeps its mark";
+  EXPECT_TRUE(f.Checked("Old")) << "what was not reached keeps its mark";
+  EXPECT_TRUE(f.app.run.Cancelled) << "what was not reached keeps its mark";
   f.Do("untick Old; tick Inbox");
   f.Clean({{"2 items in 1 folder identified for cleaning.", OK},
            {move_inbox, No},

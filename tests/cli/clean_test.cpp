@@ -97,27 +97,41 @@ TEST_F(Clean_Run, says_everything_that_the_window_says) {
             Json({{"text", question}, {"buttons", {"Yes", "No"}}, {"answer", "Yes"}}));
 }
 
-TEST_F(Clean_Run, is_held_to_limits_of_its_own) {
-  struct Limit_Case {
+TEST_F(Clean_Run, is_refused_beyond_its_limits_and_in_the_words_of_the_window) {
+  struct Refusal {
     const char* words;
     int status;
     Words told;
   };
-  const Limit_Case cases[] = {
+  const Refusal cases[] = {
       {"--folder Inbox --max 3", 3, {"items, and --max allows 3."}},
       {"--folder Projects --delete-folders --max 1", 3, {"folders, and --max allows 1."}},
       {"--folder Inbox --max -1", 2, {"--max"}},
       {"--folder Inbox --deleted-items-limit 2", 3, {"Deleted Items Folder Overflow", "Total Allowed:  2"}},
+      {"--folder Inbox --delete-folders",
+       3,
+       {"Cannot mark a default folder while \" Delete Folders\" is marked."}},
+      {"--folder / --delete-folders",
+       3,
+       {"Cannot select a root folder while \" Delete Folders\" is marked."}},
+      {"--folder Archive --folder=Deleted_Items",
+       3,
+       {"Cannot marked \"Deleted Items\" folder if Permanent Delete box is unchecked."}},
+      {"--folder Inbox --subject _", 3, {"Subject required!"}},
       {"--folder Inbox --max 600 --deleted-items-limit 0", 0, {}}};
-  for (const Limit_Case& limit : cases) {
-    for (const char* how : {" --dry-run", " --yes"}) {
-      const Outcome outcome = On_Store(Split("clean " + std::string(limit.words) + how));
-      EXPECT_EQ(outcome.status, limit.status) << limit.words << how << outcome.err;
-      for (const std::string& told : limit.told)
+  for (const Refusal& refusal : cases) {
+    for (const char* how : {"--dry-run", "--yes"}) {
+      Words words = Split("clean --json " + std::string(refusal.words));
+      for (std::string& word : words) std::replace(word.begin(), word.end(), '_', ' ');
+      const Outcome outcome = On_Store(words + Words{how});
+      EXPECT_EQ(outcome.status, refusal.status) << refusal.words << how << outcome.err;
+      for (const std::string& told : refusal.told)
         EXPECT_NE(outcome.err.find(told), std::string::npos) << outcome.err;
-      if (limit.status != 0) {
-        EXPECT_EQ(Bytes_Of(store_), before_);
-      }
+      if (refusal.status == 0) continue;
+      EXPECT_EQ(Bytes_Of(store_), before_);
+      if (refusal.status == 2) continue;
+      EXPECT_EQ(outcome.Document()["processed"], 0);
+      EXPECT_EQ(outcome.Document().value("items", Json::array()), Json::array());
     }
   }
 }
@@ -227,28 +241,6 @@ TEST_F(Clean_Run, is_not_begun_where_nobody_can_be_asked) {
     EXPECT_EQ(document["processed"], 0);
     for (const Json& message : document["messages"]) EXPECT_NE(message["answer"], "Yes");
     EXPECT_EQ(Bytes_Of(store_), before_);
-  }
-}
-
-TEST_F(Clean_Run, is_refused_in_the_words_of_the_window) {
-  const std::pair<Words, const char*> cases[] = {
-      {{"--folder", "Inbox", "--delete-folders"},
-       "Cannot mark a default folder while \" Delete Folders\" is marked."},
-      {{"--folder", "/", "--delete-folders"},
-       "Cannot select a root folder while \" Delete Folders\" is marked."},
-      {{"--folder", "Archive", "Deleted Items"},
-       "Cannot marked \"Deleted Items\" folder if Permanent Delete box is unchecked."},
-      {{"--folder", "Inbox", "--subject", " "}, "Subject required!"}};
-  for (const auto& [words, text] : cases) {
-    for (const char* how : {"--yes", "--dry-run"}) {
-      const Outcome outcome = On_Store(Words{"clean", how, "--json"} + words);
-      EXPECT_EQ(outcome.status, 3) << text;
-      EXPECT_EQ(outcome.Document()["messages"].back()["text"], text);
-      EXPECT_EQ(outcome.Document()["processed"], 0);
-      EXPECT_EQ(outcome.Document().value("items", Json::array()), Json::array());
-      EXPECT_NE(outcome.err.find(text), std::string::npos) << outcome.err;
-      EXPECT_EQ(Bytes_Of(store_), before_);
-    }
   }
 }
 

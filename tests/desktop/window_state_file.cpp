@@ -172,6 +172,7 @@ std::string Window_State_File::Describe() const {
   state["beside"] = Describe_Windows(*frame_);
   // The pointer that asks What's This is the only one that the program changes.
   state["pointer_asks"] = wxIsBusy();
+  state["captured"] = wxWindow::GetCapture() != nullptr;
   json widgets = json::object();
   Describe_Widgets(*frame_, widgets);
   state["widgets"] = std::move(widgets);

@@ -66,16 +66,23 @@ TEST(Marking, A_Branch_Takes_The_Mark_Where_It_May_And_Unmark_All_Takes_It_Away)
     for (const std::string path :
          {"", "Inbox", "Deleted Items", "Deleted Items/Apart", "Projects/Alpha/Deep"}) {
       const bool may = delete_folders ? path.find('/') != std::string::npos : path != "Deleted Items";
-      EXPECT_TRUE(f.Checked(path) == may && f.tree.Bold(f.Node(path)) == may) << path;
+      EXPECT_EQ(f.Checked(path), may) << path;
+      EXPECT_EQ(f.tree.Bold(f.Node(path)), may) << path;
     }
     EXPECT_TRUE(f.tree.Expanded(f.Node("Projects/Alpha")));
     EXPECT_EQ(f.grid.Rows(), 2) << "the deep item shows once";
     f.Do("unset DeleteFolders; untick OUTLOOK");
     EXPECT_TRUE(f.Checked("Projects/Alpha")) << "unticking is for one node";
-    EXPECT_TRUE(f.window.cmdRun.Enabled() && f.window.mnuClean.Enabled() && f.window.mnuUnmark.Enabled());
+    EXPECT_TRUE(f.window.cmdRun.Enabled());
+    EXPECT_TRUE(f.window.mnuClean.Enabled());
+    EXPECT_TRUE(f.window.mnuUnmark.Enabled());
     f.window.mnuUnmark.Click();
-    EXPECT_FALSE(f.window.cmdRun.Enabled() || f.window.mnuClean.Enabled() || f.window.mnuUnmark.Enabled());
-    EXPECT_FALSE(f.Checked("Projects/Alpha") || f.tree.Bold(f.Node("Projects")) || f.grid.Rows() > 1);
+    EXPECT_FALSE(f.window.cmdRun.Enabled());
+    EXPECT_FALSE(f.window.mnuClean.Enabled());
+    EXPECT_FALSE(f.window.mnuUnmark.Enabled());
+    EXPECT_FALSE(f.Checked("Projects/Alpha"));
+    EXPECT_FALSE(f.tree.Bold(f.Node("Projects")));
+    EXPECT_LE(f.grid.Rows(), 1);
   }
 }
 
@@ -164,7 +171,8 @@ TEST(Options, Permanent_Delete_Stays_While_Deleted_Items_Is_Marked_And_Takes_Pic
   f.Do("untick Deleted Items; set SelectByRow; row 1");
   EXPECT_TRUE(f.window.cmdRun.Enabled());
   f.Do("unset PermanentDelete");
-  EXPECT_FALSE(f.window.cmdRun.Enabled() || f.grid.Marked_Rows() > 0);
+  EXPECT_FALSE(f.window.cmdRun.Enabled());
+  EXPECT_EQ(f.grid.Marked_Rows(), 0);
 }
 
 TEST(Options, Enable_What_Can_Be_Used) {
@@ -172,14 +180,18 @@ TEST(Options, Enable_What_Can_Be_Used) {
   MainWindow& w = f.window;
   EXPECT_TRUE(w.cmdRun.Enabled()) << "the row was marked by the filters";
   f.Do("turn-row 1");
-  EXPECT_TRUE(!w.cmdRun.Enabled() && w.mnuUnmark.Enabled()) << "a folder is marked, but no row";
-  EXPECT_FALSE(w.chkShowSelectedItems.Enabled() || w.chkConfirmFolders.Enabled());
+  EXPECT_FALSE(w.cmdRun.Enabled()) << "a folder is marked, but no row";
+  EXPECT_TRUE(w.mnuUnmark.Enabled()) << "a folder is marked, but no row";
+  EXPECT_FALSE(w.chkShowSelectedItems.Enabled());
+  EXPECT_FALSE(w.chkConfirmFolders.Enabled());
   f.Do("row 1");
   EXPECT_TRUE(w.cmdRun.Enabled());
   w.mnuRefreshCurrent.Click();
   EXPECT_FALSE(w.cmdRun.Enabled()) << "the picked row has gone";
   f.Do("unset SelectByRow; set Turbo");
-  EXPECT_FALSE(w.chkPermanentDelete.Enabled() || w.chkConfirmItems.Enabled() || w.chkSelectDate.Enabled());
+  EXPECT_FALSE(w.chkPermanentDelete.Enabled());
+  EXPECT_FALSE(w.chkConfirmItems.Enabled());
+  EXPECT_FALSE(w.chkSelectDate.Enabled());
   f.events.When([&] { return w.cmdRun.Caption() == "&Cancel"; },
                 [&] {
                   for (const Control* control : w.controls)
@@ -187,7 +199,9 @@ TEST(Options, Enable_What_Can_Be_Used) {
                 });
   f.box.Answer_Anything();
   w.cmdRun.Click();
-  EXPECT_TRUE(w.chkTurbo.Enabled() && w.mnuRefresh.Enabled() && !w.cmdRun.Enabled());
+  EXPECT_TRUE(w.chkTurbo.Enabled());
+  EXPECT_TRUE(w.mnuRefresh.Enabled());
+  EXPECT_FALSE(w.cmdRun.Enabled());
   EXPECT_TRUE(
       w.dtpCutoffDate.Tool_Tip_Text().starts_with("Click drop down box to pick date or \r\nuse arrow"));
 }

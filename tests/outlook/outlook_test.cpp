@@ -7,28 +7,29 @@ class Session : public Core_Window {};
 
 TEST_F(Session, Attaches_Or_Starts_And_Says_Which_Failed) {
   struct Case {
-    bool running, startable, namespace_available, debug;
+    std::vector<const char*> failing;
+    bool debug;
     const char* message;
   };
-  const Case cases[] = {
-      {true, false, true, true, nullptr},
-      {false, true, true, false, nullptr},
-      {false, true, true, true, "GetObject() Did Not Work"},
-      {false, false, true, false, "Unable to initialize Outlook.  Please try again."},
-      {true, true, false, false, "Unable to initialize Outlook Namespace.  Please try again."}};
+  const char *get = "Automation.GetObject", *create = "Automation.CreateObject",
+             *open = "Application.GetNamespace";
+  const Case cases[] = {{{}, true, nullptr},
+                        {{get}, false, nullptr},
+                        {{get}, true, "GetObject() Did Not Work"},
+                        {{get, create}, false, "Unable to initialize Outlook.  Please try again."},
+                        {{open}, false, "Unable to initialize Outlook Namespace.  Please try again."}};
   for (const Case& c : cases) {
-    outlook.running = c.running;
-    outlook.startable = c.startable;
-    outlook.namespace_available = c.namespace_available;
-    outlook.create_object_calls = 0;
+    plan.Forget_Faults();
+    for (const char* member : c.failing) Fail(member);
+    const int created = plan.Calls(create);
     session.debug = c.debug;
     if (c.message != nullptr) Expect_Message(c.message);
     window.frmMessageBox.Show();
-    const bool started = session.Start_Outlook();
-    EXPECT_EQ(started, c.namespace_available && (c.running || c.startable));
-    EXPECT_EQ(session.name_space != nullptr, started);
-    EXPECT_EQ(outlook.create_object_calls, c.running ? 0 : 1);
-    EXPECT_EQ(window.frmMessageBox.Loaded(), c.namespace_available);
+    const std::string last = c.failing.empty() ? "" : c.failing.back();
+    EXPECT_EQ(session.Start_Outlook(), last.empty() || last == get);
+    EXPECT_EQ(session.name_space != nullptr, last.empty() || last == get);
+    EXPECT_EQ(plan.Calls(create) - created, last.empty() || last == open ? 0 : 1);
+    EXPECT_EQ(window.frmMessageBox.Loaded(), last != open);
     EXPECT_EQ(window.lblMessage.Caption(), "Initializing Outlook.\r\n\r\nPlease wait ...");
     box.Verify();
   }
@@ -57,7 +58,8 @@ TEST_F(Tree, One_Store_Is_The_Root) {
   Build();
   EXPECT_EQ(tree.Text(1), "Personal - (3)");
   EXPECT_EQ(tree.Key(1), "OUTLOOK");
-  EXPECT_TRUE(records[1].Loaded && tree.Fore_Colour(1) == loaded_colour) << "it holds no items of its own";
+  EXPECT_TRUE(records[1].Loaded) << "it holds no items of its own";
+  EXPECT_EQ(tree.Fore_Colour(1), loaded_colour) << "it holds no items of its own";
   EXPECT_EQ(tree.Fore_Colour(Node("Inbox")), unloaded_colour);
   EXPECT_EQ(tree.Text(tree.Child(1)), "Calendar - (0)") << "sorted";
   EXPECT_EQ(tree.Count(), 11);
@@ -78,7 +80,9 @@ TEST_F(Tree, Several_Stores_Hang_Below_A_Root_That_Is_No_Folder) {
   const std::string zoo = " - (1)[A - (0), b - (1)[c - (0)]]";
   EXPECT_EQ(Picture().substr(0, 24), "Outlook - (2)[Personal -");
   EXPECT_TRUE(Picture().ends_with(", Zoo" + zoo + ", Archive" + zoo + "]")) << Picture();
-  EXPECT_TRUE(folder_tree.TopLevelIsRoot && records[1].Loaded && records[1].Folder == nullptr);
+  EXPECT_TRUE(folder_tree.TopLevelIsRoot);
+  EXPECT_TRUE(records[1].Loaded);
+  EXPECT_EQ(records[1].Folder, nullptr);
   // EntryIDs start anew in every store; only the StoreID tells them apart.
   const int in_zoo = Node("Zoo"), in_archive = Node("Archive");
   EXPECT_EQ(records[in_zoo].Folder->EntryID(), records[in_archive].Folder->EntryID());
@@ -220,7 +224,8 @@ TEST_F(Tree, Goes_A_Thousand_Deep_And_Loses_A_Branch_Whole) {
   const int gone = Node("d1"), wastebasket = Node("Deleted Items");
   folder_tree.Remove_Folder_Node(gone);
   EXPECT_EQ(tree.Count(), 11);
-  EXPECT_TRUE(records[gone + 500].Folder == nullptr && records[gone + 500].Loaded);
+  EXPECT_EQ(records[gone + 500].Folder, nullptr);
+  EXPECT_TRUE(records[gone + 500].Loaded);
   folder_tree.Remove_Folder_Node(wastebasket);
   EXPECT_EQ(records[Node("Inbox")].DeletedItemsIndex, 0);
 }

@@ -2,10 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
-#include <random>
-
+#include "doubles/temporary_directory.h"
 #include "settings/last_stores.h"
 #include "settings/registry_routines.h"
 #include "settings/user_settings_file.h"
@@ -15,13 +12,7 @@ namespace {
 
 class File_Registry_Test : public testing::Test {
  protected:
-  File_Registry_Test()
-      : folder_(std::filesystem::temp_directory_path() /
-                ("tidyfold-registry-" + std::to_string(std::random_device{}()))),
-        file_(folder_ / "tidyfold" / "settings.json") {
-    std::filesystem::create_directories(file_.parent_path());
-  }
-  ~File_Registry_Test() override { std::filesystem::remove_all(folder_); }
+  File_Registry_Test() { std::filesystem::create_directories(file_.parent_path()); }
 
   // As a program of its own would see it.
   std::string Setting(std::int16_t identifier) {
@@ -32,17 +23,13 @@ class File_Registry_Test : public testing::Test {
     File_Registry registry(file_, nullptr);
     Registry_Routines(registry).Save_Setting(identifier, value);
   }
-  std::string Text(const std::filesystem::path& file) {
-    std::ifstream stream(file);
-    return {std::istreambuf_iterator<char>(stream), {}};
-  }
-
-  std::filesystem::path folder_, file_;
+  const Temporary_Directory folder_;
+  const std::filesystem::path file_ = folder_ / "tidyfold" / "settings.json";
   std::vector<std::string> told_;
 };
 
 TEST_F(File_Registry_Test, Keeps_Settings_From_One_Program_To_The_Next) {
-  std::filesystem::remove_all(folder_);
+  std::filesystem::remove_all(file_.parent_path());
   EXPECT_EQ(Setting(setting::help_screen_height), "");
   Save(setting::help_screen_height, 8400.0);
   Save(setting::help_screen_width, -1.0);
@@ -73,7 +60,7 @@ TEST_F(File_Registry_Test, A_Damaged_File_Is_Set_Aside_With_A_Message_And_Everyt
     EXPECT_EQ(told_[0], "The file with the settings, " + file_.string() +
                             ", is damaged. The settings start afresh; the damaged file is kept as " +
                             file_.string() + ".damaged.");
-    EXPECT_EQ(Text(file_.string() + ".damaged"), text);
+    EXPECT_EQ(Bytes_Of(file_.string() + ".damaged"), text);
     Save(setting::help_screen_height, 5000.0);
     EXPECT_EQ(Setting(setting::help_screen_height), "5000");
     EXPECT_EQ(told_.size(), 1u);
@@ -91,7 +78,7 @@ TEST_F(File_Registry_Test, Names_Have_No_Case_And_Values_Of_Other_Types_Are_Empt
             Registry_Routines::Value(""));
   EXPECT_FALSE(routines.Registry_Key_Exists(Registry_Root::Current_User, "Software\\Tidyfold"));
   routines.Save_Setting(setting::help_screen_height, 6000.0);
-  const std::string text = Text(file_);
+  const std::string text = Bytes_Of(file_);
   EXPECT_NE(text.find("REG_BINARY"), std::string::npos);
   EXPECT_EQ(text.find("5000"), std::string::npos);
   EXPECT_EQ(text.find("HelpScreenHeight"), std::string::npos)
@@ -115,7 +102,7 @@ TEST_F(File_Registry_Test, Writing_Keeps_Links_And_Permissions) {
     Save(setting::help_screen_height, 6000.0);
     EXPECT_EQ(fs::read_symlink(file_), link);
     const fs::path target = (file_.parent_path() / link).lexically_normal();
-    EXPECT_NE(Text(target).find("6000"), std::string::npos);
+    EXPECT_NE(Bytes_Of(target).find("6000"), std::string::npos);
     EXPECT_EQ(mode(target), target == kept ? 0640u : 0600u) << target;
   }
 }

@@ -2,7 +2,6 @@
 """The window without a store file cleans Outlook: the test server, which a script fills and reads."""
 
 import pathlib
-import shutil
 import sys
 import tempfile
 
@@ -34,33 +33,29 @@ Next
 def main():
     wine, programs, server, screenshots = sys.argv[1], *map(pathlib.Path, sys.argv[2:5])
 
-    file = pathlib.Path(tempfile.mkdtemp()) / "client.vbs"
+    def script(window, text):
+        with tempfile.NamedTemporaryFile("w", suffix=".vbs") as file:
+            file.write(text)
+            file.flush()
+            return window.run("cscript", "//nologo", windows_path(file.name))
 
-    def script(run, text):
-        file.write_text(text)
-        return run("cscript", "//nologo", windows_path(file))
+    def begin(window):
+        window.run(server, "/RegServer")
+        window.run("regsvr32", "/s", windows_path(programs / "TidyDll.dll"))
+        script(window, FILL)
 
-    def prepare(run, _):
-        run(server, "/RegServer")
-        run("regsvr32", "/s", windows_path(programs / "TidyDll.dll"))
-        script(run, FILL)
-
-    window = Wine_Window(wine, programs / "tidyfold-driven.exe", [], screenshots, prepare)
-    try:
+    with Wine_Window(wine, programs / "tidyfold-driven.exe", [], screenshots, begin) as window:
         window.answer("All Folders Loaded")
         senders = {row["texts"][3] for row in window.state()["grid"]}
         assert senders == {f"Sender {i}" for i in range(1, 13)}, senders
         window.tick_folder("Inbox")
-        window.click(window.wait("the button", lambda: window.widget("cmdRun"))["rectangle"])
+        window.click("cmdRun")
         window.answer("9 items in 1 folder identified for cleaning")
         window.answer("9 items were moved to the \"Deleted Items\" folder")
         window.quit()
-        counts = dict(line.split("=") for line in script(window.run, COUNT).splitlines())
+        counts = dict(line.split("=") for line in script(window, COUNT).splitlines())
         left = {name: int(count) for name, count in counts.items() if count != "0"}
         assert left == {"Inbox": 3, "Deleted Items": 9}, counts
-    finally:
-        window.close()
-        shutil.rmtree(file.parent)
 
 
 if __name__ == "__main__":

@@ -103,11 +103,17 @@ Tree_Binder::Tree_Binder(TreeView& model, wxDataViewCtrl& widget, Repaint_Schedu
       model_.Set_Expanded(node, !model_.Expanded(node));
   });
   widget_.Bind(wxEVT_DATAVIEW_ITEM_CONTEXT_MENU, [this](wxDataViewEvent& event) {
-    // After wxWidgets has handled the click.
-    const wxPoint place = widget_.ScreenToClient(wxGetMousePosition());
-    widget_.CallAfter([this, node = Node_Of(event.GetItem()), place] { Menu_Asked_For(node, place); });
+    // After wxWidgets has handled the click. GTK tells of the press, and a menu that opens then closes with
+    // the release.
+    menu_due_ = [this, node = Node_Of(event.GetItem()),
+                 place = widget_.ScreenToClient(wxGetMousePosition())] { Menu_Asked_For(node, place); };
+    if (!wxGetMouseState().RightIsDown()) widget_.CallAfter([this] { Open_Menu_That_Is_Due(); });
   });
   wxWindow& area = *widget_.GetMainWindow();
+  area.Bind(wxEVT_RIGHT_UP, [this](wxMouseEvent& event) {
+    event.Skip();
+    widget_.CallAfter([this] { Open_Menu_That_Is_Due(); });
+  });
   area.Bind(wxEVT_LEFT_DOWN, [this](wxMouseEvent& event) {
     press_told_ = press_ticked_ = false;
     event.Skip();
@@ -310,6 +316,10 @@ void Tree_Binder::Mouse_Released(wxMouseEvent& event) {
     if (!press_told_ && node != 0 && node == model_.Selected_Item()) model_.Click_Node(node);
     Raise(model_.MouseUp);
   });
+}
+
+void Tree_Binder::Open_Menu_That_Is_Due() {
+  if (const auto open = std::exchange(menu_due_, nullptr)) open();
 }
 
 void Tree_Binder::Menu_Asked_For(int index, const wxPoint& place) {

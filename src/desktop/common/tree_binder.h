@@ -54,6 +54,7 @@ class Tree_Binder : public Control_Binder,
   void Do_After_Event(std::function<void()> action);
   void Do_What_Is_Due();
   void Mouse_Released(wxMouseEvent& event);
+  void Open_Menu_That_Is_Due();
   void Menu_Asked_For(int index, const wxPoint& place);
   void Key_Pressed(wxKeyEvent& event);
   void Tick_By_Key(int index);
@@ -77,6 +78,7 @@ class Tree_Binder : public Control_Binder,
   // See Do_After_Event.
   std::function<void()> due_;
   bool space_held_ = false;
+  std::function<void()> menu_due_;
 };
 
 }  // namespace tidyfold

@@ -1,7 +1,6 @@
 // Message stores in memory, which most tests use.
 #pragma once
 
-#include <cstdint>
 #include <functional>
 #include <initializer_list>
 #include <memory>
@@ -36,54 +35,46 @@ class Memory_Store : public Store_Writer {
   ~Memory_Store() override;
 
   const std::string& StoreID() const { return store_id_; }
-
   MAPIFolder_Ptr Top_Folder() override;
   MAPIFolder_Ptr Add_Folder(MAPIFolder& parent, const std::string& name,
                             std::int32_t default_item_type) override;
   std::string Add_Item(MAPIFolder& folder, const New_Item& item) override;
   std::int64_t Count_Of(std::int64_t identity) override;
-  // Roll_Back removes what was added since Begin. A second Begin, or an end without a Begin, throws
-  // Automation_Error (call_failed).
-  void Begin() override;
-  void Commit() override;
+  void Begin() override { undo_.clear(); }
+  void Commit() override { undo_.clear(); }
+  // Removes what was added since Begin.
   void Roll_Back() override;
 
   // The folder that the names lead to from the top folder, taking the first of several with the same name.
   MAPIFolder_Ptr Folder(std::initializer_list<std::string_view> path);
   Item_Ptr Item(const std::string& entry_id);
 
-  // Changes by another program.
+  // Changes by another program. What is moved goes to the end of the folder.
   void Rename_Folder(MAPIFolder& folder, const std::string& name);
-  // To the end of the new parent's folders, which must not lie below the folder.
   void Move_Folder(MAPIFolder& folder, MAPIFolder& new_parent);
-  // To the end of the folder.
   void Move_Item(const std::string& entry_id, MAPIFolder& folder);
   void Change_Item(const std::string& entry_id, const std::function<void(New_Item&)>& change);
 
-  // How often Items.Item has returned the item, even if it is gone.
-  int Reads(const std::string& entry_id) const;
-
  private:
   friend struct memory::Stored_Folder;
+  friend struct memory::Stored_Item;
 
   std::string New_Entry_Id();
   memory::Stored_Folder_Ptr Find_Folder(MAPIFolder& folder) const;
   memory::Stored_Item_Ptr Find_Item(const std::string& entry_id) const;
-  void Check_Transaction(bool open) const;
 
   Memory_Outlook& outlook_;
   std::string store_id_;
-  std::uint64_t last_id_ = 0;
+  int last_id_ = 0;
   // Removed ones included: an EntryID is never used again.
   std::unordered_map<std::string, memory::Stored_Folder_Ptr> folders_;
   std::unordered_map<std::string, memory::Stored_Item_Ptr> items_;
   memory::Stored_Folder_Ptr top_;
-  bool in_transaction_ = false;
   std::vector<std::function<void()>> undo_;
 };
 
 // The program in which the stores are open. It must outlive its objects.
-class Memory_Outlook : public Automation {
+class Memory_Outlook : public Automation, Application, NameSpace, Folders, Mapi_Utils {
  public:
   enum class Default_Folders { None, All };
 
@@ -92,19 +83,24 @@ class Memory_Outlook : public Automation {
   Memory_Store& Store(std::size_t number) { return *stores_.at(number - 1); }  // from 1
   std::size_t Stores() const { return stores_.size(); }
 
-  // Throw Automation_Error depending on the switches below.
   std::shared_ptr<Application> GetObject(const std::string& path, const std::string& program) override;
   std::shared_ptr<Application> CreateObject(const std::string& program) override;
   std::shared_ptr<Mapi_Utils> Create_Mapi_Utils(const std::string& program) override;
 
-  bool running = true;               // GetObject works
-  bool startable = true;             // CreateObject works
-  bool namespace_available = true;   // GetNamespace works
-  bool mapi_utils_available = true;  // Create_Mapi_Utils works
-  int create_object_calls = 0;
   std::vector<std::string> displayed;  // the EntryIDs of the items shown, in order
 
  private:
+  std::shared_ptr<NameSpace> GetNamespace(const std::string& type) override;
+  // Of the session: its top folders.
+  Folders_Ptr Folders() override;
+  MAPIFolder_Ptr GetDefaultFolder(std::int32_t folder_type) override;
+  Item_Ptr GetItemFromID(const std::string& entry_id, const std::string& store_id) override;
+  std::int32_t Count() override { return static_cast<std::int32_t>(stores_.size()); }
+  MAPIFolder_Ptr Item(std::int32_t index) override;
+  MAPIFolder_Ptr Add(const std::string& name, std::int32_t default_item_type) override;
+  void Remove(std::int32_t index) override;
+  std::string HrGetOneProp(Mapi_Object& object, std::uint32_t property_tag) override;
+
   std::vector<std::unique_ptr<Memory_Store>> stores_;
 };
 
