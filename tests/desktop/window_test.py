@@ -90,7 +90,7 @@ class Window(Window_Case):
         self.make_store(400)
         expected = self.content()
         window = self.open()
-        forced = SHOWN | {"PermanentDelete", "SelectUnread"}
+        forced = SHOWN | {"PermanentDelete", "SelectFlagged", "SelectUnread"}
 
         def turn(option, boxes, then, folders):
             window.click("chk" + option)

@@ -108,15 +108,19 @@ TEST(Options, Turbo_And_Delete_Folders_Force_The_Others) {
   const std::string others =
       "SelectByRow CollapseFolders ConfirmFolders ConfirmItems SelectDate SelectSubject SelectType";
   Window_Fixture f("load; set " + others + "; set Turbo");
-  EXPECT_EQ(f.On(), "CollapseFolders " + shown + " Turbo PermanentDelete ConfirmFolders SelectUnread");
+  EXPECT_EQ(f.On(),
+            "CollapseFolders " + shown + " Turbo PermanentDelete ConfirmFolders SelectUnread SelectFlagged");
   f.Do("set " + others);
   EXPECT_EQ(f.On().find("Turbo"), std::string::npos) << "rows are not picked for Turbo";
-  f.Do("unset PermanentDelete SelectUnread; set Turbo DeleteFolders");
-  EXPECT_EQ(f.On(), "MarkSubFolders " + shown + " PermanentDelete ConfirmFolders DeleteFolders SelectUnread");
+  f.Do("unset PermanentDelete SelectUnread SelectFlagged; set Turbo DeleteFolders");
+  EXPECT_EQ(f.On(), "MarkSubFolders " + shown +
+                        " PermanentDelete ConfirmFolders DeleteFolders SelectUnread SelectFlagged");
   f.Do("set Turbo");
-  EXPECT_EQ(f.On(), "MarkSubFolders " + shown + " Turbo PermanentDelete ConfirmFolders SelectUnread");
+  EXPECT_EQ(f.On(),
+            "MarkSubFolders " + shown + " Turbo PermanentDelete ConfirmFolders SelectUnread SelectFlagged");
   f.Do("set DeleteFolders; set SelectByRow");
-  EXPECT_EQ(f.On(), "MarkSubFolders " + shown + " SelectByRow PermanentDelete ConfirmFolders SelectUnread");
+  EXPECT_EQ(f.On(), "MarkSubFolders " + shown +
+                        " SelectByRow PermanentDelete ConfirmFolders SelectUnread SelectFlagged");
   f.window.mnuResetOptions.Click();
   EXPECT_EQ(f.On(), shown);
 }
