@@ -1,12 +1,5 @@
-// One suite of tests that every kind of store passes. To run it over another kind:
-//
-//   tidyfold_test(my_stores SOURCES my_stores_test.cpp DEPENDS tidyfold_store_contract tidyfold_my_store)
-//
-//   #include "stores/store_under_test.h"
-//   class My_Store : public Store_Under_Test { ... };
-//   INSTANTIATE_TEST_SUITE_P(My, Store_Contract, testing::Values(
-//       Store_Kind{"Mine", [] { return std::make_unique<My_Store>(); }},
-//       Store_Kind{"Mine_Decorated", [] { return Decorated(std::make_unique<My_Store>()); }}), Kind_Name);
+// One suite of tests that every kind of store passes. memory_stores_test.cpp shows how to run it over
+// another.
 #pragma once
 
 #include <gtest/gtest.h>

@@ -31,51 +31,9 @@ const Element& At(const std::vector<Element>& all, std::int32_t index) {
   return all[static_cast<std::size_t>(index - 1)];
 }
 
-// For an object that outlives all that is made from it.
-template <class Interface>
-std::shared_ptr<Interface> Borrowed(Interface* object) {
-  return {std::shared_ptr<void>(), object};
-}
-
 }  // namespace
 
 namespace memory {
-
-struct Stored_Item : tidyfold::Item, Mapi_Object, std::enable_shared_from_this<Stored_Item> {
-  std::string entry_id;
-  New_Item data;
-  Stored_Folder* folder = nullptr;  // none: removed for good
-
-  Stored_Item& Alive() {
-    if (folder == nullptr) Fail_Not_Found("The item");
-    return *this;
-  }
-  void Lie_In(Stored_Folder* target);
-  std::int32_t Class() override { return Alive().data.item_class; }
-  std::string Subject() override { return Alive().data.subject; }
-  std::string EntryID() override { return Alive().entry_id; }
-  std::string Body(std::size_t characters) override {
-    return std::string(First_Characters(Alive().data.body, characters));
-  }
-  std::shared_ptr<Mapi_Object> MAPIOBJECT() override { return Alive().shared_from_this(); }
-  std::string String_Property(std::uint32_t property_tag) override {
-    return property_tag == sender_name_tag ? Alive().data.sender : (Alive(), std::string());
-  }
-  Date ReceivedTime() override { return Alive().data.received; }
-  Date LastModificationTime() override { return Alive().data.last_modified; }
-  Date DateCompleted() override { return Alive().data.completed; }
-  Date DueDate() override { return Alive().data.due; }
-  Date End() override { return Alive().data.end; }
-  bool UnRead() override { return Alive().data.unread; }
-  std::int32_t FlagStatus() override {
-    return Alive().data.flagged ? flag_status::marked : flag_status::none;
-  }
-  std::int64_t Size() override { return Alive().data.size; }
-  MAPIFolder_Ptr Parent() override;
-  void Delete() override;
-  Item_Ptr Move(MAPIFolder& target) override;
-  void Display() override;
-};
 
 struct Stored_Folder : MAPIFolder, tidyfold::Store, std::enable_shared_from_this<Stored_Folder> {
   Memory_Store* store = nullptr;  // none: removed
@@ -113,18 +71,56 @@ struct Stored_Folder : MAPIFolder, tidyfold::Store, std::enable_shared_from_this
     return found;
   }
   // Without recursion: trees may be deep.
-  void Remove_For_Good() {
-    if (parent != nullptr) std::erase(parent->folders, shared_from_this());
-    std::vector<Stored_Folder_Ptr> doomed{shared_from_this()};
-    while (!doomed.empty()) {
-      const Stored_Folder_Ptr last = std::move(doomed.back());
-      doomed.pop_back();
-      for (const Stored_Item_Ptr& item : std::exchange(last->items, {})) item->folder = nullptr;
-      last->store = nullptr;
-      last->parent = nullptr;
-      for (Stored_Folder_Ptr& below : std::exchange(last->folders, {})) doomed.push_back(std::move(below));
-    }
+  void Remove_For_Good();
+};
+
+struct Stored_Item : tidyfold::Item, Mapi_Object, std::enable_shared_from_this<Stored_Item> {
+  std::string entry_id;
+  New_Item data;
+  Stored_Folder* folder = nullptr;  // none: removed for good
+
+  Stored_Item& Alive() {
+    if (folder == nullptr) Fail_Not_Found("The item");
+    return *this;
   }
+  void Lie_In(Stored_Folder* target) {
+    const Stored_Item_Ptr item = shared_from_this();
+    if (folder != nullptr) std::erase(folder->items, item);
+    folder = target;
+    if (target != nullptr) target->items.push_back(item);
+  }
+  std::int32_t Class() override { return Alive().data.item_class; }
+  std::string Subject() override { return Alive().data.subject; }
+  std::string EntryID() override { return Alive().entry_id; }
+  std::string Body(std::size_t characters) override {
+    return std::string(First_Characters(Alive().data.body, characters));
+  }
+  std::shared_ptr<Mapi_Object> MAPIOBJECT() override { return Alive().shared_from_this(); }
+  std::string String_Property(std::uint32_t property_tag) override {
+    return property_tag == sender_name_tag ? Alive().data.sender : (Alive(), std::string());
+  }
+  Date ReceivedTime() override { return Alive().data.received; }
+  Date LastModificationTime() override { return Alive().data.last_modified; }
+  Date DateCompleted() override { return Alive().data.completed; }
+  Date DueDate() override { return Alive().data.due; }
+  Date End() override { return Alive().data.end; }
+  bool UnRead() override { return Alive().data.unread; }
+  std::int32_t FlagStatus() override {
+    return Alive().data.flagged ? flag_status::marked : flag_status::none;
+  }
+  std::int64_t Size() override { return Alive().data.size; }
+  MAPIFolder_Ptr Parent() override { return Alive().folder->Shared(); }
+  void Delete() override {
+    const auto deleted = Alive().folder->store->top_->Default_Folder_Below(default_folder_deleted_items);
+    Lie_In(folder == deleted.get() ? nullptr : deleted.get());
+  }
+  Item_Ptr Move(MAPIFolder& target) override {
+    if (target.StoreID() != Alive().folder->StoreID())
+      Fail(automation_error::not_supported, "An item can only be moved within its own store.");
+    folder->store->Move_Item(entry_id, target);
+    return shared_from_this();
+  }
+  void Display() override { Alive().folder->store->outlook_.displayed.push_back(entry_id); }
 };
 
 namespace {
@@ -162,32 +158,17 @@ class Memory_Folders : public Folders {
 
 }  // namespace
 
-void Stored_Item::Lie_In(Stored_Folder* target) {
-  const Stored_Item_Ptr item = shared_from_this();
-  if (folder != nullptr) folder->items.erase(std::find(folder->items.begin(), folder->items.end(), item));
-  folder = target;
-  if (target != nullptr) target->items.push_back(item);
-}
-
-MAPIFolder_Ptr Stored_Item::Parent() {
-  return Alive().folder->Shared();
-}
-
-void Stored_Item::Delete() {
-  Stored_Folder* deleted =
-      Alive().folder->store->top_->Default_Folder_Below(default_folder_deleted_items).get();
-  Lie_In(folder == deleted ? nullptr : deleted);
-}
-
-Item_Ptr Stored_Item::Move(MAPIFolder& target) {
-  if (target.StoreID() != Alive().folder->StoreID())
-    Fail(automation_error::not_supported, "An item can only be moved within its own store.");
-  folder->store->Move_Item(entry_id, target);
-  return shared_from_this();
-}
-
-void Stored_Item::Display() {
-  Alive().folder->store->outlook_.displayed.push_back(entry_id);
+void Stored_Folder::Remove_For_Good() {
+  if (parent != nullptr) std::erase(parent->folders, shared_from_this());
+  std::vector<Stored_Folder_Ptr> doomed{shared_from_this()};
+  while (!doomed.empty()) {
+    const Stored_Folder_Ptr last = std::move(doomed.back());
+    doomed.pop_back();
+    for (const Stored_Item_Ptr& item : std::exchange(last->items, {})) item->folder = nullptr;
+    last->store = nullptr;
+    last->parent = nullptr;
+    for (Stored_Folder_Ptr& below : std::exchange(last->folders, {})) doomed.push_back(std::move(below));
+  }
 }
 
 Folders_Ptr Stored_Folder::Folders() {
@@ -316,26 +297,7 @@ Memory_Store& Memory_Outlook::Add_Store(const std::string& name, Default_Folders
 std::shared_ptr<Application> Memory_Outlook::GetObject(const std::string& path, const std::string& program) {
   if (!path.empty() || program != "Outlook.Application")
     Fail(automation_error::call_failed, "Nothing of the kind is running: " + program + ".");
-  return Borrowed<Application>(this);
-}
-
-std::shared_ptr<Application> Memory_Outlook::CreateObject(const std::string& program) {
-  return GetObject("", program);
-}
-
-std::shared_ptr<Mapi_Utils> Memory_Outlook::Create_Mapi_Utils(const std::string& program) {
-  if (program != "TidyDll.TidyMAPIUtils")
-    Fail(automation_error::call_failed, "It cannot be created: " + program + ".");
-  return Borrowed<Mapi_Utils>(this);
-}
-
-std::shared_ptr<NameSpace> Memory_Outlook::GetNamespace(const std::string& type) {
-  if (type != "MAPI") Fail(automation_error::call_failed, "There is no namespace \"" + type + "\".");
-  return Borrowed<NameSpace>(this);
-}
-
-Folders_Ptr Memory_Outlook::Folders() {
-  return Borrowed<tidyfold::Folders>(this);
+  return Borrowed<Application>();
 }
 
 MAPIFolder_Ptr Memory_Outlook::GetDefaultFolder(std::int32_t folder_type) {
@@ -360,10 +322,6 @@ MAPIFolder_Ptr Memory_Outlook::Add(const std::string&, std::int32_t) {
 void Memory_Outlook::Remove(std::int32_t index) {
   At(stores_, index);
   Fail(automation_error::no_access, "A store's top folder cannot be removed.");
-}
-
-std::string Memory_Outlook::HrGetOneProp(Mapi_Object& object, std::uint32_t property_tag) {
-  return object.String_Property(property_tag);
 }
 
 }  // namespace tidyfold

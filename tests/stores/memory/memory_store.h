@@ -84,22 +84,33 @@ class Memory_Outlook : public Automation, Application, NameSpace, Folders, Mapi_
   std::size_t Stores() const { return stores_.size(); }
 
   std::shared_ptr<Application> GetObject(const std::string& path, const std::string& program) override;
-  std::shared_ptr<Application> CreateObject(const std::string& program) override;
-  std::shared_ptr<Mapi_Utils> Create_Mapi_Utils(const std::string& program) override;
+  std::shared_ptr<Application> CreateObject(const std::string& program) override {
+    return GetObject("", program);
+  }
+  std::shared_ptr<Mapi_Utils> Create_Mapi_Utils(const std::string&) override {
+    return Borrowed<Mapi_Utils>();
+  }
 
   std::vector<std::string> displayed;  // the EntryIDs of the items shown, in order
 
  private:
-  std::shared_ptr<NameSpace> GetNamespace(const std::string& type) override;
+  // As one of the objects that it is; it outlives them all.
+  template <class Interface>
+  std::shared_ptr<Interface> Borrowed() {
+    return {std::shared_ptr<void>(), this};
+  }
+  std::shared_ptr<NameSpace> GetNamespace(const std::string&) override { return Borrowed<NameSpace>(); }
   // Of the session: its top folders.
-  Folders_Ptr Folders() override;
+  Folders_Ptr Folders() override { return Borrowed<tidyfold::Folders>(); }
   MAPIFolder_Ptr GetDefaultFolder(std::int32_t folder_type) override;
   Item_Ptr GetItemFromID(const std::string& entry_id, const std::string& store_id) override;
   std::int32_t Count() override { return static_cast<std::int32_t>(stores_.size()); }
   MAPIFolder_Ptr Item(std::int32_t index) override;
   MAPIFolder_Ptr Add(const std::string& name, std::int32_t default_item_type) override;
   void Remove(std::int32_t index) override;
-  std::string HrGetOneProp(Mapi_Object& object, std::uint32_t property_tag) override;
+  std::string HrGetOneProp(Mapi_Object& object, std::uint32_t tag) override {
+    return object.String_Property(tag);
+  }
 
   std::vector<std::unique_ptr<Memory_Store>> stores_;
 };
