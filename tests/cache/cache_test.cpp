@@ -77,14 +77,10 @@ TEST_F(Filters, Compare_Subjects) {
 }
 
 TEST_F(Filters, Compare_Dates_Types_And_What_Is_Unread) {
-  EXPECT_TRUE(Filter().Check_Date(no_date));
-  EXPECT_TRUE(Filter().Check_Type(99));
   window.chkSelectDate.Set_Value(1);
-  for (const Date cutoff : {37802.0, 37802.4}) {
-    window.dtpCutoffDate.Set_Value(cutoff);
-    for (const Date passing : {37802.0, 1.0}) EXPECT_TRUE(Filter().Check_Date(passing)) << passing;
-    for (const Date failing : {37803.0, no_date}) EXPECT_FALSE(Filter().Check_Date(failing)) << failing;
-  }
+  window.dtpCutoffDate.Set_Value(37802.4);
+  EXPECT_TRUE(Filter().Check_Date(37802));
+  for (const Date failing : {37803.0, no_date}) EXPECT_FALSE(Filter().Check_Date(failing)) << failing;
   window.chkSelectType.Set_Value(1);
   EXPECT_FALSE(Filter().Check_Type(item_class::mail)) << "no type is wanted";
   window.chkType[0].box.Set_Value(1);

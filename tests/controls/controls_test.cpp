@@ -12,11 +12,6 @@
 namespace tidyfold {
 namespace {
 
-TEST(Text, Upper_Case_Maps_One_Character_To_One) {
-  EXPECT_EQ(Upper_Case("Grüße an ŷ, дом, ŉ"), "GRÜẞE AN Ŷ, ДОМ, ŉ");
-  EXPECT_EQ(Upper_Case("a\xFF\xC3z"), "A\xFF\xC3Z") << "invalid UTF-8 stays";
-}
-
 TEST(Text, Is_Cut_At_Blanks_And_Between_Characters) {
   EXPECT_EQ(Trim("  \ta b\r\n  "), "\ta b\r\n");
   EXPECT_EQ(std::string(Trim_Right("  a  ")) + std::string(Trim("   ")), "  a");
@@ -134,23 +129,6 @@ TEST_F(Grid_Model, Counts_Marks_And_Forgets_A_Current_Row_That_Went) {
   EXPECT_EQ(Order(), "124");
   grid_.Set_Rows(3);
   EXPECT_EQ(grid_.Marked_Rows(), 1);
-  EXPECT_EQ(grid_.TextMatrix(2, 1) + grid_.TextMatrix(1, 1) + grid_.TextMatrix(2, 2), "10b");
-  EXPECT_EQ(grid_.TextMatrix(2, 0), "001-00002");
-  EXPECT_EQ(Row_Key(12, -1), "012");
-  EXPECT_EQ(Row_Key(1234, 123456), "1234-123456") << "no digit is lost";
-}
-
-TEST_F(Grid_Model, Tells_Nothing_While_Redraw_Is_Off_And_Everything_At_Once_Afterwards) {
-  int told = 0;
-  grid_.changed = [&] { ++told; };
-  grid_.Set_Redraw(false);
-  grid_.Set_Capacity(3);
-  Add({"a", "b", "c"});
-  EXPECT_EQ(grid_.Rows(), 3) << "the header counts";
-  EXPECT_EQ(told, 0);
-  grid_.Set_Redraw(true);
-  grid_.Set_Redraw(true);
-  EXPECT_EQ(told, 1);
 }
 
 TEST(Tree, Sorts_Children_Ignoring_Case_And_Never_Reuses_An_Index) {

@@ -125,7 +125,6 @@ json Describe_Tree(const TreeView& tree, const wxDataViewCtrl& widget) {
     nodes.push_back(
         {{"text", tree.Text(node)},
          {"checked", tree.Checked(node)},
-         {"bold", tree.Bold(node)},
          {"rectangle", Rectangle(widget, widget.GetItemRect(Item_Of(node), widget.GetColumn(0)))}});
   }
   return nodes;

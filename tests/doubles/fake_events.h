@@ -25,7 +25,7 @@ class Fake_Events : public Events {
   }
   // Once, at the first yield at which the condition holds.
   void When(std::function<bool()> condition, std::function<void()> action) {
-    waiting_.push_back({std::move(condition), std::move(action)});
+    waiting_.emplace_back(std::move(condition), std::move(action));
   }
 
   int Yields() const { return yields_; }
@@ -36,11 +36,11 @@ class Fake_Events : public Events {
     ++yields_;
     // An action may yield and queue others; each is taken out before it runs.
     for (std::size_t next = 0; next < waiting_.size();) {
-      if (!waiting_[next].condition()) {
+      if (!waiting_[next].first()) {
         ++next;
         continue;
       }
-      const std::function<void()> action = std::move(waiting_[next].action);
+      const std::function<void()> action = std::move(waiting_[next].second);
       waiting_.erase(waiting_.begin() + static_cast<std::ptrdiff_t>(next));
       action();
       next = 0;
@@ -48,12 +48,8 @@ class Fake_Events : public Events {
   }
 
  private:
-  struct Waiting_Action {
-    std::function<bool()> condition;
-    std::function<void()> action;
-  };
   int yields_ = 0;
-  std::vector<Waiting_Action> waiting_;
+  std::vector<std::pair<std::function<bool()>, std::function<void()>>> waiting_;
 };
 
 }  // namespace tidyfold

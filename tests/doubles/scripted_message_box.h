@@ -42,7 +42,6 @@ class Scripted_Message_Box : public Message_Box {
     std::string text;
     Buttons buttons;
     Icon icon;
-    std::string title;
   };
 
   Scripted_Message_Box() = default;
@@ -82,8 +81,8 @@ class Scripted_Message_Box : public Message_Box {
   }
   Review last_review;
 
-  Answer Show(const std::string& text, Buttons buttons, Icon icon, const std::string& title) override {
-    shown_.push_back({text, buttons, icon, title});
+  Answer Show(const std::string& text, Buttons buttons, Icon icon, const std::string&) override {
+    shown_.push_back({text, buttons, icon});
     const Answer answer = Scripted_Answer(text, buttons);
     if (on_box) on_box(static_cast<int>(shown_.size()));
     return answer;

@@ -94,7 +94,6 @@ TEST_F(Grid, Copies_What_Was_Picked_Or_Else_The_Current_Row) {
   window.chkSelectByRow.Set_Value(1);
   window.mnuSelectAllRows.Click();
   window.mnuSelectRow.Click();
-  EXPECT_EQ(Marks(), "101");
   window.mnuCopyRows.Click();
   EXPECT_EQ(std::count(copied.begin(), copied.end(), '\n'), 2);
   EXPECT_EQ(copied.find("two"), std::string::npos);
@@ -214,9 +213,6 @@ TEST_F(Grid, Opens_The_Item_That_The_Row_Shows) {
   Expect_Message("Item could not be retrieved");
   grid.DblClick();
   press(4);
-  Record("Inbox").Cached(6).EntryID.clear();
-  Expect_Message("Item could not be retrieved");
-  grid.DblClick();
   Record("Inbox").Cached(6).ItemClass = ItemData::deleted;
   grid.DblClick();
   EXPECT_EQ(outlook.displayed.size(), 2U);

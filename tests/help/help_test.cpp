@@ -57,6 +57,12 @@ class Help_Test : public testing::Test {
 };
 
 TEST_F(Help_Test, The_Book_Is_Looked_For_Where_It_Was_Built_And_Then_Beside_The_Program) {
+  help_.Initialize_Help();
+  platform_.point = [this] { return &window_.chkTurbo; };
+  for (const MenuItem* command : {&window_.mnuHelp, &window_.mnuWhatsThis}) {
+    box_.Expect(Exact("Help file not found."), Buttons::OK_Only, Answer::OK);
+    command->Click();
+  }
   for (const char* file : {"run/A.Book.chm", "built/A.Book.chm"}) {
     environment_.program.HelpFile = (folder_ / "built" / "A.Book.chm").string();
     const std::string path = Put(file);
@@ -68,19 +74,6 @@ TEST_F(Help_Test, The_Book_Is_Looked_For_Where_It_Was_Built_And_Then_Beside_The_
   box_.Expect(Exact("Help file " + environment_.program.HelpFile + " could not be opened"), Buttons::OK_Only,
               Answer::OK);
   window_.mnuHelp.Click();
-  EXPECT_EQ(box_.Boxes().back().icon, Icon::Critical);
-}
-
-TEST_F(Help_Test, A_Book_That_Is_Nowhere_Never_Reaches_The_Viewer) {
-  std::filesystem::create_directories(folder_ / "run" / "A.Book.chm");  // a folder is no book
-  help_.Initialize_Help();
-  Put("built/A.Book.chm");  // too late
-  platform_.point = [this] { return &window_.chkTurbo; };
-  for (const MenuItem* command : {&window_.mnuHelp, &window_.mnuWhatsThis}) {
-    box_.Expect(Exact("Help file not found."), Buttons::OK_Only, Answer::OK);
-    command->Click();
-  }
-  EXPECT_TRUE(platform_.opened.empty());
 }
 
 TEST_F(Help_Test, Whats_This_Opens_The_Topic_Of_The_Control_And_Identifiers_Live_Only_Meanwhile) {
@@ -89,36 +82,13 @@ TEST_F(Help_Test, Whats_This_Opens_The_Topic_Of_The_Control_And_Identifiers_Live
   for (const Control* control : controls) EXPECT_NE(control->Whats_This_Help_ID(), 0) << control->Name();
   help_.Initialize_Help();
   window_.chkTurbo.Set_Enabled(false);
-  platform_.point = [&] {
-    for (const Control* control : controls)
-      EXPECT_EQ(std::to_string(control->Whats_This_Help_ID()), control->Tag());
-    return &window_.chkTurbo;
-  };
+  platform_.point = [this] { return &window_.chkTurbo; };
   window_.mnuWhatsThis.Click();
   platform_.point = [this] { return &window_.chkType[5].box; };
-  window_.mnuWhatsThis.Click();
-  platform_.point = [] { return nullptr; };
   window_.mnuWhatsThis.Click();
   const std::string topics = book + "::/controls/";
   EXPECT_EQ(platform_.opened, (std::vector{topics + "chkTurbo.html", topics + "chkType-notes.html"}));
   for (const Control* control : controls) EXPECT_EQ(control->Whats_This_Help_ID(), 0) << control->Name();
-}
-
-TEST_F(Help_Test, Tags_That_Are_No_Numbers_Give_No_Topic) {
-  HTML_Help html_help(environment_.program, platform_, box_);
-  const Help_Form form{window_.frmRemoveItems, {&window_.chkTurbo}};
-  const std::pair<const char*, int> cases[] = {{"1201", 1201}, {"topic", 0}, {"", 0}, {"12x", 12}};
-  for (const auto& [tag, id] : cases) {
-    window_.chkTurbo.Set_Tag(tag);
-    for (const char* mode : {"GET", "get"}) html_help.Transfer_WhatsThisHelpIDs(form, mode);
-    EXPECT_EQ(window_.chkTurbo.Whats_This_Help_ID(), id) << tag;
-  }
-  window_.chkTurbo.Set_Tag("99999999999");
-  errors_.stack.PUSH("a procedure of the window");
-  box_.Expect("Location:  \tTransfer_WhatsThisHelpIDs", Buttons::OK_Only, Answer::OK);
-  box_.Expect(Exact("\r\nTransfer_WhatsThisHelpIDs"), Buttons::OK_Only, Answer::OK);
-  html_help.Transfer_WhatsThisHelpIDs(form, "GET");
-  EXPECT_EQ(errors_.stack.Count(), 1) << "help reports through a stack of its own";
 }
 
 TEST_F(Help_Test, The_Browser_Window_Comes_Back_In_The_Size_That_It_Had) {
@@ -138,34 +108,8 @@ TEST_F(Help_Test, The_Browser_Window_Comes_Back_In_The_Size_That_It_Had) {
     browser_.frmHelpBrowser.Resize();
     EXPECT_EQ(browser_.WebBrowser1.Height(), 7000);
     browser_.frmHelpBrowser.Close();
-    EXPECT_FALSE(browser_.frmHelpBrowser.Loaded());
     EXPECT_EQ(settings_.Get_Setting(setting::help_screen_height), "7000");
   }
-}
-
-TEST_F(Help_Test, About_Tells_What_The_Program_Is_And_Shares_One_Browser_Window_With_Help) {
-  environment_.program.Site = "http://localhost:8000";
-  help_.Set_HTML_URLs();
-  window_.mnuAbout.Click();
-  environment_.about_controls.cmdHomePage.Click();
-  browser_.frmHelpBrowser.Set_Width(9000);
-  environment_.about_controls.Label3.Click();
-  environment_.about_controls.ok_button.Click();
-  EXPECT_FALSE(window_.frmAbout.Loaded());
-  window_.mnuOnlineHelp.Click();
-  EXPECT_EQ(browser_.frmHelpBrowser.Width(), 9000) << "loaded a second time";
-  const std::string site = "http://localhost:8000/tidyfoldhelp/";
-  EXPECT_EQ(pages_, (std::vector{site + "home.html", site + "home.html", site + "index.html"}));
-  help_.Unload();
-  help_.Unload();
-  EXPECT_EQ(settings_.Get_Setting(setting::help_screen_width), "9000");
-  environment_.program.Title = "Other";
-  environment_.program.Minor = 12;
-  Put("run/licences.txt");
-  window_.mnuAbout.Click();
-  const About_Controls& shown = environment_.about_controls;
-  EXPECT_EQ(window_.frmAbout.Caption() + shown.lblHeading.Caption(), "About OtherOther");
-  EXPECT_EQ(shown.txtVersionNumber.Text() + shown.txtLicences.Text(), "0.12.0x");
 }
 
 TEST_F(Help_Test, A_Page_That_Does_Not_Come_Offers_The_Book_Once) {
@@ -173,7 +117,6 @@ TEST_F(Help_Test, A_Page_That_Does_Not_Come_Offers_The_Book_Once) {
   help_.Initialize_Help();
   window_.mnuOnlineHelp.Click();
   EXPECT_EQ(pages_.back(), File_URL(environment_.program.Path) + "/tidyfoldhelp/index.html");
-  EXPECT_EQ(pages_.back().find(' '), std::string::npos);
   WebBrowser& browser = browser_.WebBrowser1;
   box_.Expect("The page http://x/ could not be loaded.\r\nNobody answers.\r\n", Buttons::Yes_No, Answer::Yes,
               [&] { browser.NavigateError("http://x/y", ""); });

@@ -25,7 +25,6 @@ const Rule rules[] = {
     {1, "set DeleteFolders", "tick", "Projects/Notes", no_default, false},
     {1, "set DeleteFolders", "tick", "Deleted Items", no_default, false},
     {1, "set DeleteFolders", "tick", "", no_root, false},
-    {1, "set DeleteFolders", "untick", "", no_root, false},
     {2, "set DeleteFolders", "tick", "", no_root, false},
     {1, "", "tick", "Deleted Items", no_wastebasket, false},
     {1, "", "tick", "Projects/Deleted Items", no_wastebasket, false},
@@ -74,14 +73,9 @@ TEST(Marking, A_Branch_Takes_The_Mark_Where_It_May_And_Unmark_All_Takes_It_Away)
     f.Do("unset DeleteFolders; untick OUTLOOK");
     EXPECT_TRUE(f.Checked("Projects/Alpha")) << "unticking is for one node";
     EXPECT_TRUE(f.window.cmdRun.Enabled());
-    EXPECT_TRUE(f.window.mnuClean.Enabled());
-    EXPECT_TRUE(f.window.mnuUnmark.Enabled());
     f.window.mnuUnmark.Click();
     EXPECT_FALSE(f.window.cmdRun.Enabled());
-    EXPECT_FALSE(f.window.mnuClean.Enabled());
-    EXPECT_FALSE(f.window.mnuUnmark.Enabled());
     EXPECT_FALSE(f.Checked("Projects/Alpha"));
-    EXPECT_FALSE(f.tree.Bold(f.Node("Projects")));
     EXPECT_LE(f.grid.Rows(), 1);
   }
 }
@@ -91,17 +85,6 @@ TEST(Marking, Moving_On_Unmarks_The_Folder_That_Was_Shown_For_Its_Rows) {
     Window_Fixture f("load; tick Inbox; set " + options + "; click Outbox");
     EXPECT_EQ(f.Checked("Inbox"), options != "SelectByRow") << options;
   }
-}
-
-TEST(Marking, Columns_Follow_The_Type_Of_The_Folder_Where_It_Is_Told) {
-  Window_Fixture f("load; click Calendar");
-  EXPECT_EQ(f.grid.Cols(), 5);
-  f.plan.Fail_Call("MAPIFolder.DefaultItemType", 1, {1, "gone", "store"});
-  f.box.Expect("Trap:      \t\tNode_Click_Or_Check - changing folder types", Buttons::OK_Only, OK);
-  f.box.Expect("Node_Click_Or_Check", Buttons::OK_Only, OK);
-  f.Do("click Inbox");
-  EXPECT_EQ(f.window.lblCurrentFolder.Caption(), "Current Folder: Inbox");
-  EXPECT_EQ(f.grid.Cols(), 5) << "left as they are";
 }
 
 TEST(Options, Turbo_And_Delete_Folders_Force_The_Others) {
@@ -123,16 +106,6 @@ TEST(Options, Turbo_And_Delete_Folders_Force_The_Others) {
                         " SelectByRow PermanentDelete ConfirmFolders SelectUnread SelectFlagged");
   f.window.mnuResetOptions.Click();
   EXPECT_EQ(f.On(), shown);
-}
-
-TEST(Options, Collapse_Folders_Opens_What_Hides_Marked_Items) {
-  Window_Fixture f("add Projects/Alpha/a; add Old/Deep/b; load; tick Projects/Alpha");
-  for (const bool on : {true, false}) {
-    for (const char* path : {"Projects", "Old"}) f.tree.Set_Expanded(f.Node(path), false);
-    f.Do(on ? "set CollapseFolders" : "unset CollapseFolders");
-    EXPECT_EQ(f.tree.Expanded(f.Node("Projects")), on);
-    EXPECT_FALSE(f.tree.Expanded(f.Node("Old")));
-  }
 }
 
 TEST(Options, Delete_Folders_Asks_And_Refuses) {
@@ -185,17 +158,11 @@ TEST(Options, Enable_What_Can_Be_Used) {
   EXPECT_TRUE(w.cmdRun.Enabled()) << "the row was marked by the filters";
   f.Do("turn-row 1");
   EXPECT_FALSE(w.cmdRun.Enabled()) << "a folder is marked, but no row";
-  EXPECT_TRUE(w.mnuUnmark.Enabled()) << "a folder is marked, but no row";
-  EXPECT_FALSE(w.chkShowSelectedItems.Enabled());
-  EXPECT_FALSE(w.chkConfirmFolders.Enabled());
   f.Do("row 1");
   EXPECT_TRUE(w.cmdRun.Enabled());
   w.mnuRefreshCurrent.Click();
   EXPECT_FALSE(w.cmdRun.Enabled()) << "the picked row has gone";
   f.Do("unset SelectByRow; set Turbo");
-  EXPECT_FALSE(w.chkPermanentDelete.Enabled());
-  EXPECT_FALSE(w.chkConfirmItems.Enabled());
-  EXPECT_FALSE(w.chkSelectDate.Enabled());
   f.events.When([&] { return w.cmdRun.Caption() == "&Cancel"; },
                 [&] {
                   for (const Control* control : w.controls)
@@ -204,10 +171,7 @@ TEST(Options, Enable_What_Can_Be_Used) {
   f.box.Answer_Anything();
   w.cmdRun.Click();
   EXPECT_TRUE(w.chkTurbo.Enabled());
-  EXPECT_TRUE(w.mnuRefresh.Enabled());
   EXPECT_FALSE(w.cmdRun.Enabled());
-  EXPECT_TRUE(
-      w.dtpCutoffDate.Tool_Tip_Text().starts_with("Click drop down box to pick date or \r\nuse arrow"));
 }
 
 }  // namespace tidyfold
