@@ -4,11 +4,10 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
-#include <filesystem>
-#include <random>
 #include <string>
 #include <vector>
 
+#include "doubles/temporary_directory.h"
 #include "runs/run_log.h"
 
 namespace tidyfold {
@@ -26,13 +25,6 @@ inline Logged_Item Noted(const std::string& entry_id, Item_Action action = Item_
 
 class Log_Fixture : public testing::Test {
  protected:
-  Log_Fixture() {
-    folder =
-        std::filesystem::temp_directory_path() / ("tidyfold-runs-" + std::to_string(std::random_device{}()));
-    file = folder / "state" / "runs.sqlite";
-  }
-  ~Log_Fixture() override { std::filesystem::remove_all(folder); }
-
   static std::vector<Logged_Item> Items(Run_Log& log, std::int64_t run) {
     std::vector<Logged_Item> items;
     log.Items(run, [&](const Logged_Item& item) { items.push_back(item); });
@@ -52,7 +44,8 @@ class Log_Fixture : public testing::Test {
   }
 
   static constexpr Date now = 45000 + 45296.0 / 86400;  // 2023-03-15 12:34:56
-  std::filesystem::path folder, file;
+  const Temporary_Directory folder;
+  const std::filesystem::path file = folder / "state" / "runs.sqlite";
 };
 
 }  // namespace tidyfold

@@ -1,5 +1,3 @@
-#include <fstream>
-
 #include "runs/log_fixture.h"
 
 namespace tidyfold {
@@ -11,7 +9,7 @@ TEST_F(Run_Log_Test, KeepsWhatARunWasToDoAndWhatBecameOfIt) {
   EXPECT_TRUE(Run_Log(file).Runs().empty());
   EXPECT_FALSE(std::filesystem::exists(file)) << "Looking makes no file.";
   Run_Header header;
-  header.stores = {{"S1", "Personal", "/home/me/a.tidyfold"}, {"S2", "Archive", ""}};
+  header.stores = {{"S1", "Personal", "/home/me/a.tidyfold"}};
   header.options = "Cut-off date 2005-12-31";
   header.items = 4, header.bytes = 1 << 20, header.folders = 2, header.exact = false;
   {
@@ -37,9 +35,8 @@ TEST_F(Run_Log_Test, KeepsWhatARunWasToDoAndWhatBecameOfIt) {
   EXPECT_EQ(run.state, Run_State_In_Log::Ended);
   EXPECT_EQ(run.began, "2023-03-15T12:34:56");
   EXPECT_EQ(run.ended, "2023-03-16T12:34:56");
-  ASSERT_EQ(run.header.stores.size(), 2U);
+  ASSERT_EQ(run.header.stores.size(), 1U);
   EXPECT_EQ(run.header.stores[0].place, "/home/me/a.tidyfold");
-  EXPECT_EQ(run.header.stores[1].name, "Archive");
   EXPECT_EQ(run.header.options, header.options);
   EXPECT_EQ(run.header.bytes, header.bytes);
   EXPECT_FALSE(run.header.exact);
@@ -56,7 +53,6 @@ TEST_F(Run_Log_Test, KeepsWhatARunWasToDoAndWhatBecameOfIt) {
   EXPECT_EQ(items[1].reason, "It is locked.");
   EXPECT_EQ(items[3].folder.path, "Inbox/Lists");
   EXPECT_EQ(items[3].subject, "Subject of I4");
-  EXPECT_EQ(items[3].date, 40000);
 }
 
 TEST_F(Run_Log_Test, FindsWhatCanBeTakenBack) {
@@ -111,13 +107,10 @@ TEST_F(Run_Log_Test, SaysWhichFileCannotBeUsedAndWhatToDo) {
     } catch (const Run_Log_Error& error) {
       const std::string text = error.what();
       EXPECT_NE(text.find(part), std::string::npos) << text;
-      if (!path.empty()) {
-        EXPECT_NE(text.find(path.string()), std::string::npos) << text;
-      }
+      EXPECT_NE(text.find(path.string()), std::string::npos) << text;
     }
   };
-  std::filesystem::create_directories(folder);
-  std::ofstream(folder / "text") << "Something that is no database at all, and long enough to tell that.";
+  Write_Bytes(folder / "text", "Something that is no database at all, and long enough to tell that.");
   expect(folder / "text", "Move it away");
   expect(folder / "text" / "below" / "runs.sqlite", "Make its folder writable");
   { Run_Log(file).Begin({}, now); }
