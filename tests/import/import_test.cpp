@@ -156,8 +156,8 @@ TEST_F(Import_Test, Cancels_In_The_Middle_Of_One_Long_Message) {
 
 class Maildir_Test : public Import_Test {
  protected:
-  std::filesystem::path Message(const std::string& name, const std::string& subject) const {
-    return Write("box/" + name, "Subject: " + subject + "\n\n");
+  void Message(const std::string& name, const std::string& subject) const {
+    Write("box/" + name, "Subject: " + subject + "\n\n");
   }
   void Make(const std::string& name) const {
     for (const char* part : {"cur", "new", "tmp"})

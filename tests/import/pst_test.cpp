@@ -85,15 +85,6 @@ TEST_F(Pst_Test, An_Exchange_Mailbox_Is_Found_Beside_Public_Folders) {
   EXPECT_EQ(Items_In({"Old", "Work", "Inbox", "sub2"}), 29);
 }
 
-TEST_F(Pst_Test, Posts_And_Those_In_The_Top_Folder) {
-  REQUIRE_SHARED_FILE(source, "test_unicode.pst");
-  EXPECT_EQ(Import(source).found, 2);
-  EXPECT_EQ(Items_In({"test_unicode"}), 1);
-  EXPECT_EQ(Items_In({"test_unicode", "Folder"}), 1);
-  EXPECT_EQ(Item(1).item_class, item_class::post);
-  EXPECT_EQ(Item(2).body, "Post\r\n\r\n");
-}
-
 TEST_F(Pst_Test, A_Damaged_Item_Is_Named_And_The_Rest_Goes_In) {
   REQUIRE_SHARED_FILE(source, "dist-list.pst");
   std::string damaged = Bytes_Of(source);

@@ -70,7 +70,7 @@ TEST_F(Change_Ledger_Test, WithoutGroupsEachChangeLastsEvenIfTheLogCannotBeWritt
   EXPECT_EQ(Results(), "0") << "Without groups each change is written ahead.";
   ledger.Settle();
   EXPECT_EQ(Results(), "1");
-  Number("DROP TABLE item");
+  Run_Sql(file, "DROP TABLE item");
   settled.clear();
   Change(ledger, "A");
   EXPECT_NE(ledger.Log_Failure().find(file.string()), std::string::npos);

@@ -209,7 +209,7 @@ TEST_F(Taking_Back_Test, EndsWithTheStoreAndWithTheLog) {
   Expect_Told("2 items were put back.");
   Expect_Told("Outlook was closed.");
   EXPECT_EQ(taking_back.Take_Back_Run().ending, Ending::Broken_Off);
-  events.At_Yield(events.Yields() + 1, [&] { Number("DROP TABLE result"); });
+  events.At_Yield(events.Yields() + 1, [&] { Run_Sql(file, "DROP TABLE result"); });
   Confirm();
   Expect_Told("It ended early: The log of runs");
   const Taking_Back_Report report = taking_back.Take_Back_Run();

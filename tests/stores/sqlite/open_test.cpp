@@ -1,6 +1,3 @@
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <random>
 #include <set>
 #include <vector>
@@ -167,38 +164,6 @@ TEST_F(Store_File, One_Writer_Or_Many_Readers) {
   EXPECT_EQ(In_Killed_Process([&] { return Run_Sql(file_, "DELETE FROM item"); }), SQLITE_BUSY);
   EXPECT_EQ(Run_Sql(file_, "DELETE FROM item"), SQLITE_BUSY);
   EXPECT_EQ(Subjects_Of(*store, "Inbox"), "1 2 3");
-}
-
-TEST(Open, Permissions_Decide_What_Can_Be_Done) {
-  struct Case {
-    const char* name;
-    mode_t file, directory;
-    std::optional<Reason> writing, reading;
-  };
-  const Case cases[] = {{"file for reading", 0444, 0777, Reason::Read_Only, {}},
-                        {"folder for reading", 0666, 0555, Reason::Read_Only, {}},
-                        {"file closed", 0000, 0777, Reason::No_Permission, Reason::No_Permission}};
-  constexpr uid_t nobody = 65534;
-  for (const Case& one : cases) {
-    const Temporary_Directory directory;
-    const fs::path file = directory / "a.tfs";
-    Make_Small_Store(file);
-    const auto before = All_Files(directory.Path());
-    chmod(file.c_str(), one.file);
-    chmod(directory.Path().c_str(), one.directory);
-    const int result = In_Killed_Process([&] {
-      // Permissions do not apply to root.
-      if (geteuid() == 0 && setuid(nobody) != 0) return 100;
-      const bool writing = Refusal(file, Store_Mode::Read_Write) == one.writing;
-      const bool reading = Refusal(file, Store_Mode::Read_Only) == one.reading;
-      return (writing ? 1 : 0) + (reading ? 2 : 0);
-    });
-    chmod(directory.Path().c_str(), 0700);
-    chmod(file.c_str(), 0600);
-    if (result == 100) GTEST_SKIP() << "runs as root, and another user cannot be taken on";
-    EXPECT_EQ(result, 3) << one.name;
-    EXPECT_EQ(All_Files(directory.Path()), before);
-  }
 }
 
 }  // namespace

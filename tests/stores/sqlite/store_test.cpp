@@ -8,24 +8,18 @@
 namespace tidyfold {
 namespace {
 
-class Embedded_Store_Test : public testing::Test {
- protected:
-  Items_Ptr Items_Of(const std::string& folder) { return Folder_Named(*store_, folder)->Items(); }
-
-  Temporary_Directory directory_;
-#ifdef _WIN32
-  const std::filesystem::path file_ = directory_ / "store # 50% \xC3\xA9.tfs";
-#else
-  const std::filesystem::path file_ = directory_ / "store # 50% é?.tfs";
-#endif
-  std::shared_ptr<Embedded_Store> store_ = Embedded_Store::Create(file_, "Personal Folders");
-};
-
 // Compared with the simplest model: two lists of identifiers.
-TEST_F(Embedded_Store_Test, No_Place_Ever_Stands_For_Another_Item) {
+TEST(Embedded_Store_Items, No_Place_Ever_Stands_For_Another_Item) {
+  const Temporary_Directory directory;
+#ifdef _WIN32
+  const std::filesystem::path file = directory / "store # 50% \xC3\xA9.tfs";
+#else
+  const std::filesystem::path file = directory / "store # 50% é?.tfs";
+#endif
+  auto store = Embedded_Store::Create(file, "Personal Folders");
   constexpr int count = 3000, steps = 20000;
-  Add_Numbered(*store_, "Inbox", count);
-  auto inbox = Folder_Named(*store_, "Inbox");
+  Add_Numbered(*store, "Inbox", count);
+  auto inbox = Folder_Named(*store, "Inbox");
   auto items = inbox->Items();
   std::vector<std::string> expected, expected_deleted;
   for (int i = 1; i <= count; ++i) expected.push_back("I" + std::to_string(i));
@@ -36,8 +30,7 @@ TEST_F(Embedded_Store_Test, No_Place_Ever_Stands_For_Another_Item) {
     const auto choice = random() % 200;
     if (choice == 0) at = random() % expected.size();
     if (choice == 1) at = 0;
-    if (choice == 2) at = expected.size() - 1;
-    at = std::min(at, expected.size() - 1);
+    if (choice == 2 || at >= expected.size()) at = expected.size() - 1;
     const auto index = static_cast<std::int32_t>(at + 1);
     const bool forwards = (step / 700) % 2 == 0;
     const auto action = random() % 8;
@@ -50,7 +43,7 @@ TEST_F(Embedded_Store_Test, No_Place_Ever_Stands_For_Another_Item) {
     } else if (action == 2) {
       items->Remove(index);
     } else if (action == 3 && step % 50 == 0) {
-      expected.push_back(store_->Writer().Add_Item(*inbox, {}));
+      expected.push_back(store->Writer().Add_Item(*inbox, {}));
     } else if (action == 4 && step % 10 == 0) {
       items->Item(index)->Move(*inbox);
       expected.push_back(expected[at]);
@@ -63,15 +56,16 @@ TEST_F(Embedded_Store_Test, No_Place_Ever_Stands_For_Another_Item) {
   }
   items.reset();
   inbox.reset();
-  store_.reset();
-  store_ = Embedded_Store::Open(file_, Store_Mode::Read_Write);
+  store.reset();
+  store = Embedded_Store::Open(file, Store_Mode::Read_Write);
   for (const auto& [name, ids] : {std::pair("Inbox", &expected), {"Deleted Items", &expected_deleted}}) {
-    ASSERT_EQ(Items_Of(name)->Count(), static_cast<std::int32_t>(ids->size()));
-    for (std::size_t i = ids->size(); i >= 1; --i)
-      ASSERT_EQ(Items_Of(name)->Item(static_cast<std::int32_t>(i))->EntryID(), (*ids)[i - 1]);
+    items = Folder_Named(*store, name)->Items();
+    ASSERT_EQ(items->Count(), static_cast<std::int32_t>(ids->size()));
+    for (std::int32_t i = items->Count(); i >= 1; --i)
+      ASSERT_EQ(items->Item(i)->EntryID(), (*ids)[static_cast<std::size_t>(i - 1)]);
   }
   EXPECT_GT(expected_deleted.size(), 1000U) << "the walk has to get somewhere";
-  EXPECT_EQ(store_->Check(), std::vector<std::string>());
+  EXPECT_EQ(store->Check(), std::vector<std::string>());
 }
 
 // Folder 1 is the top, 3 the Inbox; items 1 to 3 lie in it.
