@@ -78,7 +78,6 @@ TEST_F(Mime_Test, Is_Unread_Unless_It_Says_Otherwise) {
       {"Status: RO\n", false},
       {"X-Mozilla-Status: 0011\n", false},
       {"X-Gmail-Labels: Archived,Opened\n", false},
-      {"X-Gmail-Labels: Inbox,Unread\n", true},
       {"Status: DRAFT\n", true},  // a word, not flags
   };
   for (const auto& [headers, unread] : cases) {
@@ -179,15 +178,6 @@ TEST_F(Mime_Test, Files_In_Tnef_And_In_Uuencoded_Text_Are_Attachments) {
     EXPECT_EQ(item.attachments[0].name, c.name);
     EXPECT_EQ(item.attachments[0].size, c.size);
   }
-}
-
-TEST_F(Mime_Test, Reads_What_Outlook_Sent) {
-  REQUIRE_SHARED_FILE(five, "winmail.dat");
-  const New_Item item = Read("From: a@b\nContent-Type: application/ms-tnef\n\n" + Bytes_Of(five));
-  EXPECT_NE(item.body.find("These are five files."), std::string::npos);
-  ASSERT_EQ(item.attachments.size(), 5U);
-  EXPECT_EQ(item.attachments[2].name, "quick.pdf");
-  EXPECT_EQ(item.attachments[2].size, 18638);
 }
 
 TEST_F(Mime_Test, Class_Follows_Calendar_And_Report_Parts) {

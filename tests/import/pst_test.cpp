@@ -13,11 +13,9 @@ class Pst_Test : public Import_Test {
 
 TEST(Pst_Classes, Follow_The_Nearest_Known_Parent) {
   const std::pair<std::string_view, std::int32_t> cases[] = {
-      {"IPM.Note", item_class::mail},
       {"IPM.Note.SMIME.MultipartSigned", item_class::mail},
       {"ipm.appointment.Live Meeting", item_class::appointment},
       {"IPM.Tasks", item_class::mail},
-      {"IPM.DistList", item_class::distribution_list},
       {"IPM.Schedule.Meeting.Resp.Tent", item_class::meeting_response_tentative},
       {"IPM.TaskRequest.Decline", item_class::task_request_decline},
       {"REPORT.IPM.Note.NDR", item_class::report},

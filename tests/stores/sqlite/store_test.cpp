@@ -1,9 +1,7 @@
 #include <random>
 #include <vector>
 
-#include "outlook/object_model.h"
 #include "stores/sqlite/temporary_store.h"
-#include "stores/store_under_test.h"
 
 namespace tidyfold {
 namespace {
