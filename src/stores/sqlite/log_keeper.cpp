@@ -27,7 +27,12 @@ std::optional<Log_Numbers> Numbers_Of(Database& database) {
 }  // namespace
 
 bool Log_Belongs(Database& with_log, Database& without_log) {
-  const auto file = Numbers_Of(without_log);
+  std::optional<Log_Numbers> file;
+  try {
+    file = Numbers_Of(without_log);
+  } catch (const Automation_Error& error) {
+    if (error.Number() != automation_error::corrupt_data) throw;
+  }
   if (!file) return true;
   try {
     const auto log = Numbers_Of(with_log);

@@ -33,6 +33,28 @@ TEST_F(Crash, Leaves_Every_Item_Where_It_Was_Or_Where_It_Was_Going) {
   }
 }
 
+// The disk is full when the log is written back: the file then has pages of before and after.
+TEST_F(Crash, A_Log_That_Was_Not_Written_Back_To_Its_End_Is_Part_Of_The_Store) {
+  Make_Small_Store(file_, 300);
+  {
+    Fault_Vfs disk(".tfs");
+    const auto store = Open();
+    const auto inbox = Folder_Named(*store, "Inbox");
+    disk.Fail_Growing();
+    for (int number = 301; number <= 900; ++number) {
+      New_Item item;
+      item.subject = std::to_string(number);
+      store->Writer().Add_Item(*inbox, item);
+    }
+    store->Commit_Pending();
+  }
+  for (const Store_Mode mode : {Store_Mode::Read_Only, Store_Mode::Read_Write}) {
+    const auto store = Open(mode);
+    EXPECT_EQ(store->Check(), std::vector<std::string>());
+    EXPECT_EQ(Folder_Named(*store, "Inbox")->Items()->Count(), 900);
+  }
+}
+
 // A folder's items are cleared away in pieces; what a crash leaves of them is never seen again.
 TEST_F(Crash, A_Removed_Folder_Does_Not_Come_Back) {
   In_Crash(20000, [](Embedded_Store& store) {

@@ -2,11 +2,10 @@
 // to.
 #pragma once
 
-#include <signal.h>
 #include <sqlite3.h>
-#include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <map>
 #include <string>
 #include <string_view>
@@ -20,7 +19,7 @@ struct Planned_Failure {
 
   bool Comes() {
     if (left == 0) {
-      if (result == killed) kill(getpid(), SIGKILL);
+      if (result == killed) std::_Exit(1);
       errno = system_error;
       return true;
     }
@@ -57,7 +56,12 @@ class Fault_Vfs {
   void Fail_Reading(int number, int result, int system_error) {
     reading_ = {number - 1, result, system_error};
   }
-  void Repair() { writing_ = reading_ = {}; }
+  // From now on writing fails that makes a file longer, as on a full disk.
+  void Fail_Growing() { full_ = true; }
+  void Repair() {
+    writing_ = reading_ = {};
+    full_ = false;
+  }
 
  private:
   // The file is the real one; only its table of functions is exchanged.
@@ -75,6 +79,9 @@ class Fault_Vfs {
     Table& table = tables_[file->pMethods];
     table = {*file->pMethods, file->pMethods};
     table.own.xWrite = [](sqlite3_file* target, const void* bytes, int count, sqlite3_int64 at) {
+      sqlite3_int64 size = 0;
+      if (full_ && Real(target).xFileSize(target, &size) == SQLITE_OK && at + count > size)
+        return SQLITE_FULL;
       return writing_.Comes() ? writing_.result : Real(target).xWrite(target, bytes, count, at);
     };
     table.own.xRead = [](sqlite3_file* source, void* bytes, int count, sqlite3_int64 at) {
@@ -89,6 +96,7 @@ class Fault_Vfs {
   static inline std::map<const sqlite3_io_methods*, Table> tables_;
   static inline Planned_Failure writing_, reading_;
   static inline std::string ending_;
+  static inline bool full_ = false;
 };
 
 }  // namespace tidyfold
