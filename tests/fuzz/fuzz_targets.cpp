@@ -1,16 +1,12 @@
 #include "fuzz/fuzz_targets.h"
 
 #include <gmime/gmime.h>
-#include <sys/mman.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
-#include <cstdint>
-#include <filesystem>
-#include <system_error>
 
 #include "base/text.h"
+#include "doubles/temporary_directory.h"
 #include "import/apple_message.h"
 #include "import/calendar_item.h"
 #include "import/calendar_text.h"
@@ -56,24 +52,6 @@ void Unless_Refused(Read read) {
   }
 }
 
-// A file in memory, for readers that take a path.
-class Memory_File {
- public:
-  explicit Memory_File(const std::string& bytes) : descriptor_(memfd_create("fuzz", MFD_CLOEXEC)) {
-    const bool written = descriptor_ >= 0 &&
-                         write(descriptor_, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size());
-    if (!written) throw std::system_error(errno, std::generic_category(), "memfd");
-  }
-  Memory_File(const Memory_File&) = delete;
-  Memory_File& operator=(const Memory_File&) = delete;
-  ~Memory_File() { close(descriptor_); }
-
-  std::filesystem::path Path() const { return "/proc/self/fd/" + std::to_string(descriptor_); }
-
- private:
-  int descriptor_;
-};
-
 void Run_Message(const std::string& bytes) {
   Unless_Refused([&] {
     const New_Item item = Read_Mime_Message(bytes);
@@ -90,8 +68,8 @@ void Run_Message(const std::string& bytes) {
 }
 
 void Run_Mbox(const std::string& bytes) {
-  const Memory_File memory(bytes);
-  Source_File file(memory.Path());
+  static const Temporary_Directory directory;
+  Source_File file(Write_Bytes(directory / "mbox", bytes));
   Mbox_Reader reader(file, [] {});
   std::int64_t end = 0;
   while (const auto message = reader.Next()) {

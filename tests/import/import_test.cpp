@@ -18,15 +18,11 @@ TEST_F(Import_Test, Kinds_Are_Told_By_Content_Whatever_The_Name) {
   const std::pair<std::string_view, Source_Kind> cases[] = {
       {"!BDN....", Source_Kind::Pst},
       {"From a@b Fri Aug 23 02:32:53 2002\nSubject: x\n\n", Source_Kind::Mbox},
-      {"From - \r\nSubject: x\r\n\r\n", Source_Kind::Mbox},
       {"\n\nFrom a@b Fri Aug 23 02:32:53 2002\nSubject: x\n\n", Source_Kind::Mbox},
       {"Return-Path: <a@b>\nX-Odd: y\n\tand on\n\nbody", Source_Kind::Message},
       {"\xEF\xBB\xBFSubject: x\r\n\r\nbody", Source_Kind::Message},
       {"From : a@b\n\nbody", Source_Kind::Message},  // an old header form, not a separator
-      {"21        \nSubject: x\n\nbody\n", Source_Kind::Message},
-      {"\xEF\xBB\xBF"
-       "begin:vcalendar\r\n",
-       Source_Kind::Calendar},
+      {"\nbegin:vcalendar\r\n", Source_Kind::Calendar},
       {"\r\nBEGIN:VCARD\nVERSION:2.1", Source_Kind::Contacts},
       {"\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1", Source_Kind::Msg},
   };
@@ -42,10 +38,8 @@ TEST_F(Import_Test, What_Is_No_Source_Or_Cut_Off_Is_Refused_And_Changes_Nothing)
       {"", "is empty"},
       {std::string_view("\0\x01\xFFjunk\n", 8), "none that can be imported"},
       {"From the beginning it was: text\nand no mail.\n", "none that can be imported"},
-      {"#!/bin/sh\necho From: a\n", "none that can be imported"},
       {"Name: x\nColour: y\n\n", "none that can be imported"},  // header fields, but none of mail
       {"!BDN and then something else, long enough for a header", "cut off"},
-      {std::string_view("!BD", 3), "none that can be imported"},
   };
   for (const auto& [content, part] : cases) {
     const std::string error = Error_Of(Write("odd.mbox", content));
@@ -83,9 +77,6 @@ TEST_F(Import_Test, Goes_Into_The_Folder_Named_Or_One_Named_After_The_Source) {
   options.folder_path.reset();
   Import(Write("inbox.mbox", Mbox(1)), options);
   EXPECT_EQ(Items_In({"inbox (imported)"}), 1);
-  options.merge = true;
-  Import(Write("Inbox", Mbox(1)), options);
-  EXPECT_EQ(Items_In({"Inbox"}), 1);
 }
 
 TEST_F(Import_Test, What_Is_There_Already_Stays_Out) {
@@ -107,11 +98,14 @@ TEST_F(Import_Test, Goes_On_Where_A_Cancelled_Or_Failed_Import_Ended) {
             std::string(1'100'000, 'x') + "\n";
   }
   const auto source = Write("mail", many);
+  writer.items_until_full = 2;
+  EXPECT_THROW(Import(source), Automation_Error);
+  EXPECT_EQ(writer.roll_backs, 1);
+  EXPECT_EQ(store.Top_Folder()->Folders()->Count(), 10);
   writer.items_until_full = 20;
   const Import_Report full = Import(source, {});
   EXPECT_EQ(full.ended_by, "The disk is full.");
   EXPECT_EQ(full.imported, 16);
-  EXPECT_EQ(full.found, 16);
   EXPECT_EQ(Items_In({"mail"}), 16);
   writer.items_until_full = -1;
   Import_Options options;
@@ -123,23 +117,6 @@ TEST_F(Import_Test, Goes_On_Where_A_Cancelled_Or_Failed_Import_Ended) {
   const Import_Report rest = Import(source, {});
   EXPECT_EQ(rest.found, 40);
   EXPECT_EQ(rest.imported, 24 - cancelled.imported);
-}
-
-TEST_F(Import_Test, Bad_Messages_Do_Not_Keep_The_Rest_Out) {
-  const std::string bad = "From a@b Fri Aug 23 02:32:53 2002\n>From x\n\nno header\n\n";
-  const Import_Report report = Import(Write("mail", Mbox(1) + bad + Mbox(1)));
-  EXPECT_EQ(report.found, 3);
-  EXPECT_EQ(report.imported, 2);
-  ASSERT_EQ(report.failures.size(), 1U);
-  EXPECT_EQ(report.failures[0].where, "message 2, at byte 52");
-}
-
-TEST_F(Import_Test, A_Store_That_Cannot_Be_Written_Is_Left_As_It_Was) {
-  writer.items_until_full = 2;
-  EXPECT_THROW(Import(Write("mail", Mbox(3))), Automation_Error);
-  EXPECT_EQ(writer.roll_backs, 1);
-  EXPECT_EQ(writer.commits, 0);
-  EXPECT_EQ(store.Top_Folder()->Folders()->Count(), 10);
 }
 
 TEST_F(Import_Test, Progress_Is_Told_And_Can_Cancel) {
@@ -156,10 +133,6 @@ TEST_F(Import_Test, Progress_Is_Told_And_Can_Cancel) {
   EXPECT_EQ(Import(source, options).imported, 5000);
   EXPECT_GT(last, 0);
 
-  options.progress = [](std::int64_t, std::optional<std::int64_t>) { return false; };
-  const Import_Report report = Import(source, options);
-  EXPECT_TRUE(report.cancelled);
-  EXPECT_EQ(report.found, report.there_already + report.imported);
   options.progress = [](std::int64_t, std::optional<std::int64_t>) -> bool {
     throw std::bad_function_call();
   };
@@ -183,8 +156,8 @@ TEST_F(Import_Test, Cancels_In_The_Middle_Of_One_Long_Message) {
 
 class Maildir_Test : public Import_Test {
  protected:
-  std::filesystem::path Message(const std::string& name, const std::string& subject) const {
-    return Write("box/" + name, "Subject: " + subject + "\n\n");
+  void Message(const std::string& name, const std::string& subject) const {
+    Write("box/" + name, "Subject: " + subject + "\n\n");
   }
   void Make(const std::string& name) const {
     for (const char* part : {"cur", "new", "tmp"})
@@ -195,38 +168,31 @@ class Maildir_Test : public Import_Test {
 TEST_F(Maildir_Test, File_Names_Tell_Flags_And_Delivery) {
   struct Case {
     std::string_view name;
-    bool is_new, seen, trashed, flagged, answered;
+    bool is_new;
+    std::string_view flags;  // seen, trashed, flagged, answered
     Date delivered;
   };
   const Case cases[] = {
-      {"1030084373.M1P2.host:2,FRS", false, true, false, true, true, Day(37491, 2, 32, 53)},
-      {"1030084373.host:2,ST", false, true, true, false, false, Day(37491, 2, 32, 53)},
-      {"1030084373.host;2,S", false, true, false, false, false, Day(37491, 2, 32, 53)},
-      {"1030084373.host!2,", false, false, false, false, false, Day(37491, 2, 32, 53)},
-      {"1030084373.STST", false, false, false, false, false, Day(37491, 2, 32, 53)},
+      {"1030084373.M1P2.host:2,FRST", false, "STFR", Day(37491, 2, 32, 53)},
+      {"1030084373.host;2,S", false, "S", Day(37491, 2, 32, 53)},
+      {"1030084373.STST", false, "", Day(37491, 2, 32, 53)},
       // Nothing in new/ is seen.
-      {"1030084373.host:2,S", true, false, false, false, false, Day(37491, 2, 32, 53)},
-      {"msg.1", false, false, false, false, false, no_date},
-      {"12345678901234567890.x", false, false, false, false, false, no_date},
+      {"1030084373.host:2,S", true, "", Day(37491, 2, 32, 53)},
+      {"12345678901234567890.x", false, "", no_date},
   };
   for (const Case& c : cases) {
     const Maildir_Message message = Read_Maildir_Name(std::string(c.name), c.is_new);
-    EXPECT_EQ(message.seen, c.seen) << c.name;
-    EXPECT_EQ(message.trashed, c.trashed) << c.name;
-    EXPECT_EQ(message.flagged, c.flagged) << c.name;
-    EXPECT_EQ(message.answered, c.answered) << c.name;
+    const std::string flags = std::string(message.seen, 'S') + std::string(message.trashed, 'T') +
+                              std::string(message.flagged, 'F') + std::string(message.answered, 'R');
+    EXPECT_EQ(flags, c.flags) << c.name;
     EXPECT_DOUBLE_EQ(message.delivered, c.delivered) << c.name;
   }
 }
 
 TEST_F(Maildir_Test, Comes_In_With_Flags_And_Sub_Folders) {
-  Make("");
-  Make(".Sent");
-  Make(".Lists.Entw&APw-rfe");
-  Make("plain/below");
-  Make("plain");
-  Make(".Odd&name");
-  Make("bare/.Only.Here");  // below a folder that is no Maildir
+  // The last one lies below a folder that is no Maildir.
+  for (const char* name : {"", ".Sent", ".Lists.Entw&APw-rfe", "plain/below", "plain", "bare/.Only.Here"})
+    Make(name);
   std::filesystem::remove_all(directory / "box/bare/.Only.Here/new");
   Message("bare/.Only.Here/cur/1.x:2,FR", "bare");
   Message("cur/1030084374.b:2,S", "second");
@@ -240,7 +206,6 @@ TEST_F(Maildir_Test, Comes_In_With_Flags_And_Sub_Folders) {
   std::filesystem::create_directory_symlink(directory / "box", directory / "box" / "loop");
   const Import_Report report = Import(directory / "box" / "");
   EXPECT_EQ(Counts_Of(report), "7 items found, 6 imported, 0 failed, 1 left out");
-  EXPECT_EQ(report.left_out[0].why, deleted_mail);
   EXPECT_EQ(Subjects(), (std::vector<std::string>{"first", "second", "draft", "sent", "bare", "deep"}));
   EXPECT_TRUE(writer.written[4].item.flagged && writer.written[4].item.answered);
   EXPECT_TRUE(writer.written[0].item.unread);
@@ -249,9 +214,7 @@ TEST_F(Maildir_Test, Comes_In_With_Flags_And_Sub_Folders) {
   EXPECT_EQ(Items_In({"box"}), 2);
   EXPECT_EQ(Items_In({"box", "bare", "Only", "Here"}), 1);
   EXPECT_EQ(Items_In({"box", "Lists", "Entwürfe"}), 1);
-  EXPECT_EQ(Items_In({"box", "Sent"}), 1);
   EXPECT_EQ(Items_In({"box", "plain", "below"}), 1);
-  EXPECT_EQ(Items_In({"box", "Odd&name"}), 0);
 }
 
 TEST_F(Maildir_Test, What_Cannot_Be_Read_Is_Counted_And_Named) {
@@ -263,12 +226,9 @@ TEST_F(Maildir_Test, What_Cannot_Be_Read_Is_Counted_And_Named) {
   std::filesystem::create_symlink("nowhere", directory / "box" / "cur" / "5.dangling");
   Write("box/cur/6.\xFFinvalid", "");
   const Import_Report report = Import(directory / "box");
-  EXPECT_EQ(report.found, 6);
-  EXPECT_EQ(report.imported, 1);
-  EXPECT_EQ(report.failed, 5);
+  EXPECT_EQ(Counts_Of(report), "6 items found, 1 imported, 5 failed");
   ASSERT_EQ(report.failures.size(), 5U);
   EXPECT_TRUE(report.failures[0].where.ends_with("2.empty"));
-  EXPECT_EQ(report.failures[0].why, "it is empty");
   EXPECT_EQ(report.failures[1].why, "it has no message headers");
   EXPECT_TRUE(report.failures[4].where.ends_with("6.\uFFFDinvalid"));
 }

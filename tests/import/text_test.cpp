@@ -1,9 +1,4 @@
 // Charsets, HTML, RTF and dates.
-#include <gtest/gtest.h>
-
-#include <string>
-#include <string_view>
-
 #include "import/charset.h"
 #include "import/html_text.h"
 #include "import/import_fixture.h"
@@ -19,54 +14,37 @@ TEST(Charset, Reads_Declared_Wrong_And_Missing_Charsets) {
   };
   const Case cases[] = {
       {"plain", "us-ascii", "plain"},
-      {"caf\xE9", "", "café"},               // nothing declared: not UTF-8, so Windows-1252
-      {"caf\xC3\xA9", "", "café"},           // nothing declared, and UTF-8
-      {"caf\xC3\xA9", "x-no-such", "café"},  // unknown
-      {"caf\xC3", "utf-8", "caf\uFFFD"},     // declared, broken
+      {"caf\xE9", "", "café"},            // nothing declared: not UTF-8, so Windows-1252
+      {"caf\xC3\xA9", "", "café"},        // nothing declared, and UTF-8
+      {"caf\xC3", "utf-8", "caf\uFFFD"},  // declared, broken
       {"\x93q\x94 \x80", "ISO-8859-1", "“q” €"},
       {"\xF0\xD2\xC9", "koi8-r", "При"},
       {"\x1B$B$\"\x1B(B", "iso-2022-jp", "あ"},
-      {"\xC4\xE3", "gb2312", "你"},
       {"a\x82", "shift_jis", "a\uFFFD"},  // ends within a character
       {std::string_view("a\0b\0", 4), "utf-16le", "ab"},
-      {std::string_view("a\0b", 3), "us-ascii", "ab"},
-      {"\x81", "windows-1252", "\uFFFD"},
   };
   for (const Case& c : cases) EXPECT_EQ(To_Utf8(c.bytes, c.charset), c.text) << c.charset;
   EXPECT_EQ(To_Utf8("\xCF\xF0", Code_Page_Charset(1251)), "Пр");
-  EXPECT_EQ(To_Utf8("\xA4", Code_Page_Charset(28605)), "€");
-  EXPECT_EQ(To_Utf8("\xE9", Code_Page_Charset(0)), "é");
   EXPECT_EQ(To_Utf8("\xE9", Code_Page_Charset(4294967295)), "é");
 }
 
 TEST(Charset, Long_Text_Crosses_The_Converter_S_Buffer) {
-  std::string bytes, text;
-  for (int i = 0; i < 5000; ++i) {
-    bytes += "\xE9";
-    text += "é";
-  }
-  EXPECT_EQ(To_Utf8(bytes, "iso-8859-15"), text);
-}
-
-TEST(Charset, One_Line_Has_No_Breaks) {
-  EXPECT_EQ(One_Line("a\r\nb\tc\xFF"), "a  b c\uFFFD");
+  std::string text;
+  for (int i = 0; i < 5000; ++i) text += "é";
+  EXPECT_EQ(To_Utf8(std::string(5000, '\xE9'), "iso-8859-15"), text);
 }
 
 TEST(Html, Becomes_What_A_Reader_Sees) {
   const std::pair<std::string_view, std::string_view> cases[] = {
       {"<p>One\n two</p><p>three</p>", "One two\n\nthree"},
-      {"a<br>b<BR/>c", "a\nb\nc"},
       {"<table><tr><td>a</td><td>b</td></tr><tr><td>c</td></tr></table>", "a b\nc"},
       {"<head><title>T</title><style>p{}</style></head><script>if (a<b) x();</script>text", "text"},
       {"<!-- <p>hidden</p> -->shown<![endif]>", "shown"},
       {"a &amp;&lt;&gt; b&nbsp;c &#8364; &#x20AC; &eacute; &bogus; & &#150; &#0; d",
        "a &<> b c € € é &bogus; & – &#0; d"},
-      {"x &lt;b&gt; is no tag, 1 < 2 neither", "x <b> is no tag, 1 < 2 neither"},
       {"<a title=\"a > b\" href='x>y'>link</a>", "link"},
-      {"<a title=\"never closed>link</a> on", "link on"},
       {"<ul><li>one<li>two</ul>", "- one\n- two"},
       {"<pre>a\n  b</pre>c", "a\n  b\nc"},
-      {"unfinished <a href=", "unfinished"},
       {"<style>never closed", ""},
   };
   for (const auto& [html, text] : cases) EXPECT_EQ(Html_To_Text(html), text) << html;
@@ -89,13 +67,11 @@ TEST(Rtf, Becomes_What_A_Reader_Sees) {
 TEST(Local_Date, Follows_The_Zone_And_Knows_No_Date) {
   const In_New_York zone;
   EXPECT_DOUBLE_EQ(Local_Date(1030084373), Day(37491, 2, 32, 53));  // 2002-08-23 06:32:53 UTC, in summer
-  EXPECT_DOUBLE_EQ(Local_Date(1041379200), Day(37621, 19));  // 2003-01-01 00:00 UTC: the evening before
   EXPECT_DOUBLE_EQ(Local_Date_From_Filetime(116444736000000000), Day(25568, 19));  // 1970-01-01 UTC
   EXPECT_DOUBLE_EQ(Date_From_Floating_Filetime(116444736000000000), Day(25569));
   EXPECT_EQ(Local_Date_From_Filetime(0x0CB34557A3DD4000), no_date);  // Outlook's own, 4501-01-01
-  for (const std::uint64_t absurd : {std::uint64_t{0}, std::uint64_t{1}, ~std::uint64_t{0}}) {
-    EXPECT_EQ(Local_Date_From_Filetime(absurd), no_date);
-  }
+  EXPECT_EQ(Local_Date_From_Filetime(0), no_date);
+  EXPECT_EQ(Local_Date_From_Filetime(~std::uint64_t{0}), no_date);
   EXPECT_EQ(Date_From_Calendar(2003, 2, 29, 0, 0, 0), no_date);
 }
 

@@ -1,41 +1,15 @@
 // Runs in processes of their own, some of which come to a sudden end.
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <array>
-#include <functional>
-
 #include "runs/log_fixture.h"
+#include "stores/sqlite/other_process.h"
 
 namespace tidyfold {
 namespace {
 
-class Processes : public Log_Fixture {
- protected:
-  // Runs in a child, which ends without any destructor.
-  static pid_t Start(const std::function<void()>& work) {
-    const pid_t child = fork();
-    if (child != 0) return child;
-    try {
-      work();
-    } catch (const std::exception& error) {
-      std::fprintf(stderr, "%s\n", error.what());
-      _exit(1);
-    }
-    _exit(0);
-  }
-  static void Await(pid_t child) {
-    int status = 0;
-    ASSERT_EQ(waitpid(child, &status, 0), child);
-    ASSERT_EQ(status, 0);
-  }
-};
+using Processes = Log_Fixture;
 
 TEST_F(Processes, AKilledRunCanBeReadAndIsToldOnce) {
-  std::array<int, 2> written{}, go_on{};
-  ASSERT_EQ(pipe(written.data()) + pipe(go_on.data()), 0);
-  const pid_t child = Start([&] {
-    Run_Log log(file);
+  Other_Process other([&] {
+    Run_Log& log = Left_Open(std::make_shared<Run_Log>(file));
     log.Begin({}, now);
     for (const char* id : {"I1", "I2", "I3"}) log.Note(Noted(id));
     log.Flush();
@@ -44,17 +18,14 @@ TEST_F(Processes, AKilledRunCanBeReadAndIsToldOnce) {
     log.Flush();
     log.Set_Result(2, Item_Result::Done);
     log.Note(Noted("I5"));
-    char byte = 0;
-    if (write(written[1], &byte, 1) != 1 || read(go_on[0], &byte, 1) != 1) _exit(1);
+    return 0;
   });
-  char byte = 0;
-  ASSERT_EQ(read(written[0], &byte, 1), 1);
+  ASSERT_EQ(other.Result(), 0);
   Run_Log log(file);
   EXPECT_EQ(log.Run(1)->state, Run_State_In_Log::Under_Way);
   EXPECT_TRUE(log.Killed_Since_Last_Told().empty());
   EXPECT_FALSE(log.Last_To_Take_Back());
-  ASSERT_EQ(write(go_on[1], &byte, 1), 1);
-  Await(child);
+  other.Kill();
 
   const std::vector<Logged_Run> killed = log.Killed_Since_Last_Told();
   ASSERT_EQ(killed.size(), 1U);
@@ -64,12 +35,11 @@ TEST_F(Processes, AKilledRunCanBeReadAndIsToldOnce) {
   EXPECT_EQ(log.Last_To_Take_Back()->run, 1);
   log.Told(1);
   EXPECT_TRUE(log.Killed_Since_Last_Told().empty());
-  for (const int end : {written[0], written[1], go_on[0], go_on[1]}) close(end);
 }
 
 TEST_F(Processes, TwoWriteAtOnce) {
   constexpr int flushes = 100, items_per_flush = 20;
-  const auto write_run = [&] {
+  const auto write_run = [&]() noexcept {
     Run_Log log(file);
     log.Begin({}, now);
     for (int i = 0; i < flushes; ++i) {
@@ -79,9 +49,12 @@ TEST_F(Processes, TwoWriteAtOnce) {
     }
     log.End({flushes * items_per_flush, false, false}, now);
   };
-  const pid_t one = Start(write_run), other = Start(write_run);
-  Await(one);
-  Await(other);
+  const pid_t child = fork();
+  write_run();
+  if (child == 0) _exit(0);
+  int status = 0;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  ASSERT_EQ(status, 0);
   Run_Log log(file);
   ASSERT_EQ(log.Runs().size(), 2U);
   for (const Logged_Run& run : log.Runs()) {

@@ -50,15 +50,11 @@ TEST_F(Taking_Back_Test, PutsEverythingBackOnceAndInOrder) {
   const Taking_Back_Report report = taking_back.Take_Back_Run();
   EXPECT_EQ(report.ending, Ending::Done);
   EXPECT_TRUE(report.Complete());
-  ASSERT_EQ(report.folders.size(), 1U);
-  EXPECT_EQ(report.folders[0].entry_id, cooking->EntryID());
   EXPECT_EQ(cooking->Items()->Count(), 5);
   for (int i = 1; i <= 5; ++i)
     EXPECT_EQ(cooking->Items()->Item(i)->EntryID(), ids[static_cast<std::size_t>(i - 1)]);
   EXPECT_EQ(log.Run(run)->taken_back, report.run);
-  const Logged_Run undo = *log.Run(report.run);
-  EXPECT_EQ(undo.header.undo_of, run);
-  EXPECT_EQ(undo.outcome.processed, 5);
+  EXPECT_EQ(log.Run(report.run)->outcome.processed, 5);
   EXPECT_EQ(Items(log, report.run)[4].result, Item_Result::Done);
 
   Expect_Told("There is no run to take back.");
@@ -71,22 +67,20 @@ TEST_F(Taking_Back_Test, PutsEverythingBackOnceAndInOrder) {
 
 TEST_F(Taking_Back_Test, MakesFoldersAgainOnlyWhereTheyAreGone) {
   struct Case {
-    const char* what;
     std::function<void()> change;
     const char* path;
     bool made;
   };
   const MAPIFolder_Ptr inbox = store.Folder({"Inbox"}), trash = store.Folder({"Deleted Items"});
   const Case cases[] = {
-      {"renamed", [&] { store.Rename_Folder(*cooking, "Kitchen"); }, "Inbox/Lists/Kitchen", false},
-      {"moved", [&] { store.Move_Folder(*cooking, *inbox); }, "Inbox/Kitchen", false},
-      {"thrown away", [&] { store.Move_Folder(*cooking, *trash); }, "Inbox/Kitchen", true},
-      {"another of that name", [&] { store.Add_Folder(*inbox, "Kitchen", item_type::mail); }, "Inbox/Kitchen",
-       false},
-      {"gone", [&] { Remove(*inbox, "Kitchen"), Remove(*inbox, "Kitchen"); }, "Inbox/Kitchen", true},
+      {[&] { store.Rename_Folder(*cooking, "Kitchen"); }, "Inbox/Lists/Kitchen", false},
+      {[&] { store.Move_Folder(*cooking, *inbox); }, "Inbox/Kitchen", false},
+      {[&] { store.Move_Folder(*cooking, *trash); }, "Inbox/Kitchen", true},
+      {[&] { store.Add_Folder(*inbox, "Kitchen", item_type::mail); }, "Inbox/Kitchen", false},
+      {[&] { Remove(*inbox, "Kitchen"), Remove(*inbox, "Kitchen"); }, "Inbox/Kitchen", true},
   };
   for (const Case& c : cases) {
-    SCOPED_TRACE(c.what);
+    SCOPED_TRACE(c.path);
     Clean_All();
     c.change();
     Confirm();
@@ -128,7 +122,6 @@ TEST_F(Taking_Back_Test, NamesWhatCannotBePutBack) {
   };
   const Case cases[] = {
       {"its subject is another", changed([](New_Item& item) { item.subject = "New"; }), Item_Result::Changed},
-      {"its date is another", changed([](New_Item& item) { item.received = 41000; }), Item_Result::Changed},
       {"its type is another", changed([](New_Item& item) { item.item_class = item_class::post; }),
        Item_Result::Changed},
       {"It lies in \"Inbox\" now.",
@@ -145,7 +138,7 @@ TEST_F(Taking_Back_Test, NamesWhatCannotBePutBack) {
   Clean_All();
   for (std::size_t i = 0; i < std::size(cases); ++i) cases[i].change(ids[i]);
   Confirm();
-  Expect_Told("1 item was put back.\r\n\r\n6 items could not be put back:\r\nCook/ing 1: ");
+  Expect_Told("1 item was put back.\r\n\r\n5 items could not be put back:\r\nCook/ing 1: ");
   const Taking_Back_Report report = taking_back.Take_Back_Run();
   EXPECT_EQ(Place(ids.back()), "Inbox/Lists/Cook\\/ing");
   ASSERT_EQ(report.not_put_back.size(), std::size(cases));
@@ -158,15 +151,6 @@ TEST_F(Taking_Back_Test, NamesWhatCannotBePutBack) {
     EXPECT_EQ(noted[i].reason, report.not_put_back[i].reason);
   }
   EXPECT_EQ(log.Last_To_Take_Back()->run, report.undo_of) << "What failed can be tried again.";
-}
-
-TEST_F(Taking_Back_Test, SaysWhatIsGoneForGood) {
-  Clean_All(Item_Action::Deleted);
-  Expect_Told("5 items were deleted for good and cannot be put back.");
-  const Taking_Back_Report report = taking_back.Take_Back_Run();
-  EXPECT_EQ(report.ending, Ending::Nothing_To_Do);
-  EXPECT_EQ(report.gone_for_good, 5);
-  EXPECT_FALSE(report.Complete());
 }
 
 TEST_F(Taking_Back_Test, OfAKilledRunPutsBackWhatWasMoved) {
@@ -194,7 +178,9 @@ TEST_F(Taking_Back_Test, OfAKilledRunPutsBackWhatWasMoved) {
   Expect_All_Back();
   Confirm();
   Expect_Told("5 items were deleted for good");
-  EXPECT_EQ(taking_back.Take_Back_Run(run - 1).gone_for_good, 5);
+  const Taking_Back_Report report = taking_back.Take_Back_Run(run - 1);
+  EXPECT_EQ(report.gone_for_good, 5);
+  EXPECT_FALSE(report.Complete());
 }
 
 TEST_F(Taking_Back_Test, CanBeCancelledAndGoneOnWith) {
@@ -222,7 +208,7 @@ TEST_F(Taking_Back_Test, EndsWithTheStoreAndWithTheLog) {
   Expect_Told("2 items were put back.");
   Expect_Told("Outlook was closed.");
   EXPECT_EQ(taking_back.Take_Back_Run().ending, Ending::Broken_Off);
-  events.At_Yield(events.Yields() + 1, [&] { Number("DROP TABLE result"); });
+  events.At_Yield(events.Yields() + 1, [&] { Run_Sql(file, "DROP TABLE result"); });
   Confirm();
   Expect_Told("It ended early: The log of runs");
   const Taking_Back_Report report = taking_back.Take_Back_Run();

@@ -1,4 +1,3 @@
-#include "stores/sqlite/embedded_outlook.h"
 #include "stores/sqlite/fault_vfs.h"
 #include "stores/sqlite/other_process.h"
 #include "stores/sqlite/temporary_store.h"
@@ -9,10 +8,10 @@ namespace {
 
 class Crash : public Store_File {
  protected:
-  // Works on the store in another process, which is then killed. The work says which of its steps failed.
-  void In_Crash(int items, const std::function<int(Embedded_Store& store)>& work) {
+  // Works on the store in another process, which is then killed.
+  void In_Crash(int items, const std::function<void(Embedded_Store& store)>& work) {
     Make_Small_Store(file_, items);
-    EXPECT_EQ(In_Killed_Process([&] { return work(Left_Open(Open())); }), 0);
+    EXPECT_EQ(In_Killed_Process([&] { return work(Left_Open(Open())), 0; }), 0);
   }
 };
 
@@ -29,7 +28,6 @@ TEST_F(Crash, Leaves_Every_Item_Where_It_Was_Or_Where_It_Was_Going) {
       const auto items = Folder_Named(store, "Inbox")->Items();
       for (int i = 0; i < c.deletions; ++i) items->Item(items->Count())->Delete();
       if (c.commit) store.Commit_Pending();
-      return 0;
     });
     Expect_Kept(Numbers(1, c.left), c.left == 300 ? "" : Numbers(300, c.left + 1, -1));
   }
@@ -66,16 +64,9 @@ TEST_F(Crash, A_Removed_Folder_Does_Not_Come_Back) {
     deep.reset();
     while (folders->Count() > 0) folders->Remove(1);
     store.Commit_Pending();
-    return 0;
   });
   EXPECT_EQ(Open(Store_Mode::Read_Only)->Check(), std::vector<std::string>());
-  Embedded_Outlook outlook;
-  outlook.Open({file_});
-  const auto session = outlook.GetObject("", "Outlook.Application")->GetNamespace("MAPI");
-  EXPECT_EQ(session->Folders()->Item(1)->Folders()->Count(), 0);
-  EXPECT_EQ(Error_Of([&] { session->GetItemFromID("I1", outlook.Stores()[0]->StoreID()); }),
-            automation_error::not_found);
-  outlook.Replace({});
+  EXPECT_EQ(Open()->Top_Folder()->Folders()->Count(), 0);
   EXPECT_EQ(Number_By_Sql(file_,
                           "SELECT (SELECT COUNT(*) FROM item) + (SELECT COUNT(*) FROM content) + (SELECT "
                           "COUNT(*) FROM attachment)"),

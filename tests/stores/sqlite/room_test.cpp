@@ -8,7 +8,6 @@ namespace tidyfold {
 namespace {
 
 namespace fs = std::filesystem;
-using Reason = Store_Open_Error::Reason;
 
 // What the current format has and format 1 had not goes; texts are as Add_Numbered writes them.
 constexpr const char* to_format_1 = R"(
@@ -41,8 +40,7 @@ class Room : public Store_File {
     EXPECT_EQ(Subjects_Of(*store, "Deleted Items"), "500");
     const New_Item item = store->Read_Whole_Item("I7");
     EXPECT_EQ(item.body + "|" + item.raw_message + "|" + item.recipients, "Body of 7|Raw 7|You");
-    ASSERT_EQ(item.attachments.size(), 1U);
-    EXPECT_EQ(item.attachments[0].size, 7);
+    EXPECT_EQ(item.attachments.at(0).size, 7);
     EXPECT_EQ(store->Check(), std::vector<std::string>());
     EXPECT_EQ(store->Writer().Add_Item(*store->Top_Folder(), {}), "I501") << "no number is given twice";
   }
@@ -83,12 +81,7 @@ TEST_F(Room, A_Store_Of_Format_1_That_Cannot_Be_Brought_Up_To_Date_Stays_As_It_I
   Make_Format_1();
   const auto before = All_Files(directory_.Path());
   const auto expect_refused = [&](Store_Mode mode, const Store_Progress& progress, Reason reason) {
-    try {
-      Embedded_Store::Open(file_, mode, progress);
-      ADD_FAILURE();
-    } catch (const Store_Open_Error& error) {
-      EXPECT_EQ(error.Why(), reason) << error.what();
-    }
+    EXPECT_EQ(Refusal(file_, [&] { Embedded_Store::Open(file_, mode, progress); }), reason);
     EXPECT_EQ(All_Files(directory_.Path()), before);
   };
   expect_refused(Store_Mode::Read_Only, {}, Reason::Older_Version);
@@ -157,18 +150,17 @@ TEST_F(Room, Compacting_That_Is_Killed_Leaves_The_Store_Whole) {
 }
 
 TEST_F(Room, A_New_Store_Is_Whole_Or_Not_There) {
-  for (int writing = 1;; ++writing) {
-    const int result = In_Killed_Process([&] {
+  for (int writing = 1, result = 0; result != 1 && writing < 100; ++writing) {
+    fs::remove(file_);
+    result = In_Killed_Process([&] {
       Fault_Vfs disk;
       disk.Kill_At_Writing(writing);
       Embedded_Store::Create(file_, "New");
       return 1;
     });
     EXPECT_TRUE(!fs::exists(file_) || Open()->Top_Folder()->Folders()->Count() == 10);
-    if (result == 1) break;
-    EXPECT_LT(writing, 100);
-    fs::remove(file_);
   }
+  EXPECT_TRUE(fs::exists(file_));
 }
 
 // A backup copy is laid over a store whose writer has crashed.
@@ -203,12 +195,10 @@ TEST_F(Room, An_Item_Comes_Back_Whole) {
   mail.flagged = mail.answered = mail.unread = true;
   mail.identity = -5;
   mail.attachments = {{"a.pdf", 5, std::string("a\0b\xFF", 4)}, {"b.pdf", 7}};
-  New_Item empty;
-  empty.item_class = item_class::note;
   const auto folder = Folder_Named(*Embedded_Store::Create(file_, "New"), "Inbox")->EntryID();
   {
     const auto store = Open();
-    for (const New_Item* item : {&mail, &empty, &mail})
+    for (const New_Item* item : {&mail, &mail})
       store->Writer().Add_Item(*Folder_Named(*store, "Inbox"), *item);
     store->Set_Protected(folder, true);
   }
@@ -218,14 +208,13 @@ TEST_F(Room, An_Item_Comes_Back_Whole) {
   EXPECT_FALSE(store->Is_Protected(Folder_Named(*store, "Drafts")->EntryID()));
   EXPECT_EQ(store->Writer().Count_Of(-5), 2);
   EXPECT_EQ(store->Writer().Count_Of(0), 0) << "not known";
-  const New_Item read = store->Read_Whole_Item("I1"), note = store->Read_Whole_Item("I2");
-  EXPECT_EQ(std::tie(read.sender, read.sender_address, read.message_id, read.list_id, read.recipients,
-                     read.body, read.raw_message, read.flagged, read.answered, read.unread),
-            std::tie(mail.sender, mail.sender_address, mail.message_id, mail.list_id, mail.recipients,
-                     mail.body, mail.raw_message, mail.flagged, mail.answered, mail.unread));
+  const New_Item read = store->Read_Whole_Item("I1");
+  const auto all_of = [](const New_Item& item) {
+    return std::tie(item.sender, item.sender_address, item.message_id, item.list_id, item.recipients,
+                    item.body, item.raw_message, item.flagged, item.answered, item.unread);
+  };
+  EXPECT_EQ(all_of(read), all_of(mail));
   EXPECT_EQ(read.attachments.at(0).content, mail.attachments[0].content);
-  EXPECT_EQ(note.body + note.raw_message, "");
-  EXPECT_FALSE(note.flagged || note.answered);
 }
 
 }  // namespace

@@ -1,36 +1,24 @@
 #include <random>
 #include <vector>
 
-#include "outlook/object_model.h"
 #include "stores/sqlite/temporary_store.h"
-#include "stores/store_under_test.h"
 
 namespace tidyfold {
 namespace {
 
-class Embedded_Store_Test : public testing::Test {
- protected:
-  void Reopen(Store_Mode mode = Store_Mode::Read_Write) {
-    store_.reset();
-    store_ = Embedded_Store::Open(file_, mode);
-  }
-  Items_Ptr Items_Of(const std::string& folder) { return Folder_Named(*store_, folder)->Items(); }
-
-  Temporary_Directory directory_;
-#ifdef _WIN32
-  const std::filesystem::path file_ = directory_ / "store # 50% \xC3\xA9.tfs";
-#else
-  const std::filesystem::path file_ = directory_ / "store # 50% é?.tfs";
-#endif
-  std::shared_ptr<Embedded_Store> store_ = Embedded_Store::Create(file_, "Personal Folders");
-};
-
 // Compared with the simplest model: two lists of identifiers.
-TEST_F(Embedded_Store_Test, No_Place_Ever_Stands_For_Another_Item) {
+TEST(Embedded_Store_Items, No_Place_Ever_Stands_For_Another_Item) {
+  const Temporary_Directory directory;
+#ifdef _WIN32
+  const std::filesystem::path file = directory / "store # 50% \xC3\xA9.tfs";
+#else
+  const std::filesystem::path file = directory / "store # 50% é?.tfs";
+#endif
+  auto store = Embedded_Store::Create(file, "Personal Folders");
   constexpr int count = 3000, steps = 20000;
-  Add_Numbered(*store_, "Inbox", count);
-  auto inbox = Folder_Named(*store_, "Inbox");
-  auto items = inbox->Items(), deleted = Items_Of("Deleted Items");
+  Add_Numbered(*store, "Inbox", count);
+  auto inbox = Folder_Named(*store, "Inbox");
+  auto items = inbox->Items();
   std::vector<std::string> expected, expected_deleted;
   for (int i = 1; i <= count; ++i) expected.push_back("I" + std::to_string(i));
   std::mt19937 random(7);
@@ -40,8 +28,7 @@ TEST_F(Embedded_Store_Test, No_Place_Ever_Stands_For_Another_Item) {
     const auto choice = random() % 200;
     if (choice == 0) at = random() % expected.size();
     if (choice == 1) at = 0;
-    if (choice == 2) at = expected.size() - 1;
-    at = std::min(at, expected.size() - 1);
+    if (choice == 2 || at >= expected.size()) at = expected.size() - 1;
     const auto index = static_cast<std::int32_t>(at + 1);
     const bool forwards = (step / 700) % 2 == 0;
     const auto action = random() % 8;
@@ -54,7 +41,7 @@ TEST_F(Embedded_Store_Test, No_Place_Ever_Stands_For_Another_Item) {
     } else if (action == 2) {
       items->Remove(index);
     } else if (action == 3 && step % 50 == 0) {
-      expected.push_back(store_->Writer().Add_Item(*inbox, {}));
+      expected.push_back(store->Writer().Add_Item(*inbox, {}));
     } else if (action == 4 && step % 10 == 0) {
       items->Item(index)->Move(*inbox);
       expected.push_back(expected[at]);
@@ -66,46 +53,17 @@ TEST_F(Embedded_Store_Test, No_Place_Ever_Stands_For_Another_Item) {
     ASSERT_EQ(items->Count(), static_cast<std::int32_t>(expected.size()));
   }
   items.reset();
-  deleted.reset();
   inbox.reset();
-  Reopen();
+  store.reset();
+  store = Embedded_Store::Open(file, Store_Mode::Read_Write);
   for (const auto& [name, ids] : {std::pair("Inbox", &expected), {"Deleted Items", &expected_deleted}}) {
-    ASSERT_EQ(Items_Of(name)->Count(), static_cast<std::int32_t>(ids->size()));
-    for (std::size_t i = ids->size(); i >= 1; --i)
-      ASSERT_EQ(Items_Of(name)->Item(static_cast<std::int32_t>(i))->EntryID(), (*ids)[i - 1]);
+    items = Folder_Named(*store, name)->Items();
+    ASSERT_EQ(items->Count(), static_cast<std::int32_t>(ids->size()));
+    for (std::int32_t i = items->Count(); i >= 1; --i)
+      ASSERT_EQ(items->Item(i)->EntryID(), (*ids)[static_cast<std::size_t>(i - 1)]);
   }
   EXPECT_GT(expected_deleted.size(), 1000U) << "the walk has to get somewhere";
-  EXPECT_EQ(store_->Check(), std::vector<std::string>());
-}
-
-// Reading an item for the cache never touches the table of bodies.
-TEST_F(Embedded_Store_Test, The_Start_Of_A_Text_Stands_In_The_Items_Row) {
-  New_Item note;
-  note.item_class = item_class::note;
-  note.body = "ä234567890123456789ö and more";
-  store_->Writer().Add_Item(*Folder_Named(*store_, "Notes"), note);
-  store_.reset();
-  ASSERT_EQ(Run_Sql(file_, "DELETE FROM content"), SQLITE_OK);
-  Reopen();
-  const Item_Ptr item = Items_Of("Notes")->Item(1);
-  EXPECT_EQ(item->Body(20), "ä234567890123456789ö");
-  EXPECT_EQ(item->Body(3), "ä23");
-  EXPECT_EQ(Error_Of([&] { item->Body(21); }), automation_error::corrupt_data);
-}
-
-TEST_F(Embedded_Store_Test, Folders_Lie_By_Name) {
-  for (const char* name : {"b", "Öl", "A", "a", "öd", "B", ""})
-    store_->Writer().Add_Folder(*Folder_Named(*store_, "Notes"), name, item_type::note);
-  for (const bool reopened : {false, true}) {
-    if (reopened) Reopen(Store_Mode::Read_Only);
-    std::string all;
-    for (const auto& folders : {store_->Top_Folder()->Folders(), Folder_Named(*store_, "Notes")->Folders()})
-      for (std::int32_t i = 1; i <= folders->Count(); ++i)
-        all += folders->Item(i)->Name() + ":" + std::to_string(folders->Item(i)->DefaultItemType()) + " ";
-    EXPECT_EQ(all,
-              "Calendar:1 Contacts:2 Deleted Items:0 Drafts:0 Inbox:0 Journal:4 Notes:5 Outbox:0 Sent "
-              "Items:0 Tasks:3 :5 A:5 a:5 B:5 b:5 öd:5 Öl:5 ");
-  }
+  EXPECT_EQ(store->Check(), std::vector<std::string>());
 }
 
 // Folder 1 is the top, 3 the Inbox; items 1 to 3 lie in it.
@@ -113,16 +71,12 @@ TEST_F(Store_File, Check_Names_What_Is_Wrong) {
   const std::pair<const char*, const char*> cases[] = {
       {"UPDATE folder SET parent = 99 WHERE id = 5",
        "Folder F5 \"Sent Items\" does not hang below the top folder."},
-      {"UPDATE folder SET parent = 5 WHERE id = 5", "Folder F5 \"Sent Items\" does"},
       {"UPDATE folder SET parent = 5 WHERE id = 6; UPDATE folder SET parent = 6 WHERE id = 5",
        "Folder F6 \"Calendar\" does not hang below the top folder."},
       {"UPDATE item SET folder = 99 WHERE id = 2",
        "Item I2 \"2\" lies in a folder that does not exist (F99)."},
-      {"DELETE FROM content WHERE item = 3", "Item I3 \"3\" has lost its text."},
       {"UPDATE content SET item = 9 WHERE item = 3", "The content of item I9 is there, the item is not."},
       {"UPDATE content SET packed = zeroblob(50) WHERE item = 3", "The text of item I3 cannot be unpacked."},
-      {"UPDATE attachment SET item = 9 WHERE item = 3",
-       "The attachment of item I9 is there, the item is not."},
       {"DROP INDEX item_by_position; CREATE INDEX item_by_position ON item (folder, position);"
        "UPDATE item SET position = 1",
        "3 items have position 1 in folder F3."},

@@ -7,6 +7,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <random>
 #include <stdexcept>
 #include <string>
@@ -96,6 +97,23 @@ inline std::string Numbers(int first, int last, int step = 1) {
 // A store with some items in its Inbox, closed.
 inline void Make_Small_Store(const std::filesystem::path& path, int items = 3) {
   Add_Numbered(*Embedded_Store::Create(path, "Small"), "Inbox", items);
+}
+
+using Reason = Store_Open_Error::Reason;
+
+// Why the store cannot be opened; nothing if it can.
+inline std::optional<Reason> Refusal(const std::filesystem::path& file, const std::function<void()>& open) {
+  try {
+    open();
+    return std::nullopt;
+  } catch (const Store_Open_Error& error) {
+    EXPECT_EQ(error.File(), file);
+    EXPECT_NE(std::string(error.what()).find(file.string()), std::string::npos) << error.what();
+    return error.Why();
+  }
+}
+inline std::optional<Reason> Refusal(const std::filesystem::path& file, Store_Mode mode) {
+  return Refusal(file, [&] { Embedded_Store::Open(file, mode); });
 }
 
 // One store file in a directory of its own.
