@@ -18,7 +18,7 @@ Next
 received = DateSerial(2015, 3, 1)
 never = DateSerial(4501, 1, 1)
 For i = 1 To 12
-  control.AddItem 1, inbox.StoreID, inbox.EntryID, 43, "Sender " & i, "Subject " & i, "Text", (i > 9), _
+  control.AddItem 1, inbox.StoreID, inbox.EntryID, 43, "Sender " & i, "Subject " & i, "Text", (i > 10), (i = 10), _
     received, received, never, never, never
 Next
 """

@@ -4,9 +4,9 @@
 // replaced by a backup copy since; that destroys the copy. So each log bears a random number, store.log, and
 // the number of the log before it, store.log_before: its first transaction is followed by one that changes
 // both. When a log has been written back into the file, the file itself has its number, and the log that
-// follows names it as the one before. A log whose numbers fit neither way is another file's. A file that cannot
-// be read without its log is one that the log was being written back into when the disk was full or the
-// process was killed: the log belongs to it.
+// follows names it as the one before. A log whose numbers fit neither way is another file's. A file that
+// cannot be read without its log is one that the log was being written back into when the disk was full or
+// the process was killed: the log belongs to it.
 #pragma once
 
 #include <cstdint>
