@@ -1,4 +1,5 @@
 #include <map>
+#include <utility>
 
 #include "import/import.h"
 
@@ -27,8 +28,9 @@ std::vector<std::string> Details_Of(const Import_Report& report) {
     if (reason.items++ == 0) reason.first = item.where;
   }
   for (const auto& [why, which] : reasons) {
-    const std::string first = which.items == 1 ? "(" : "(the first: ";
-    lines.push_back(std::to_string(which.items) + " left out: " + why + " " + first + which.first + ")");
+    std::string line = std::to_string(which.items) + " left out: ";
+    line.append(why).append(which.items == 1 ? " (" : " (the first: ").append(which.first).append(")");
+    lines.push_back(std::move(line));
   }
   return lines;
 }

@@ -3,6 +3,7 @@
 #include <glib.h>
 
 #include <array>
+#include <cmath>
 #include <cstring>
 #include <memory>
 #include <string_view>
@@ -26,7 +27,7 @@ class Digest {
     g_checksum_update(sum_.get(), bytes.data(), static_cast<gssize>(bytes.size()));
   }
   // In seconds: a date may have been a sum of days and parts of a day.
-  void Add_Date(Date date) { Add(static_cast<std::int64_t>(date * 86400 + 0.5)); }
+  void Add_Date(Date date) { Add(std::llround(date * 86400)); }
 
   std::int64_t Number() {
     std::array<guint8, 32> bytes;

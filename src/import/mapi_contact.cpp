@@ -61,7 +61,7 @@ constexpr std::array<Named_Property, 6> work_place = {{{mapi_set::address, 0x804
 constexpr Named_Property list_name{mapi_set::address, 0x8053}, list_members{mapi_set::address, 0x8054},
     full_address_list{mapi_set::address, 0x8055}, instant_message{mapi_set::address, 0x8062};
 
-constexpr std::int64_t filetime_second = 10'000'000, seconds_to_1970 = 11'644'473'600, day_seconds = 86400;
+constexpr std::int64_t filetime_second = 10'000'000, day_seconds = 86400;
 
 std::string Escaped(std::string_view text) {
   std::string escaped;
@@ -186,7 +186,7 @@ std::string Take_Text(std::string_view& bytes, bool wide) {
   const std::size_t unit = wide ? 2 : 1;
   std::size_t end = 0;
   while (end + unit <= bytes.size() && Little_Endian(bytes.substr(end, unit)) != 0) end += unit;
-  const std::string text = One_Line(To_Utf8(bytes.substr(0, end), wide ? "UTF-16LE" : ""));
+  std::string text = One_Line(To_Utf8(bytes.substr(0, end), wide ? "UTF-16LE" : ""));
   bytes.remove_prefix(std::min(end + unit, bytes.size()));
   return text;
 }

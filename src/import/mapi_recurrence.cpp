@@ -11,10 +11,10 @@
 namespace tidyfold {
 namespace {
 
-constexpr std::uint64_t daily = 0x200A, weekly = 0x200B, monthly = 0x200C, yearly = 0x200D;
+constexpr std::uint64_t daily = 0x200A, monthly = 0x200C, yearly = 0x200D;
 constexpr std::uint64_t by_day = 0, by_week = 1, by_month_day = 2, by_month_weekday = 3, by_month_end = 4;
 constexpr std::uint64_t ends_on_date = 0x2021, ends_after_count = 0x2022;
-constexpr std::int64_t minutes_of_day = 24 * 60;
+constexpr std::int64_t minutes_of_day = std::int64_t{24} * 60;
 constexpr std::uint64_t has_subject = 0x1, has_location = 0x10;
 // Flags of a changed occurrence that each bring one number.
 constexpr std::array<std::uint64_t, 3> before_location = {0x2, 0x4, 0x8};
