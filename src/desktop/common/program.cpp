@@ -128,7 +128,10 @@ void Program::Build() {
 
 void Program::Show_Runs() {
   if (runs_window_ == nullptr) runs_window_ = new Runs_Window(frame_, window_, Default_Run_Log_File());
-  Show_In_Front(*runs_window_);
+  // Raised at once: one that is raised later may lose its place on the screen.
+  runs_window_->Show();
+  runs_window_->Restore();
+  runs_window_->Raise();
 }
 
 void Program::Compact() {
