@@ -21,10 +21,9 @@ bool Check_Unread(Item& item, Error_Handler& errors) {
 
 bool Check_Flagged(Item& item, std::int32_t item_class, Error_Handler& errors) {
   return errors.Run("Check_Flagged", [&] {
-    bool flagged = false;
-    if (item_class == item_class::mail &&
-        !errors.Try([&] { flagged = item.FlagStatus() == flag_status::marked; }))
-      errors.error.Clear();
+    if (item_class != item_class::mail) return false;
+    bool flagged = true;
+    if (!errors.Try([&] { flagged = item.FlagStatus() == flag_status::marked; })) errors.error.Clear();
     return flagged;
   });
 }

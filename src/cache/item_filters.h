@@ -11,8 +11,8 @@ namespace tidyfold {
 // True when the item is unread; an item that will not say counts as read.
 bool Check_Unread(Item& item, Error_Handler& errors);
 
-// True when the item is mail that is marked for follow-up; only mail is asked. An item that will not say
-// counts as not flagged.
+// True when the item is mail that is marked for follow-up; only mail is asked. Mail that will not say counts
+// as flagged, so that it stays.
 bool Check_Flagged(Item& item, std::int32_t item_class, Error_Handler& errors);
 
 // The filter that the option controls describe at this moment.

@@ -36,7 +36,8 @@ std::string Item_Removal::What_Has_Changed(int folder, Item& item, const ItemDat
   if (item.Parent()->EntryID() != records_[folder].Folder->EntryID()) return "It lies in another folder now.";
   if (!shown.Unread && Check_Unread(item, errors_)) return "It has become unread.";
   if (session_.Asking_Costs_Calls()) return {};
-  if (!shown.Flagged && Check_Flagged(item, shown.ItemClass, errors_)) return "It has been flagged.";
+  if (!shown.Flagged && Check_Flagged(item, shown.ItemClass, errors_))
+    return "It has been flagged, or does not say.";
   if (item.Class() != shown.ItemClass) return "It is of another type now.";
   if (item.Subject() != shown.Subject) return "Its subject is another.";
   if (Get_Item_Date(item, shown.ItemClass) != shown.ItemDate) return "Its date is another.";

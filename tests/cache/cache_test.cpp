@@ -191,6 +191,7 @@ TEST_F(Cache, Reads_Of_Each_Item_What_It_Shows) {
   item.item_class = item_class::note;
   store.Add_Item(*Inbox(), item);
   plan.Fail_Call("Item.UnRead", 2, fault);
+  plan.Fail_Call("Item.FlagStatus", 1, fault);
   Load();
   const std::vector<ItemData> cached = Record("Inbox").ItemCache;
   EXPECT_EQ(cached[0].SenderOrText, "Ann");
@@ -198,6 +199,8 @@ TEST_F(Cache, Reads_Of_Each_Item_What_It_Shows) {
   EXPECT_EQ(cached[0].ItemDate, 100);
   EXPECT_TRUE(cached[0].Unread);
   EXPECT_FALSE(cached[1].Unread) << "what does not say counts as read";
+  EXPECT_TRUE(cached[0].Flagged) << "mail that does not say stays";
+  EXPECT_FALSE(cached[1].Flagged) << "only mail is asked";
 }
 
 TEST_F(Cache, Turns_To_What_The_Person_Turns_To_And_Comes_Back) {
