@@ -58,6 +58,8 @@ def objection(folder, other):
         return "nothing includes a front end"
     if top in IN_FRONT:
         return None
+    if (folder, other) == ("export", "import"):  # what went out is read back
+        return None
     if other_top in BEHIND:
         return "only the front ends name a concrete store, an importer or an exporter"
     ceiling = CEILINGS.get(top, FLOORS.get(top, 0) - 1)

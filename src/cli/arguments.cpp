@@ -16,15 +16,16 @@ namespace tidyfold::cli {
 
 namespace {
 
-constexpr std::array<std::pair<const char*, Command>, 9> commands = {{{"sample", Command::Sample},
-                                                                      {"import", Command::Import},
-                                                                      {"folders", Command::Folders},
-                                                                      {"items", Command::Items},
-                                                                      {"clean", Command::Clean},
-                                                                      {"check", Command::Check},
-                                                                      {"compact", Command::Compact},
-                                                                      {"runs", Command::Runs},
-                                                                      {"undo", Command::Undo}}};
+constexpr std::array<std::pair<const char*, Command>, 10> commands = {{{"sample", Command::Sample},
+                                                                       {"import", Command::Import},
+                                                                       {"export", Command::Export},
+                                                                       {"folders", Command::Folders},
+                                                                       {"items", Command::Items},
+                                                                       {"clean", Command::Clean},
+                                                                       {"check", Command::Check},
+                                                                       {"compact", Command::Compact},
+                                                                       {"runs", Command::Runs},
+                                                                       {"undo", Command::Undo}}};
 
 constexpr std::pair<const char*, int> types[] = {
     {"mail", item_class::mail},        {"appointments", item_class::appointment},
@@ -57,7 +58,8 @@ std::vector<std::string> With_Every_Value_Named(const std::vector<std::string>& 
       continue;
     } else if (!only_words && argument.size() > 1 && argument.front() == '-') {
       value_due = argument == "--store" || argument == "--folder";
-      const bool begins_list = argument == (command.empty() ? "--store" : "--folder") && command != "import";
+      const bool has_list = command != "import" && command != "export";
+      const bool begins_list = argument == (command.empty() ? "--store" : "--folder") && has_list;
       list = begins_list ? argument : command == "import" ? source_option : "";
     } else if (command.empty() && Is_Command(argument)) {
       command = argument;
@@ -73,7 +75,7 @@ std::vector<std::string> With_Every_Value_Named(const std::vector<std::string>& 
 // The arguments as text, before they are parsed.
 struct Raw {
   std::vector<std::string> stores, types, folders, sources;
-  std::string cutoff, subject, target, sample_file, save_plan, plan;
+  std::string cutoff, subject, target, directory, export_form, sample_file, save_plan, plan;
   bool json = false, csv = false;
 };
 
@@ -124,6 +126,14 @@ void Add_Store_Commands(CLI::App& app, Arguments& arguments, Raw& raw) {
                 "Bring the folders of a source into the store's own of the same names")
       ->excludes(target);
   import.add_flag("--again", arguments.again, "Bring in what is there already once more");
+
+  CLI::App& exporting = *app.add_subcommand("export", "Write folders in forms that other programs read");
+  exporting.add_option("DIRECTORY", raw.directory, "Where to; made where it is missing")->required();
+  Add_List(exporting, "--folder", raw.folders,
+           "A folder, by its path, with all that lies below it; may be repeated. All folders by default")
+      ->type_name("PATH");
+  exporting.add_option("--as", raw.export_form, "How mail is written; maildir by default")
+      ->type_name("maildir|mbox|eml");
 
   CLI::App& folders = *app.add_subcommand("folders", "List the folders");
   folders.add_flag("--json", raw.json, "As JSON");
@@ -179,6 +189,13 @@ void Add_Run_Commands(CLI::App& app, Arguments& arguments, Raw& raw) {
   undo.add_flag("--json", raw.json, "As JSON");
 }
 
+Export_Form Form_Named(const std::string& name) {
+  if (name.empty() || name == "maildir") return Export_Form::Maildir;
+  if (name == "mbox") return Export_Form::Mbox;
+  if (name == "eml") return Export_Form::Eml;
+  Fail("--as \"" + name + "\" is no form. Choose from maildir, mbox and eml.");
+}
+
 int Item_Class_Of_Type(const std::string& name) {
   for (const auto& [known, item_class] : types)
     if (name == known) return item_class;
@@ -191,6 +208,8 @@ void Understand(Arguments& arguments, const Raw& raw, const CLI::App& command) {
   arguments.folders = raw.folders;
   for (const std::string& source : raw.sources) arguments.sources.push_back(File_Path(source));
   arguments.sample_file = File_Path(raw.sample_file);
+  arguments.directory = File_Path(raw.directory);
+  arguments.export_form = Form_Named(raw.export_form);
   const auto given = [&](const char* name) {
     const CLI::Option* option = command.get_option_no_throw(name);
     return option != nullptr && option->count() > 0;

@@ -8,10 +8,11 @@
 #include <vector>
 
 #include "base/dates.h"
+#include "export/export.h"
 
 namespace tidyfold::cli {
 
-enum class Command { Sample, Import, Folders, Items, Clean, Check, Compact, Runs, Undo };
+enum class Command { Sample, Import, Export, Folders, Items, Clean, Check, Compact, Runs, Undo };
 enum class Form { Text, Json, Csv };
 
 struct Filters {
@@ -55,6 +56,10 @@ struct Arguments {
   std::optional<std::string> target;  // a path
   bool merge = false;
   bool again = false;
+
+  // export; with folders
+  std::filesystem::path directory;
+  Export_Form export_form = Export_Form::Maildir;
 
   // sample
   std::filesystem::path sample_file;

@@ -13,6 +13,7 @@ namespace tidyfold::cli {
 
 Exit_Status Sample(const Arguments& arguments, Terminal& terminal);
 Exit_Status Import(const Arguments& arguments, Terminal& terminal);
+Exit_Status Export(const Arguments& arguments, Terminal& terminal);
 Exit_Status Folders(const Arguments& arguments, Terminal& terminal);
 Exit_Status Items(const Arguments& arguments, Terminal& terminal);
 Exit_Status Clean(const Arguments& arguments, Terminal& terminal);

@@ -14,6 +14,8 @@ Exit_Status Run_Command(const Arguments& arguments, Terminal& terminal) {
       return Sample(arguments, terminal);
     case Command::Import:
       return Import(arguments, terminal);
+    case Command::Export:
+      return Export(arguments, terminal);
     case Command::Folders:
       return Folders(arguments, terminal);
     case Command::Items:
@@ -46,6 +48,8 @@ Exit_Status Guarded(Terminal& terminal, const std::vector<std::string>& words) {
     terminal.Write_Error(error.what());
     if (error.Why() == Store_Open_Error::Reason::Cancelled) return Exit_Status::Cancelled;
   } catch (const Import_Error& error) {
+    terminal.Write_Error(error.what());
+  } catch (const Export_Error& error) {
     terminal.Write_Error(error.what());
   } catch (const Run_Log_Error& error) {
     terminal.Write_Error(error.what());

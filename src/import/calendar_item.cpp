@@ -10,6 +10,7 @@
 
 #include "base/text.h"
 #include "import/charset.h"
+#include "import/kept_fields.h"
 #include "import/mime_message.h"
 #include "import/recurrence.h"
 
@@ -72,6 +73,7 @@ std::vector<icalcomponent*> Parts(icalcomponent* calendar) {
 }  // namespace
 
 New_Item Read_Calendar_Item(std::string calendar) {
+  const std::vector<Kept_Field> kept = Take_Kept_Fields(calendar);
   icalerror_set_errors_are_fatal(0);
   const Component parsed(icalparser_parse_string(calendar.c_str()), icalcomponent_free);
   if (!parsed) throw Message_Error("it is no iCalendar");
@@ -101,6 +103,7 @@ New_Item Read_Calendar_Item(std::string calendar) {
       item.end = Time(first, ICAL_DTSTART_PROPERTY);
       return item;
   }
+  Set_Kept_Fields(kept, item);
   item.raw_message = std::move(calendar);
   return item;
 }

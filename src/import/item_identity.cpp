@@ -43,13 +43,14 @@ class Digest {
   std::unique_ptr<GChecksum, decltype(&g_checksum_free)> sum_;
 };
 
-bool Is_Message(std::int32_t number) {
+}  // namespace
+
+bool Is_Message_Class(std::int32_t number) {
   return number == item_class::mail || number == item_class::report ||
          (number >= item_class::meeting_request && number <= item_class::meeting_response_tentative);
 }
 
-// A line's end, and blank lines at a text's end, differ between programs that keep the same mail.
-std::string Plain(std::string_view text) {
+std::string Plain_Text(std::string_view text) {
   std::string plain;
   plain.reserve(text.size());
   for (const char c : text)
@@ -58,8 +59,6 @@ std::string Plain(std::string_view text) {
   return plain;
 }
 
-}  // namespace
-
 std::int64_t Item_Identity(const New_Item& item) {
   Digest digest;
   digest.Add(std::int64_t{item.item_class});
@@ -67,7 +66,7 @@ std::int64_t Item_Identity(const New_Item& item) {
   digest.Add(item.sender);
   digest.Add(item.recipients);
   digest.Add(item.subject);
-  digest.Add(Plain(item.body));
+  digest.Add(Plain_Text(item.body));
   // Where a mail names no date of its own, the files of mail programs do, each another one.
   if (item.message_id.empty()) digest.Add_Date(item.received);
   for (const Date date : {item.completed, item.due, item.end}) digest.Add_Date(date);
@@ -75,7 +74,20 @@ std::int64_t Item_Identity(const New_Item& item) {
     digest.Add(attachment.name);
     digest.Add(attachment.size);
   }
-  if (!Is_Message(item.item_class)) digest.Add(Plain(item.raw_message));
+  if (!Is_Message_Class(item.item_class)) digest.Add(Plain_Text(item.raw_message));
+  return digest.Number();
+}
+
+std::int64_t Item_Fingerprint(const New_Item& item) {
+  Digest digest;
+  digest.Add(Item_Identity(item));
+  digest.Add(item.message_id);
+  digest.Add(item.list_id);
+  digest.Add(item.sender_address);
+  digest.Add(item.raw_message);
+  digest.Add(std::int64_t{0} + (item.unread ? 1 : 0) + (item.flagged ? 2 : 0) + (item.answered ? 4 : 0));
+  for (const Date date : {item.received, item.last_modified}) digest.Add_Date(date);
+  for (const New_Attachment& attachment : item.attachments) digest.Add(attachment.content);
   return digest.Number();
 }
 

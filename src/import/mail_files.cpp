@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "import/apple_message.h"
+#include "import/kept_fields.h"
 #include "import/mail_flags.h"
 #include "import/mbox_reader.h"
 #include "import/mime_message.h"
@@ -28,6 +29,12 @@ void Check_Size(std::int64_t size) {
   if (size > max_message_size) throw Message_Error("it is larger than 512 MB");
 }
 
+void Set_Flags(const Mail_Flags& flags, New_Item& item) {
+  item.unread = !flags.read;
+  item.flagged = flags.flagged;
+  item.answered = flags.answered;
+}
+
 // The message of a file, and whether it is marked as deleted.
 std::pair<New_Item, bool> Read_Message_File(const std::filesystem::path& path, Import_Run& run) {
   std::error_code error;
@@ -37,16 +44,15 @@ std::pair<New_Item, bool> Read_Message_File(const std::filesystem::path& path, I
     Check_Size(file.Size());
     if (file.Size() == 0) throw Message_Error("it is empty");
     if (!Has_Apple_Frame(file.Read(0, longest_look))) {
-      return {Read_Message(
-                  file.Size(), [&] { return file.Read(0, file.Size()); }, run),
-              false};
+      New_Item item = Read_Message(
+          file.Size(), [&] { return file.Read(0, file.Size()); }, run);
+      if (const auto flags = Flags_In_File_Name(path.filename().string())) Set_Flags(*flags, item);
+      return {std::move(item), false};
     }
     Apple_Message message = Split_Apple_Frame(file.Read(0, file.Size()));
     const auto text = [&] { return std::move(message.message); };
     New_Item item = Read_Message(file.Size(), text, run);
-    item.unread = !message.read;
-    item.flagged = message.flagged;
-    item.answered = message.answered;
+    Set_Flags({message.read, message.answered, message.flagged, message.deleted}, item);
     return {std::move(item), message.deleted};
   } catch (const Import_Error&) {
     throw Message_Error("it cannot be opened and read");
@@ -91,13 +97,16 @@ void Add_Mbox_Message(const Mbox_Message& message, const std::string& where, Mbo
     if (read.empty()) throw Message_Error("it is empty");
     const std::string missing = Missing_Part(message.cut, read);
     if (!missing.empty()) throw Message_Error(missing + ". Copy the file again from where it came from");
-    deleted = Flags_In(read).deleted;
+    // What the exporter wrote was not deleted, whatever an older program left in its header.
+    deleted = !Begins_With_Kept_Block(read) && Flags_In(read).deleted;
     return read;
   };
   New_Item item = Read_Message(size, text, run);
   if (deleted) return run.Leave_Out(where, deleted_mail);
-  if (item.received == no_date)
-    item.received = item.last_modified = Separator_Date(reader.Separator(message));
+  if (item.received == no_date) {
+    const Date arrived = Separator_Date(reader.Separator(message));
+    if (arrived != no_date) item.received = item.last_modified = arrived;
+  }
   run.Add(folder, std::move(item));
   if (message.cut == Mbox_Cut::Line)
     run.Doubt(where, "it went in, but the file ends within its last line: check whether its end is missing");

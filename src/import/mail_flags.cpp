@@ -57,4 +57,28 @@ Mail_Flags Flags_In(std::string_view message) {
   return Flags_In(headers);
 }
 
+std::optional<Mail_Flags> Flags_In_File_Name(std::string_view name) {
+  constexpr std::string_view suffix = ".eml";
+  if (!name.ends_with(suffix)) return std::nullopt;
+  name.remove_suffix(suffix.size());
+  const std::size_t comma = name.rfind(',');
+  if (comma == std::string_view::npos) return std::nullopt;
+  const std::string_view letters = name.substr(comma + 1);
+  if (letters.empty() || letters.find_first_not_of("FRS") != std::string_view::npos) return std::nullopt;
+  Mail_Flags flags;
+  flags.read = Has(letters, 'S');
+  flags.answered = Has(letters, 'R');
+  flags.flagged = Has(letters, 'F');
+  return Flagged_File_Name_End(flags).starts_with("," + std::string(letters)) ? std::optional(flags)
+                                                                              : std::nullopt;
+}
+
+std::string Flagged_File_Name_End(const Mail_Flags& flags) {
+  std::string letters;
+  if (flags.flagged) letters += 'F';
+  if (flags.answered) letters += 'R';
+  if (flags.read) letters += 'S';
+  return (letters.empty() ? std::string() : "," + letters) + ".eml";
+}
+
 }  // namespace tidyfold

@@ -1,6 +1,8 @@
 // Flags that mail programs keep in a message's own header.
 #pragma once
 
+#include <optional>
+#include <string>
 #include <string_view>
 
 namespace tidyfold {
@@ -19,5 +21,11 @@ Mail_Flags Flags_In(const Mail_Headers& headers);
 
 // The same of a whole message.
 Mail_Flags Flags_In(std::string_view message);
+
+// The marks that the exporter writes into the name of a message's file, with the letters of Maildirs: "Dinner
+// on Friday,FRS.eml" is flagged, answered and read. Nothing for other names.
+std::optional<Mail_Flags> Flags_In_File_Name(std::string_view name);
+// The end of such a name; without marks ".eml" alone.
+std::string Flagged_File_Name_End(const Mail_Flags& flags);
 
 }  // namespace tidyfold

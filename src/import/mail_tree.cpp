@@ -14,6 +14,7 @@
 #include "import/calendar_file.h"
 #include "import/charset.h"
 #include "import/contact_file.h"
+#include "import/folder_note.h"
 #include "import/mail_files.h"
 #include "import/maildir.h"
 #include "import/mime_message.h"
@@ -75,6 +76,7 @@ struct Stop {
   fs::path directory;
   Names names;                 // of the folder that its mail goes into
   bool apple_mailbox = false;  // directories in it are no folders of their own
+  std::optional<Folder_Note> note = {};
 };
 
 // Where a directory's mail goes; nothing for directories that hold none.
@@ -135,20 +137,22 @@ bool Holds_Anything(const Stop& stop, std::set<fs::path>& seen) {
 
 class Tree_Importer {
  public:
-  explicit Tree_Importer(Import_Run& run) : run_(run) {}
+  Tree_Importer(Import_Run& run, bool with_sub_folders) : run_(run), with_sub_folders_(with_sub_folders) {}
 
-  void Import(const Stop& stop) {
+  void Import(Stop stop) {
     // Links may form cycles.
     std::error_code error;
     if (!seen_.insert(fs::canonical(stop.directory, error)).second) return;
     const std::vector<Entry> entries = List_Or_Fail(stop.directory);
-    const bool is_maildir = Is_Maildir(stop.directory);
-    if (is_maildir) Import_Maildir(stop);
-    for (const Entry& entry : entries) {
-      run_.Tick();
-      if (!entry.is_directory && !entry.name.starts_with('.'))
-        Import_File(stop, entry.name, entries, is_maildir);
+    stop.note = Read_Folder_Note(stop.directory);
+    if (stop.note && !stop.names.empty()) {
+      stop.names.pop_back();
+      if (!stop.note->is_top) stop.names.push_back(stop.note->name);
     }
+    if (stop.note) Place_At(stop);
+    const bool is_maildir = Is_Maildir(stop.directory);
+    Import_Content(stop, entries, is_maildir);
+    if (!with_sub_folders_) return;
     for (const Entry& entry : entries) {
       if (!entry.is_directory) continue;
       if (is_maildir && (entry.name == "cur" || entry.name == "new" || entry.name == "tmp")) continue;
@@ -157,6 +161,15 @@ class Tree_Importer {
   }
 
  private:
+  void Import_Content(const Stop& stop, const std::vector<Entry>& entries, bool is_maildir) {
+    if (is_maildir) Import_Maildir(stop);
+    for (const Entry& entry : entries) {
+      run_.Tick();
+      if (!entry.is_directory && !entry.name.starts_with('.'))
+        Import_File(stop, entry.name, entries, is_maildir);
+    }
+  }
+
   std::vector<Entry> List_Or_Fail(const fs::path& directory) {
     std::error_code error;
     std::vector<Entry> entries = List(directory, error);
@@ -166,13 +179,18 @@ class Tree_Importer {
 
   MAPIFolder_Ptr Place(const Names& names, std::int32_t type = item_type::mail) {
     MAPIFolder_Ptr place = run_.Tree_Folder();
-    for (const std::string& name : names) place = run_.Folder(place, name, type);
+    for (std::size_t i = 0; i < names.size(); ++i)
+      place = run_.Folder(place, names[i], i + 1 == names.size() ? type : item_type::mail);
     return place;
+  }
+  // Where the items of a directory go; the type is that of a folder that has to be made for them.
+  MAPIFolder_Ptr Place_At(const Stop& stop, std::int32_t type = item_type::mail) {
+    return Place(stop.names, stop.note ? stop.note->default_item_type : type);
   }
 
   void Import_Maildir(const Stop& stop) {
     // The outermost Maildir is the inbox of a mail server.
-    const bool inbox = run_.Merges() && stop.names.empty();
+    const bool inbox = run_.Merges() && stop.names.empty() && !stop.note;
     const MAPIFolder_Ptr place =
         Place(inbox ? Names{Find_Default_Folder(default_folder_inbox)->name} : stop.names);
     std::vector<Maildir_Message> messages;
@@ -198,12 +216,7 @@ class Tree_Importer {
         continue;
       }
       try {
-        Add_Message_File(file, *place, run_, [&](New_Item& item) {
-          item.unread = !message.seen;
-          item.flagged = message.flagged;
-          item.answered = message.answered;
-          if (item.received == no_date) item.received = item.last_modified = message.delivered;
-        });
+        Add_Message_File(file, *place, run_, [&](New_Item& item) { Set_Maildir_Marks(message, item); });
       } catch (const Message_Error& error) {
         run_.Fail("", error.what());
       }
@@ -256,7 +269,7 @@ class Tree_Importer {
     const fs::path file = stop.directory / name;
     switch (kind) {
       case Source_Kind::Mbox: {
-        const bool mailbox_itself = stop.apple_mailbox && name == "mbox";
+        const bool mailbox_itself = (stop.apple_mailbox && name == "mbox") || stop.note;
         return Import_Mbox(
             file, Place(mailbox_itself ? stop.names : With(stop.names, Without_Suffix(name, apple_mailbox))),
             run_);
@@ -264,19 +277,20 @@ class Tree_Importer {
       case Source_Kind::Pst:
         return Import_Pst(file, Place(With(stop.names, fs::path(name).stem().string())), run_);
       case Source_Kind::Message:
-        return Add_Message_File(file, *Place(stop.names), run_);
+        return Add_Message_File(file, *Place_At(stop), run_);
       case Source_Kind::Msg:
-        return Add_Msg_File(file, *Place(stop.names), run_);
+        return Add_Msg_File(file, *Place_At(stop), run_);
       case Source_Kind::Calendar:
-        return Add_Calendar_File(file, Place(stop.names, item_type::appointment), run_);
+        return Add_Calendar_File(file, Place_At(stop, item_type::appointment), run_);
       case Source_Kind::Contacts:
-        return Add_Contact_File(file, Place(stop.names, item_type::contact), run_);
+        return Add_Contact_File(file, Place_At(stop, item_type::contact), run_);
       case Source_Kind::Tree:
         break;
     }
   }
 
   Import_Run& run_;
+  bool with_sub_folders_;
   std::set<fs::path> seen_;
 };
 
@@ -295,7 +309,11 @@ bool Is_Tree(const fs::path& directory) {
 }
 
 void Import_Tree(const fs::path& source, Import_Run& run) {
-  Tree_Importer(run).Import(Root(source));
+  Tree_Importer(run, true).Import(Root(source));
+}
+
+void Import_Directory(const fs::path& directory, Import_Run& run) {
+  Tree_Importer(run, false).Import({directory, {}});
 }
 
 }  // namespace tidyfold

@@ -19,4 +19,7 @@ bool Is_Tree(const std::filesystem::path& directory);
 // is known are left out, except those in which mail programs keep their indexes.
 void Import_Tree(const std::filesystem::path& source, Import_Run& run);
 
+// The same without what lies below the directory.
+void Import_Directory(const std::filesystem::path& directory, Import_Run& run);
+
 }  // namespace tidyfold

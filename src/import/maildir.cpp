@@ -69,4 +69,12 @@ Maildir_Message Read_Maildir_Name(std::string name, bool is_new) {
   return message;
 }
 
+void Set_Maildir_Marks(const Maildir_Message& message, New_Item& item) {
+  item.unread = !message.seen;
+  item.flagged = message.flagged;
+  item.answered = message.answered;
+  if (item.received == no_date && message.delivered != no_date)
+    item.received = item.last_modified = message.delivered;
+}
+
 }  // namespace tidyfold

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "outlook/object_model.h"
+#include "outlook/store_writer.h"
 
 namespace tidyfold {
 
@@ -27,6 +27,9 @@ bool Is_Maildir(const std::filesystem::path& directory);
 
 // Parses a message's file name: "1029384756.M20046P2137.mailserver:2,FS".
 Maildir_Message Read_Maildir_Name(std::string name, bool is_new);
+
+// Gives a message the marks that its name tells, and its delivery as the date if it names none.
+void Set_Maildir_Marks(const Maildir_Message& message, New_Item& item);
 
 // The folder names that ".Parent.Child" stands for, which are in modified UTF-7.
 std::vector<std::string> Names_Of_Maildir(std::string_view directory);

@@ -8,6 +8,7 @@
 #include "base/text.h"
 #include "import/charset.h"
 #include "import/html_text.h"
+#include "import/item_identity.h"
 #include "import/local_date.h"
 #include "import/mapi_calendar.h"
 #include "import/mapi_contact.h"
@@ -91,11 +92,6 @@ std::int32_t Class_Of(const Mapi_Properties& properties) {
   return item_class::mail;
 }
 
-bool Is_Message(std::int32_t number) {
-  return number == item_class::mail || number == item_class::report ||
-         (number >= item_class::meeting_request && number <= item_class::meeting_response_tentative);
-}
-
 void Read_Dates(const Mapi_Properties& properties, New_Item& item) {
   item.received = First_Of(Local(properties.Time(mapi_property::delivery_time)),
                            Local(properties.Time(mapi_property::client_submit_time)));
@@ -168,9 +164,9 @@ New_Item Read_Mapi_Item(const Mapi_Item& source) {
   Read_Dates(properties, item);
   const Mapi_Body body = Read_Mapi_Body(source);
   item.body = Text_Of(body);
-  item.attachments = Attachments(source, !Is_Message(item.item_class));
+  item.attachments = Attachments(source, !Is_Message_Class(item.item_class));
   if (item.size > max_message_size) return item;
-  if (Is_Message(item.item_class)) {
+  if (Is_Message_Class(item.item_class)) {
     Read_Identities(properties, item);
     item.raw_message = Rebuild_Message(source, body);
   } else if (item.item_class == item_class::appointment) {

@@ -14,6 +14,7 @@
 #include "import/header_parameters.h"
 #include "import/mail_addresses.h"
 #include "import/mail_headers.h"
+#include "import/message_parts.h"
 #include "import/mime_message.h"
 #include "import/rtf_text.h"
 
@@ -53,12 +54,6 @@ std::string Kept_Headers(std::string_view headers) {
   return kept;
 }
 
-void Append_Address(InternetAddressList* list, const std::string& name, const std::string& address) {
-  if (name.empty() && address.empty()) return;
-  const Gmime_Ptr<InternetAddress> mailbox(internet_address_mailbox_new(name.c_str(), address.c_str()));
-  internet_address_list_add(list, mailbox.get());
-}
-
 void Add_Recipients(const Mapi_Item& item, GMimeMessage* message) {
   for (const auto& recipient : item.Recipients()) {
     const std::uint32_t type =
@@ -81,34 +76,9 @@ void Add_Headers(const Mapi_Item& item, GMimeMessage* message) {
   std::optional<std::uint64_t> time = properties.Time(mapi_property::client_submit_time);
   if (!time) time = properties.Time(mapi_property::delivery_time);
   if (!time) time = properties.Time(mapi_property::last_modification_time);
-  if (time) {
-    const std::unique_ptr<GDateTime, decltype(&g_date_time_unref)> date(
-        g_date_time_new_from_unix_utc(static_cast<std::int64_t>(*time / filetime_second) - filetime_of_1970),
-        g_date_time_unref);
-    if (date) g_mime_message_set_date(message, date.get());
-  }
+  if (time) Set_Date(message, static_cast<std::int64_t>(*time / filetime_second) - filetime_of_1970);
   const std::string id = Message_Id_Of(properties);
   if (!id.empty()) g_mime_message_set_message_id(message, id.c_str());
-}
-
-Gmime_Ptr<GMimeObject> Text_Part(const std::string& text, const char* subtype) {
-  GMimeTextPart* part = g_mime_text_part_new_with_subtype(subtype);
-  g_mime_text_part_set_charset(part, "utf-8");
-  g_mime_text_part_set_text(part, text.c_str());
-  return Gmime_Ptr<GMimeObject>(GMIME_OBJECT(part));
-}
-
-Gmime_Ptr<GMimeObject> File_Part(const std::string& bytes, std::string type) {
-  const std::size_t slash = type.find('/');
-  if (slash == std::string::npos || slash == 0) type = "application/octet-stream";
-  const std::size_t divide = type.find('/');
-  GMimePart* part =
-      g_mime_part_new_with_type(type.substr(0, divide).c_str(), type.substr(divide + 1).c_str());
-  const Gmime_Ptr<GMimeStream> stream(g_mime_stream_mem_new_with_buffer(bytes.data(), bytes.size()));
-  const Gmime_Ptr<GMimeDataWrapper> content(
-      g_mime_data_wrapper_new_with_stream(stream.get(), GMIME_CONTENT_ENCODING_DEFAULT));
-  g_mime_part_set_content(part, content.get());
-  return Gmime_Ptr<GMimeObject>(GMIME_OBJECT(part));
 }
 
 std::string Attached_Message(const Mapi_Item& inner, int depth) {
@@ -126,22 +96,10 @@ Gmime_Ptr<GMimeObject> Attachment_Part(const Mapi_Attachment& attachment, int de
     part = File_Part(Attached_Message(*inner, depth), "message/rfc822");
   }
   if (!part) return part;
-  g_mime_object_set_disposition(part.get(), "attachment");
-  const std::string name = attachment.Name();
-  if (!name.empty()) g_mime_part_set_filename(GMIME_PART(part.get()), name.c_str());
+  Attach_As(attachment.Name(), part.get());
   const std::string id = properties.First_Text(mapi_property::attachment_content_id);
   if (!id.empty()) g_mime_object_set_content_id(part.get(), id.c_str());
   return part;
-}
-
-void Add_Part(Gmime_Ptr<GMimeObject>& whole, Gmime_Ptr<GMimeObject> part, const char* subtype) {
-  GMimeContentType* type = g_mime_object_get_content_type(whole.get());
-  if (!g_mime_content_type_is_type(type, "multipart", subtype)) {
-    GMimeMultipart* multipart = g_mime_multipart_new_with_subtype(subtype);
-    g_mime_multipart_add(multipart, whole.get());
-    whole.reset(GMIME_OBJECT(multipart));
-  }
-  g_mime_multipart_add(GMIME_MULTIPART(whole.get()), part.get());
 }
 
 Gmime_Ptr<GMimeObject> Content(const Mapi_Item& item, const Mapi_Body& body, int depth) {
@@ -154,16 +112,6 @@ Gmime_Ptr<GMimeObject> Content(const Mapi_Item& item, const Mapi_Body& body, int
     if (auto part = Attachment_Part(*attachment, depth)) Add_Part(whole, std::move(part), "mixed");
   }
   return whole;
-}
-
-std::string Written(GMimeObject* object) {
-  const std::unique_ptr<GMimeFormatOptions, decltype(&g_mime_format_options_free)> format(
-      g_mime_format_options_new(), g_mime_format_options_free);
-  g_mime_format_options_set_newline_format(format.get(), GMIME_NEWLINE_FORMAT_DOS);
-  const Gmime_Ptr<GMimeStream> memory(g_mime_stream_mem_new());
-  g_mime_object_write_to_stream(object, format.get(), memory.get());
-  const GByteArray* bytes = g_mime_stream_mem_get_byte_array(GMIME_STREAM_MEM(memory.get()));
-  return {reinterpret_cast<const char*>(bytes->data), bytes->len};
 }
 
 std::string Built(const Mapi_Item& item, const Mapi_Body& body, int depth) {

@@ -60,17 +60,6 @@ bool Ends_With_Full_Date(std::string_view line) {
   return year;
 }
 
-// The end of the blank line behind the headers; npos if there is none.
-std::size_t Header_End(std::string_view text) {
-  for (std::size_t at = 0; at < text.size();) {
-    const std::size_t end = text.find('\n', at);
-    if (end == std::string_view::npos) break;
-    if (First_Line(text.substr(at)).empty()) return end + 1;
-    at = end + 1;
-  }
-  return std::string_view::npos;
-}
-
 bool Has_Header(std::string_view text) {
   Mail_Headers headers;
   headers.Read(text);
@@ -89,6 +78,16 @@ std::optional<std::int64_t> Content_Length(std::string_view line) {
 }
 
 }  // namespace
+
+std::size_t Mbox_Header_End(std::string_view text) {
+  for (std::size_t at = 0; at < text.size();) {
+    const std::size_t end = text.find('\n', at);
+    if (end == std::string_view::npos) break;
+    if (First_Line(text.substr(at)).empty()) return end + 1;
+    at = end + 1;
+  }
+  return std::string_view::npos;
+}
 
 bool Begins_With_Separator(std::string_view text, bool after_blank_line) {
   if (!text.starts_with(mark)) return false;
@@ -224,7 +223,7 @@ std::string Mbox_Reader::Separator(const Mbox_Message& message) {
 
 std::string Mbox_Reader::Text(const Mbox_Message& message) {
   std::string text = file_.Read(message.content, message.end - message.content);
-  const std::size_t body = std::min(Header_End(text), text.size());
+  const std::size_t body = std::min(Mbox_Header_End(text), text.size());
   if (!message.by_length) {
     if (text.ends_with("\n\r\n")) {
       text.resize(text.size() - 2);

@@ -66,6 +66,10 @@ class Mbox_Reader {
   std::int64_t missing_ = 0;  // bytes by which the Content-Length of the last message exceeds the file
 };
 
+// The end of the blank line behind a message's header; npos if there is none. Lines of the body alone are
+// quoted.
+std::size_t Mbox_Header_End(std::string_view text);
+
 // Whether the text begins with a separator line; what follows that line must be in the text too.
 bool Begins_With_Separator(std::string_view text, bool after_blank_line);
 

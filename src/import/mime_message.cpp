@@ -12,6 +12,7 @@
 #include "import/header_parameters.h"
 #include "import/header_text.h"
 #include "import/html_text.h"
+#include "import/kept_fields.h"
 #include "import/local_date.h"
 #include "import/mail_addresses.h"
 #include "import/mail_flags.h"
@@ -100,8 +101,8 @@ struct Body {
 
 class Body_Reader {
  public:
-  Body_Reader(const std::vector<Mime_Part>& parts, std::string_view raw_charset)
-      : parts_(parts), raw_charset_(raw_charset) {}
+  Body_Reader(const std::vector<Mime_Part>& parts, std::string_view raw_charset, bool with_contents)
+      : parts_(parts), raw_charset_(raw_charset), with_contents_(with_contents) {}
 
   // Fills body and attachments.
   void Read(New_Item& item) {
@@ -200,6 +201,7 @@ class Body_Reader {
     }
     item.attachments.push_back({name.empty() && Is_Attached_Message(part) ? Inner_Subject(part) : name,
                                 Decoded_Transfer_Size(part.body, Encoding(part))});
+    if (with_contents_) item.attachments.back().content = Decoded(part);
   }
 
   std::string Inner_Subject(const Mime_Part& part) const {
@@ -211,6 +213,7 @@ class Body_Reader {
 
   const std::vector<Mime_Part>& parts_;
   std::string_view raw_charset_;
+  bool with_contents_;  // of attachments
   std::vector<Uuencoded_File> uuencoded_;
 };
 
@@ -230,6 +233,8 @@ Date Parse_Mail_Date(std::string_view text, bool as_written) {
 
 New_Item Read_Mime_Message(std::string raw) {
   New_Item item;
+  const std::vector<Kept_Field> kept = Take_Kept_Fields_At_Top(raw);
+  const bool text_item = Make_Text_Item(kept);
   {
     const std::vector<Mime_Part> parts = Split_Message(Without_Lead_In(raw));
     const Mail_Headers& headers = parts.front().headers;
@@ -247,12 +252,13 @@ New_Item Read_Mime_Message(std::string raw) {
     item.flagged = flags.flagged;
     item.received = Received(headers);
     item.last_modified = item.received;
-    Body_Reader body(parts, raw_charset);
+    Body_Reader body(parts, raw_charset, text_item);
     body.Read(item);
     item.item_class = parts.front().type == "multipart/report" ? item_class::report : body.Meeting();
   }
+  Set_Kept_Fields(kept, item);
   item.size = static_cast<std::int64_t>(raw.size());
-  item.raw_message = std::move(raw);
+  if (!text_item) item.raw_message = std::move(raw);
   return item;
 }
 

@@ -22,7 +22,8 @@ class Message_Error : public std::runtime_error {
 // The class is mail, report or, with a calendar part, that of a meeting. Unread unless its header says
 // otherwise; received is no_date if no header has a date. A byte order mark, empty lines and a "From " line
 // may stand before the header. An empty line with no header behind it is an empty header, and all the rest is
-// body. Throws Message_Error for data without header.
+// body. Fields that the exporter added are taken out again; with them, it may be a note, a journal entry, a
+// post or a task request, which have no raw form. Throws Message_Error for data without header.
 New_Item Read_Mime_Message(std::string raw);
 
 // Whether the text ends before the last part of a multipart message does.

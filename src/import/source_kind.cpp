@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "base/text.h"
+#include "import/kept_fields.h"
 #include "import/mail_headers.h"
 #include "import/mbox_reader.h"
 #include "import/source_file.h"
@@ -36,7 +37,8 @@ std::optional<Source_Kind> Kind_Of_Content(std::string_view begin) {
   if (Begins_With_Line(text, "BEGIN:VCALENDAR")) return Source_Kind::Calendar;
   if (Begins_With_Line(text, "BEGIN:VCARD")) return Source_Kind::Contacts;
   if (Begins_With_Separator(text, true)) return Source_Kind::Mbox;
-  if (Begins_With_Mail_Headers(text) || Has_Apple_Frame(begin)) return Source_Kind::Message;
+  if (Begins_With_Mail_Headers(text) || Begins_With_Kept_Block(text) || Has_Apple_Frame(begin))
+    return Source_Kind::Message;
   return std::nullopt;
 }
 

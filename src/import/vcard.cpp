@@ -8,6 +8,7 @@
 
 #include "base/text.h"
 #include "import/charset.h"
+#include "import/kept_fields.h"
 #include "import/local_date.h"
 #include "import/mime_message.h"
 
@@ -204,17 +205,19 @@ std::vector<Card_Text> Cards_In(std::string_view text) {
 }
 
 New_Item Read_Vcard(std::string text) {
+  const std::vector<Kept_Field> kept = Take_Kept_Fields(text);
   Card card = Read_Card(text);
   New_Item item;
   item.item_class = card.kind == "GROUP" ? item_class::distribution_list : item_class::contact;
   for (std::string* name : {&card.full_name, &card.name, &card.organization, &card.nickname, &card.mail}) {
     if (item.subject.empty()) item.subject = One_Line(Trim(*name));
   }
-  if (item.subject.empty() && card.note.empty()) throw Message_Error("it names nobody");
+  if (item.subject.empty() && card.note.empty() && kept.empty()) throw Message_Error("it names nobody");
   item.sender_address = One_Line(card.mail);
   item.body = Valid_Utf8(card.note);
   item.last_modified = card.revision;
   item.size = static_cast<std::int64_t>(text.size());
+  Set_Kept_Fields(kept, item);
   item.raw_message = std::move(text);
   return item;
 }
