@@ -21,6 +21,12 @@ std::optional<std::int32_t> Window_Message_Box::Ask_Number(const std::string& qu
   return message_box_.Ask_Number(question, now, least, most);
 }
 
+std::optional<std::string> Window_Message_Box::Ask_Directory(const std::string& question,
+                                                             const std::string& now) {
+  if (!form_.Loaded()) return std::nullopt;
+  return message_box_.Ask_Directory(question, now);
+}
+
 App::App(MainWindow& w, const Surroundings& s)
     : window(w),
       log(s.log),
@@ -30,6 +36,7 @@ App::App(MainWindow& w, const Surroundings& s)
       session(s.automation, w, message_box, errors),
       checks(w, records, deleted_items, s.limits, run, message_box, s.clock, errors),
       journal(s.automation, s.log, records, run, s.clock, message_box),
+      copy_first(w, records, s.copies, status, run, phase, message_box, events, errors),
       taking_back(session, s.automation.Groups(), s.log, Get_Item_Date, s.clock, message_box, progress,
                   errors),
       taking_back_commands(w, records, deleted_items, rows, refresh, cache, taking_back, s.limits, phase,
@@ -53,6 +60,7 @@ void App::Wire() {
   marking.Wire();
   options.Wire();
   refresh.Wire();
+  copy_first.Wire();
   cleaning.Wire();
   taking_back_commands.Wire();
   panes.Wire();

@@ -24,6 +24,8 @@ struct Surroundings {
   Deleted_Items_Limits& limits;
   // Front ends without help give none.
   Help_Environment* help_environment = nullptr;
+  // Stores without copies have none.
+  Item_Copies* copies = nullptr;
 };
 
 // Procedures that are still unwinding when the window has been closed ask nobody any more: every question
@@ -33,6 +35,7 @@ class Window_Message_Box : public Message_Box {
   Window_Message_Box(const Form& form, Message_Box& message_box) : form_(form), message_box_(message_box) {}
   Answer Show(const std::string& text, Buttons buttons, Icon icon, const std::string& title) override;
   Answer Show_Review(const Review& review) override;
+  std::optional<std::string> Ask_Directory(const std::string& question, const std::string& now) override;
   std::optional<std::int32_t> Ask_Number(const std::string& question, std::int32_t now, std::int32_t least,
                                          std::int32_t most) override;
 
@@ -92,9 +95,10 @@ struct App : private Interface_Loader {
   Status_Line status{window, errors};
   Deletion_Strategies strategies{window, records, folder_tree, rows,   removal, journal,
                                  status, run,     phase,       events, errors};
-  Cleaning_Run cleaning{window,  records, folder_tree, deleted_items, planner, filters,
-                        cache,   rows,    options,     refresh,       checks,  strategies,
-                        journal, run,     phase,       message_box,   events,  errors};
+  Copy_First copy_first;
+  Cleaning_Run cleaning{window, records, folder_tree, deleted_items, planner,    filters,    cache,
+                        rows,   options, refresh,     checks,        copy_first, strategies, journal,
+                        run,    phase,   message_box, events,        errors};
   Taking_Back_Progress progress{events, window.sbStatusBar, taking_back};
   Taking_Back taking_back;
   Taking_Back_Commands taking_back_commands;

@@ -24,6 +24,7 @@ void Load_Tooltips(MainWindow& window, Error_Handler& errors) {
         {&w.chkConfirmFolders, "Confirm each folder before processing."},
         {&w.chkConfirmItems, "Confirm each item before removal."},
         {&w.chkDeleteFolders, "Permanently delete selected folders."},
+        {&w.chkKeepCopy, "Keep a copy of what is deleted for good in a folder that you choose."},
         {&w.lblFilterOptions, "Options controlling which records are deleted."},
         {&w.chkSelectUnread, "Remove unread items."},
         {&w.chkSelectFlagged, "Remove mail that is flagged for follow-up."},

@@ -10,9 +10,10 @@ namespace tidyfold {
 Cleaning_Run::Cleaning_Run(MainWindow& window, FolderData_Array& records, Folder_Tree& folder_tree,
                            Deleted_Items_Folders& deleted_items, Planner& planner, Item_Filters& filters,
                            Item_Cache& cache, Grid_Rows& rows, Processing_Options& processing_options,
-                           Refresh& refresh, Safety_Checks& checks, Deletion_Strategies& strategies,
-                           Run_Journal& journal, Run_State& run, Program_Phase& phase,
-                           Message_Box& message_box, Events& events, Error_Handler& errors)
+                           Refresh& refresh, Safety_Checks& checks, Copy_First& copy_first,
+                           Deletion_Strategies& strategies, Run_Journal& journal, Run_State& run,
+                           Program_Phase& phase, Message_Box& message_box, Events& events,
+                           Error_Handler& errors)
     : window_(window),
       tree_(window.trvFolders),
       records_(records),
@@ -25,6 +26,7 @@ Cleaning_Run::Cleaning_Run(MainWindow& window, FolderData_Array& records, Folder
       processing_options_(processing_options),
       refresh_(refresh),
       checks_(checks),
+      copy_first_(copy_first),
       strategies_(strategies),
       journal_(journal),
       run_(run),
@@ -103,6 +105,7 @@ void Cleaning_Run::Run() {
   if (cache_.Running()) cache_.InterruptCaching = true;
   phase_.Begin_Cleaning();
   rows_.Display_Selected_Items_Total();
+  if (!copy_first_.Keep(plan_)) return;
   deleted_items_.Assigne_Deleted_Items_Folders();
   strategies_.Begin_Run(plan_);
   for (const Plan_Stop& stop : plan_.stops) stops_.emplace(stop.folder, &stop);
@@ -178,10 +181,11 @@ void Cleaning_Run::Say_What_Has_Changed() {
 // switched Delete Folders off again.
 std::string Cleaning_Run::Summary() const {
   if (run_.ProcessedCount == 0) return "No items were processed.";
+  const std::string copy = run_.Copy.empty() ? "" : "\r\n\r\nA copy is in \"" + run_.Copy + "\".";
   const bool for_good = plan_.options.permanent || plan_.options.Takes_Everything();
   const std::string ending = for_good ? "deleted." : "moved to the \"Deleted Items\" folder.";
-  if (run_.ProcessedCount == 1) return "1 item was " + ending;
-  return " " + std::to_string(run_.ProcessedCount) + " items were " + ending;
+  if (run_.ProcessedCount == 1) return "1 item was " + ending + copy;
+  return " " + std::to_string(run_.ProcessedCount) + " items were " + ending + copy;
 }
 
 void Cleaning_Run::Process_Each_Node(int node, int depth) {

@@ -7,6 +7,7 @@
 
 #include "cache/item_filters.h"
 #include "cache/refresh.h"
+#include "clean/copy_first.h"
 #include "clean/deletion_strategies.h"
 #include "marking/processing_options.h"
 
@@ -17,8 +18,9 @@ class Cleaning_Run {
   Cleaning_Run(MainWindow& window, FolderData_Array& records, Folder_Tree& folder_tree,
                Deleted_Items_Folders& deleted_items, Planner& planner, Item_Filters& filters,
                Item_Cache& cache, Grid_Rows& rows, Processing_Options& processing_options, Refresh& refresh,
-               Safety_Checks& checks, Deletion_Strategies& strategies, Run_Journal& journal, Run_State& run,
-               Program_Phase& phase, Message_Box& message_box, Events& events, Error_Handler& errors);
+               Safety_Checks& checks, Copy_First& copy_first, Deletion_Strategies& strategies,
+               Run_Journal& journal, Run_State& run, Program_Phase& phase, Message_Box& message_box,
+               Events& events, Error_Handler& errors);
 
   // Sets the button's and the menu command's handlers.
   void Wire();
@@ -54,6 +56,7 @@ class Cleaning_Run {
   Processing_Options& processing_options_;
   Refresh& refresh_;
   Safety_Checks& checks_;
+  Copy_First& copy_first_;
   Deletion_Strategies& strategies_;
   Run_Journal& journal_;
   Run_State& run_;

@@ -26,6 +26,14 @@ void Status_Line::Display_Delete_By_Selected_Status(std::int32_t processed, std:
   });
 }
 
+void Status_Line::Display_Copying_Status(std::int64_t done, std::int64_t total) {
+  errors_.Run("Display_Copying_Status", [&] {
+    bar_.Set_Panel_Text(1, "Keeping a copy");
+    bar_.Set_Panel_Text(2, "Copied: " + std::to_string(done) + " of " + std::to_string(total));
+    bar_.Set_Gauge(std::min(done, total), total);
+  });
+}
+
 void Status_Line::Start_Gauge(std::int64_t total) {
   bar_.Set_Gauge(0, total);
 }

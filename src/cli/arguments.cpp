@@ -75,7 +75,7 @@ std::vector<std::string> With_Every_Value_Named(const std::vector<std::string>& 
 // The arguments as text, before they are parsed.
 struct Raw {
   std::vector<std::string> stores, types, folders, sources;
-  std::string cutoff, subject, target, directory, export_form, sample_file, save_plan, plan;
+  std::string cutoff, subject, target, directory, export_form, sample_file, save_plan, plan, backup;
   bool json = false, csv = false;
 };
 
@@ -163,6 +163,7 @@ void Add_Item_Commands(CLI::App& app, Arguments& arguments, Raw& raw) {
       ->type_name("FILE");
   CLI::Option* plan =
       clean.add_option("--plan", raw.plan, "Take exactly what a saved plan names")->type_name("FILE");
+  // What does not choose goes with a plan.
   for (CLI::Option* chooses : clean.get_options())
     if (chooses != plan && chooses != clean.get_help_ptr()) plan->excludes(chooses);
   const CLI::Range from_0(0, std::numeric_limits<std::int32_t>::max());
@@ -174,6 +175,11 @@ void Add_Item_Commands(CLI::App& app, Arguments& arguments, Raw& raw) {
                   "The most that a Deleted Items folder may hold, for this run; 0: any number")
       ->check(from_0)
       ->type_name("N");
+  clean
+      .add_option(
+          "--backup", raw.backup,
+          "Copy what goes for good to a new folder in this one, and compare, before anything is deleted")
+      ->type_name("DIRECTORY");
   clean.add_flag("--yes", arguments.yes, "Answer Yes or OK to every question");
   clean.add_flag("--json", raw.json, "As JSON");
 }
@@ -225,6 +231,7 @@ void Understand(Arguments& arguments, const Raw& raw, const CLI::App& command) {
       Fail("--cutoff \"" + raw.cutoff + "\" is no date. Give a day of the calendar as YYYY-MM-DD.");
   }
   if (given("--save-plan")) arguments.save_plan = File_Path(raw.save_plan);
+  if (given("--backup")) arguments.backup = File_Path(raw.backup);
   if (given("--plan")) arguments.plan = File_Path(raw.plan);
   const bool needs_folder =
       arguments.command == Command::Items || (arguments.command == Command::Clean && !arguments.plan);
@@ -235,6 +242,8 @@ void Understand(Arguments& arguments, const Raw& raw, const CLI::App& command) {
         "--save-plan cannot be used with --delete-folders: a plan names items, not folders. Leave one of "
         "them "
         "out.");
+  if (arguments.backup && arguments.backup->empty())
+    Fail("--backup names no folder. Name the one in which copies are kept.");
   const bool makes_store = arguments.command == Command::Sample;
   if (makes_store && !arguments.stores.empty())
     Fail("--store names stores that exist; the new one is named after \"sample\". Leave --store out.");

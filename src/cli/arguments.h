@@ -49,7 +49,7 @@ struct Arguments {
   bool yes = false;
   std::optional<std::int64_t> most;                 // items, or folders, that a run may take
   std::optional<std::int32_t> deleted_items_limit;  // for this run alone; 0: none
-  std::optional<std::filesystem::path> save_plan, plan;
+  std::optional<std::filesystem::path> save_plan, plan, backup;
 
   // import
   std::vector<std::filesystem::path> sources;

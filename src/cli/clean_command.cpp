@@ -36,6 +36,9 @@ class Clean_Command {
     try {
       if (!filed) Choose(folders);
       Clean_Plan plan = filed ? Match_Plan(*filed, session_) : session_.Program().planner.Plan_Run();
+      if (arguments_.backup)
+        plan.options.copy_directory =
+            std::filesystem::absolute(*arguments_.backup).lexically_normal().string();
       Check_Most(plan);
       return arguments_.dry_run ? Rehearse(plan) : Clean(std::move(plan));
     } catch (const Failure& failure) {

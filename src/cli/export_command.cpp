@@ -21,6 +21,11 @@ std::vector<std::string> Names_Above(MAPIFolder& folder) {
   return names;
 }
 
+MAPIFolder_Ptr Top_Of(MAPIFolder_Ptr folder) {
+  while (MAPIFolder_Ptr above = folder->Parent()) folder = std::move(above);
+  return folder;
+}
+
 bool Lies_In(MAPIFolder& folder, const std::vector<Store_Folder>& others) {
   const auto is_one = [&](MAPIFolder& above) {
     return std::any_of(others.begin(), others.end(), [&](const Store_Folder& other) {
@@ -81,14 +86,13 @@ class Export_Command {
   }
 
   void Add(const Store_Folder& chosen, bool several) {
-    const auto& stores = outlook_.Stores();
     const std::string store_id = chosen.folder->StoreID();
-    const auto store = *std::find_if(stores.begin(), stores.end(),
-                                     [&](const auto& candidate) { return candidate->StoreID() == store_id; });
     std::vector<std::string> above;
-    if (several) above.push_back(store->Top_Folder()->Name());
+    if (several) above.push_back(Top_Of(chosen.folder)->Name());
     std::ranges::move(Names_Above(*chosen.folder), std::back_inserter(above));
-    const auto read = [store](const std::string& entry_id) { return store->Read_Whole_Item(entry_id); };
+    const auto read = [this, store_id](const std::string& entry_id) {
+      return outlook_.Read_Whole_Item(store_id, entry_id);
+    };
     std::ranges::move(Folders_To_Export(chosen.folder, above, read), std::back_inserter(folders_));
     options_.total += Items_In(*chosen.folder);
   }

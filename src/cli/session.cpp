@@ -26,7 +26,10 @@ Session::Session(const std::vector<std::filesystem::path>& stores, Store_Mode mo
       message_box_(terminal, answering, quiet),
       registry_(Make_System_Registry([&terminal](const std::string& text) { terminal.Write_Error(text); })),
       limits_(stored_limits_, deleted_items_limit),
-      app_(window_, {outlook_, message_box_, events_, clock_, log_, limits_}) {
+      copies_([this](const std::string& store_id,
+                     const std::string& entry_id) { return outlook_.Read_Whole_Item(store_id, entry_id); },
+              clock_),
+      app_(window_, {outlook_, message_box_, events_, clock_, log_, limits_, nullptr, &copies_}) {
   outlook_.Open(stores, mode, Told_On(terminal, "Bringing the store up to date"));
   folders_ = List_Folders(outlook_);
   events_.due = [this] { Events_Due(); };

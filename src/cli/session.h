@@ -16,6 +16,7 @@
 #include "cli/terminal.h"
 #include "cli/terminal_message_box.h"
 #include "controls/main_window.h"
+#include "export/store_copies.h"
 #include "outlook/folder_data.h"
 #include "stores/sqlite/embedded_outlook.h"
 
@@ -63,6 +64,7 @@ class Session {
   std::unique_ptr<Registry> registry_;
   Stored_Limits stored_limits_{*registry_};
   Run_Limits limits_;
+  Store_Copies copies_;
   MainWindow window_;
   App app_;
   std::unordered_map<std::string, int> nodes_;  // by the folder's identifiers

@@ -44,6 +44,11 @@ class Message_Box {
                                                  std::int32_t /*least*/, std::int32_t /*most*/) {
     return std::nullopt;
   }
+  // A directory, beginning with the one given; UTF-8.
+  virtual std::optional<std::string> Ask_Directory(const std::string& /*question*/,
+                                                   const std::string& /*now*/) {
+    return std::nullopt;
+  }
 };
 
 class Events {

@@ -41,6 +41,7 @@ MainWindow::MainWindow() {
               &chkConfirmFolders,
               &chkConfirmItems,
               &chkDeleteFolders,
+              &chkKeepCopy,
               &chkSelectUnread,
               &chkSelectFlagged,
               &chkSelectDate,
@@ -55,10 +56,10 @@ MainWindow::MainWindow() {
                                    &lblProcessingOptions, &lblFilterOptions, &frmOptions, &mnuRefresh,
                                    &mnuRefreshCurrent, &mnuClean, &mnuQuit, &mnuUnmark, &mnuResetOptions,
                                    &mnuHelp, &mnuWhatsThis, &mnuOnlineHelp, &mnuAbout});
-  controls.insert(controls.end(),
-                  {&mnuStopLoading, &mnuMark, &mnuUnmarkFolder, &mnuMarkBranch, &mnuSortReverse, &mnuOpenItem,
-                   &mnuSelectRow, &mnuSelectAllRows, &mnuCopyRows, &mnuPutBack, &mnuNextPane,
-                   &mnuPreviousPane, &mnuRuns, &mnuTakeBack, &mnuDeletedItemsLimit});
+  controls.insert(controls.end(), {&mnuStopLoading, &mnuMark, &mnuUnmarkFolder, &mnuMarkBranch,
+                                   &mnuSortReverse, &mnuOpenItem, &mnuSelectRow, &mnuSelectAllRows,
+                                   &mnuCopyRows, &mnuPutBack, &mnuNextPane, &mnuPreviousPane, &mnuRuns,
+                                   &mnuTakeBack, &mnuDeletedItemsLimit, &mnuExport, &mnuExportFolder});
   for (MenuItem& field : mnuSortBy) controls.push_back(&field);
 }
 

@@ -45,6 +45,7 @@ struct MainWindow {
   CheckBox chkConfirmFolders{"chkConfirmFolders", "Confirm &Each Folder"};
   CheckBox chkConfirmItems{"chkConfirmItems", "Confirm Each Ite&m"};
   CheckBox chkDeleteFolders{"chkDeleteFolders", "&Delete Folders"};
+  CheckBox chkKeepCopy{"chkKeepCopy", "Keep a Copy Fir&st"};
   Label lblFilterOptions{"lblFilterOptions", "Filter Options"};
   CheckBox chkSelectUnread{"chkSelectUnread", "Select &Unread Items"};
   CheckBox chkSelectFlagged{"chkSelectFlagged", "Select Fla&gged Items"};
@@ -75,6 +76,8 @@ struct MainWindow {
   MenuItem mnuRuns{"mnuRuns", "R&uns..."};
   MenuItem mnuPutBack{"mnuPutBack", "Put &Back"};
   MenuItem mnuDeletedItemsLimit{"mnuDeletedItemsLimit", "&Deleted Items Limit..."};
+  MenuItem mnuExport{"mnuExport", "&Export..."};
+  MenuItem mnuExportFolder{"mnuExportFolder", "&Export Folder..."};
   MenuItem mnuQuit{"mnuQuit", "&Quit"};
   MenuItem mnuUnmark{"mnuUnmark", "&Unmark All Folders"};
   MenuItem mnuResetOptions{"mnuResetOptions", "&Reset Options"};
@@ -103,6 +106,9 @@ struct MainWindow {
 
   // Puts a text on the clipboard; lines end in CR LF.
   std::function<void(const std::string& text)> Set_Clipboard_Text;
+
+  // Where Keep a Copy First writes to; UTF-8.
+  std::string copy_directory;
 
   // Takes back a run by its number in the log, after a question.
   std::function<void(std::int64_t run)> Take_Back_Run;

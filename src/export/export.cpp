@@ -221,18 +221,18 @@ class Export_Run {
   std::chrono::steady_clock::time_point last_told_ = std::chrono::steady_clock::now();
 };
 
-std::vector<std::string> Items_Of(MAPIFolder& folder) {
+}  // namespace
+
+bool Can_Export() {
+  return true;
+}
+
+std::vector<std::string> Entry_Ids_Of(MAPIFolder& folder) {
   std::vector<std::string> ids;
   const Items_Ptr items = folder.Items();
   const std::int32_t count = items->Count();
   for (std::int32_t i = 1; i <= count; ++i) ids.push_back(items->Item(i)->EntryID());
   return ids;
-}
-
-}  // namespace
-
-bool Can_Export() {
-  return true;
 }
 
 std::vector<Export_Folder> Folders_To_Export(const MAPIFolder_Ptr& folder, std::vector<std::string> above,
@@ -242,7 +242,7 @@ std::vector<Export_Folder> Folders_To_Export(const MAPIFolder_Ptr& folder, std::
     std::vector<std::string> names = above;
     names.push_back(folder->Name());
     folders.push_back({std::move(names), folder->DefaultItemType(), folder->Parent() == nullptr,
-                       [folder] { return Items_Of(*folder); }, read});
+                       [folder] { return Entry_Ids_Of(*folder); }, read});
   }
   if (folder->Parent() != nullptr) above.push_back(folder->Name());
   const Folders_Ptr children = folder->Folders();

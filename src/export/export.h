@@ -88,7 +88,9 @@ bool Can_Export();
 // store's top folder is none of them but where it holds items itself.
 std::vector<Export_Folder> Folders_To_Export(const MAPIFolder_Ptr& folder, std::vector<std::string> above,
                                              const Read_Item& read);
-// How many items lie in them.
+// EntryIDs, in the folder's order.
+std::vector<std::string> Entry_Ids_Of(MAPIFolder& folder);
+// How many items lie in the folder and below it.
 std::int64_t Items_In(MAPIFolder& folder);
 
 // Writes the folders into new directories below `directory`, which is made where it is missing. Nothing that

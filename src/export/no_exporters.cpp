@@ -12,6 +12,10 @@ std::vector<Export_Folder> Folders_To_Export(const MAPIFolder_Ptr&, std::vector<
   return {};
 }
 
+std::vector<std::string> Entry_Ids_Of(MAPIFolder&) {
+  return {};
+}
+
 std::int64_t Items_In(MAPIFolder&) {
   return 0;
 }

@@ -40,6 +40,7 @@ inline constexpr Context_Topic context_topics[] = {
     {"chkConfirmFolders", -1, 1203, "controls/chkConfirmFolders.html"},
     {"chkConfirmItems", -1, 1204, "controls/chkConfirmItems.html"},
     {"chkDeleteFolders", -1, 1205, "controls/chkDeleteFolders.html"},
+    {"chkKeepCopy", -1, 1206, "controls/chkKeepCopy.html"},
     {"lblFilterOptions", -1, 1300, "controls/lblFilterOptions.html"},
     {"chkSelectUnread", -1, 1301, "controls/chkSelectUnread.html"},
     {"chkSelectFlagged", -1, 1309, "controls/chkSelectFlagged.html"},
@@ -82,6 +83,8 @@ inline constexpr Context_Topic context_topics[] = {
     {"mnuTakeBack", -1, 1423, "controls/mnuTakeBack.html"},
     {"mnuPutBack", -1, 1424, "controls/mnuPutBack.html"},
     {"mnuDeletedItemsLimit", -1, 1425, "controls/mnuDeletedItemsLimit.html"},
+    {"mnuExport", -1, 1427, "controls/mnuExport.html"},
+    {"mnuExportFolder", -1, 1428, "controls/mnuExportFolder.html"},
 };
 
 // The page of a context identifier; empty for one that no control has.

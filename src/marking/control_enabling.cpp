@@ -76,6 +76,7 @@ void Control_Enabling::Enable_Command_Buttons() {
     const int folder = tree.Selected_Item();
     window_.mnuMark.Set_Enabled(folder != 0 && !tree.Checked(folder));
     window_.mnuUnmarkFolder.Set_Enabled(folder != 0 && tree.Checked(folder));
+    window_.mnuExportFolder.Set_Enabled(folder != 0);
     window_.mnuMarkBranch.Set_Enabled(folder != 0 && tree.Children(folder) > 0);
     window_.mnuStopLoading.Set_Enabled(phase_.Now() == Phase::Loading);
     for (MenuItem* entry : {&window_.mnuSelectRow, &window_.mnuSelectAllRows})
@@ -88,9 +89,9 @@ void Control_Enabling::Set_Checkbox_Values() {
     MainWindow& w = window_;
     for (CheckBox* off :
          {&w.chkDeleteFolders, &w.chkTurbo, &w.chkSelectByRow, &w.chkPermanentDelete, &w.chkConfirmFolders,
-          &w.chkConfirmItems, &w.chkMarkSubFolders, &w.chkCollapseFolders, &w.chkShowAllFolders,
-          &w.chkSelectUnread, &w.chkSelectFlagged, &w.chkSelectDate, &w.chkSelectSubject, &w.chkMatchCase,
-          &w.chkMatchWord, &w.chkSelectType})
+          &w.chkConfirmItems, &w.chkKeepCopy, &w.chkMarkSubFolders, &w.chkCollapseFolders,
+          &w.chkShowAllFolders, &w.chkSelectUnread, &w.chkSelectFlagged, &w.chkSelectDate,
+          &w.chkSelectSubject, &w.chkMatchCase, &w.chkMatchWord, &w.chkSelectType})
       off->Set_Value(0);
     for (TypeBox& type : w.chkType) type.box.Set_Value(0);
     w.chkShowSelectedItems.Set_Value(1);

@@ -13,6 +13,7 @@ std::string Run_Options::In_Words() const {
   add(by_row, "Select By Row");
   add(confirm_folders, "Confirm Each Folder");
   add(confirm_items, "Confirm Each Item");
+  if (!copy_directory.empty()) add(true, ("Keep a Copy First: " + copy_directory).c_str());
   if (!by_row && !Takes_Everything()) add(true, filter.In_Words().c_str());
   return words;
 }
@@ -26,6 +27,7 @@ Run_Options Read_Options(const MainWindow& window, const Item_Filter& in_force) 
   options.confirm_folders = window.chkConfirmFolders.Checked();
   options.confirm_items = window.chkConfirmItems.Checked();
   options.show_all_folders = window.chkShowAllFolders.Checked();
+  if (window.chkKeepCopy.Checked()) options.copy_directory = window.copy_directory;
   options.filter = in_force;
   return options;
 }

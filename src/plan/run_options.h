@@ -16,6 +16,8 @@ struct Run_Options {
   bool confirm_folders = false;
   bool confirm_items = false;
   bool show_all_folders = false;
+  // Where a copy is kept of what goes for good; empty: none is.
+  std::string copy_directory;
   Item_Filter filter;
 
   // Nothing of the items is asked: all in a marked folder go.

@@ -7,6 +7,8 @@ namespace tidyfold {
 namespace {
 
 constexpr const char* last_stores_key = "Software\\Tidyfold\\Last Stores";
+constexpr const char* copies_key = "Software\\Tidyfold\\Copies";
+constexpr const char* directory_value = "Directory";
 
 // Values are named 1, 2, ...; the first missing or empty one ends the list.
 std::string Value_Name(std::size_t number) {
@@ -56,6 +58,22 @@ bool Keep_Last_Stores(Registry& registry, const std::vector<std::filesystem::pat
   for (std::size_t after = stores.size() + 1; kept && !Text(registry, key, Value_Name(after)).empty();
        ++after)
     kept = Set_Text(registry, key, Value_Name(after), "");
+  registry.RegCloseKey(key);
+  return kept;
+}
+
+std::string Last_Copy_Directory(Registry& registry) {
+  Registry::Key key = 0;
+  registry.RegOpenKeyA(Registry_Root::Current_User, copies_key, key);
+  const std::string directory = Text(registry, key, directory_value);
+  registry.RegCloseKey(key);
+  return directory;
+}
+
+bool Keep_Copy_Directory(Registry& registry, const std::string& directory) {
+  Registry::Key key = 0;
+  registry.RegCreateKeyA(Registry_Root::Current_User, copies_key, key);
+  const bool kept = key != 0 && Set_Text(registry, key, directory_value, directory);
   registry.RegCloseKey(key);
   return kept;
 }

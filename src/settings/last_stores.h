@@ -1,7 +1,8 @@
-// Which stores were open last.
+// What was last open or chosen: stores, and the directory for copies.
 #pragma once
 
 #include <filesystem>
+#include <string>
 #include <vector>
 
 #include "settings/registry.h"
@@ -13,5 +14,9 @@ std::vector<std::filesystem::path> Last_Stores(Registry& registry);
 
 // Keeps absolute paths. False where the registry could not be written.
 bool Keep_Last_Stores(Registry& registry, const std::vector<std::filesystem::path>& stores);
+
+// The directory of Keep a Copy First; empty where none is kept.
+std::string Last_Copy_Directory(Registry& registry);
+bool Keep_Copy_Directory(Registry& registry, const std::string& directory);
 
 }  // namespace tidyfold

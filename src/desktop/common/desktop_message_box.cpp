@@ -1,8 +1,10 @@
 #include "desktop/common/desktop_message_box.h"
 
 #include <wx/app.h>
+#include <wx/dirdlg.h>
 #include <wx/msgdlg.h>
 #include <wx/numdlg.h>
+#include <wx/stdpaths.h>
 
 #include "desktop/common/review_sheet.h"
 #include "desktop/common/text_conversion.h"
@@ -74,6 +76,16 @@ std::optional<std::int32_t> Desktop_Message_Box::Ask_Number(const std::string& q
     wxNumberEntryDialog dialog(parent, To_Lines(question), wxString(), application_title, now, least, most);
     if (dialog.ShowModal() != wxID_OK) return std::nullopt;
     return static_cast<std::int32_t>(dialog.GetValue());
+  });
+}
+
+std::optional<std::string> Desktop_Message_Box::Ask_Directory(const std::string& question,
+                                                              const std::string& now) {
+  return Open(question, [&](wxWindow* parent) -> std::optional<std::string> {
+    const wxString begin = now.empty() ? wxStandardPaths::Get().GetDocumentsDir() : To_Wx(now);
+    wxDirDialog dialog(parent, To_Lines(question), begin, wxDD_DEFAULT_STYLE);
+    if (dialog.ShowModal() != wxID_OK) return std::nullopt;
+    return From_Wx(dialog.GetPath());
   });
 }
 

@@ -18,6 +18,7 @@ class Desktop_Message_Box : public Message_Box {
 
   Answer Show(const std::string& text, Buttons buttons, Icon icon, const std::string& title) override;
   Answer Show_Review(const Review& review) override;
+  std::optional<std::string> Ask_Directory(const std::string& question, const std::string& now) override;
   std::optional<std::int32_t> Ask_Number(const std::string& question, std::int32_t now, std::int32_t least,
                                          std::int32_t most) override;
   // Boxes may be nested.

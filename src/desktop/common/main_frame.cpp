@@ -91,8 +91,9 @@ void Main_Frame::Build_Panes() {
                                         wxDV_SINGLE | wxDV_NO_HEADER | wxBORDER_NONE);
   auto& tree_binder = binders_.Add<Tree_Binder>(model_.trvFolders, *tree, schedule_);
   tree_binder.Follow_Position(scale_);
-  tree_binder.context_menu = Entries({&model_.mnuMark, &model_.mnuUnmarkFolder, &model_.mnuMarkBranch,
-                                      nullptr, &model_.mnuRefreshCurrent, &model_.mnuRefresh});
+  tree_binder.context_menu =
+      Entries({&model_.mnuMark, &model_.mnuUnmarkFolder, &model_.mnuMarkBranch, &model_.mnuExportFolder,
+               nullptr, &model_.mnuRefreshCurrent, &model_.mnuRefresh});
 
   auto* const grid = new wxGrid(surface_, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxBORDER_NONE);
   auto* const hint = new wxStaticText(grid->GetGridWindow(), wxID_ANY, wxString(), wxDefaultPosition,
@@ -137,6 +138,8 @@ void Main_Frame::Build_Menus() {
   Add_File_Entry(*file, "Import Fo&lder...",
                  "Bring a folder of mail into the store: a Maildir, mbox files, messages",
                  commands_.Import_Folder);
+  if (commands_.exports)
+    Add_Entry(*file, model_.mnuExport, "Ctrl+E", "Write all folders in forms that other programs read");
   if (commands_.Compact) file->AppendSeparator();
   Add_File_Entry(*file, "&Compact", "Give the room back that the store no longer needs", commands_.Compact);
   if (file->GetMenuItemCount() > 0) file->AppendSeparator();
@@ -153,6 +156,11 @@ void Main_Frame::Build_Menus() {
   Add_Entry(*folders, model_.mnuUnmarkFolder, "Ctrl+Shift+M", "Take the tick off the current folder");
   Add_Entry(*folders, model_.mnuMarkBranch, "Ctrl+B", "Tick the current folder and all folders below it");
   Add_Entry(*folders, model_.mnuUnmark, "Ctrl+U", "Take the ticks off all folders");
+  if (commands_.exports) {
+    folders->AppendSeparator();
+    Add_Entry(*folders, model_.mnuExportFolder, "Ctrl+Shift+E",
+              "Write the current folder, with all below it, in forms that other programs read");
+  }
   folders->AppendSeparator();
   Add_Entry(*folders, model_.mnuTakeBack, "Ctrl+Shift+Z",
             "Put back what the last run moved to Deleted Items");
@@ -242,7 +250,11 @@ Context_Menu Main_Frame::Entries(std::initializer_list<const MenuItem*> models) 
   for (const MenuItem* const model : models) {
     const auto found = std::find_if(menu_binders_.begin(), menu_binders_.end(),
                                     [&](const auto& binder) { return &binder->Model() == model; });
-    entries.push_back(found == menu_binders_.end() ? nullptr : found->get());
+    if (model == nullptr) {
+      entries.push_back(nullptr);
+    } else if (found != menu_binders_.end()) {
+      entries.push_back(found->get());
+    }
   }
   return entries;
 }

@@ -24,6 +24,7 @@ class Options_Panel;
 // Commands on store files, which the model does not know. Empty ones get no menu entry.
 struct File_Commands {
   std::function<void()> Open_Store, New_Sample, Import_Files, Import_Folder, Compact;
+  bool exports = false;  // whether what is in the stores can be exported
 };
 
 // Shows the model frmRemoveItems, whose size is that of the client area, with all its controls. When the
@@ -41,7 +42,7 @@ class Main_Frame : public wxFrame {
   void Add_Entry(wxMenu& menu, MenuItem& model, const wxString& key, const wxString& help,
                  wxItemKind kind = wxITEM_NORMAL);
   wxMenu* New_View_Menu();
-  // The menu bar's entries for these models; null stands for a separator.
+  // The menu bar's entries for these models, as far as it has them; null stands for a separator.
   Context_Menu Entries(std::initializer_list<const MenuItem*> models) const;
   void Go_To_Pane(int step);
   void Add_File_Entry(wxMenu& menu, const wxString& label, const wxString& help,

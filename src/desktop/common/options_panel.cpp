@@ -36,7 +36,7 @@ void Options_Panel::Bind_To_Model(Binders& binders) {
 
   wxBoxSizer& processing = *Start_Group(model_.lblProcessingOptions);
   for (CheckBox* const option : {&model_.chkTurbo, &model_.chkPermanentDelete, &model_.chkConfirmFolders,
-                                 &model_.chkConfirmItems, &model_.chkDeleteFolders})
+                                 &model_.chkConfirmItems, &model_.chkDeleteFolders, &model_.chkKeepCopy})
     Add_Option(processing, *option);
   Separate(model_.linOptions2);
 

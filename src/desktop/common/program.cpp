@@ -92,6 +92,7 @@ void Program::Build() {
     commands.Import_Files = [this] { Change_Stores([this] { return files_->Import_Files(frame_); }); };
     commands.Import_Folder = [this] { Change_Stores([this] { return files_->Import_Folder(frame_); }); };
   }
+  commands.exports = !system_outlook_ && Can_Export();
   if (!system_outlook_) commands.Compact = [this] { Compact(); };
   frame_ = new Main_Frame(window_, *schedule_, std::move(commands), [this] {
     help_->Close_Book();
@@ -101,6 +102,11 @@ void Program::Build() {
   message_window_ = new Message_Window(window_);
   if (observer_ != nullptr) observer_->Window_Built(*frame_, window_);
 
+  window_.mnuExport.Click = [this] { Export(nullptr); };
+  window_.mnuExportFolder.Click = [this] {
+    const int folder = window_.trvFolders.Selected_Item();
+    if (app_->records.Has(folder)) Export(app_->records[folder].Folder);
+  };
   outlook_.Set_Display([this](const Displayed_Item& item) { Show_In_Front(*new Item_Window(frame_, item)); });
   window_.mnuRuns.Click = [this] { Show_Runs(); };
   events_.before_yield = [this] { outlook_.Commit_Pending(); };
@@ -119,11 +125,31 @@ void Program::Build() {
   Automation& outlook = system_outlook_ ? *system_outlook_ : outlook_;
   limits_ = std::make_unique<Stored_Limits>(*registry_);
   app_ = std::make_unique<App>(
-      window_, Surroundings{outlook, message_box_, events_, clock_, log_, *limits_, &help_->Environment()});
+      window_, Surroundings{outlook, message_box_, events_, clock_, log_, *limits_, &help_->Environment(),
+                            system_outlook_ || !Can_Export() ? nullptr : &copies_});
+  Remember_Copy_Directory();
   if (!system_outlook_)
     for (auto* const command : {&window_.cmdRun.Click, &window_.mnuClean.Click})
       Offer_To_Compact_After(*command);
   window_.Take_Back_Run = [this](std::int64_t run) { app_->taking_back_commands.Take_Back_Run(run); };
+}
+
+void Program::Export(const MAPIFolder_Ptr& folder) {
+  if (app_->phase.Is_Run()) {
+    message_box_.Show("A run is under way. Export when it has ended.", Buttons::OK_Only, Icon::None,
+                      application_title);
+    return;
+  }
+  files_->Export(frame_, folder);
+}
+
+// The directory that was chosen is offered the next time, too.
+void Program::Remember_Copy_Directory() {
+  window_.copy_directory = Last_Copy_Directory(*registry_);
+  window_.chkKeepCopy.Click = [this, choose = std::move(window_.chkKeepCopy.Click)] {
+    choose();
+    if (window_.chkKeepCopy.Checked()) Keep_Copy_Directory(*registry_, window_.copy_directory);
+  };
 }
 
 void Program::Show_Runs() {

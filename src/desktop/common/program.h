@@ -19,6 +19,7 @@
 #include "desktop/common/program_observer.h"
 #include "desktop/common/repaint_schedule.h"
 #include "desktop/common/store_files.h"
+#include "export/store_copies.h"
 #include "runs/run_log.h"
 #include "stores/sqlite/embedded_outlook.h"
 
@@ -44,6 +45,8 @@ class Program : public wxApp {
   bool Open_First_Stores();
   void Build();
   void Show_Runs();
+  void Export(const MAPIFolder_Ptr& folder);
+  void Remember_Copy_Directory();
   void Compact();
   void Offer_To_Compact_After(std::function<void()>& command);
   void Change_Stores(const std::function<bool()>& change);
@@ -56,6 +59,10 @@ class Program : public wxApp {
   std::unique_ptr<Automation> system_outlook_;
   Embedded_Outlook outlook_;
   System_Clock clock_;
+  Store_Copies copies_{[this](const std::string& store_id, const std::string& entry_id) {
+                         return outlook_.Read_Whole_Item(store_id, entry_id);
+                       },
+                       clock_};
   Run_Log log_{Default_Run_Log_File()};
   Desktop_Events events_;
   Desktop_Message_Box message_box_;

@@ -9,12 +9,14 @@
 #include <wx/stdpaths.h>
 
 #include <algorithm>
+#include <iterator>
 #include <optional>
 
 #include "base/file_path.h"
 #include "base/size_text.h"
 #include "controls/interaction.h"
 #include "desktop/common/error_box.h"
+#include "desktop/common/export_dialog.h"
 #include "desktop/common/text_conversion.h"
 #include "errors/automation_error.h"
 #include "import/import.h"
@@ -85,7 +87,6 @@ class Progress {
   wxString what_;
 };
 
-// What the reports say, for a file that a person keeps.
 wxString Whole_Text(const std::vector<Import_Report>& reports) {
   wxString text;
   for (const Import_Report& report : reports) {
@@ -95,8 +96,8 @@ wxString Whole_Text(const std::vector<Import_Report>& reports) {
   return text;
 }
 
-void Save_Report(wxWindow* parent, const wxString& text) {
-  wxFileDialog dialog(parent, "Save Report", wxStandardPaths::Get().GetDocumentsDir(), "Import report.txt",
+void Save_Report(wxWindow* parent, const wxString& name, const wxString& text) {
+  wxFileDialog dialog(parent, "Save Report", wxStandardPaths::Get().GetDocumentsDir(), name,
                       "Text files (*.txt)|*.txt|All files|*", wxFD_SAVE | wxFD_OVERWRITE_PROMPT);
   while (dialog.ShowModal() == wxID_OK) {
     wxFile file;
@@ -104,6 +105,27 @@ void Save_Report(wxWindow* parent, const wxString& text) {
     Show_Error(parent, "The report could not be written to \"" + From_Wx(dialog.GetPath()) +
                            "\". Choose another place.");
   }
+}
+
+// The whole text is for a file that a person keeps.
+void Show_Report(wxWindow* parent, const wxString& text, const wxString& details, bool failed,
+                 const wxString& file_name, const wxString& whole_text) {
+  wxRichMessageDialog dialog(
+      parent, text, application_title,
+      wxYES_NO | wxNO_DEFAULT | wxCENTRE | (failed ? wxICON_WARNING : wxICON_INFORMATION));
+  dialog.SetYesNoLabels("&Save Report...", "&Close");
+  if (!details.empty()) dialog.ShowDetailedText(details);
+  if (dialog.ShowModal() == wxID_YES) Save_Report(parent, file_name, whole_text);
+}
+
+void Show_Reports(wxWindow* parent, const Export_Report& report) {
+  const wxString counts = To_Wx(report.directory + ": " + Counts_Of(report));
+  wxString text = counts, details;
+  if (report.cancelled) text += "\nCancelled. What was written by then stays.";
+  if (!report.ended_by.empty()) text += "\nEnded on the way: " + To_One_Line(report.ended_by);
+  for (const std::string& line : Details_Of(report)) details += To_One_Line(line) + "\n";
+  Show_Report(parent, text, details, !report.Is_Whole() && !report.cancelled, "Export report.txt",
+              counts + "\n" + details);
 }
 
 void Show_Reports(wxWindow* parent, const std::vector<Import_Report>& reports) {
@@ -116,12 +138,7 @@ void Show_Reports(wxWindow* parent, const std::vector<Import_Report>& reports) {
     for (const std::string& line : Details_Of(report)) details += To_One_Line(line) + "\n";
     failed = failed || report.failed > 0 || !report.ended_by.empty();
   }
-  wxRichMessageDialog dialog(
-      parent, text.Trim(), application_title,
-      wxYES_NO | wxNO_DEFAULT | wxCENTRE | (failed ? wxICON_WARNING : wxICON_INFORMATION));
-  dialog.SetYesNoLabels("&Save Report...", "&Close");
-  if (!details.empty()) dialog.ShowDetailedText(details);
-  if (dialog.ShowModal() == wxID_YES) Save_Report(parent, Whole_Text(reports));
+  Show_Report(parent, text.Trim(), details, failed, "Import report.txt", Whole_Text(reports));
 }
 
 }  // namespace
@@ -240,6 +257,46 @@ bool Store_Files::Import_Into(wxWindow* parent, Embedded_Store& store,
   if (reports.empty()) return false;
   Show_Reports(parent, reports);
   return true;
+}
+
+void Store_Files::Export(wxWindow* parent, const MAPIFolder_Ptr& folder) {
+  const std::string name = folder == nullptr ? std::string() : folder->Name();
+  Export_Dialog dialog(parent, name);
+  while (dialog.ShowModal() == wxID_OK) {
+    try {
+      std::vector<Export_Folder> folders;
+      Export_Options options;
+      options.form = dialog.Form();
+      const auto add = [&](const MAPIFolder_Ptr& top, std::vector<std::string> above) {
+        const auto read = [this, id = top->StoreID()](const std::string& entry_id) {
+          return outlook_.Read_Whole_Item(id, entry_id);
+        };
+        std::ranges::move(Folders_To_Export(top, std::move(above), read), std::back_inserter(folders));
+        options.total += Items_In(*top);
+      };
+      if (folder != nullptr) {
+        add(folder, {});
+      } else {
+        const bool several = outlook_.Stores().size() > 1;
+        for (const auto& store : outlook_.Stores()) {
+          const MAPIFolder_Ptr top = store->Top_Folder();
+          add(top, several ? std::vector{top->Name()} : std::vector<std::string>{});
+        }
+      }
+      Export_Report report;
+      {
+        Progress progress(parent, "Export",
+                          name.empty() ? wxString("Exporting") : "Exporting " + To_Wx(name));
+        options.progress = [&progress](std::int64_t done, std::int64_t total) {
+          return progress.Tell(done, total);
+        };
+        report = Export_Folders(folders, To_Path(dialog.Directory()), options);
+      }
+      return Show_Reports(parent, report);
+    } catch (const std::exception& error) {
+      Show_Error(parent, error.what());
+    }
+  }
 }
 
 void Store_Files::Compact(wxWindow* parent) {

@@ -201,6 +201,12 @@ const std::vector<std::shared_ptr<Embedded_Store>>& Embedded_Outlook::Stores() c
   return session_->stores;
 }
 
+New_Item Embedded_Outlook::Read_Whole_Item(const std::string& store_id, const std::string& entry_id) const {
+  for (const auto& store : Stores())
+    if (store->StoreID() == store_id) return store->Read_Whole_Item(entry_id);
+  throw Automation_Error(automation_error::not_found, "The item's store is not open any more.", "Tidyfold");
+}
+
 void Embedded_Outlook::Commit_Pending() {
   std::exception_ptr first_failure;
   const auto stores = session_->known;

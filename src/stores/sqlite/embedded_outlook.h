@@ -32,6 +32,9 @@ class Embedded_Outlook : public Automation, public Change_Groups {
   // In the order in which they were given.
   const std::vector<std::shared_ptr<Embedded_Store>>& Stores() const;
 
+  // All of an item of an open store. Throws Automation_Error (not_found).
+  New_Item Read_Whole_Item(const std::string& store_id, const std::string& entry_id) const;
+
   // Includes stores that have left the list but are still open because objects of theirs are in use.
   void Commit_Pending() override;
   // Closing stores by destroying this object does not call the watcher; call Commit_Pending before.
