@@ -28,6 +28,7 @@ App::App(MainWindow& w, const Surroundings& s)
       clock(s.clock),
       window_message_box(w.frmRemoveItems, s.message_box),
       session(s.automation, w, message_box, errors),
+      protection(w, records, s.protection),
       checks(w, records, deleted_items, s.limits, run, message_box, s.clock, errors),
       journal(s.automation, s.log, records, run, s.clock, message_box),
       taking_back(session, s.automation.Groups(), s.log, Get_Item_Date, s.clock, message_box, progress,

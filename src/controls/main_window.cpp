@@ -56,8 +56,8 @@ MainWindow::MainWindow() {
                                    &mnuRefreshCurrent, &mnuClean, &mnuQuit, &mnuUnmark, &mnuResetOptions,
                                    &mnuHelp, &mnuWhatsThis, &mnuOnlineHelp, &mnuAbout});
   controls.insert(controls.end(),
-                  {&mnuStopLoading, &mnuMark, &mnuUnmarkFolder, &mnuMarkBranch, &mnuSortReverse, &mnuOpenItem,
-                   &mnuSelectRow, &mnuSelectAllRows, &mnuCopyRows, &mnuPutBack, &mnuNextPane,
+                  {&mnuStopLoading, &mnuMark, &mnuUnmarkFolder, &mnuMarkBranch, &mnuProtect, &mnuSortReverse,
+                   &mnuOpenItem, &mnuSelectRow, &mnuSelectAllRows, &mnuCopyRows, &mnuPutBack, &mnuNextPane,
                    &mnuPreviousPane, &mnuRuns, &mnuTakeBack, &mnuDeletedItemsLimit});
   for (MenuItem& field : mnuSortBy) controls.push_back(&field);
 }

@@ -91,8 +91,9 @@ void Main_Frame::Build_Panes() {
                                         wxDV_SINGLE | wxDV_NO_HEADER | wxBORDER_NONE);
   auto& tree_binder = binders_.Add<Tree_Binder>(model_.trvFolders, *tree, schedule_);
   tree_binder.Follow_Position(scale_);
-  tree_binder.context_menu = Entries({&model_.mnuMark, &model_.mnuUnmarkFolder, &model_.mnuMarkBranch,
-                                      nullptr, &model_.mnuRefreshCurrent, &model_.mnuRefresh});
+  tree_binder.context_menu =
+      Entries({&model_.mnuMark, &model_.mnuUnmarkFolder, &model_.mnuMarkBranch, nullptr, &model_.mnuProtect,
+               nullptr, &model_.mnuRefreshCurrent, &model_.mnuRefresh});
 
   auto* const grid = new wxGrid(surface_, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxBORDER_NONE);
   auto* const hint = new wxStaticText(grid->GetGridWindow(), wxID_ANY, wxString(), wxDefaultPosition,
@@ -153,6 +154,9 @@ void Main_Frame::Build_Menus() {
   Add_Entry(*folders, model_.mnuUnmarkFolder, "Ctrl+Shift+M", "Take the tick off the current folder");
   Add_Entry(*folders, model_.mnuMarkBranch, "Ctrl+B", "Tick the current folder and all folders below it");
   Add_Entry(*folders, model_.mnuUnmark, "Ctrl+U", "Take the ticks off all folders");
+  folders->AppendSeparator();
+  Add_Entry(*folders, model_.mnuProtect, "Ctrl+K",
+            "Keep the current folder, and all below it, from ever being cleaned", wxITEM_CHECK);
   folders->AppendSeparator();
   Add_Entry(*folders, model_.mnuTakeBack, "Ctrl+Shift+Z",
             "Put back what the last run moved to Deleted Items");

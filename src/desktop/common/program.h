@@ -19,6 +19,7 @@
 #include "desktop/common/program_observer.h"
 #include "desktop/common/repaint_schedule.h"
 #include "desktop/common/store_files.h"
+#include "outlook/folder_protection.h"
 #include "runs/run_log.h"
 #include "stores/sqlite/embedded_outlook.h"
 
@@ -70,6 +71,7 @@ class Program : public wxApp {
   wxWeakRef<wxFrame> runs_window_;
   std::unique_ptr<Desktop_Help> help_;
   std::unique_ptr<Stored_Limits> limits_;
+  std::unique_ptr<Folder_Protection> stored_protection_;
   std::unique_ptr<App> app_;
 
   bool loading_ = false;
