@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <regex>
 #include <set>
 
 #include "program.h"
@@ -226,6 +227,17 @@ TEST_F(Clean_Plan_File, takes_nothing_of_a_protected_folder_and_neither_does_a_r
     left.insert(item["entry_id"].get<std::string>() + " in " + folder);
   }
   EXPECT_TRUE(std::includes(left.begin(), left.end(), kept.begin(), kept.end()));
+  // What went for good gives its room back; what is left stays as it is.
+  const Json folders = listed();
+  const auto full = std::filesystem::file_size(store_);
+  const Outcome compacted = On_Store({"compact"});
+  EXPECT_EQ(compacted.status, 0) << compacted.err;
+  EXPECT_LT(std::filesystem::file_size(store_), full / 2);
+  EXPECT_TRUE(
+      std::regex_match(compacted.out, std::regex(".*store.tidyfold: [0-9.]+ [KM]B -> [0-9.]+ [KM]B\n")))
+      << compacted.out;
+  EXPECT_EQ(Places(All_Items()), left);
+  EXPECT_EQ(listed(), folders);
   EXPECT_EQ(On_Store({"protect", "--off", "--folder", child}).out,
             child + ": still protected, because it lies below \"Inbox/Lists\"\n");
   EXPECT_EQ(On_Store({"protect", "--folder", "Inbox/Lists", "--off"}).status, 0);

@@ -125,6 +125,12 @@ class Window(Window_Case):
         window.tick("chkDeleteFolders")
         window.tick_folder("Family")
         run("identified for deletion.", "ALL selected FOLDERS and their content", " deleted.")
+        size = self.store.stat().st_size
+        window.key("alt+f")
+        window.key("c", "menu")
+        window.key("Return", "box")  # it says how much was given back
+        window.keyboard("window")
+        self.assertLess(self.store.stat().st_size, size)
         self.quit()
         self.assertEqual(self.content(), {id: item for id, item in expected.items() if item[0] != "Notes" and
                                           "Family" not in item[0].split("/")})

@@ -117,6 +117,12 @@ TEST(Marking, Protection_Is_Shown_Explained_And_Takes_Ticks_And_Picks_Away) {
   f.Do("click Old; rows-to 1");
   EXPECT_EQ(f.grid.Marked_Rows(), 0);
   EXPECT_EQ(said(), own);
+  // However a tick or a pick may have come about, no plan takes it.
+  f.tree.Set_Checked(f.Node("Old"), true), f.grid.Set_Mark(1, true);
+  EXPECT_TRUE(f.app.planner.Plan_Run().stops.empty());
+  f.grid.Set_Mark(1, false), f.Do("unset SelectByRow");
+  EXPECT_TRUE(f.app.planner.Plan_Run().stops.empty());
+  f.tree.Set_Checked(f.Node("Old"), false);
   const MainWindow& w = f.window;
   EXPECT_TRUE(w.mnuProtect.Checked() && !w.mnuMark.Enabled() && !w.mnuMarkBranch.Enabled());
   f.Do("click Old/Alpha");
