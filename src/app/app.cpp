@@ -34,6 +34,7 @@ App::App(MainWindow& w, const Surroundings& s)
       clock(s.clock),
       window_message_box(w.frmRemoveItems, s.message_box),
       session(s.automation, w, message_box, errors),
+      protection(w, records, s.protection),
       checks(w, records, deleted_items, s.limits, run, message_box, s.clock, errors),
       journal(s.automation, s.log, records, run, s.clock, message_box),
       copy_first(w, records, s.copies, status, run, phase, message_box, events, errors),

@@ -22,6 +22,7 @@ struct Surroundings {
   Clock& clock;
   Run_Log& log;
   Deleted_Items_Limits& limits;
+  Folder_Protection& protection;
   // Front ends without help give none.
   Help_Environment* help_environment = nullptr;
   // Stores without copies have none.
@@ -74,24 +75,25 @@ struct App : private Interface_Loader {
   Filter_In_Force filter;
   Run_State run;
   Outlook_Session session;
-  Folder_Tree folder_tree{window, records, session, message_box, events, errors};
+  Protected_Folders protection;
+  Folder_Tree folder_tree{window, records, protection, session, message_box, events, errors};
   Deleted_Items_Folders deleted_items{window, records, folder_tree, errors};
   Planner planner{window, records, filter, errors};
-  Control_Enabling enabling{window, phase, errors};
+  Control_Enabling enabling{window, protection, phase, errors};
   Grid_Columns columns{window, records, errors};
   Choice_Status choice{window, records, planner, errors};
   Grid_Rows rows{window, records, planner, columns, choice, enabling, message_box, errors};
   Item_Filters filters{window, filter, rows, errors};
   Item_Cache cache{window, records, folder_tree, session, rows, phase, message_box, events, errors};
-  Row_Selection selection{window, deleted_items, rows, enabling, message_box, errors};
+  Row_Selection selection{window, protection, deleted_items, rows, enabling, message_box, errors};
   Item_Display display{window, records, session, message_box, errors};
   Refresh refresh{window, records, folder_tree, cache, rows, *this, phase, message_box, errors};
-  Folder_Marking marking{window, records, folder_tree, deleted_items, rows, message_box, errors};
+  Folder_Marking marking{window, records, protection, folder_tree, deleted_items, rows, message_box, errors};
   Processing_Options options{window,  records,  folder_tree, deleted_items, rows,
                              marking, enabling, message_box, errors};
   Safety_Checks checks;
   Run_Journal journal;
-  Item_Removal removal{records, session, checks, journal, run, phase, errors};
+  Item_Removal removal{records, protection, session, checks, journal, run, phase, errors};
   Status_Line status{window, errors};
   Deletion_Strategies strategies{window, records, folder_tree, rows,   removal, journal,
                                  status, run,     phase,       events, errors};

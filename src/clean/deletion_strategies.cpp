@@ -141,6 +141,7 @@ void Deletion_Strategies::Delete_All_Items(const Plan_Stop& stop) {
     const auto remove = [&] {
       if (!places.Is_Still_There()) return;
       if (stop.exact && !planned.contains(places.EntryID())) return;
+      removal_.Demand_Unprotected(folder);
       const std::int64_t number = journal_.Note(folder, shown(), Item_Action::Deleted);
       journal_.Before_Change(store_id);
       try {
@@ -314,6 +315,7 @@ void Deletion_Strategies::Delete_Selected_Folder(const Plan_Stop& stop) {
                                 if (parent == nullptr) refuse("A store's top folder cannot be deleted.");
                                 if (Is_Default_Folder_Name(name))
                                   refuse("A default folder cannot be deleted.");
+                                removal_.Demand_Unprotected(node);
                               }) &&
                          step("Delete Folder - Set Collection", [&] { siblings = parent->Folders(); }) &&
                          step("Delete Folder - Remove", [&] {

@@ -11,6 +11,7 @@ namespace tidyfold {
 void Item_Removal::Begin_Run(const Run_Options& options) {
   options_ = options;
   is_deleted_items_.clear();
+  unprotected_.clear();
 }
 
 void Item_Removal::Failed(ProcessError& process_error, std::string_view process, std::string_view item) {
@@ -28,6 +29,13 @@ bool Item_Removal::Is_Deleted_Items(int folder) {
     known = is_deleted_items_.emplace(folder, is).first;
   }
   return known->second;
+}
+
+// Where the marks are kept is asked once for all items of a folder, the record each time.
+void Item_Removal::Demand_Unprotected(int folder) {
+  if (unprotected_.contains(folder) && !protection_.Is_Protected(folder)) return;
+  protection_.Demand_Unprotected(folder);
+  unprotected_.insert(folder);
 }
 
 // Empty when the item is still what was shown. Where every question costs a call into another program, only
@@ -90,6 +98,7 @@ bool Item_Removal::Delete_Current_Item(int folder, const ItemData& shown, Proces
 // An item that lies in Deleted Items would be gone for good, so without Permanent Delete it is left there.
 void Item_Removal::Remove(int folder, Item& item, const ItemData& shown, std::int64_t number,
                           const std::function<void(bool left)>& settled, bool& left) {
+  Demand_Unprotected(folder);
   const std::string store_id = records_[folder].Folder->StoreID();
   const bool already_in_deleted_items = Is_Deleted_Items(folder);
   if (already_in_deleted_items && !options_.permanent) {

@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <map>
+#include <set>
 #include <string>
 
 #include "clean/run_journal.h"
@@ -14,9 +15,11 @@ namespace tidyfold {
 
 class Item_Removal {
  public:
-  Item_Removal(FolderData_Array& records, Outlook_Session& session, Safety_Checks& checks,
-               Run_Journal& journal, Run_State& run, Program_Phase& phase, Error_Handler& errors)
+  Item_Removal(FolderData_Array& records, const Protected_Folders& protection, Outlook_Session& session,
+               Safety_Checks& checks, Run_Journal& journal, Run_State& run, Program_Phase& phase,
+               Error_Handler& errors)
       : records_(records),
+        protection_(protection),
         session_(session),
         checks_(checks),
         journal_(journal),
@@ -33,6 +36,10 @@ class Item_Removal {
   bool Delete_Current_Item(int folder, const ItemData& shown, ProcessError& process_error,
                            std::function<void(bool left)> settled);
 
+  // The last moment before something of a folder, or the folder itself, is removed. Throws Automation_Error
+  // (no_access) for a protected one.
+  void Demand_Unprotected(int folder);
+
   // The failure that is the current error.
   void Failed(ProcessError& process_error, std::string_view process, std::string_view item);
 
@@ -44,6 +51,7 @@ class Item_Removal {
   bool Is_Deleted_Items(int folder);
 
   FolderData_Array& records_;
+  const Protected_Folders& protection_;
   Outlook_Session& session_;
   Safety_Checks& checks_;
   Run_Journal& journal_;
@@ -52,6 +60,7 @@ class Item_Removal {
   Error_Handler& errors_;
   Run_Options options_;
   std::map<int, bool> is_deleted_items_;  // as far as the run has asked
+  std::set<int> unprotected_;             // likewise
 };
 
 }  // namespace tidyfold

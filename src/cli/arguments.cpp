@@ -16,12 +16,13 @@ namespace tidyfold::cli {
 
 namespace {
 
-constexpr std::array<std::pair<const char*, Command>, 10> commands = {{{"sample", Command::Sample},
+constexpr std::array<std::pair<const char*, Command>, 11> commands = {{{"sample", Command::Sample},
                                                                        {"import", Command::Import},
                                                                        {"export", Command::Export},
                                                                        {"folders", Command::Folders},
                                                                        {"items", Command::Items},
                                                                        {"clean", Command::Clean},
+                                                                       {"protect", Command::Protect},
                                                                        {"check", Command::Check},
                                                                        {"compact", Command::Compact},
                                                                        {"runs", Command::Runs},
@@ -84,9 +85,13 @@ CLI::Option* Add_List(CLI::App& app, const std::string& name, List& list, const 
   return app.add_option(name, list, description)->allow_extra_args(false);
 }
 
+void Add_Folders(CLI::App& command, Raw& raw) {
+  Add_List(command, "--folder", raw.folders, "A folder, by its path; may be repeated")->type_name("PATH");
+}
+
 void Add_Filters(CLI::App& command, Arguments& arguments, Raw& raw) {
   Filters& filters = arguments.filters;
-  Add_List(command, "--folder", raw.folders, "A folder, by its path; may be repeated")->type_name("PATH");
+  Add_Folders(command, raw);
   command.add_flag("--sub-folders", arguments.sub_folders, "Mark what lies below as well");
   Add_List(command, "--type", raw.types, "Items of this type only; may be repeated")
       ->type_name("mail|appointments|contacts|journals|tasks|notes");
@@ -137,6 +142,10 @@ void Add_Store_Commands(CLI::App& app, Arguments& arguments, Raw& raw) {
 
   CLI::App& folders = *app.add_subcommand("folders", "List the folders");
   folders.add_flag("--json", raw.json, "As JSON");
+
+  CLI::App& protect = *app.add_subcommand("protect", "Keep folders, and all below them, from being cleaned");
+  Add_Folders(protect, raw);
+  protect.add_flag("--off", arguments.protection_off, "Take the protection off");
 
   app.add_subcommand("check", "Look for what is wrong with the stores");
   app.add_subcommand("compact", "Give the room back that the stores no longer need");
@@ -233,8 +242,8 @@ void Understand(Arguments& arguments, const Raw& raw, const CLI::App& command) {
   if (given("--save-plan")) arguments.save_plan = File_Path(raw.save_plan);
   if (given("--backup")) arguments.backup = File_Path(raw.backup);
   if (given("--plan")) arguments.plan = File_Path(raw.plan);
-  const bool needs_folder =
-      arguments.command == Command::Items || (arguments.command == Command::Clean && !arguments.plan);
+  const bool needs_folder = arguments.command == Command::Items || arguments.command == Command::Protect ||
+                            (arguments.command == Command::Clean && !arguments.plan);
   if (needs_folder && arguments.folders.empty())
     Fail("No folder is named. Name it with --folder PATH; \"folders\" lists every path.");
   if (arguments.save_plan && arguments.options.delete_folders)

@@ -12,7 +12,7 @@
 
 namespace tidyfold::cli {
 
-enum class Command { Sample, Import, Export, Folders, Items, Clean, Check, Compact, Runs, Undo };
+enum class Command { Sample, Import, Export, Folders, Items, Clean, Protect, Check, Compact, Runs, Undo };
 enum class Form { Text, Json, Csv };
 
 struct Filters {
@@ -40,7 +40,10 @@ struct Arguments {
   // runs, undo
   std::optional<std::int64_t> run;
 
-  // items, clean
+  // protect
+  bool protection_off = false;
+
+  // items, clean, protect
   std::vector<std::string> folders;  // paths
   bool sub_folders = false;
   Filters filters;

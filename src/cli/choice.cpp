@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "cli/failure.h"
+#include "outlook/folder_path.h"
 
 namespace tidyfold::cli {
 
@@ -72,9 +73,21 @@ void Choice::Mark_Sub_Folders() {
   Tick(window_.chkMarkSubFolders, "--sub-folders");
 }
 
+void Choice::Fail_Protected(const Store_Folder& folder) {
+  const int node = session_.Node(folder), protector = session_.Program().protection.Protector_Of(node);
+  const std::string path = Path_Of_Folder(*session_.Records()[protector].Folder);
+  const std::string why = protector == node ? "" : ", because it lies below \"" + path + "\", which is";
+  throw Failure(Exit_Status::Refused,
+                "The folder \"" + folder.path + "\" is protected" + why +
+                    ". Nothing was changed. If it is to be cleaned, take the protection "
+                    "off first: tidyfold-cli --store \"" +
+                    folder.store + "\" protect --folder \"" + path + "\" --off");
+}
+
 void Choice::Mark(const Store_Folder& folder) {
   TreeView& tree = window_.trvFolders;
   const int node = session_.Node(folder);
+  if (session_.Program().protection.Is_Protected(node)) Fail_Protected(folder);
   if (tree.Checked(node)) return;
   tree.Tick(node, true);
   Raise(tree.MouseUp);

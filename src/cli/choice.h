@@ -13,13 +13,14 @@ class Choice {
 
   // Options, then filters. Throws Failure if the window does not allow the combination.
   void Set(const Options& options, const Filters& filters);
-  // Throws Failure if the window refuses the mark.
+  // Throws Failure if the folder is protected or the window refuses the mark.
   void Mark(const Store_Folder& folder);
 
   // Marking a folder marks its sub-folders.
   void Mark_Sub_Folders();
 
  private:
+  [[noreturn]] void Fail_Protected(const Store_Folder& folder);
   void Set_Filters(const Filters& filters);
   void Tick(CheckBox& box, const char* option);
 

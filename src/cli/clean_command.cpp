@@ -62,6 +62,22 @@ class Clean_Command {
     choice.Set(arguments_.options, arguments_.filters);
     if (arguments_.sub_folders) choice.Mark_Sub_Folders();
     for (const Store_Folder& folder : folders) choice.Mark(folder);
+    if (arguments_.sub_folders) Tell_Left_Out();
+  }
+
+  // The uppermost protected folders below marked ones.
+  void Tell_Left_Out() {
+    const TreeView& tree = session_.Window().trvFolders;
+    const Protected_Folders& protection = session_.Program().protection;
+    for (const Store_Folder& folder : session_.Folders()) {
+      const int node = session_.Node(folder);
+      if (!protection.Is_Protected(node) || protection.Is_Protected(tree.Parent(node))) continue;
+      int above = tree.Parent(node);
+      while (above != 0 && !tree.Checked(above)) above = tree.Parent(above);
+      if (above != 0)
+        terminal_.Write_Error("The folder \"" + folder.path +
+                              "\" is protected and is left out, with all that lies below it.");
+    }
   }
 
   // A log that cannot be read stops nothing here: the run itself asks what to do without one.

@@ -17,6 +17,7 @@ Exit_Status Export(const Arguments& arguments, Terminal& terminal);
 Exit_Status Folders(const Arguments& arguments, Terminal& terminal);
 Exit_Status Items(const Arguments& arguments, Terminal& terminal);
 Exit_Status Clean(const Arguments& arguments, Terminal& terminal);
+Exit_Status Protect(const Arguments& arguments, Terminal& terminal);
 Exit_Status Check(const Arguments& arguments, Terminal& terminal);
 Exit_Status Compact(const Arguments& arguments, Terminal& terminal);
 Exit_Status Runs(const Arguments& arguments, Terminal& terminal);

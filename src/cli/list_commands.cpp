@@ -13,7 +13,8 @@ Exit_Status Folders(const Arguments& arguments, Terminal& terminal) {
 }
 
 Exit_Status Items(const Arguments& arguments, Terminal& terminal) {
-  Session session(arguments.stores, Store_Mode::Read_Only, terminal, Answering::Decline, true);
+  Session session(arguments.stores, Store_Mode::Read_Only, terminal, Answering::Decline, true, std::nullopt,
+                  Protection::Ignored);
   const std::vector<Store_Folder> folders = session.Find(arguments.folders);
   session.Load();
   Choice choice(session);

@@ -69,7 +69,7 @@ std::string Counted(std::int64_t count, const std::string& word) {
 
 void List_Folders(Session& session, Terminal& terminal, Form form) {
   const bool json = form == Form::Json;
-  terminal.Write(json ? "[" : "    Items   Unread  Path\n");
+  terminal.Write(json ? "[" : "    Items   Unread  Protected  Path\n");
   const char* separator = "\n";
   for (const Store_Folder& folder : session.Folders()) {
     const FolderData& record = session.Records()[session.Node(folder)];
@@ -82,10 +82,13 @@ void List_Folders(Session& session, Terminal& terminal, Form form) {
                                           {"item_type", folder.folder->DefaultItemType()},
                                           {"items", items},
                                           {"unread", unread},
+                                          {"protected", record.Protected},
                                           {"entry_id", folder.folder->EntryID()}}));
       separator = ",\n";
     } else {
-      terminal.Write(Number_Cell(items) + Number_Cell(unread) + "  " + Printable_Line(folder.path) + "\n");
+      const char* const lock = record.ProtectedItself ? "yes" : record.Protected ? "from above" : "";
+      terminal.Write(Number_Cell(items) + Number_Cell(unread) + "  " + Cell(lock, 10) + " " +
+                     Printable_Line(folder.path) + "\n");
     }
   }
   if (json) terminal.Write("\n]\n");

@@ -74,6 +74,10 @@ class Plan_Matching {
       return;
     }
     const FolderData& record = session_.Records()[folder];
+    if (record.Protected) {
+      for (const Filed_Item& item : filed.items) Keep(folder, item, "Its folder is protected.");
+      return;
+    }
     std::unordered_map<std::string_view, std::int32_t> numbers;
     for (std::int32_t number = 1; number <= record.CachedCount; ++number)
       numbers.emplace(record.Cached(number).EntryID, number);

@@ -22,6 +22,8 @@ Exit_Status Run_Command(const Arguments& arguments, Terminal& terminal) {
       return Items(arguments, terminal);
     case Command::Clean:
       return Clean(arguments, terminal);
+    case Command::Protect:
+      return Protect(arguments, terminal);
     case Command::Check:
       return Check(arguments, terminal);
     case Command::Compact:

@@ -21,7 +21,8 @@ std::string Identity(MAPIFolder& folder) {
 }  // namespace
 
 Session::Session(const std::vector<std::filesystem::path>& stores, Store_Mode mode, Terminal& terminal,
-                 Answering answering, bool quiet, std::optional<std::int32_t> deleted_items_limit)
+                 Answering answering, bool quiet, std::optional<std::int32_t> deleted_items_limit,
+                 Protection protection)
     : terminal_(terminal),
       message_box_(terminal, answering, quiet),
       registry_(Make_System_Registry([&terminal](const std::string& text) { terminal.Write_Error(text); })),
@@ -29,7 +30,10 @@ Session::Session(const std::vector<std::filesystem::path>& stores, Store_Mode mo
       copies_([this](const std::string& store_id,
                      const std::string& entry_id) { return outlook_.Read_Whole_Item(store_id, entry_id); },
               clock_),
-      app_(window_, {outlook_, message_box_, events_, clock_, log_, limits_, nullptr, &copies_}) {
+      app_(window_,
+           {outlook_, message_box_, events_, clock_, log_, limits_,
+            protection == Protection::Heeded ? static_cast<Folder_Protection&>(outlook_) : no_protection_,
+            nullptr, &copies_}) {
   outlook_.Open(stores, mode, Told_On(terminal, "Bringing the store up to date"));
   folders_ = List_Folders(outlook_);
   events_.due = [this] { Events_Due(); };

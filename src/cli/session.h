@@ -22,12 +22,24 @@
 
 namespace tidyfold::cli {
 
+// Whether protected folders are kept from being chosen. Whoever only lists may look into them.
+enum class Protection { Heeded, Ignored };
+
+// For listing.
+class No_Protection : public Folder_Protection {
+ public:
+  bool Is_Protected(const std::string&, const std::string&) override { return false; }
+  void Set_Protected(const std::string&, const std::string&, bool) override {}
+  bool Can_Change(const std::string&) override { return false; }
+};
+
 class Session {
  public:
   // Opens the stores and lists their folders. Throws Store_Open_Error. A limit of the Deleted Items folders
   // stands for the stored ones as long as the session lasts.
   Session(const std::vector<std::filesystem::path>& stores, Store_Mode mode, Terminal& terminal,
-          Answering answering, bool quiet, std::optional<std::int32_t> deleted_items_limit = std::nullopt);
+          Answering answering, bool quiet, std::optional<std::int32_t> deleted_items_limit = std::nullopt,
+          Protection protection = Protection::Heeded);
 
   // Builds the tree and reads every item, as the window does when it opens. Throws Failure if that was
   // cancelled or incomplete: nothing may be decided on partial data.
@@ -65,6 +77,7 @@ class Session {
   Stored_Limits stored_limits_{*registry_};
   Run_Limits limits_;
   Store_Copies copies_;
+  No_Protection no_protection_;
   MainWindow window_;
   App app_;
   std::unordered_map<std::string, int> nodes_;  // by the folder's identifiers

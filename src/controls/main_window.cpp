@@ -56,7 +56,7 @@ MainWindow::MainWindow() {
                                    &lblProcessingOptions, &lblFilterOptions, &frmOptions, &mnuRefresh,
                                    &mnuRefreshCurrent, &mnuClean, &mnuQuit, &mnuUnmark, &mnuResetOptions,
                                    &mnuHelp, &mnuWhatsThis, &mnuOnlineHelp, &mnuAbout});
-  controls.insert(controls.end(), {&mnuStopLoading, &mnuMark, &mnuUnmarkFolder, &mnuMarkBranch,
+  controls.insert(controls.end(), {&mnuStopLoading, &mnuMark, &mnuUnmarkFolder, &mnuMarkBranch, &mnuProtect,
                                    &mnuSortReverse, &mnuOpenItem, &mnuSelectRow, &mnuSelectAllRows,
                                    &mnuCopyRows, &mnuPutBack, &mnuNextPane, &mnuPreviousPane, &mnuRuns,
                                    &mnuTakeBack, &mnuDeletedItemsLimit, &mnuExport, &mnuExportFolder});

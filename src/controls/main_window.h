@@ -71,6 +71,7 @@ struct MainWindow {
   MenuItem mnuMark{"mnuMark", "&Mark Folder"};
   MenuItem mnuUnmarkFolder{"mnuUnmarkFolder", "U&nmark Folder"};
   MenuItem mnuMarkBranch{"mnuMarkBranch", "Mark &Branch"};
+  MenuItem mnuProtect{"mnuProtect", "&Protect Folder"};
   MenuItem mnuClean{"mnuClean", "C&lean"};
   MenuItem mnuTakeBack{"mnuTakeBack", "&Take Back Last Run"};
   MenuItem mnuRuns{"mnuRuns", "R&uns..."};

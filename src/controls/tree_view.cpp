@@ -122,6 +122,10 @@ void TreeView::Set_Fore_Colour(int index, Colour colour) {
   Assign_Node(index, &Node::fore_colour, colour);
 }
 
+void TreeView::Set_Lock(int index, Node_Lock lock) {
+  Assign_Node(index, &Node::lock, lock);
+}
+
 void TreeView::Set_Expanded(int index, bool expanded) {
   if (At(index).expanded == expanded || (expanded && Children(index) == 0)) return;
   Assign_Node(index, &Node::expanded, expanded);

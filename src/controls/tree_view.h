@@ -19,6 +19,9 @@ class TreeView_Observer {
   virtual void Made_Visible(int index) = 0;  // scroll to it; its ancestors are expanded already
 };
 
+// A node that cannot be ticked shows a lock: its own, or that of a node above it.
+enum class Node_Lock { None, From_Above, Own };
+
 // Nodes are named by their index, counted from 1 in the order in which they were added; 0 stands for no node.
 // An index is never given to another node until the tree is cleared, so a node that was removed cannot be
 // mistaken for one that took its place. All calls that name a node throw std::out_of_range for one that does
@@ -58,12 +61,17 @@ class TreeView : public Control {
   bool Bold(int index) const { return At(index).bold; }
   bool Expanded(int index) const { return At(index).expanded; }
   Colour Fore_Colour(int index) const { return At(index).fore_colour; }
+  Node_Lock Lock(int index) const { return At(index).lock; }
+  // Shown while the pointer is over the node; empty: the control's own.
+  const std::string& Node_Tip(int index) const { return At(index).tip; }
 
   void Set_Text(int index, std::string_view text);
   void Set_Node_Tag(int index, std::string_view tag) { At(index).tag = tag; }
   void Set_Checked(int index, bool checked);
   void Set_Bold(int index, bool bold);
   void Set_Fore_Colour(int index, Colour colour);
+  void Set_Lock(int index, Node_Lock lock);
+  void Set_Node_Tip(int index, std::string_view tip) { At(index).tip = tip; }
   void Set_Sorted(int index, bool sorted) { At(index).sorted = sorted; }
   // A change raises Expand or Collapse. A node without children stays collapsed.
   void Set_Expanded(int index, bool expanded);
@@ -86,9 +94,10 @@ class TreeView : public Control {
 
  private:
   struct Node {
-    std::string key, text, sort_text, tag;
+    std::string key, text, sort_text, tag, tip;
     int parent = 0, first_child = 0, last_child = 0, next = 0, previous = 0, children = 0;
     Colour fore_colour = 0;
+    Node_Lock lock = Node_Lock::None;
     bool exists = true, checked = false, bold = false, expanded = false, sorted = false;
   };
   const Node& At(int index) const {

@@ -6,10 +6,12 @@
 
 namespace tidyfold {
 
-Row_Selection::Row_Selection(MainWindow& window, Deleted_Items_Folders& deleted_items, Grid_Rows& rows,
-                             Command_State& commands, Message_Box& message_box, Error_Handler& errors)
+Row_Selection::Row_Selection(MainWindow& window, Protected_Folders& protection,
+                             Deleted_Items_Folders& deleted_items, Grid_Rows& rows, Command_State& commands,
+                             Message_Box& message_box, Error_Handler& errors)
     : window_(window),
       grid_(window.grdItems),
+      protection_(protection),
       deleted_items_(deleted_items),
       rows_(rows),
       commands_(commands),
@@ -59,8 +61,11 @@ int Row_Selection::Anchor() const {
 }
 
 // Items that lie in Deleted Items can only be deleted for good.
-bool Row_Selection::In_Protected_Deleted_Items(const GridRow& row) {
-  return !window_.chkPermanentDelete.Checked() && deleted_items_.Is_Deleted_Items_Folder(row.row_data);
+Row_Selection::Barrier Row_Selection::Barrier_Of(const GridRow& row) {
+  if (protection_.Is_Protected(row.row_data)) return Barrier::Protection;
+  return !window_.chkPermanentDelete.Checked() && deleted_items_.Is_Deleted_Items_Folder(row.row_data)
+             ? Barrier::Deleted_Items
+             : Barrier::None;
 }
 
 void Row_Selection::grdItems_MouseUp(int button, int shift) {
@@ -69,7 +74,10 @@ void Row_Selection::grdItems_MouseUp(int button, int shift) {
     const int row = grid_.MouseRow();
     const bool on_row = row >= 1 && row < grid_.Rows() && grid_.RowData(row) >= 1;
     if (button == 1 && on_row && window_.chkSelectByRow.Checked() && rows_.Check_Select_By_Row()) {
-      if (In_Protected_Deleted_Items(grid_.Row_At(row))) {
+      const Barrier barrier = Barrier_Of(grid_.Row_At(row));
+      if (barrier == Barrier::Protection) {
+        protection_.Say_Why(grid_.RowData(row));
+      } else if (barrier == Barrier::Deleted_Items) {
         message_box_.Show("Cannot select \"Deleted Items\" items unless Permanent Delete is marked");
       } else if (shift == 2) {
         Select_Or_Unselect(row);
@@ -89,15 +97,17 @@ void Row_Selection::Mark_And_Unmark_Selected_Range(int first, int last) {
   errors_.Run("Mark_And_Unmark_Selected_Range", [&] {
     bool told = false;
     // A folder is asked once, however many rows it has.
-    std::map<std::int32_t, bool> folders;
+    std::map<std::int32_t, Barrier> folders;
     for (int row = 1; row < grid_.Rows(); ++row) {
       if (row < first || row > last) {
         grid_.Set_Mark(row, false);
       } else if (!grid_.Row_At(row).marked) {
         const auto [folder, unknown] = folders.try_emplace(grid_.RowData(row));
-        if (unknown) folder->second = In_Protected_Deleted_Items(grid_.Row_At(row));
-        if (!folder->second) {
+        if (unknown) folder->second = Barrier_Of(grid_.Row_At(row));
+        if (folder->second == Barrier::None) {
           grid_.Set_Mark(row, true);
+        } else if (folder->second == Barrier::Protection) {
+          protection_.Say_Why(grid_.RowData(row));
         } else if (!std::exchange(told, true)) {
           message_box_.Show(
               "Cannot select items in \"Deleted Items\" folder unless Permanent delete is marked.");

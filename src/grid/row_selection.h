@@ -8,8 +8,8 @@ namespace tidyfold {
 
 class Row_Selection {
  public:
-  Row_Selection(MainWindow& window, Deleted_Items_Folders& deleted_items, Grid_Rows& rows,
-                Command_State& commands, Message_Box& message_box, Error_Handler& errors);
+  Row_Selection(MainWindow& window, Protected_Folders& protection, Deleted_Items_Folders& deleted_items,
+                Grid_Rows& rows, Command_State& commands, Message_Box& message_box, Error_Handler& errors);
 
   // Sets the handlers of the option's box, of the grid's mouse and of the menu's commands on rows.
   void Wire();
@@ -36,10 +36,13 @@ class Row_Selection {
   void Set_Anchor(int row);
 
  private:
-  bool In_Protected_Deleted_Items(const GridRow& row);
+  // What keeps a folder's items from being picked.
+  enum class Barrier { None, Protection, Deleted_Items };
+  Barrier Barrier_Of(const GridRow& row);
 
   MainWindow& window_;
   FlexGrid& grid_;
+  Protected_Folders& protection_;
   Deleted_Items_Folders& deleted_items_;
   Grid_Rows& rows_;
   Command_State& commands_;

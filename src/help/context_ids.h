@@ -82,6 +82,7 @@ inline constexpr Context_Topic context_topics[] = {
     {"mnuRuns", -1, 1422, "controls/mnuRuns.html"},
     {"mnuTakeBack", -1, 1423, "controls/mnuTakeBack.html"},
     {"mnuPutBack", -1, 1424, "controls/mnuPutBack.html"},
+    {"mnuProtect", -1, 1426, "controls/mnuProtect.html"},
     {"mnuDeletedItemsLimit", -1, 1425, "controls/mnuDeletedItemsLimit.html"},
     {"mnuExport", -1, 1427, "controls/mnuExport.html"},
     {"mnuExportFolder", -1, 1428, "controls/mnuExportFolder.html"},

@@ -74,10 +74,13 @@ void Control_Enabling::Enable_Command_Buttons() {
     window_.mnuClean.Set_Enabled(any);
     window_.mnuUnmark.Set_Enabled(tree.Checked_Count() >= 1);
     const int folder = tree.Selected_Item();
-    window_.mnuMark.Set_Enabled(folder != 0 && !tree.Checked(folder));
+    const bool may_be_marked = folder != 0 && !protection_.Is_Protected(folder);
+    window_.mnuMark.Set_Enabled(may_be_marked && !tree.Checked(folder));
     window_.mnuUnmarkFolder.Set_Enabled(folder != 0 && tree.Checked(folder));
     window_.mnuExportFolder.Set_Enabled(folder != 0);
-    window_.mnuMarkBranch.Set_Enabled(folder != 0 && tree.Children(folder) > 0);
+    window_.mnuMarkBranch.Set_Enabled(may_be_marked && tree.Children(folder) > 0);
+    window_.mnuProtect.Set_Enabled(folder != 0 && protection_.Can_Change(folder));
+    window_.mnuProtect.Set_Checked(folder != 0 && protection_.Is_Protected_Itself(folder));
     window_.mnuStopLoading.Set_Enabled(phase_.Now() == Phase::Loading);
     for (MenuItem* entry : {&window_.mnuSelectRow, &window_.mnuSelectAllRows})
       entry->Set_Enabled(by_row && grid.Rows() > 1);

@@ -4,14 +4,16 @@
 #include "cache/window_updates.h"
 #include "controls/main_window.h"
 #include "errors/procedure.h"
+#include "outlook/protected_folders.h"
 #include "plan/phase.h"
 
 namespace tidyfold {
 
 class Control_Enabling : public Command_State {
  public:
-  Control_Enabling(MainWindow& window, Program_Phase& phase, Error_Handler& errors)
-      : window_(window), phase_(phase), errors_(errors) {}
+  Control_Enabling(MainWindow& window, const Protected_Folders& protection, Program_Phase& phase,
+                   Error_Handler& errors)
+      : window_(window), protection_(protection), phase_(phase), errors_(errors) {}
 
   // The phase has changed.
   void Follow_Phase();
@@ -26,6 +28,7 @@ class Control_Enabling : public Command_State {
 
  private:
   MainWindow& window_;
+  const Protected_Folders& protection_;
   Program_Phase& phase_;
   Error_Handler& errors_;
   bool all_enabled_ = true;

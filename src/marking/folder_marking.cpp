@@ -1,15 +1,18 @@
 #include "marking/folder_marking.h"
 
+#include <vector>
+
 #include "base/flag_scope.h"
 
 namespace tidyfold {
 
-Folder_Marking::Folder_Marking(MainWindow& window, FolderData_Array& records, Folder_Tree& folder_tree,
-                               Deleted_Items_Folders& deleted_items, Grid_Rows& rows,
-                               Message_Box& message_box, Error_Handler& errors)
+Folder_Marking::Folder_Marking(MainWindow& window, FolderData_Array& records, Protected_Folders& protection,
+                               Folder_Tree& folder_tree, Deleted_Items_Folders& deleted_items,
+                               Grid_Rows& rows, Message_Box& message_box, Error_Handler& errors)
     : window_(window),
       tree_(window.trvFolders),
       records_(records),
+      protection_(protection),
       folder_tree_(folder_tree),
       deleted_items_(deleted_items),
       rows_(rows),
@@ -36,11 +39,13 @@ void Folder_Marking::Wire() {
   window_.mnuMark.Click = [this] { mnuMark_Click(); };
   window_.mnuUnmarkFolder.Click = [this] { mnuUnmarkFolder_Click(); };
   window_.mnuMarkBranch.Click = [this] { mnuMarkBranch_Click(); };
+  window_.mnuProtect.Click = [this] { mnuProtect_Click(); };
 }
 
 void Folder_Marking::trvFolders_MouseUp() {
   errors_.Run("trvFolders_MouseUp", [&] {
     const No_Redraw no_redraw(window_.grdItems);
+    protection_.Say_Why(0);
     if (tree_.Selected_Item() != 0) Node_Click_Or_Check(tree_.Selected_Item());
     NodeChecked = NodeClicked = false;
   });
@@ -57,11 +62,20 @@ bool Folder_Marking::Check_Node_Click(int node) {
     if (!NodeClicked) return false;
     const MAPIFolder_Ptr folder = records_[node].Folder;
     if (folder == nullptr) return true;
+    // Without a box: the lock has said it already.
+    if (NodeChecked && protection_.Is_Protected(node)) {
+      tree_.Set_Checked(node, false);
+      protection_.Say_Why(node);
+      return false;
+    }
     const bool delete_folders = window_.chkDeleteFolders.Checked();
     if (delete_folders && tree_.Checked(node) && folder_tree_.Check_Default_Folder(folder))
       return Refuse(node, false, "Cannot mark a default folder while \" Delete Folders\" is marked.");
     if (delete_folders && Check_Root_Node(node))
       return Refuse(node, false, "Cannot select a root folder while \" Delete Folders\" is marked.");
+    if (delete_folders && tree_.Checked(node) && protection_.Holds_Protected(node))
+      return Refuse(node, false,
+                    "Cannot mark a folder that holds a protected folder while \"Delete Folders\" is marked.");
     if (!deleted_items_.Allow_Deleted_Items_Folder(node))
       return Refuse(node, false,
                     "Cannot marked \"Deleted Items\" folder if Permanent Delete box is unchecked.");
@@ -80,6 +94,7 @@ void Folder_Marking::Node_Click_Or_Check(int node) {
     if (!Check_Node_Click(node)) return Put_Highlight_Back();
     // A message of the check may have let other handlers run.
     if (!tree_.Exists(node)) return;
+    protection_.Say_Why(node);
     const int picked = rows_.Picked();
     const bool checked = tree_.Checked(node);
     // A mere click on a folder's name ticks nothing.
@@ -155,9 +170,11 @@ void Folder_Marking::Unmark_Nodes(int node) {
 
 // What may not be marked by hand is not marked with its parent either.
 bool Folder_Marking::May_Be_Marked_With_Its_Parent(int node) {
+  if (protection_.Is_Protected(node)) return false;
   if (!window_.chkPermanentDelete.Checked() && deleted_items_.Is_Deleted_Items_Folder(node)) return false;
   return !window_.chkDeleteFolders.Checked() ||
-         (!Check_Root_Node(node) && !folder_tree_.Check_Default_Folder(records_[node].Folder));
+         (!Check_Root_Node(node) && !folder_tree_.Check_Default_Folder(records_[node].Folder) &&
+          !protection_.Holds_Protected(node));
 }
 
 void Folder_Marking::Set_Children_Nodes_Checkboxes(int node, bool checked) {
@@ -212,6 +229,53 @@ void Folder_Marking::mnuMarkBranch_Click() {
     const Flag_Scope branch(marking_branch_);
     trvFolders_MouseUp();
   });
+}
+
+bool Folder_Marking::Check_For_Protected_Below() {
+  return errors_.Run("Check_For_Protected_Below", [&] {
+    for (int node = 1; node <= tree_.Upper_Bound(); ++node)
+      if (tree_.Exists(node) && tree_.Checked(node) && protection_.Holds_Protected(node)) return true;
+    return false;
+  });
+}
+
+void Folder_Marking::mnuProtect_Click() {
+  errors_.Run("mnuProtect_Click", [&] {
+    const int node = tree_.Selected_Item();
+    if (node == 0 || !protection_.Can_Change(node)) return;
+    protection_.Set(node, !protection_.Is_Protected_Itself(node));
+    if (protection_.Is_Protected(node)) Let_Go_Of_Protected(node);
+    rows_.Follow_Choice();
+    protection_.Say_Why(node);
+  });
+}
+
+void Folder_Marking::Let_Go_Of_Protected(int node) {
+  const No_Redraw no_redraw(window_.grdItems);
+  std::vector<int> due{node}, captions;
+  while (!due.empty()) {
+    const int at = due.back();
+    due.pop_back();
+    for (int child = tree_.Child(at); child != 0; child = tree_.Next(child)) due.push_back(child);
+    if (!tree_.Checked(at)) continue;
+    tree_.Set_Checked(at, false);
+    captions.push_back(at);
+  }
+  // The folders above show in bold what is ticked below. They cannot go either.
+  for (int above = tree_.Parent(node); above != 0; above = tree_.Parent(above)) {
+    if (window_.chkDeleteFolders.Checked() && records_[above].Folder != nullptr)
+      tree_.Set_Checked(above, false);
+    captions.push_back(above);
+  }
+  for (const int changed : captions) folder_tree_.Set_Node_Text(changed);
+  FlexGrid& grid = window_.grdItems;
+  for (int row = 1; row < grid.Rows(); ++row) {
+    if (!grid.Row_At(row).marked || !protection_.Is_Protected(grid.RowData(row))) continue;
+    grid.Set_Mark(row, false);
+    rows_.Paint_Row(row);
+  }
+  const int current = tree_.Exists(rows_.CurrentNodeIndex) ? rows_.CurrentNodeIndex : node;
+  rows_.Change_Folder_Rows(current);
 }
 
 }  // namespace tidyfold

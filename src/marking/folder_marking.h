@@ -8,9 +8,9 @@ namespace tidyfold {
 
 class Folder_Marking {
  public:
-  Folder_Marking(MainWindow& window, FolderData_Array& records, Folder_Tree& folder_tree,
-                 Deleted_Items_Folders& deleted_items, Grid_Rows& rows, Message_Box& message_box,
-                 Error_Handler& errors);
+  Folder_Marking(MainWindow& window, FolderData_Array& records, Protected_Folders& protection,
+                 Folder_Tree& folder_tree, Deleted_Items_Folders& deleted_items, Grid_Rows& rows,
+                 Message_Box& message_box, Error_Handler& errors);
 
   // Sets the handlers of the tree and of the unmark command.
   void Wire();
@@ -36,16 +36,23 @@ class Folder_Marking {
   void mnuUnmarkFolder_Click() { Mark_Selected_Folder(false); }
   // The selected folder and, whatever Mark Sub Folders says, all below it.
   void mnuMarkBranch_Click();
+  // Protects the selected folder or takes its own protection off. What is protected loses its tick and its
+  // picked rows.
+  void mnuProtect_Click();
+  // True when a marked folder holds a protected one anywhere below.
+  bool Check_For_Protected_Below();
 
  private:
   void Mark_Selected_Folder(bool checked);
   void Put_Highlight_Back();
   bool Refuse(int node, bool checked, const char* message);
+  void Let_Go_Of_Protected(int node);
   bool May_Be_Marked_With_Its_Parent(int node);
 
   MainWindow& window_;
   TreeView& tree_;
   FolderData_Array& records_;
+  Protected_Folders& protection_;
   Folder_Tree& folder_tree_;
   Deleted_Items_Folders& deleted_items_;
   Grid_Rows& rows_;

@@ -69,6 +69,11 @@ void Processing_Options::Delete_Folders_Ticked() {
       return;
     }
   }
+  if (marking_.Check_For_Protected_Below()) {
+    Refuse(window_.chkDeleteFolders, 0,
+           "Cannot mark \"Delete Folders\" while a marked folder holds a protected folder.");
+    return;
+  }
   if (tree_.Exists(1) && marking_.Check_For_Unmarked_Child(1)) {
     Refuse(
         window_.chkDeleteFolders, 0,

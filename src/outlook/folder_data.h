@@ -59,6 +59,9 @@ struct FolderData {
   std::int32_t DeletedItemsIndex = 0;  // record of the same store's Deleted Items folder, 0 if none
   std::int32_t CachedCount = 0;        // leading elements of ItemCache that have been read
   std::int32_t RowCount = 0;           // leading elements of ItemCache that the grid has been given
+  bool ProtectedItself = false;        // a person has protected this folder
+  bool Protected = false;              // this one or one above it: never marked, emptied or removed
+  bool MayChangeProtection = false;    // the folder's store lets its mark be changed
   bool Loaded = false;
   bool Reload = false;       // to be reset and read again
   bool LoadError = false;    // reading it failed and was reported; left alone until the next loading run

@@ -8,11 +8,13 @@
 
 namespace tidyfold {
 
-Folder_Tree::Folder_Tree(MainWindow& window, FolderData_Array& records, Outlook_Session& session,
-                         Message_Box& message_box, Events& events, Error_Handler& errors)
+Folder_Tree::Folder_Tree(MainWindow& window, FolderData_Array& records, Protected_Folders& protection,
+                         Outlook_Session& session, Message_Box& message_box, Events& events,
+                         Error_Handler& errors)
     : window_(window),
       tree_(window.trvFolders),
       records_(records),
+      protection_(protection),
       session_(session),
       message_box_(message_box),
       events_(events),
@@ -29,7 +31,7 @@ void Folder_Tree::Build_Folder_Tree() {
     window_.grdItems.Set_Rows(1);
     records_.Recreate();
     tree_.Clear();
-    adding_failure_reported_ = count_failure_reported_ = false;
+    adding_failure_reported_ = count_failure_reported_ = protection_failure_reported_ = false;
 
     procedure.Step("Build_Folder_Tree - Get Namespace Folders");
     const Folders_Ptr stores = session_.name_space->Folders();
@@ -49,9 +51,13 @@ void Folder_Tree::Build_Folder_Tree() {
       procedure.End_Step();
       // What lies below can be cleaned though the top folder does not answer.
       errors_.Run("Build_Folder_Tree - Configure Root Node", [&] {
-        tree_.Set_Text(root, top->Name());
+        records_[root].FolderName = top->Name();
+        tree_.Set_Text(root, records_[root].FolderName);
         records_[root].Loaded = Own_Item_Count(root) == 0;
       });
+      std::string entry_id, store_id;
+      errors_.Try([&] { entry_id = top->EntryID(), store_id = top->StoreID(); });
+      Read_Protection(root, store_id, entry_id);
       procedure.Step("Build_Folder_Tree - Get Root Folder's Folders");
       children = top->Folders();
     } else {
@@ -70,8 +76,9 @@ void Folder_Tree::Build_Folder_Tree() {
 void Folder_Tree::Add_Tree_Node(const MAPIFolder_Ptr& folder, int parent) {
   errors_.Run("Add_Tree_Node", [&](Procedure& procedure) {
     procedure.Step("Add_Tree_Node - Accessing EntryID");
-    std::string key = "-:::-";
-    errors_.Try([&] { key = Key_Of(*folder); });
+    std::string entry_id, store_id;
+    const bool identified = errors_.Try([&] { entry_id = folder->EntryID(), store_id = folder->StoreID(); });
+    const std::string key = identified ? Key_Of(entry_id, store_id) : "-:::-";
     int node = 0;
     Folders_Ptr children;
     const bool added = errors_.Report_First(adding_failure_reported_, [&] {
@@ -87,11 +94,20 @@ void Folder_Tree::Add_Tree_Node(const MAPIFolder_Ptr& folder, int parent) {
       records_[node].Folder = folder;
       procedure.Step("Add_Tree_Node - Configuring Node");
       Set_Node_Text(node);
+      procedure.Step("Add_Tree_Node - Reading Protection");
+      Read_Protection(node, store_id, entry_id);
       procedure.Step("Add_Tree_Node - Setting Folder Collection");
       children = folder->Folders();
     });
     procedure.End_Step();
     if (added) Add_Children(*children, node, "Add_Tree_Node - Processing Children");
+  });
+}
+
+// A settings file that cannot be read fails for every folder; it is told once.
+void Folder_Tree::Read_Protection(int node, const std::string& store_id, const std::string& entry_id) {
+  errors_.Run("Read_Protection", [&] {
+    errors_.Report_First(protection_failure_reported_, [&] { protection_.Read(node, store_id, entry_id); });
   });
 }
 
@@ -134,8 +150,8 @@ bool Folder_Tree::Check_Default_Folder(const MAPIFolder_Ptr& folder) {
   return is_default;
 }
 
-std::string Folder_Tree::Key_Of(MAPIFolder& folder) {
-  return "-:::-" + folder.EntryID() + "-:::-" + folder.StoreID();
+std::string Folder_Tree::Key_Of(const std::string& entry_id, const std::string& store_id) {
+  return "-:::-" + entry_id + "-:::-" + store_id;
 }
 
 int Folder_Tree::Get_Node_Index(int node) const {
@@ -218,6 +234,7 @@ void Folder_Tree::Remove_Folder_Node(int node) {
     for (const int gone : doomed) {
       Reset_Folder_Node(gone);
       records_[gone].Folder.reset();
+      protection_.Forget(gone);
       records_[gone].Loaded = true;
     }
     // A store's wastebasket that went is nobody's wastebasket any more.

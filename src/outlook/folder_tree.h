@@ -7,6 +7,7 @@
 #include "errors/procedure.h"
 #include "outlook/default_folders.h"
 #include "outlook/folder_data.h"
+#include "outlook/protected_folders.h"
 #include "outlook/session.h"
 
 namespace tidyfold {
@@ -17,8 +18,8 @@ inline constexpr Colour unloaded_colour = Rgb(150, 150, 255);
 
 class Folder_Tree {
  public:
-  Folder_Tree(MainWindow& window, FolderData_Array& records, Outlook_Session& session,
-              Message_Box& message_box, Events& events, Error_Handler& errors);
+  Folder_Tree(MainWindow& window, FolderData_Array& records, Protected_Folders& protection,
+              Outlook_Session& session, Message_Box& message_box, Events& events, Error_Handler& errors);
 
   // Rebuilds tree and records from the stores. The only yield is at its beginning.
   void Build_Folder_Tree();
@@ -30,7 +31,7 @@ class Folder_Tree {
   // does not tell its name.
   bool Check_Default_Folder(const MAPIFolder_Ptr& folder);
   // The key of a folder's node. Throws Automation_Error.
-  static std::string Key_Of(MAPIFolder& folder);
+  static std::string Key_Of(MAPIFolder& folder) { return Key_Of(folder.EntryID(), folder.StoreID()); }
   // A folder's number is its node's index, its record's number and the number in the node's tag alike; this
   // reads the tag, as the program's fixed interface has it. 0 for a node that does not exist.
   int Get_Node_Index(int node) const;
@@ -48,12 +49,15 @@ class Folder_Tree {
   bool TopLevelIsRoot = false;
 
  private:
+  static std::string Key_Of(const std::string& entry_id, const std::string& store_id);
+  void Read_Protection(int node, const std::string& store_id, const std::string& entry_id);
   void Add_Children(Folders& children, int parent, Literal step);
   std::int32_t Own_Item_Count(int node);
 
   MainWindow& window_;
   TreeView& tree_;
   FolderData_Array& records_;
+  Protected_Folders& protection_;
   Outlook_Session& session_;
   Message_Box& message_box_;
   Events& events_;
@@ -61,6 +65,7 @@ class Folder_Tree {
   // Until the tree is built anew.
   bool adding_failure_reported_ = false;
   bool count_failure_reported_ = false;
+  bool protection_failure_reported_ = false;
 };
 
 }  // namespace tidyfold

@@ -74,7 +74,8 @@ bool Planner::Plan_Branch(Clean_Plan& plan, int folder, Detail detail) {
   bool all_below_goes = true;
   for (int child = tree_.Child(folder); child != 0; child = tree_.Next(child))
     all_below_goes = Plan_Branch(plan, child, detail) && all_below_goes;
-  if (!tree_.Checked(folder) || records_[folder].Folder == nullptr) return false;
+  if (!tree_.Checked(folder) || records_[folder].Folder == nullptr || records_[folder].Protected)
+    return false;
   ++plan.folders_marked;
   Plan_Stop stop = Make_Stop(plan, folder, all_below_goes, detail);
   const bool goes = stop.folder_goes;
@@ -148,6 +149,7 @@ void Planner::Plan_Rows(Clean_Plan& plan, Detail detail) {
     for (int row = 1; row < grid_.Rows() && grid_.Marked_Rows() > 0; ++row) {
       const GridRow& at = grid_.Row_At(row);
       if (!at.marked || at.item < 1 || at.item > records_[at.row_data].CachedCount) continue;
+      if (records_[at.row_data].Protected) continue;
       const ItemData& data = records_[at.row_data].Cached(at.item);
       if (data.ItemClass == ItemData::deleted || data.EntryID.empty()) continue;
       Plan_Stop& stop = stops[at.row_data];

@@ -13,6 +13,7 @@ struct Walk : Window_Fixture {
   // The filters as they were last taken over.
   bool by_date = false, by_subject = false, unread_too = false, flagged_too = false;
   Date cutoff = 0;
+  std::set<int> protected_nodes;  // by their own mark
   std::string subject;
 
   explicit Walk(std::uint32_t seed) : Window_Fixture("folder Deleted Items"), random(seed) {
@@ -33,7 +34,7 @@ struct Walk : Window_Fixture {
   int Any_Folder() { return 1 + One_Of(tree.Upper_Bound()); }
 
   void Step() {
-    switch (One_Of(12)) {
+    switch (One_Of(13)) {
       case 0:
       case 1:
         tree.Tick(Any_Folder(), One_Of(3) != 0), tree.MouseUp();
@@ -69,6 +70,13 @@ struct Walk : Window_Fixture {
       case 10:
         window.chkSelectByRow.Set_Value(One_Of(2));
         break;
+      case 11: {
+        // Protection comes off more often than it comes on.
+        const int node = One_Of(3) == 0 || protected_nodes.empty() ? Any_Folder() : *protected_nodes.begin();
+        tree.Click_Node(node), tree.MouseUp(), window.mnuProtect.Click();
+        if (protected_nodes.erase(node) == 0) protected_nodes.insert(node);
+        break;
+      }
       default:
         if (grid.Rows() > 1) Pick(1 + One_Of(grid.Rows() - 1), One_Of(3));
     }
@@ -82,8 +90,11 @@ struct Walk : Window_Fixture {
     cutoff = window.dtpCutoffDate.Value();
     subject = window.txtSelectSubject.Text();
   }
+  bool Locked(int node) const {
+    return node != 0 && (protected_nodes.contains(node) || Locked(tree.Parent(node)));
+  }
   bool Chosen(int folder, const ItemData& item) const {
-    return tree.Checked(folder) && (!by_date || item.ItemDate <= cutoff) &&
+    return tree.Checked(folder) && !Locked(folder) && (!by_date || item.ItemDate <= cutoff) &&
            (!by_subject || item.Subject.starts_with(subject)) && (!item.Unread || unread_too) &&
            (!item.Flagged || flagged_too);
   }
@@ -92,6 +103,8 @@ struct Walk : Window_Fixture {
     int chosen = 0, ticked = 0, marked = 0, shown = 0;
     for (int folder = 1; folder <= tree.Upper_Bound(); ++folder) {
       ticked += tree.Checked(folder) ? 1 : 0;
+      EXPECT_FALSE(Locked(folder) && tree.Checked(folder)) << tree.Text(folder);
+      EXPECT_EQ(tree.Lock(folder) != Node_Lock::None, Locked(folder)) << tree.Text(folder);
       const bool current =
           window.lblCurrentFolder.Caption() == "Current Folder: " + Record(folder).FolderName;
       const bool in_view = window.chkShowAllFolders.Checked() ? tree.Checked(folder) : current;
@@ -107,7 +120,7 @@ struct Walk : Window_Fixture {
     for (int row = 1; row < grid.Rows(); ++row) {
       const GridRow& at = grid.Row_At(row);
       const bool is_chosen = Chosen(at.row_data, Record(at.row_data).Cached(at.item));
-      EXPECT_TRUE(by_row || at.marked == is_chosen) << "row " << row;
+      EXPECT_TRUE(by_row ? !at.marked || !Locked(at.row_data) : at.marked == is_chosen) << "row " << row;
       EXPECT_EQ(at.back_colour, at.marked ? selected_row_colour : system_window_background);
       EXPECT_TRUE(keys.insert(grid.TextMatrix(row, 0)).second) << "a row is doubled";
       EXPECT_TRUE((is_chosen ? window.chkShowSelectedItems : window.chkShowUnselectedItems).Checked());

@@ -54,6 +54,10 @@ struct Window_Fixture : Test_Surroundings {
       const std::map<std::string, std::function<void()>> verbs = {
           {"add", [&] { Add(what.substr(0, what.rfind('/')), what.substr(what.rfind('/') + 1)); }},
           {"folder", [&] { Folder(what); }},
+          // Its mark, which the tree finds when it is built; then by the menu.
+          {"protected",
+           [&] { protection.Set_Protected(Folder(what)->StoreID(), Folder(what)->EntryID(), true); }},
+          {"protect", [&] { tree.Click_Node(Node(what)), tree.MouseUp(), window.mnuProtect.Click(); }},
           {"load",
            [&] {
              Expect({{"All Folders Loaded", OK}}), app.Form_Load(), box.Verify();

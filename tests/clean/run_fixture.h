@@ -10,7 +10,12 @@ struct Run_Fixture : Window_Fixture {
   using Window_Fixture::Window_Fixture;
   std::map<std::string, New_Item> items;  // by "store id entry id"
   Contents before, expected;
-  int to_take = 0;  // items, or folders where those are deleted
+  int to_take = 0;                // items, or folders where those are deleted
+  std::set<int> protected_nodes;  // by their own mark
+
+  bool Locked(int node) const {
+    return node != 0 && (protected_nodes.contains(node) || Locked(tree.Parent(node)));
+  }
 
   // For mail and notes, and for the text "re" with subjects that begin so at most.
   bool Passes(const New_Item& item) const {
@@ -38,19 +43,21 @@ struct Run_Fixture : Window_Fixture {
       if (record.Folder != nullptr) nodes[record.Folder->StoreID() + " " + Path(node)] = node;
       stays[node] |=
           !folders || !tree.Checked(node) || Path(node).empty() || defaults.contains(record.FolderName);
+      stays[node] |= Locked(node);
+      EXPECT_FALSE(tree.Checked(node) && Locked(node)) << tree.Text(node);
       if (stays[node]) stays[tree.Parent(node)] = true;
     }
     for (int row = 1; row < grid.Rows(); ++row) {
       const GridRow& at = grid.Row_At(row);
       const FolderData& record = Record(at.row_data);
       const std::string id = record.Folder->StoreID() + " " + record.Cached(at.item).EntryID;
-      if (at.marked) picked.insert(id);
+      if (at.marked && !Locked(at.row_data)) picked.insert(id);
       EXPECT_TRUE(by_row || at.marked == (tree.Checked(at.row_data) && Passes(items.at(id)))) << id;
     }
     for (const auto& [id, path] : before) {
       const int node = nodes.at(id.substr(0, id.find(' ') + 1) + path);
-      const bool taken =
-          tree.Checked(node) && (window.chkTurbo.Checked() || (items.contains(id) && Passes(items.at(id))));
+      const bool taken = tree.Checked(node) && !Locked(node) &&
+                         (window.chkTurbo.Checked() || (items.contains(id) && Passes(items.at(id))));
       if (!folders && items.contains(id) ? !(by_row ? picked.contains(id) : taken) : stays[node]) continue;
       if (items.contains(id) != folders) ++to_take;
       if (!window.chkPermanentDelete.Checked()) expected[id] = "/Deleted Items";

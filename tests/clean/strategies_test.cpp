@@ -1,4 +1,4 @@
-#include "app/window_fixture.h"
+#include "clean/run_fixture.h"
 
 namespace tidyfold {
 
@@ -32,6 +32,21 @@ TEST(Strategies, A_Folder_That_Became_A_Default_One_Is_Kept) {
     f.window.cmdRun.Click();
     EXPECT_EQ(f.Everything(), before);
     EXPECT_EQ(f.box.Count("Not all items could be deleted"), 1);
+  }
+}
+
+// Another Tidyfold has protected what is about to be cleaned, or a folder above it.
+TEST(Strategies, A_Folder_That_Was_Protected_Meanwhile_Is_Kept_And_Named) {
+  for (const Kind_Of_Run& way : ways) {
+    for (const std::string above : {"protected Inbox; protected Old; protected Old/Deep", "protected "}) {
+      SCOPED_TRACE(way.name + above);
+      Kind_Run f(way);
+      f.before_run = [&] { f.Do(above); };
+      f.Run();
+      EXPECT_EQ(f.Everything(), f.before);
+      EXPECT_GT(f.box.Count("is protected."), 0);
+      EXPECT_EQ(f.box.Count("Not all items could be deleted"), 1);
+    }
   }
 }
 

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <regex>
 #include <set>
 
 #include "program.h"
@@ -174,6 +175,73 @@ TEST_F(Clean_Plan_File, takes_what_it_names_but_what_has_changed) {
   EXPECT_EQ(std::count_if(logged.begin(), logged.end(),
                           [](const Json& item) { return item["result"] == "changed since it was shown"; }),
             5);
+}
+
+TEST_F(Clean_Plan_File, takes_nothing_of_a_protected_folder_and_neither_does_a_run) {
+  const auto in_lists = [](const Json& folder) {
+    return folder["path"].get<std::string>().starts_with("Inbox/Lists");
+  };
+  const auto listed = [&] { return On_Store({"folders", "--json"}).Document(); };
+  ASSERT_EQ(On_Store({"protect", "--folder", "Inbox/Lists", "Family"}).out,
+            "Inbox/Lists: protected\nFamily: protected\n");
+  for (const Json& folder : listed())
+    EXPECT_EQ(folder["protected"],
+              in_lists(folder) || folder["path"].get<std::string>().starts_with("Family"));
+  const std::string protected_bytes = Bytes_Of(store_);
+  const std::string child = "Inbox/Lists/Cycling";
+  const Words refused[] = {{"Inbox/Lists"},
+                           {"Inbox", child},
+                           {"Projects", "Family", "--delete-folders"},
+                           {"Inbox/Lists", "--turbo"}};
+  for (const Words& words : refused) {
+    const Outcome outcome = On_Store(Words{"clean", "--yes", "--json", "--folder"} + words);
+    EXPECT_EQ(outcome.status, 3) << outcome.err;
+    EXPECT_NE(outcome.err.find("protected"), std::string::npos) << outcome.err;
+    EXPECT_NE(outcome.err.find(words[0] == "Projects" ? "protect --folder \"Family\" --off"
+                                                      : "protect --folder \"Inbox/Lists\" --off"),
+              std::string::npos)
+        << outcome.err;
+    EXPECT_EQ(outcome.Document()["processed"], 0);
+  }
+  EXPECT_EQ(On_Store({"clean", "--yes", "--folder", "Inbox", "--delete-folders"}).status, 3);
+  EXPECT_EQ(Bytes_Of(store_), protected_bytes);
+  // A plan from before knows nothing of it; a run over the branch names what it leaves out.
+  std::set<std::string> kept =
+      Places(On_Store(Split("items --folder Inbox/Lists --sub-folders --json --unread "
+                            "--flagged"))
+                 .Document());
+  ASSERT_GT(kept.size(), 10u);
+  const Outcome by_plan = Clean_By(plan_, "--yes");
+  EXPECT_EQ(by_plan.status, 1) << by_plan.err;
+  EXPECT_NE(by_plan.err.find("Its folder is protected."), std::string::npos) << by_plan.err;
+  const Outcome over = On_Store(Split("clean --folder / --sub-folders --yes --turbo"));
+  EXPECT_EQ(over.status, 0) << over.err;
+  for (const char* folder : {"Inbox/Lists", "Family"})
+    EXPECT_NE(over.err.find("The folder \"" + std::string(folder) + "\" is protected and is left out"),
+              std::string::npos)
+        << over.err;
+  std::set<std::string> left;
+  for (const Json& item : All_Items()) {
+    const std::string folder = item["folder"];
+    EXPECT_TRUE(folder.starts_with("Inbox/Lists") || folder.starts_with("Family")) << folder;
+    left.insert(item["entry_id"].get<std::string>() + " in " + folder);
+  }
+  EXPECT_TRUE(std::includes(left.begin(), left.end(), kept.begin(), kept.end()));
+  // What went for good gives its room back; what is left stays as it is.
+  const Json folders = listed();
+  const auto full = std::filesystem::file_size(store_);
+  const Outcome compacted = On_Store({"compact"});
+  EXPECT_EQ(compacted.status, 0) << compacted.err;
+  EXPECT_LT(std::filesystem::file_size(store_), full / 2);
+  EXPECT_TRUE(
+      std::regex_match(compacted.out, std::regex(".*store.tidyfold: [0-9.]+ [KM]B -> [0-9.]+ [KM]B\n")))
+      << compacted.out;
+  EXPECT_EQ(Places(All_Items()), left);
+  EXPECT_EQ(listed(), folders);
+  EXPECT_EQ(On_Store({"protect", "--off", "--folder", child}).out,
+            child + ": still protected, because it lies below \"Inbox/Lists\"\n");
+  EXPECT_EQ(On_Store({"protect", "--folder", "Inbox/Lists", "--off"}).status, 0);
+  EXPECT_EQ(On_Store(Split("clean --folder Inbox/Lists --yes")).status, 0);
 }
 
 TEST_F(Clean_Plan_File, is_refused_where_it_does_not_fit) {

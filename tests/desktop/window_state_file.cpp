@@ -125,6 +125,9 @@ json Describe_Tree(const TreeView& tree, const wxDataViewCtrl& widget) {
     nodes.push_back(
         {{"text", tree.Text(node)},
          {"checked", tree.Checked(node)},
+         {"lock", tree.Lock(node) == Node_Lock::None  ? ""
+                  : tree.Lock(node) == Node_Lock::Own ? "own"
+                                                      : "above"},
          {"rectangle", Rectangle(widget, widget.GetItemRect(Item_Of(node), widget.GetColumn(0)))}});
   }
   return nodes;

@@ -5,6 +5,7 @@ import json
 import unittest
 
 from window_case import Window_Case, options_on, ticked
+from window_session import TICK_BOX
 
 DELETED = "Deleted Items"
 SHOWN = {"ShowSelectedItems", "ShowUnselectedItems"}
@@ -124,6 +125,12 @@ class Window(Window_Case):
         window.tick("chkDeleteFolders")
         window.tick_folder("Family")
         run("identified for deletion.", "ALL selected FOLDERS and their content", " deleted.")
+        size = self.store.stat().st_size
+        window.key("alt+f")
+        window.key("c", "menu")
+        window.key("Return", "box")  # it says how much was given back
+        window.keyboard("window")
+        self.assertLess(self.store.stat().st_size, size)
         self.quit()
         self.assertEqual(self.content(), {id: item for id, item in expected.items() if item[0] != "Notes" and
                                           "Family" not in item[0].split("/")})
@@ -189,8 +196,22 @@ class Window(Window_Case):
         window.wait("Notes current", lambda state: state["widgets"]["lblCurrentFolder"]["label"].endswith(" Notes"))
         self.assertEqual(menu_says(notes, 8, "Return"), ("Tick the current folder", 0))
         window.wait("Notes ticked", lambda state: ticked(state)[0].startswith("Notes "))
-        window.key("ctrl+shift+m")
-        window.wait("no folder ticked", lambda state: not ticked(state))
+        # Protecting it takes the tick off; the box of a locked folder says why it stays empty.
+        self.assertEqual(menu_says(notes, 8, "p"), ("Take the tick off the current folder", 1))
+
+        def locked(state, lock):
+            return [node["lock"] for node in state["tree"] if node["text"].startswith("Notes ")] == [lock]
+        window.wait("Notes locked", lambda state: locked(state, "own") and not ticked(state))
+        window.click_at(window.node("Inbox")["rectangle"])
+        window.wait("the Inbox current, nothing said", lambda state: not state["panels"][0])
+        window.click_at(notes, TICK_BOX)
+        state = window.wait("why it is not ticked", lambda state: "is protected" in state["panels"][0])
+        self.assertEqual((ticked(state), state["boxes"]), ([], []))
+        self.assertTrue(state["widgets"]["lblCurrentFolder"]["label"].endswith(" Inbox"))
+        window.click_at(notes)
+        window.wait("Notes current", lambda state: state["widgets"]["lblCurrentFolder"]["label"].endswith(" Notes"))
+        window.key("ctrl+k")
+        window.wait("Notes without a lock", lambda state: locked(state, ""))
         window.tick("chkSelectByRow")
         window.click_row(2)
         window.wait("the row picked", lambda state: state["grid"][1]["texts"][1] == "1")

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <map>
+#include <set>
+#include <utility>
 
 #include "app/app.h"
 #include "doubles/fake_events.h"
@@ -22,6 +24,22 @@ class Limits_In_Memory : public Deleted_Items_Limits {
   std::map<std::string, std::int32_t> limits_;
 };
 
+class Protection_In_Memory : public Folder_Protection {
+ public:
+  bool Is_Protected(const std::string& store_id, const std::string& entry_id) override {
+    return marks_.contains({store_id, entry_id});
+  }
+  void Set_Protected(const std::string& store_id, const std::string& entry_id, bool is_protected) override {
+    if (is_protected) marks_.emplace(store_id, entry_id);
+    if (!is_protected) marks_.erase({store_id, entry_id});
+  }
+  bool Can_Change(const std::string&) override { return can_change; }
+  bool can_change = true;
+
+ private:
+  std::set<std::pair<std::string, std::string>> marks_;
+};
+
 struct Test_Surroundings {
   Scripted_Message_Box box;
   Fake_Events events;
@@ -31,8 +49,11 @@ struct Test_Surroundings {
       std::filesystem::exists("/dev/shm") ? "/dev/shm" : std::filesystem::temp_directory_path()};
   Run_Log log{state_folder / "runs.sqlite"};
   Limits_In_Memory limits;
+  Protection_In_Memory protection;
 
-  Surroundings Around(Automation& automation) { return {automation, box, events, clock, log, limits}; }
+  Surroundings Around(Automation& automation) {
+    return {automation, box, events, clock, log, limits, protection};
+  }
 };
 
 }  // namespace tidyfold

@@ -10,6 +10,8 @@ const std::string no_wastebasket =
     "Cannot marked \"Deleted Items\" folder if Permanent Delete box is unchecked.";
 const std::string with_parent =
     "Cannot unmark a folder while its parent folder is marked and \"Delete Folders\" is also marked.";
+const std::string no_holder =
+    "Cannot mark a folder that holds a protected folder while \"Delete Folders\" is marked.";
 const std::string shown = "ShowSelectedItems ShowUnselectedItems";
 
 struct Rule {
@@ -33,6 +35,15 @@ const Rule rules[] = {
     {1, "set DeleteFolders; tick Projects", "click", "Projects/Notes", "", false},
     {1, "set DeleteFolders; tick Projects/Alpha", "untick", "Projects/Alpha", "", false},
     {1, "tick Projects/Alpha", "untick", "Projects/Alpha", "", false},
+    {1, "protect Projects/Alpha; set DeleteFolders", "tick", "Projects", no_holder, false},
+    {1, "protect Projects/Alpha", "tick", "Projects", "", true},
+    {1, "protect Projects", "tick", "Projects/Alpha", "", false},
+    {1, "protect Projects; protect Projects", "tick", "Projects/Alpha", "", true},
+    {1, "protect Projects; click Inbox; set MarkSubFolders; tick ", "untick", "Projects/Alpha", "", false},
+    {1, "tick Projects/Alpha; protect Projects", "click", "Projects/Alpha", "", false},
+    {1, "set DeleteFolders; tick Projects/Alpha; protect Projects/Alpha", "untick", "Projects/Alpha", "",
+     false},
+    {1, "protect Deleted Items; set PermanentDelete", "tick", "Deleted Items", "", false},
 };
 
 }  // namespace
@@ -80,6 +91,53 @@ TEST(Marking, A_Branch_Takes_The_Mark_Where_It_May_And_Unmark_All_Takes_It_Away)
   }
 }
 
+TEST(Marking, Protection_Is_Shown_Explained_And_Takes_Ticks_And_Picks_Away) {
+  Window_Fixture f("add Old/Alpha/a; add Old/b; add Inbox/c; load; set ShowAllFolders");
+  f.Do("tick Old; tick Old/Alpha; tick Inbox; set SelectByRow");
+  f.window.mnuSelectAllRows.Click();
+  EXPECT_EQ(f.grid.Marked_Rows(), 3);
+  f.Do("protect Old");
+  EXPECT_EQ(f.grid.Marked_Rows(), 1);
+  EXPECT_EQ(f.grid.Rows(), 2) << "the others lie in no ticked folder";
+  EXPECT_FALSE(f.Checked("Old") || f.Checked("Old/Alpha"));
+  EXPECT_EQ(f.tree.Lock(f.Node("Old")), Node_Lock::Own);
+  EXPECT_EQ(f.tree.Lock(f.Node("Old/Alpha")), Node_Lock::From_Above);
+  EXPECT_EQ(f.tree.Lock(f.Node("Inbox")), Node_Lock::None);
+  const std::string own = "\"Old\" is protected. Protect Folder in its menu takes the lock off.",
+                    above = "\"Alpha\" lies below \"Old\", which is protected.";
+  EXPECT_EQ(f.tree.Node_Tip(f.Node("Old/Alpha")), above);
+  const auto said = [&] { return f.window.sbStatusBar.Panel_Text(1); };
+  EXPECT_EQ(said(), own);
+  f.Expect({{"1 item that was picked is let go, as the list no longer shows it.", OK}});
+  f.Do("unset ShowAllFolders; click Inbox");
+  EXPECT_EQ(said(), "");
+  f.Do("tick Old/Alpha");
+  EXPECT_EQ(said(), above);
+  EXPECT_EQ(f.tree.Selected_Item(), f.Node("Inbox")) << "nothing but the words has changed";
+  f.Do("click Old; rows-to 1");
+  EXPECT_EQ(f.grid.Marked_Rows(), 0);
+  EXPECT_EQ(said(), own);
+  // However a tick or a pick may have come about, no plan takes it.
+  f.tree.Set_Checked(f.Node("Old"), true), f.grid.Set_Mark(1, true);
+  EXPECT_TRUE(f.app.planner.Plan_Run().stops.empty());
+  f.grid.Set_Mark(1, false), f.Do("unset SelectByRow");
+  EXPECT_TRUE(f.app.planner.Plan_Run().stops.empty());
+  f.tree.Set_Checked(f.Node("Old"), false);
+  const MainWindow& w = f.window;
+  EXPECT_TRUE(w.mnuProtect.Checked() && !w.mnuMark.Enabled() && !w.mnuMarkBranch.Enabled());
+  f.Do("click Old/Alpha");
+  EXPECT_TRUE(w.mnuProtect.Enabled() && !w.mnuProtect.Checked());
+  f.Do("protect Old");
+  EXPECT_EQ(f.tree.Lock(f.Node("Old/Alpha")), Node_Lock::None);
+  EXPECT_EQ(said() + f.tree.Node_Tip(f.Node("Old")), "");
+  EXPECT_TRUE(w.mnuMark.Enabled());
+  f.protection.can_change = false;
+  f.Expect({{"All Folders Loaded", OK}});
+  f.window.mnuRefresh.Click();
+  f.Do("click Old");
+  EXPECT_FALSE(w.mnuProtect.Enabled()) << "the store is open for reading only";
+}
+
 TEST(Marking, Moving_On_Unmarks_The_Folder_That_Was_Shown_For_Its_Rows) {
   for (const std::string options : {"", "SelectByRow", "ShowAllFolders", "ShowAllFolders SelectByRow"}) {
     Window_Fixture f("load; tick Inbox; set " + options + "; click Outbox");
@@ -112,6 +170,7 @@ TEST(Options, Delete_Folders_Asks_And_Refuses) {
   const std::string one = "There is currently 1 marked folder that will be deleted.  Unmark it?";
   const std::string two = "There are currently 2 marked folders that will be deleted.  Unmark them?";
   const std::string defaults = "Cannot mark \"Delete Folders\" while default folders are selected.";
+  const std::string holder = "Cannot mark \"Delete Folders\" while a marked folder holds a protected folder.";
   const std::string orphans =
       "Cannot mark \"Delete Folders\" while there is any unmarked child folder of a marked parent folder.";
   const std::pair<std::string, Window_Fixture::Script> cases[] = {
@@ -122,6 +181,7 @@ TEST(Options, Delete_Folders_Asks_And_Refuses) {
       {"tick Projects/Alpha; tick Inbox", {{two, No}, {defaults, OK}}},
       {"tick ", {{one, No}, {defaults, OK}}},
       {"tick Projects", {{one, No}, {orphans, OK}}},
+      {"protect Projects/Alpha; tick Projects", {{one, No}, {holder, OK}}},
   };
   for (const auto& [marks, script] : cases) {
     Window_Fixture f("folder Projects/Alpha; load; " + marks);

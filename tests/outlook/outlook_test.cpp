@@ -1,4 +1,6 @@
 #include "doubles/core_window.h"
+#include "outlook/stored_protection.h"
+#include "settings/file_registry.h"
 
 namespace tidyfold {
 namespace {
@@ -27,6 +29,23 @@ TEST_F(Session, Attaches_Or_Starts_And_Says_Which_Failed) {
     EXPECT_EQ(plan.Calls(create) - created, last.empty() || last == open ? 0 : 1);
     box.Verify();
   }
+}
+
+TEST(Protection_In_The_Settings, Lasts_And_Says_When_It_Is_Not_Known) {
+  const Temporary_Directory directory;
+  const std::filesystem::path file = directory / "settings.json";
+  for (const bool is_protected : {false, true, false}) {
+    File_Registry registry(file, {});
+    Stored_Protection(registry).Set_Protected("S", "F1", is_protected);
+    File_Registry again(file, {});
+    EXPECT_EQ(Stored_Protection(again).Is_Protected("S", "F1"), is_protected);
+    EXPECT_FALSE(Stored_Protection(again).Is_Protected("S", "F2"));
+  }
+  // Nothing can be read from or written to a directory.
+  File_Registry registry(directory.Path(), {});
+  Stored_Protection unreadable(registry);
+  EXPECT_THROW(unreadable.Is_Protected("S", "F1"), Automation_Error);
+  EXPECT_THROW(unreadable.Set_Protected("S", "F1", true), Automation_Error);
 }
 
 class Tree : public Core_Window {

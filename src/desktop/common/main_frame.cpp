@@ -92,8 +92,8 @@ void Main_Frame::Build_Panes() {
   auto& tree_binder = binders_.Add<Tree_Binder>(model_.trvFolders, *tree, schedule_);
   tree_binder.Follow_Position(scale_);
   tree_binder.context_menu =
-      Entries({&model_.mnuMark, &model_.mnuUnmarkFolder, &model_.mnuMarkBranch, &model_.mnuExportFolder,
-               nullptr, &model_.mnuRefreshCurrent, &model_.mnuRefresh});
+      Entries({&model_.mnuMark, &model_.mnuUnmarkFolder, &model_.mnuMarkBranch, nullptr, &model_.mnuProtect,
+               &model_.mnuExportFolder, nullptr, &model_.mnuRefreshCurrent, &model_.mnuRefresh});
 
   auto* const grid = new wxGrid(surface_, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxBORDER_NONE);
   auto* const hint = new wxStaticText(grid->GetGridWindow(), wxID_ANY, wxString(), wxDefaultPosition,
@@ -161,6 +161,9 @@ void Main_Frame::Build_Menus() {
     Add_Entry(*folders, model_.mnuExportFolder, "Ctrl+Shift+E",
               "Write the current folder, with all below it, in forms that other programs read");
   }
+  folders->AppendSeparator();
+  Add_Entry(*folders, model_.mnuProtect, "Ctrl+K",
+            "Keep the current folder, and all below it, from ever being cleaned", wxITEM_CHECK);
   folders->AppendSeparator();
   Add_Entry(*folders, model_.mnuTakeBack, "Ctrl+Shift+Z",
             "Put back what the last run moved to Deleted Items");

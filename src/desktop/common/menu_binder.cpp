@@ -30,7 +30,9 @@ Menu_Binder::~Menu_Binder() {
 }
 
 void Menu_Binder::Append_To(wxMenu& menu) const {
-  menu.Append(item_->GetId(), Label(), item_->GetHelp())->Enable(model_.Enabled());
+  wxMenuItem& entry = *menu.Append(item_->GetId(), Label(), item_->GetHelp(), item_->GetKind());
+  entry.Enable(model_.Enabled());
+  if (entry.IsCheckable()) entry.Check(model_.Checked());
 }
 
 wxString Menu_Binder::Label() const {

@@ -19,6 +19,7 @@
 #include "desktop/common/text_conversion.h"
 #include "desktop/common/welcome_dialog.h"
 #include "import/import.h"
+#include "outlook/stored_protection.h"
 #include "settings/last_stores.h"
 
 namespace tidyfold {
@@ -124,9 +125,11 @@ void Program::Build() {
   help_ = std::make_unique<Desktop_Help>(*frame_, window_, message_box_, *registry_);
   Automation& outlook = system_outlook_ ? *system_outlook_ : outlook_;
   limits_ = std::make_unique<Stored_Limits>(*registry_);
+  if (system_outlook_) stored_protection_ = std::make_unique<Stored_Protection>(*registry_);
+  Folder_Protection& protection = system_outlook_ ? *stored_protection_ : outlook_;
   app_ = std::make_unique<App>(
-      window_, Surroundings{outlook, message_box_, events_, clock_, log_, *limits_, &help_->Environment(),
-                            system_outlook_ || !Can_Export() ? nullptr : &copies_});
+      window_, Surroundings{outlook, message_box_, events_, clock_, log_, *limits_, protection,
+                            &help_->Environment(), system_outlook_ || !Can_Export() ? nullptr : &copies_});
   Remember_Copy_Directory();
   if (!system_outlook_)
     for (auto* const command : {&window_.cmdRun.Click, &window_.mnuClean.Click})
@@ -211,6 +214,7 @@ void Program::End_When_Unwound() {
 int Program::OnExit() {
   app_.reset();
   limits_.reset();
+  stored_protection_.reset();
   // Before wxWidgets shuts down OLE.
   system_outlook_.reset();
   help_.reset();

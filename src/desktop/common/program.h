@@ -20,6 +20,7 @@
 #include "desktop/common/repaint_schedule.h"
 #include "desktop/common/store_files.h"
 #include "export/store_copies.h"
+#include "outlook/folder_protection.h"
 #include "runs/run_log.h"
 #include "stores/sqlite/embedded_outlook.h"
 
@@ -77,6 +78,7 @@ class Program : public wxApp {
   wxWeakRef<wxFrame> runs_window_;
   std::unique_ptr<Desktop_Help> help_;
   std::unique_ptr<Stored_Limits> limits_;
+  std::unique_ptr<Folder_Protection> stored_protection_;
   std::unique_ptr<App> app_;
 
   bool loading_ = false;

@@ -6,6 +6,7 @@
 
 #include "controls/widgets.h"
 #include "desktop/common/check_text_renderer.h"
+#include "desktop/common/lock_picture.h"
 #include "desktop/common/text_conversion.h"
 #include "desktop/common/theme.h"
 
@@ -47,7 +48,7 @@ class Folder_Tree_Rows : public wxDataViewModel {
 
   void GetValue(wxVariant& value, const wxDataViewItem& item, unsigned) const override {
     const int node = Node_Of(item);
-    value << (Has(item) ? wxDataViewCheckIconText(To_One_Line(tree_.Text(node)), wxBitmapBundle(),
+    value << (Has(item) ? wxDataViewCheckIconText(To_One_Line(tree_.Text(node)), Lock_Of(node),
                                                   tree_.Checked(node) ? wxCHK_CHECKED : wxCHK_UNCHECKED)
                         : wxDataViewCheckIconText());
   }
@@ -72,7 +73,21 @@ class Folder_Tree_Rows : public wxDataViewModel {
  private:
   bool Has(const wxDataViewItem& item) const { return item.IsOk() && tree_.Exists(Node_Of(item)); }
 
+  // Drawn anew when the theme has changed.
+  wxBitmapBundle Lock_Of(int node) const {
+    if (tree_.Lock(node) == Node_Lock::None) return {};
+    const wxColour text = Theme_Text();
+    if (text != lock_colour_) {
+      lock_colour_ = text;
+      lock_ = Lock_Picture(text);
+      pale_lock_ = Lock_Picture(Disabled_Text_Colour(Theme_Background()));
+    }
+    return tree_.Lock(node) == Node_Lock::Own ? lock_ : pale_lock_;
+  }
+
   TreeView& tree_;
+  mutable wxColour lock_colour_;
+  mutable wxBitmapBundle lock_, pale_lock_;
   Tick_Handler ticked_;
 };
 
@@ -119,6 +134,10 @@ Tree_Binder::Tree_Binder(TreeView& model, wxDataViewCtrl& widget, Repaint_Schedu
     event.Skip();
   });
   area.Bind(wxEVT_LEFT_UP, &Tree_Binder::Mouse_Released, this);
+  area.Bind(wxEVT_MOTION, [this](wxMouseEvent& event) {
+    event.Skip();
+    Show_Tip(event.GetPosition());
+  });
   area.Bind(wxEVT_KEY_DOWN, &Tree_Binder::Key_Pressed, this);
   area.Bind(wxEVT_KEY_UP, [this](wxKeyEvent& event) {
     event.Skip();
@@ -316,6 +335,17 @@ void Tree_Binder::Mouse_Released(wxMouseEvent& event) {
     if (!press_told_ && node != 0 && node == model_.Selected_Item()) model_.Click_Node(node);
     Raise(model_.MouseUp);
   });
+}
+
+// Of the node under the pointer, where it has one.
+void Tree_Binder::Show_Tip(const wxPoint& place) {
+  wxDataViewItem item;
+  wxDataViewColumn* column = nullptr;
+  widget_.HitTest(place, item, column);
+  const int node = Node_Of(item);
+  if (node == std::exchange(tip_node_, node)) return;
+  const bool own = node != 0 && model_.Exists(node) && !model_.Node_Tip(node).empty();
+  widget_.SetToolTip(To_Lines(own ? model_.Node_Tip(node) : model_.Tool_Tip_Text()));
 }
 
 void Tree_Binder::Open_Menu_That_Is_Due() {

@@ -54,6 +54,7 @@ class Tree_Binder : public Control_Binder,
   void Do_After_Event(std::function<void()> action);
   void Do_What_Is_Due();
   void Mouse_Released(wxMouseEvent& event);
+  void Show_Tip(const wxPoint& place);
   void Open_Menu_That_Is_Due();
   void Menu_Asked_For(int index, const wxPoint& place);
   void Key_Pressed(wxKeyEvent& event);
@@ -75,6 +76,7 @@ class Tree_Binder : public Control_Binder,
   // a node.
   bool press_told_ = false;
   bool press_ticked_ = false;
+  int tip_node_ = 0;  // whose tooltip the widget has
   // See Do_After_Event.
   std::function<void()> due_;
   bool space_held_ = false;

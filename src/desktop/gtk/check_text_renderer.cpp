@@ -13,13 +13,15 @@ class Check_Text_Renderer : public wxDataViewTextRenderer {
   explicit Check_Text_Renderer(Tick_Handler ticked)
       : wxDataViewTextRenderer(wxDataViewCheckIconTextRenderer::GetDefaultType()),
         ticked_(std::move(ticked)),
-        toggle_(gtk_cell_renderer_toggle_new()) {
+        toggle_(gtk_cell_renderer_toggle_new()),
+        picture_(gtk_cell_renderer_pixbuf_new()) {
     g_signal_connect(toggle_, "toggled", G_CALLBACK(Toggled), this);
     EnableEllipsize(wxELLIPSIZE_NONE);
   }
 
   void GtkPackIntoColumn(GtkTreeViewColumn* column) override {
     gtk_tree_view_column_pack_start(column, toggle_, FALSE);
+    gtk_tree_view_column_pack_start(column, picture_, FALSE);
     wxDataViewTextRenderer::GtkPackIntoColumn(column);
   }
 
@@ -27,6 +29,12 @@ class Check_Text_Renderer : public wxDataViewTextRenderer {
     wxDataViewCheckIconText shown;
     shown << value;
     g_object_set(toggle_, "active", shown.GetCheckedState() == wxCHK_CHECKED, nullptr);
+    const wxBitmapBundle bundle = shown.GetBitmapBundle();
+    g_object_set(picture_, "visible", bundle.IsOk(), nullptr);
+    if (bundle.IsOk()) {
+      const wxBitmap bitmap = bundle.GetBitmapFor(GetOwner()->GetOwner());
+      g_object_set(picture_, "pixbuf", bitmap.GetPixbuf(), nullptr);
+    }
     return SetTextValue(shown.GetText());
   }
 
@@ -40,7 +48,7 @@ class Check_Text_Renderer : public wxDataViewTextRenderer {
   }
 
   Tick_Handler ticked_;
-  GtkCellRenderer* toggle_;  // owned by the column
+  GtkCellRenderer *toggle_, *picture_;  // owned by the column
 };
 
 }  // namespace

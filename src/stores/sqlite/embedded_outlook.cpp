@@ -232,6 +232,32 @@ std::string Embedded_Outlook::Place_Of_Store(const std::string& store_id) const 
   return {};
 }
 
+namespace {
+
+Embedded_Store& Find_Store(const Store_List& stores, const std::string& store_id) {
+  const auto found = std::find_if(stores.begin(), stores.end(),
+                                  [&](const auto& store) { return store->StoreID() == store_id; });
+  if (found == stores.end()) Fail(automation_error::not_found, "The folder's store is not open.");
+  return **found;
+}
+
+}  // namespace
+
+bool Embedded_Outlook::Is_Protected(const std::string& store_id, const std::string& entry_id) {
+  return Find_Store(session_->stores, store_id).Is_Protected(entry_id);
+}
+
+void Embedded_Outlook::Set_Protected(const std::string& store_id, const std::string& entry_id,
+                                     bool is_protected) {
+  Embedded_Store& store = Find_Store(session_->stores, store_id);
+  store.Set_Protected(entry_id, is_protected);
+  store.Commit_Pending();
+}
+
+bool Embedded_Outlook::Can_Change(const std::string& store_id) {
+  return Find_Store(session_->stores, store_id).Mode() == Store_Mode::Read_Write;
+}
+
 void Embedded_Outlook::Set_Display(Display_Callback display) {
   session_->display = std::move(display);
 }

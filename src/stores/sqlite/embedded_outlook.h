@@ -7,13 +7,14 @@
 #include <vector>
 
 #include "outlook/change_groups.h"
+#include "outlook/folder_protection.h"
 #include "outlook/object_model.h"
 #include "stores/sqlite/displayed_item.h"
 #include "stores/sqlite/embedded_store.h"
 
 namespace tidyfold {
 
-class Embedded_Outlook : public Automation, public Change_Groups {
+class Embedded_Outlook : public Automation, public Change_Groups, public Folder_Protection {
  public:
   Embedded_Outlook();
   ~Embedded_Outlook() override;
@@ -42,6 +43,11 @@ class Embedded_Outlook : public Automation, public Change_Groups {
   Change_Groups* Groups() override { return this; }
   // The absolute path of the file.
   std::string Place_Of_Store(const std::string& store_id) const override;
+
+  // Kept in the store files.
+  bool Is_Protected(const std::string& store_id, const std::string& entry_id) override;
+  void Set_Protected(const std::string& store_id, const std::string& entry_id, bool is_protected) override;
+  bool Can_Change(const std::string& store_id) override;
 
   // Called by Item::Display, which throws Automation_Error (not_supported) without it.
   void Set_Display(Display_Callback display);

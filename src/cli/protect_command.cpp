@@ -1,0 +1,39 @@
+// The command that protects folders.
+#include "cli/commands.h"
+#include "cli/folder_path.h"
+#include "cli/store_folders.h"
+
+namespace tidyfold::cli {
+
+namespace {
+
+// The nearest folder above that is protected; null for none.
+MAPIFolder_Ptr Protected_Above(Folder_Protection& protection, MAPIFolder& folder) {
+  MAPIFolder_Ptr above = folder.Parent();
+  while (above != nullptr && !protection.Is_Protected(above->StoreID(), above->EntryID()))
+    above = above->Parent();
+  return above;
+}
+
+}  // namespace
+
+Exit_Status Protect(const Arguments& arguments, Terminal& terminal) {
+  const bool off = arguments.protection_off;
+  Embedded_Outlook outlook;
+  outlook.Open(arguments.stores, Store_Mode::Read_Write, Told_On(terminal, "Bringing the store up to date"));
+  const std::vector<Store_Folder> all = List_Folders(outlook);
+  std::vector<Store_Folder> folders;
+  // Every path is looked up before anything is changed.
+  for (const std::string& path : arguments.folders) folders.push_back(Find_Folder(all, path));
+  for (const Store_Folder& folder : folders) {
+    outlook.Set_Protected(folder.folder->StoreID(), folder.folder->EntryID(), !off);
+    const MAPIFolder_Ptr above = Protected_Above(outlook, *folder.folder);
+    std::string said = off ? "not protected any more" : "protected";
+    if (off && above != nullptr)
+      said = "still protected, because it lies below \"" + Path_Of_Folder(*above) + "\"";
+    terminal.Write(Printable_Line(folder.path + ": " + said) + "\n");
+  }
+  return Exit_Status::Done;
+}
+
+}  // namespace tidyfold::cli

@@ -1,0 +1,97 @@
+#include "outlook/protected_folders.h"
+
+#include <vector>
+
+#include "controls/interaction.h"
+#include "errors/automation_error.h"
+
+namespace tidyfold {
+
+namespace {
+
+std::string Quoted(const FolderData& record) {
+  return "\"" + record.FolderName + "\"";
+}
+
+}  // namespace
+
+void Protected_Folders::Read(int node, const std::string& store_id, const std::string& entry_id) {
+  Note(node, true);
+  if (store_id.empty()) return;
+  records_[node].MayChangeProtection = marks_.Can_Change(store_id);
+  Note(node, marks_.Is_Protected(store_id, entry_id));
+}
+
+void Protected_Folders::Set(int node, bool is_protected) {
+  const MAPIFolder_Ptr folder = records_[node].Folder;
+  const std::string store_id = folder->StoreID(), entry_id = folder->EntryID();
+  try {
+    marks_.Set_Protected(store_id, entry_id, is_protected);
+  } catch (const Automation_Error&) {
+    Note(node, marks_.Is_Protected(store_id, entry_id));
+    throw;
+  }
+  Note(node, is_protected);
+}
+
+// Parents before children. Not recursive, as trees may be deep.
+void Protected_Folders::Note(int node, bool itself) {
+  records_[node].ProtectedItself = itself;
+  std::vector<int> due{node};
+  while (!due.empty()) {
+    const int at = due.back();
+    due.pop_back();
+    FolderData& record = records_[at];
+    record.Protected = record.ProtectedItself || Is_Protected(tree_.Parent(at));
+    tree_.Set_Lock(at, record.ProtectedItself ? Node_Lock::Own
+                       : record.Protected     ? Node_Lock::From_Above
+                                              : Node_Lock::None);
+    tree_.Set_Node_Tip(at, Reason(at));
+    for (int child = tree_.Child(at); child != 0; child = tree_.Next(child)) due.push_back(child);
+  }
+}
+
+bool Protected_Folders::Holds_Protected(int node) const {
+  std::vector<int> due{node};
+  while (!due.empty()) {
+    const int at = due.back();
+    due.pop_back();
+    for (int child = tree_.Child(at); child != 0; child = tree_.Next(child)) {
+      if (records_[child].Protected) return true;
+      due.push_back(child);
+    }
+  }
+  return false;
+}
+
+int Protected_Folders::Protector_Of(int node) const {
+  while (node != 0 && !Is_Protected_Itself(node)) node = tree_.Parent(node);
+  return node;
+}
+
+std::string Protected_Folders::Reason(int node) const {
+  const int protector = Protector_Of(node);
+  if (protector == 0) return {};
+  if (protector == node)
+    return Quoted(records_[node]) + " is protected." +
+           (Can_Change(node) ? " Protect Folder in its menu takes the lock off." : "");
+  return Quoted(records_[node]) + " lies below " + Quoted(records_[protector]) + ", which is protected.";
+}
+
+void Protected_Folders::Say_Why(int node) {
+  const std::string reason = Reason(node);
+  const bool stands = !said_.empty() && window_.sbStatusBar.Panel_Text(1) == said_;
+  if (!reason.empty() || stands) window_.sbStatusBar.Set_Panel_Text(1, reason);
+  said_ = reason;
+}
+
+void Protected_Folders::Demand_Unprotected(int node) const {
+  bool is_protected = records_[node].Protected;
+  for (MAPIFolder_Ptr at = records_[node].Folder; !is_protected && at != nullptr; at = at->Parent())
+    is_protected = marks_.Is_Protected(at->StoreID(), at->EntryID());
+  if (is_protected)
+    throw Automation_Error(automation_error::no_access,
+                           "The folder " + Quoted(records_[node]) + " is protected.", application_title);
+}
+
+}  // namespace tidyfold
