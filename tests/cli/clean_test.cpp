@@ -116,6 +116,52 @@ TEST_F(Clean_Run, is_refused_beyond_its_limits_and_in_the_words_of_the_window) {
   }
 }
 
+// Without identities, which another import gives anew.
+std::multiset<std::string> Contents(const Json& items) {
+  std::multiset<std::string> contents;
+  for (Json item : items) {
+    item.erase("entry_id");
+    contents.insert(item.dump());
+  }
+  return contents;
+}
+
+TEST_F(Clean_Run, keeps_a_copy_first_that_brings_everything_back) {
+  const Words all = Split("clean --folder / --sub-folders --permanent --unread --flagged --yes --backup");
+  Write_Bytes(Path("file"), "in the way");
+  const Outcome failed = On_Store(all + Words{Path("file")});
+  EXPECT_EQ(failed.status, 1) << failed.err;
+  EXPECT_NE(failed.out.find("before anything was deleted"), std::string::npos) << failed.out;
+
+  const auto before = Contents(All_Items());
+  const Outcome outcome = On_Store(all + Words{Path("copies")});
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_EQ(All_Items(), Json::array());
+  const std::string copy = std::filesystem::directory_iterator(Path("copies"))->path().string();
+  EXPECT_NE(outcome.out.find(copy), std::string::npos) << outcome.out;
+  EXPECT_EQ(On_Store({"import", "--merge", copy}).status, 0);
+  EXPECT_EQ(Contents(All_Items()), before);
+}
+
+TEST_F(Clean_Run, exports_folders_that_come_in_again) {
+  const auto before =
+      Contents(On_Store(Split("items --folder Inbox --sub-folders --unread --json")).Document());
+  for (const std::string form : {"maildir", "mbox", "eml"}) {
+    const Outcome outcome =
+        On_Store({"export", Path(form), "--folder", "Inbox/Lists", "--folder", "Inbox", "--as", form});
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    const std::string number = std::to_string(before.size());
+    EXPECT_EQ(outcome.out, Path(form) + ": " + number + " items found, " + number + " exported, 0 failed\n");
+    const std::string store = Path(form + ".tidyfold");
+    EXPECT_EQ(Run({"--store", store, "import", "--merge", Path(form)}).status, 0);
+    Words items = Split("items --folder Inbox --sub-folders --unread --json");
+    EXPECT_EQ(Contents(Run(Words{"--store", store} + items).Document()), before) << form;
+  }
+  EXPECT_EQ(Bytes_Of(store_), before_);
+  EXPECT_EQ(On_Store({"export", Path("x"), "--as", "pst"}).status, 2);
+  EXPECT_EQ(On_Store({"export", store_}).status, 2);
+}
+
 class Clean_Plan_File : public Clean_Run {
  protected:
   void SetUp() override {

@@ -10,6 +10,7 @@
 
 #include <deque>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -52,6 +53,12 @@ class Scripted_Message_Box : public Message_Box {
   // Boxes must come in this order. The action runs while the box is open, like a handler in its event loop.
   void Expect(Expected_Text text, Buttons buttons, Answer answer, std::function<void()> while_open = {}) {
     script_.push_back({std::move(text), buttons, answer, std::move(while_open)});
+  }
+
+  // What a question for a directory is answered with.
+  std::optional<std::string> directory;
+  std::optional<std::string> Ask_Directory(const std::string&, const std::string&) override {
+    return directory;
   }
 
   // From now on a box that the script does not expect is answered Yes or OK instead of failing the test.

@@ -40,6 +40,29 @@ class Protection_In_Memory : public Folder_Protection {
   std::set<std::pair<std::string, std::string>> marks_;
 };
 
+// Notes what it is to copy.
+class Copies_In_Memory : public Item_Copies {
+ public:
+  Kept_Copy Keep(const std::vector<Folder_To_Copy>& folders, const std::string& directory,
+                 const std::function<bool(std::int64_t, std::int64_t)>& go_on) override {
+    Kept_Copy kept;
+    for (const Folder_To_Copy& folder : folders) {
+      std::vector<std::string> ids = folder.entry_ids;
+      for (std::int32_t i = 1; folder.whole && i <= folder.folder->Items()->Count(); ++i)
+        ids.push_back(folder.folder->Items()->Item(i)->EntryID());
+      for (const std::string& id : ids) items.insert(folder.folder->StoreID() + " " + id);
+    }
+    during();
+    kept.cancelled = !go_on(1, 2);
+    kept.place = directory + "/copy";
+    kept.failure = failure;
+    return kept;
+  }
+  std::set<std::string> items;  // "store id entry id"
+  std::string failure;
+  std::function<void()> during = [] {};
+};
+
 struct Test_Surroundings {
   Scripted_Message_Box box;
   Fake_Events events;
@@ -50,9 +73,10 @@ struct Test_Surroundings {
   Run_Log log{state_folder / "runs.sqlite"};
   Limits_In_Memory limits;
   Protection_In_Memory protection;
+  Copies_In_Memory kept_copies;
 
   Surroundings Around(Automation& automation) {
-    return {automation, box, events, clock, log, limits, protection};
+    return {automation, box, events, clock, log, limits, protection, nullptr, &kept_copies};
   }
 };
 

@@ -112,7 +112,7 @@ void Main_Frame::Build_Panes() {
     wxTheClipboard->Flush();
   };
 
-  options_ = new Options_Panel(surface_, model_);
+  options_ = new Options_Panel(surface_, model_, commands_.exports);
   options_->Bind_To_Model(binders_);
   binders_.Add<Control_Binder>(model_.frmOptions, *options_).Follow_Position(scale_);
 

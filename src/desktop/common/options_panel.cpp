@@ -17,9 +17,10 @@ constexpr int text_box_padding = 10;
 
 }  // namespace
 
-Options_Panel::Options_Panel(wxWindow* parent, MainWindow& model)
+Options_Panel::Options_Panel(wxWindow* parent, MainWindow& model, bool keeps_copies)
     : wxScrolledWindow(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxTAB_TRAVERSAL | wxVSCROLL),
-      model_(model) {
+      model_(model),
+      keeps_copies_(keeps_copies) {
   SetScrollRate(0, FromDIP(10));
 }
 
@@ -36,8 +37,9 @@ void Options_Panel::Bind_To_Model(Binders& binders) {
 
   wxBoxSizer& processing = *Start_Group(model_.lblProcessingOptions);
   for (CheckBox* const option : {&model_.chkTurbo, &model_.chkPermanentDelete, &model_.chkConfirmFolders,
-                                 &model_.chkConfirmItems, &model_.chkDeleteFolders, &model_.chkKeepCopy})
+                                 &model_.chkConfirmItems, &model_.chkDeleteFolders})
     Add_Option(processing, *option);
+  if (keeps_copies_) Add_Option(processing, model_.chkKeepCopy);
   Separate(model_.linOptions2);
 
   Add_Filters(*Start_Group(model_.lblFilterOptions));

@@ -16,7 +16,8 @@ namespace tidyfold {
 // if the window is too low.
 class Options_Panel : public wxScrolledWindow {
  public:
-  Options_Panel(wxWindow* parent, MainWindow& model);
+  // Keep a Copy First shows where copies can be kept.
+  Options_Panel(wxWindow* parent, MainWindow& model, bool keeps_copies);
 
   // Creates the widgets and adds their binders.
   void Bind_To_Model(Binders& binders);
@@ -31,6 +32,7 @@ class Options_Panel : public wxScrolledWindow {
   void Add_Filters(wxBoxSizer& group);
 
   MainWindow& model_;
+  bool keeps_copies_;
   Binders* binders_ = nullptr;
   wxBoxSizer* column_ = nullptr;
   Text_Box_Binder* subject_ = nullptr;

@@ -19,6 +19,7 @@
 #include "desktop/common/program_observer.h"
 #include "desktop/common/repaint_schedule.h"
 #include "desktop/common/store_files.h"
+#include "export/export.h"
 #include "export/store_copies.h"
 #include "outlook/folder_protection.h"
 #include "runs/run_log.h"
