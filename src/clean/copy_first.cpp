@@ -38,7 +38,6 @@ Copy_First::Copy_First(MainWindow& window, FolderData_Array& records, Item_Copie
       errors_(errors) {}
 
 void Copy_First::Wire() {
-  if (copies_ == nullptr) window_.chkKeepCopy.Hide();
   window_.chkKeepCopy.Click = [this] { chkKeepCopy_Click(); };
 }
 
