@@ -106,7 +106,7 @@ class Full_Window {
   Embedded_Outlook outlook;
   Run_Log log{std::filesystem::temp_directory_path() / "never-written.sqlite"};
   Default_Limits limits;
-  App app{window, {outlook, box, events, clock, log, limits}};
+  App app{window, {outlook, box, events, clock, log, limits, outlook}};
 
  private:
   int Add_Node(const std::string& name, int parent) {

@@ -18,6 +18,7 @@
 #include "desktop/common/show_in_front.h"
 #include "desktop/common/text_conversion.h"
 #include "desktop/common/welcome_dialog.h"
+#include "export/export.h"
 #include "import/import.h"
 #include "outlook/stored_protection.h"
 #include "settings/last_stores.h"

@@ -5,6 +5,7 @@
 #include <wx/html/helpfrm.h>
 #include <wx/html/helpwnd.h>
 #include <wx/html/htmlwin.h>
+#include <wx/image.h>
 #include <wx/log.h>
 #include <wx/mstream.h>
 #include <wx/splitter.h>
@@ -84,6 +85,8 @@ void Prepare(wxHtmlHelpFrame& frame) {
 }  // namespace
 
 Help_Viewer::Help_Viewer() {
+  // The book's pictures.
+  if (wxImage::FindHandler(wxBITMAP_TYPE_PNG) == nullptr) wxImage::AddHandler(new wxPNGHandler);
   // wxFileSystem keeps handlers until the program ends; one is enough.
   if (!wxFileSystem::HasHandlerForPath("file:x#chm:x")) wxFileSystem::AddHandler(new Book_Files);
 }
