@@ -45,6 +45,8 @@ to_test=(
   xvfb                 # a virtual screen
   openbox              # a window manager
   xdotool              # mouse and keyboard
+  mutt                 # reads what was exported
+  mblaze
 )
 to_check=(
   clang-format         # layout of the sources

@@ -5,20 +5,20 @@ absence is a failure.
 """
 
 import collections
-import fcntl
 import json
 import os
 import pathlib
 import pty
 import re
+import select
 import shutil
-import struct
+import signal
 import subprocess
 import tempfile
-import termios
 import unittest
 
 CLI = os.path.join(os.environ["TIDYFOLD_PROGRAMS"], "tidyfold-cli")
+LONGEST_SILENCE = 20  # seconds
 FOLDERS = ["Inbox", "Drafts", "Family/Recipes"]
 
 
@@ -27,6 +27,14 @@ def needs(*programs):
     if missing and os.environ.get("CI") == "true":
         raise AssertionError(f"{', '.join(missing)} missing")
     return unittest.skipIf(missing, f"{', '.join(missing)} missing")
+
+
+def stop(pid):
+    try:
+        os.kill(pid, signal.SIGKILL)
+        os.waitpid(pid, 0)
+    except (ProcessLookupError, ChildProcessError):
+        pass
 
 
 def plain(subject):
@@ -53,23 +61,21 @@ class Other_Programs(unittest.TestCase):
 
     def listed_by_mutt(self, mailbox):
         settings = self.folder / "muttrc"
-        settings.write_text('set index_format="@%Z@%s@"\nset quit=yes move=no timeout=1 arrow_cursor=yes\n')
+        settings.write_text('set index_format="@%Z@%s@"\nset quit=yes move=no timeout=1 arrow_cursor=yes\n'
+                            f'set folder="{self.folder}"\n')
         pid, terminal = pty.fork()
         if pid == 0:
             os.environ.update(HOME=str(self.folder), TERM="xterm", LC_ALL="C.UTF-8")
-            os.execvp("sh", ["sh", "-c", "stty rows 2000 cols 300; exec mutt -n -F \"$1\" -R -f \"$2\" -e 'push x'", "sh",
+            # One screen for all rows; the key is read once they are shown.
+            os.execvp("sh", ["sh", "-c", 'stty rows 2000 cols 300; exec mutt -n -F "$1" -R -f "$2" -e "push x"', "sh",
                              str(settings), str(mailbox)])
-        fcntl.ioctl(terminal, termios.TIOCSWINSZ, struct.pack("HHHH", 2000, 300, 0, 0))
+        self.addCleanup(stop, pid)
         screen = b""
-        while True:
+        while select.select([terminal], [], [], LONGEST_SILENCE)[0]:
             try:
-                read = os.read(terminal, 1 << 16)
-            except OSError:
+                screen += os.read(terminal, 1 << 16)
+            except OSError:  # it has ended
                 break
-            if not read:
-                break
-            screen += read
-        os.waitpid(pid, 0)
         rows = re.findall("@([^@\x1b]*)@([^@\x1b]*)@", screen.decode("utf-8", "replace"))
         return collections.Counter((plain(subject), "N" in flags or "O" in flags) for flags, subject in rows)
 
@@ -88,7 +94,7 @@ class Other_Programs(unittest.TestCase):
         self.run_cli("--store", self.store, "export", self.folder / "maildir")
         for path in FOLDERS:
             files = subprocess.run(["mlist", self.folder / "maildir" / path], check=True, capture_output=True).stdout
-            subjects = subprocess.run(["mhdr", "-d", "-A", "-h", "subject"], input=files, check=True, capture_output=True)
+            subjects = subprocess.run(["mhdr", "-d", "-h", "subject"], input=files, check=True, capture_output=True)
             lines = subjects.stdout.decode("utf-8").splitlines()
             names = files.decode("utf-8").splitlines()
             self.assertEqual(len(lines), len(names))
