@@ -42,9 +42,7 @@ std::string With_Block(const std::string& text, std::size_t at, const std::vecto
   return whole.append(text, at);
 }
 
-// What a raw form holds is not kept a second time.
 bool Has_Contents_Of(const New_Item& item, const New_Item& back) {
-  if (Is_Message_Class(item.item_class)) return true;
   return std::equal(
       item.attachments.begin(), item.attachments.end(), back.attachments.begin(), back.attachments.end(),
       [](const New_Attachment& left, const New_Attachment& right) { return left.content == right.content; });
@@ -52,7 +50,8 @@ bool Has_Contents_Of(const New_Item& item, const New_Item& back) {
 
 // Writes the fields that reading `text` does not give, and reads it once more.
 template <class Read>
-Item_Form Form_Of(const New_Item& item, const std::string& text, const Place& place, Read read) {
+Item_Form Form_Of(const New_Item& item, const std::string& text, Place place, Read read) {
+  if (item.raw_message.empty()) place.always.push_back(Built_Form());
   Item_Form form;
   form.bytes = With_Block(text, place.at, place.always);
   New_Item back = read(form.bytes);
@@ -63,7 +62,7 @@ Item_Form Form_Of(const New_Item& item, const std::string& text, const Place& pl
     back = read(form.bytes);
     for (Kept_Field& field : Kept_Fields_Of(item, back)) form.losses.push_back(std::move(field.name));
   }
-  if (!item.raw_message.empty() && back.raw_message != item.raw_message) form.losses.emplace_back("bytes");
+  if (back.raw_message != item.raw_message) form.losses.emplace_back("bytes");
   if (!Has_Contents_Of(item, back)) form.losses.emplace_back("attachments");
   form.fingerprint = Item_Fingerprint(back);
   return form;

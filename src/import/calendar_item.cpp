@@ -104,7 +104,7 @@ New_Item Read_Calendar_Item(std::string calendar) {
       return item;
   }
   Set_Kept_Fields(kept, item);
-  item.raw_message = std::move(calendar);
+  if (!Has_No_Own_Form(kept)) item.raw_message = std::move(calendar);
   return item;
 }
 

@@ -9,8 +9,10 @@
 #include "import/calendar_file.h"
 #include "import/contact_file.h"
 #include "import/import_run.h"
+#include "import/item_identity.h"
 #include "import/mail_files.h"
 #include "import/mail_tree.h"
+#include "import/mime_message.h"
 #include "import/msg_file.h"
 #include "import/pst.h"
 #include "import/source_file.h"
@@ -37,6 +39,31 @@ void Import_Kind(Source_Kind kind, const fs::path& source, Import_Run& run) {
       return Import_Contacts(source, run);
     case Source_Kind::Tree:
       return Import_Tree(source, run);
+  }
+}
+
+// What an item's identity is when it is imported today.
+std::int64_t Identity_Today(const New_Item& item) {
+  if (item.raw_message.empty() || !Is_Message_Class(item.item_class)) return Item_Identity(item);
+  try {
+    New_Item today = Read_Mime_Message(item.raw_message);
+    today.received = item.received;
+    return Item_Identity(today);
+  } catch (const Message_Error&) {
+    return Item_Identity(item);
+  }
+}
+
+// Items of an older version's store are not found as there already until they have their identities.
+void Fill_Identities(Store_Writer& writer, Import_Run& run) {
+  constexpr std::int32_t portion = 500;
+  const auto identity_of = [&](const New_Item& item) {
+    run.Tick();
+    return Identity_Today(item);
+  };
+  for (std::string last; !(last = writer.Fill_Identities(last, portion, identity_of)).empty();) {
+    writer.Commit();
+    writer.Begin();
   }
 }
 
@@ -97,6 +124,7 @@ Import_Report Import_Source(const fs::path& source, Store_Writer& writer, const 
   Import_Run run(source, writer, options);
   writer.Begin();
   try {
+    if (!options.again) Fill_Identities(writer, run);
     Import_Kind(kind, source, run);
     writer.Commit();
     return run.Report();

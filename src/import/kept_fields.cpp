@@ -360,9 +360,13 @@ std::vector<Kept_Field> Take_Kept_Fields(std::string& text) {
   return {};
 }
 
-bool Make_Text_Item(const std::vector<Kept_Field>& fields) {
+Kept_Field Built_Form() {
+  return {"Built", "yes"};
+}
+
+bool Has_No_Own_Form(const std::vector<Kept_Field>& fields) {
   const auto found = Class_Of(fields);
-  return found && !Is_Message_Class(*found);
+  return Value(fields, "Built") != nullptr || (found && !Is_Message_Class(*found));
 }
 
 void Set_Kept_Fields(const std::vector<Kept_Field>& fields, New_Item& item) {

@@ -48,8 +48,12 @@ bool Begins_With_Kept_Block(std::string_view text);
 std::vector<Kept_Field> Take_Kept_Fields_At_Top(std::string& message);
 std::vector<Kept_Field> Take_Kept_Fields(std::string& text);
 
-// Whether the fields make the item one that has no message of its own: a note, a journal entry, a post.
-bool Make_Text_Item(const std::vector<Kept_Field>& fields);
+// Says that the exporter built the form, as the item came without one.
+Kept_Field Built_Form();
+
+// Whether the item has no form of its own: it was built, or its class has none (notes, journal entries,
+// posts).
+bool Has_No_Own_Form(const std::vector<Kept_Field>& fields);
 
 // Sets the item's members. What the fields cannot rightly say stays as it is.
 void Set_Kept_Fields(const std::vector<Kept_Field>& fields, New_Item& item);

@@ -234,7 +234,7 @@ Date Parse_Mail_Date(std::string_view text, bool as_written) {
 New_Item Read_Mime_Message(std::string raw) {
   New_Item item;
   const std::vector<Kept_Field> kept = Take_Kept_Fields_At_Top(raw);
-  const bool text_item = Make_Text_Item(kept);
+  const bool has_own_form = !Has_No_Own_Form(kept);
   {
     const std::vector<Mime_Part> parts = Split_Message(Without_Lead_In(raw));
     const Mail_Headers& headers = parts.front().headers;
@@ -252,13 +252,13 @@ New_Item Read_Mime_Message(std::string raw) {
     item.flagged = flags.flagged;
     item.received = Received(headers);
     item.last_modified = item.received;
-    Body_Reader body(parts, raw_charset, text_item);
+    Body_Reader body(parts, raw_charset, !has_own_form);
     body.Read(item);
     item.item_class = parts.front().type == "multipart/report" ? item_class::report : body.Meeting();
   }
   Set_Kept_Fields(kept, item);
   item.size = static_cast<std::int64_t>(raw.size());
-  if (!text_item) item.raw_message = std::move(raw);
+  if (has_own_form) item.raw_message = std::move(raw);
   return item;
 }
 

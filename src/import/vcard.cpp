@@ -218,7 +218,7 @@ New_Item Read_Vcard(std::string text) {
   item.last_modified = card.revision;
   item.size = static_cast<std::int64_t>(text.size());
   Set_Kept_Fields(kept, item);
-  item.raw_message = std::move(text);
+  if (!Has_No_Own_Form(kept)) item.raw_message = std::move(text);
   return item;
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -60,6 +61,13 @@ class Store_Writer {
   virtual std::string Add_Item(MAPIFolder& folder, const New_Item& item) = 0;
   // How many items the store holds with this identity, those added since Begin included.
   virtual std::int64_t Count_Of(std::int64_t identity) = 0;
+  // Gives items whose identity is not known, as those of a store of an older format, what `identity_of` says:
+  // up to `most`, those behind the EntryID `after` or, where that is empty, from the first one on. Returns
+  // the EntryID of the last one; empty when there are none.
+  virtual std::string Fill_Identities(const std::string& /*after*/, std::int32_t /*most*/,
+                                      const std::function<std::int64_t(const New_Item&)>& /*identity_of*/) {
+    return {};
+  }
   virtual void Begin() = 0;
   virtual void Commit() = 0;
   virtual void Roll_Back() = 0;

@@ -128,6 +128,15 @@ TEST_F(Import, leaves_nothing_behind_of_what_is_no_source_and_goes_on_after_it) 
   EXPECT_NE(outcome.err.find(cut), std::string::npos);
 }
 
+// A store of an older version does not know what its items are by.
+TEST_F(Import, finds_what_is_there_already_in_an_older_store_too) {
+  const std::string source = Write("good.eml", letter);
+  EXPECT_EQ(On_Store({"import", source}).status, 0);
+  Alter("UPDATE content SET identity = 0");
+  EXPECT_EQ(On_Store({"import", source}).out,
+            source + ": 1 items found, 0 imported, 0 failed, 1 there already\n");
+}
+
 TEST_F(Import, takes_what_other_programs_wrote) {
   REQUIRE_OR_SKIP(fs::exists(TIDYFOLD_SHARED_DATA), TIDYFOLD_SHARED_DATA " is missing");
   long imported = 0;

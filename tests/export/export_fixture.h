@@ -30,12 +30,11 @@ inline std::string Shown(const New_Item& item) {
                      item.subject + "|" + Plain_Text(item.body) + "|" + (item.unread ? "u" : "") +
                      (item.flagged ? "f" : "") + (item.answered ? "a" : "") + "|" + Shown(item.received) +
                      "|" + Shown(item.end) + "|" + Shown(item.due) + "|" + Shown(item.completed);
+  // That of a message is the day of its arrival.
   if (!message) text += "|" + Shown(item.last_modified);
   for (const New_Attachment& attachment : item.attachments)
-    text += "|" + attachment.name + "," + std::to_string(attachment.size) + "," +
-            (message ? std::string() : attachment.content);
-  if (!message || !item.raw_message.empty()) text += "|" + item.raw_message;
-  return text;
+    text += "|" + attachment.name + "," + std::to_string(attachment.size) + "," + attachment.content;
+  return text + "|" + item.raw_message;
 }
 
 class Export_Test : public ::testing::Test {
@@ -52,9 +51,11 @@ class Export_Test : public ::testing::Test {
     return Export_Folders(Folders_To_Export(store->Top_Folder(), {}, read), where, options);
   }
 
-  static Import_Report Import(const std::filesystem::path& source, const Store_Ptr_To_File& store) {
+  static Import_Report Import(const std::filesystem::path& source, const Store_Ptr_To_File& store,
+                              bool again = true) {
     Import_Options options;
-    options.merge = options.again = true;
+    options.merge = true;
+    options.again = again;
     return Import_Source(source, store->Writer(), options);
   }
 

@@ -194,6 +194,12 @@ class Embedded_Writer : public Store_Writer {
     return Item_Entry_Id(store_->Add_Item(Number_Of(folder), item));
   }
   std::int64_t Count_Of(std::int64_t identity) override { return store_->Count_Of(identity); }
+  std::string Fill_Identities(const std::string& after, std::int32_t most,
+                              const std::function<std::int64_t(const New_Item&)>& identity_of) override {
+    const std::int64_t behind = after.empty() ? 0 : Item_Of_Entry_Id(after).value_or(0);
+    const std::int64_t last = store_->Fill_Identities(behind, most, identity_of);
+    return last == 0 ? std::string() : Item_Entry_Id(last);
+  }
   void Begin() override { store_->Begin(); }
   void Commit() override { store_->Commit(); }
   void Roll_Back() override { store_->Roll_Back(); }

@@ -17,6 +17,11 @@ struct Statements {
                 "SELECT sender, sender_address, recipients, message_id, list_id, answered, body_bytes, "
                 "packed, identity FROM content WHERE item = ?1"),
         alike(database, "SELECT COUNT(*) FROM content WHERE identity = ?1 AND identity <> 0"),
+        unknown(database,
+                "SELECT (SELECT COUNT(*) FROM item) - (SELECT COUNT(*) FROM content WHERE identity <> 0)"),
+        without_identity(database,
+                         "SELECT item FROM content WHERE identity = 0 AND item > ?1 ORDER BY item LIMIT ?2"),
+        set_identity(database, "UPDATE content SET identity = ?2 WHERE item = ?1"),
         attachments(database, "SELECT name, size, packed FROM attachment WHERE item = ?1 ORDER BY number"),
         move(database, "UPDATE item SET folder = ?2, position = ?3 WHERE id = ?1"),
         remove(database, "DELETE FROM item WHERE id = ?1"),
@@ -39,8 +44,9 @@ struct Statements {
             "INSERT INTO attachment (item, number, name, size, packed) VALUES (?1, ?2, ?3, ?4, ?5)"),
         protect(database, "UPDATE folder SET protected = ?2 WHERE id = ?1") {}
 
-  Statement begin, commit, save, release, locate, content, alike, attachments, move, remove, mark_removed,
-      clear_items, clear_folder, add_folder, add_item, add_content, add_attachment, protect;
+  Statement begin, commit, save, release, locate, content, alike, unknown, without_identity, set_identity,
+      attachments, move, remove, mark_removed, clear_items, clear_folder, add_folder, add_item, add_content,
+      add_attachment, protect;
 };
 
 }  // namespace tidyfold::sqlite

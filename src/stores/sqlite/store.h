@@ -82,6 +82,9 @@ class Store : public std::enable_shared_from_this<Store> {
   std::string Body(std::int64_t id);
   New_Item Read_Whole(const Found_Item& item);
   std::int64_t Count_Of(std::int64_t identity);
+  // See Store_Writer; by item numbers, 0 for none.
+  std::int64_t Fill_Identities(std::int64_t after, std::int32_t most,
+                               const std::function<std::int64_t(const New_Item&)>& identity_of);
   void Display(const Found_Item& item, std::int64_t folder);
 
   // `place` must be the item's current place. Both return the new one.

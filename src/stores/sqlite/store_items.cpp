@@ -120,6 +120,29 @@ std::int64_t Store::Count_Of(std::int64_t identity) {
   return reading.Next() ? alike.Integer(0) : 0;
 }
 
+std::int64_t Store::Fill_Identities(std::int64_t after, std::int32_t most,
+                                    const std::function<std::int64_t(const New_Item&)>& identity_of) {
+  if (after == 0) {
+    // Two indexes tell that there is nothing to do; finding what there is reads all contents.
+    Reading reading(statements_->unknown);
+    if (!reading.Next() || statements_->unknown.Integer(0) == 0) return 0;
+  }
+  std::vector<std::int64_t> items;
+  {
+    Statement& without = statements_->without_identity;
+    without.Bind(1, after).Bind(2, std::int64_t{most});
+    Reading reading(without);
+    while (reading.Next()) items.push_back(without.Integer(0));
+  }
+  Change([&] {
+    for (const std::int64_t item : items) {
+      const std::int64_t identity = identity_of(Read_Whole(Item_By_Id(item)));
+      statements_->set_identity.Bind(1, item).Bind(2, identity).Run();
+    }
+  });
+  return items.empty() ? 0 : items.back();
+}
+
 void Store::Display(const Found_Item& item, std::int64_t folder) {
   if (!display_) {
     Fail(automation_error::not_supported, "There is no window here that could show an item.");
