@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "errors/automation_error.h"
+#include "export/item_form.h"
 #include "export/reading_back.h"
 #include "export/safe_name.h"
 
@@ -61,11 +62,15 @@ TEST_F(Exporting, Overwrites_Nothing_And_Follows_No_Link) {
 }
 
 TEST_F(Exporting, Says_What_Does_Not_Read_Back) {
-  const std::vector<Written_Item> written = {{1, "Lists, \"One\""}};
-  fs::create_directories(where);
-  const auto missing = Missing_In(where, written, [] { return true; });
-  ASSERT_EQ(missing.size(), 1U);
-  EXPECT_EQ(missing.front().where, written.front().where);
+  Export(store, where);
+  const auto as_read = [](New_Item& read) { read.unread = false; };
+  const New_Item hello = store->Read_Whole_Item(lists->Items()->Item(1)->EntryID());
+  const std::int64_t fingerprint = Message_Form(hello, as_read, false).fingerprint;
+  const auto missing =
+      Missing_In(where / "Lists", {{fingerprint, "there"}, {fingerprint, "twice"}, {1, "not there"}},
+                 [] { return true; });
+  EXPECT_EQ(missing.size(), 2U);
+  EXPECT_TRUE(Missing_In(where / "Lists", {{fingerprint, "there"}}, [] { return true; }).empty());
 }
 
 TEST_F(Exporting, Names_What_Cannot_Be_Read_And_Goes_On) {
@@ -77,12 +82,22 @@ TEST_F(Exporting, Names_What_Cannot_Be_Read_And_Goes_On) {
   EXPECT_EQ(Details_Of(report), std::vector<std::string>{"Lists: The item is damaged."});
 }
 
-TEST_F(Exporting, Refuses_A_Header_That_An_Mbox_Would_Divide) {
+TEST_F(Exporting, Divides_An_Mbox_Where_Messages_Begin_And_Nowhere_Else) {
   New_Item item;
+  item.subject = "Quoted";
+  item.raw_message = "Subject: Quoted\n\nFrom a@b.org Wed Mar  5 12:00:00 2014\n>From c\n";
+  store->Writer().Add_Item(*lists, item);
+  EXPECT_EQ(Export(store, where, Export_Form::Mbox).exported, 2);
+  const std::string mbox = "\n" + Bytes_Of(where / "Lists" / "Lists.mbox");
+  std::size_t separators = 0;
+  for (std::size_t at = 0; (at = mbox.find("\nFrom ", at)) != std::string::npos; ++at) ++separators;
+  EXPECT_EQ(separators, 2U);
+  EXPECT_NE(mbox.find("\n>>From c\n"), std::string::npos);
+
   item.subject = "Divided";
   item.raw_message = "Subject: Divided\nFrom me\n\nText\n";
   store->Writer().Add_Item(*lists, item);
-  EXPECT_EQ(Export(store, where, Export_Form::Mbox).failed, 1);
+  EXPECT_EQ(Export(store, where / "mbox", Export_Form::Mbox).failed, 1);
   EXPECT_EQ(Export(store, where / "eml", Export_Form::Eml).failed, 0);
 }
 
