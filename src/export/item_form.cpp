@@ -9,6 +9,7 @@
 #include <string_view>
 #include <utility>
 
+#include "base/text.h"
 #include "export/form_builders.h"
 #include "import/calendar_item.h"
 #include "import/item_identity.h"
@@ -35,11 +36,21 @@ struct Place {
   std::vector<Kept_Field> always;  // fields that are written whatever the item is
 };
 
-std::string With_Block(const std::string& text, std::size_t at, const std::vector<Kept_Field>& fields) {
+// Lines that begin with a blank would continue the line of ours before them.
+std::size_t Continuing_Lines(std::string_view text) {
+  std::size_t size = 0;
+  while (size < text.size() && (text[size] == ' ' || text[size] == '\t'))
+    size = std::min(text.find('\n', size), text.size() - 1) + 1;
+  return size;
+}
+
+std::string With_Block(const std::string& text, std::size_t at, std::vector<Kept_Field> fields) {
   if (fields.empty()) return text;
+  const std::size_t continuing = Continuing_Lines(std::string_view(text).substr(at));
+  if (continuing > 0) fields.push_back(Kept_Lead_In(std::string_view(text).substr(at, continuing)));
   std::string whole = text.substr(0, at);
   whole += Kept_Block(fields, Line_End(text));
-  return whole.append(text, at);
+  return whole.append(text, at + continuing);
 }
 
 bool Has_Contents_Of(const New_Item& item, const New_Item& back) {
@@ -102,7 +113,7 @@ std::size_t Lead_In_Size(std::string_view message) {
   const std::string_view begin = Without_Lead_In(message);
   std::size_t size = message.size() - begin.size();
   if (begin.starts_with(quoted_line)) size += std::min(begin.find('\n'), begin.size() - 1) + 1;
-  return size;
+  return size + Continuing_Lines(message.substr(size));
 }
 
 // Whether an importer that meets the text in a file takes it for one message.
@@ -179,8 +190,11 @@ Item_Form Calendar_Form(const New_Item& item) {
 
 Item_Form Card_Form(const New_Item& item) {
   const std::string text = item.raw_message.empty() ? Build_Card(item) : item.raw_message;
-  return Form_Of(item, text, Behind(text, {"BEGIN:VCARD"}, item),
-                 [](const std::string& bytes) { return Read_Vcard(bytes); });
+  Place place = Behind(text, {"BEGIN:VCARD"}, item);
+  // The version has to stand first.
+  if (Begins_Ignoring_Case(std::string_view(text).substr(place.at), "VERSION:"))
+    place.at = std::min(text.find('\n', place.at), text.size() - 1) + 1;
+  return Form_Of(item, text, std::move(place), [](const std::string& bytes) { return Read_Vcard(bytes); });
 }
 
 Item_Form Mbox_Form(const New_Item& item) {

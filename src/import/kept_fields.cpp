@@ -150,7 +150,7 @@ void Set_List(std::string_view list, std::vector<New_Attachment>& attachments) {
   std::vector<New_Attachment> set;
   while (!list.empty() && list != no_value) {
     const std::size_t comma = std::min(list.find(','), list.size());
-    New_Attachment attachment{Valid_Utf8(Decoded(list.substr(0, comma))), 0};
+    New_Attachment attachment{One_Line(Decoded(list.substr(0, comma))), 0};
     list.remove_prefix(std::min(comma + 1, list.size()));
     const std::size_t next = std::min(list.find(','), list.size());
     const auto read = std::from_chars(list.data(), list.data() + next, attachment.size);
@@ -209,7 +209,7 @@ Block Read_Block(std::string_view text) {
   const std::string_view first = First_Line(text).substr(block_name.size());
   std::size_t count = 0;
   const auto read = std::from_chars(first.data(), first.data() + first.size(), count);
-  if (read.ptr != first.data() + first.size() || count > most) return block;
+  if (first.empty() || read.ptr != first.data() + first.size() || count > most) return block;
   std::size_t at = std::min(text.find('\n'), text.size() - 1) + 1;
   for (; block.fields.size() < count;) {
     if (at >= text.size()) return {};
@@ -350,14 +350,25 @@ std::vector<Kept_Field> Take_Kept_Fields_At_Top(std::string& message) {
 }
 
 std::vector<Kept_Field> Take_Kept_Fields(std::string& text) {
-  for (std::size_t at = text.find(block_name); at != std::string::npos; at = text.find(block_name, at + 1)) {
-    if (at > 0 && text[at - 1] != '\n') continue;
-    Block block = Read_Block(std::string_view(text).substr(at));
-    if (block.size == 0) continue;
-    text.erase(at, block.size);
-    return std::move(block.fields);
+  std::vector<Kept_Field> fields;
+  std::string rest;
+  std::size_t copied = 0;
+  for (std::size_t at = text.find(block_name); at != std::string::npos; at = text.find(block_name, at)) {
+    Block block;
+    if (at == 0 || text[at - 1] == '\n') block = Read_Block(std::string_view(text).substr(at));
+    if (block.size == 0) {
+      ++at;
+      continue;
+    }
+    rest.append(text, copied, at - copied);
+    at += block.size;
+    copied = at;
+    if (!fields.empty()) continue;  // only the first one was written for this item
+    if (const std::string* lead_in = Value(block.fields, "Lead-In")) rest += Decoded(*lead_in);
+    fields = std::move(block.fields);
   }
-  return {};
+  if (copied > 0) text = rest.append(text, copied);
+  return fields;
 }
 
 Kept_Field Built_Form() {
@@ -378,7 +389,7 @@ void Set_Kept_Fields(const std::vector<Kept_Field>& fields, New_Item& item) {
     if (!has_class) item.item_class = *found;
   }
   for (const auto& [name, member] : texts)
-    if (const std::string* value = Value(fields, name)) item.*member = Valid_Utf8(Decoded(*value));
+    if (const std::string* value = Value(fields, name)) item.*member = One_Line(Decoded(*value));
   for (const auto& [name, member] : dates) {
     const std::string* value = Value(fields, name);
     const auto date = value == nullptr ? std::nullopt : Decoded_Date(*value);
@@ -392,7 +403,7 @@ void Set_Kept_Fields(const std::vector<Kept_Field>& fields, New_Item& item) {
     std::string content = Decode_Base64(std::string_view(field.value).substr(begin));
     const auto size = static_cast<std::int64_t>(content.size());
     item.attachments.push_back(
-        {Valid_Utf8(Decoded(std::string_view(field.value).substr(0, name_end))), size, std::move(content)});
+        {One_Line(Decoded(std::string_view(field.value).substr(0, name_end))), size, std::move(content)});
   }
   if (const std::string* value = Value(fields, "Files")) Set_List(*value, item.attachments);
   if (const std::string* value = Value(fields, "Text")) item.body = Valid_Utf8(Decoded(*value));

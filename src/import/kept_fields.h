@@ -43,8 +43,8 @@ std::string Kept_Block(const std::vector<Kept_Field>& fields, std::string_view l
 // Whether text begins with such a block.
 bool Begins_With_Kept_Block(std::string_view text);
 
-// Takes the block out of the text: at its top, or in front of the first line that begins one. Empty where
-// there is none.
+// Takes the block out of the text: at its top, or wherever one stands. Of several the first one counts, and
+// all go. Empty where there is none.
 std::vector<Kept_Field> Take_Kept_Fields_At_Top(std::string& message);
 std::vector<Kept_Field> Take_Kept_Fields(std::string& text);
 

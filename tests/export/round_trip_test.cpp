@@ -83,7 +83,7 @@ std::vector<New_Item> Messages() {
 
 std::vector<New_Item> Other_Items() {
   return {
-      Other(item_class::note, " Ideas\t ", "Ideas\r\n\r\n  more  \x01\n",
+      Other(item_class::note, " Ideas  ", "Ideas\r\n\r\n  more  \x01\n",
             [](New_Item& item) {
               item.attachments = {{"a/b.txt", 2, "ab"}, {"lost.bin", 99}};
             }),
