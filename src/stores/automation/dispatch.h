@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <initializer_list>
 #include <map>
 #include <optional>
@@ -19,29 +20,40 @@ enum class Member : std::size_t {
   Add,
   Body,
   Class,
+  Columns,
+  CompareEntryIDs,
   Count,
   DateCompleted,
   DefaultItemType,
   Delete,
   Display,
   DueDate,
+  Duration,
   End,
   EntryID,
   FlagStatus,
   Folders,
+  GetArray,
   GetDefaultFolder,
   GetItemFromID,
   GetNamespace,
+  GetRecurrencePattern,
+  GetTable,
   HrGetOneProp,
+  IsRecurring,
   Item,
   Items,
   LastModificationTime,
   MAPIOBJECT,
   Move,
   Name,
+  NoEndDate,
   Parent,
+  PatternEndDate,
   ReceivedTime,
   Remove,
+  RemoveAll,
+  StartTime,
   Store,
   StoreID,
   Subject,
@@ -53,6 +65,8 @@ inline constexpr std::size_t member_count = static_cast<std::size_t>(Member::UnR
 class Caller {
  public:
   explicit Caller(std::chrono::milliseconds patience) : filter_(patience) {}
+  // Asked when the patience has run out: whether to try for as long again.
+  std::function<bool()> go_on;
   DISPID Id_Of(IDispatch& object, Member member);
   // Arguments come in their written order.
   Variant Invoke(IDispatch& object, DISPID id, WORD kind,
@@ -63,6 +77,7 @@ class Caller {
   HRESULT Until_Answered(Call&& call);
 
   Busy_Filter filter_;
+  bool asking_ = false;
 };
 
 // The member ids of one interface.
