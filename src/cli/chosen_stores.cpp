@@ -11,6 +11,7 @@ Chosen_Stores::Chosen_Stores(const Arguments& arguments) {
   if (outlook_ == nullptr)
     throw Failure(Exit_Status::Bad_Input,
                   "--outlook works on Windows only. Name a store with --store FILE instead.");
+  source_ = outlook_.get();
 }
 
 void Chosen_Stores::Open(const std::vector<std::filesystem::path>& files, Store_Mode mode,

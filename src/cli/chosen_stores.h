@@ -19,12 +19,13 @@ class Chosen_Stores {
  public:
   // Opens nothing yet. Throws Failure where Outlook is chosen and there is none on this system.
   explicit Chosen_Stores(const Arguments& arguments);
+  Chosen_Stores(const Chosen_Stores&) = delete;
+  Chosen_Stores& operator=(const Chosen_Stores&) = delete;
 
   // Throws Store_Open_Error.
   void Open(const std::vector<std::filesystem::path>& files, Store_Mode mode,
             const Store_Progress& progress = {});
-  Automation& Source() { return outlook_ != nullptr ? *outlook_ : files_; }
-  const Automation& Source() const { return outlook_ != nullptr ? *outlook_ : files_; }
+  Automation& Source() const { return *source_; }
   // Throws Failure where Outlook cannot be reached.
   std::shared_ptr<NameSpace> Name_Space();
   // The names of the files as given; none in Outlook.
@@ -40,7 +41,8 @@ class Chosen_Stores {
 
  private:
   Embedded_Outlook files_;
-  std::unique_ptr<Automation> outlook_;
+  std::unique_ptr<Automation> outlook_;  // where it is chosen
+  Automation* source_ = &files_;
 };
 
 }  // namespace tidyfold::cli

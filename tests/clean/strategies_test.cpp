@@ -15,7 +15,8 @@ TEST(Strategies, Take_What_Was_Chosen_From_Stores_Of_Every_Behaviour) {
       if (behaviour == "no Deleted Items") continue;
       const bool moved = f.box.Count("items were moved") == 1;
       EXPECT_EQ(f.app.taking_back.Take_Back_Run(std::nullopt).put_back, moved ? f.to_take : 0);
-      if (moved) EXPECT_EQ(Kind_Run::Numbers(f.Everything()), Kind_Run::Numbers(f.before));
+      if (!moved) continue;
+      EXPECT_EQ(Kind_Run::Numbers(f.Everything()), Kind_Run::Numbers(f.before));
     }
 }
 

@@ -67,9 +67,9 @@ HRESULT Caller::Until_Answered(Call&& call) {
     if (!Is_Busy(result)) return result;
     if (filter_.Wait_To_Call_Again(static_cast<DWORD>(GetTickCount64() - begin))) continue;
     // A handler that runs while the question is open may make calls of its own; these ask nothing.
-    if (!go_on || asking_) return result;
+    if (!go_on_ || asking_ || filter_.Is_Impatient()) return result;
     const Flag_Scope asking(asking_);
-    if (!go_on()) return result;
+    if (!go_on_()) return filter_.Lose_Patience(), result;
     begin = GetTickCount64();
   }
 }

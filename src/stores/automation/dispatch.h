@@ -9,6 +9,7 @@
 #include <initializer_list>
 #include <map>
 #include <optional>
+#include <utility>
 
 #include "stores/automation/busy_filter.h"
 #include "stores/automation/com.h"
@@ -66,7 +67,10 @@ class Caller {
  public:
   explicit Caller(std::chrono::milliseconds patience) : filter_(patience) {}
   // Asked when the patience has run out: whether to try for as long again.
-  std::function<bool()> go_on;
+  void Ask_When_Busy(std::function<bool()> go_on) {
+    go_on_ = std::move(go_on);
+    filter_.Take_Up_Patience();
+  }
   DISPID Id_Of(IDispatch& object, Member member);
   // Arguments come in their written order.
   Variant Invoke(IDispatch& object, DISPID id, WORD kind,
@@ -77,6 +81,7 @@ class Caller {
   HRESULT Until_Answered(Call&& call);
 
   Busy_Filter filter_;
+  std::function<bool()> go_on_;
   bool asking_ = false;
 };
 

@@ -91,7 +91,7 @@ std::shared_ptr<Application> Outlook_Automation::CreateObject(const std::string&
 }
 
 void Outlook_Automation::Ask_When_Busy(std::function<bool()> go_on) {
-  session_->caller.go_on = std::move(go_on);
+  session_->caller.Ask_When_Busy(std::move(go_on));
 }
 
 std::shared_ptr<Mapi_Utils> Outlook_Automation::Create_Mapi_Utils(const std::string& program) {

@@ -74,6 +74,7 @@ struct Stored_Folder : MAPIFolder, tidyfold::Store, std::enable_shared_from_this
     if (found == nullptr) Fail(automation_error::not_found, "There is no such default folder.");
     return found;
   }
+  void Remove(Stored_Item& item);
   // Without recursion: trees may be deep.
   void Remove_For_Good();
 };
@@ -154,7 +155,7 @@ class Memory_Items : public Items {
   Item_Ptr Item(std::int32_t index) override { return At(folder_->Alive().items, index); }
   void Remove(std::int32_t index) override {
     const Stored_Item_Ptr item = At(folder_->Alive().items, index);
-    folder_->store->removing_moves_ ? item->Delete() : item->Lie_In(nullptr);
+    folder_->Remove(*item);
   }
 
  private:
@@ -206,6 +207,10 @@ class Memory_Folders : public Folders {
 };
 
 }  // namespace
+
+void Stored_Folder::Remove(Stored_Item& item) {
+  store->removing_moves_ ? item.Delete() : item.Lie_In(nullptr);
+}
 
 void Stored_Folder::Remove_For_Good() {
   if (parent != nullptr) std::erase(parent->folders, shared_from_this());
