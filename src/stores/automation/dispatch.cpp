@@ -122,7 +122,10 @@ Variant Item_Ids::Invoke(Caller& caller, IDispatch& object, std::optional<std::i
   const auto invoke = [&](DISPID id) { return caller.Invoke(object, id, kind, arguments); };
   if (item_class) return invoke(classes_[*item_class].Of(caller, object, member));
   const std::optional<DISPID> guess = Common(member);
-  if (!guess) return invoke(caller.Id_Of(object, member));
+  if (!guess) {
+    const std::int32_t own_class = Read_Class(caller, object);
+    return invoke(classes_[own_class].Of(caller, object, member));
+  }
   try {
     return invoke(*guess);
   } catch (const Automation_Error& error) {

@@ -101,9 +101,7 @@ class Member_Ids {
 
 // The member ids of items. Each class of item has an interface of its own, and an item's class is not known
 // until it has been read. Before that, an id is used that all classes met so far have in common; if the item
-// does not know it, or if the classes differ, the id is looked up in the item itself.
-//
-// An item that is fetched by its EntryID has usually been read before, so that its class is known here.
+// does not know it, the id is looked up in the item itself, and if there is none, its class is read.
 class Item_Ids {
  public:
   Variant Invoke(Caller& caller, IDispatch& object, std::optional<std::int32_t> item_class, Member member,

@@ -80,8 +80,10 @@ class Cells {
     };
     rows_ = extent(1);
     if (rows_ > 0 && extent(2) != cell_count) Fail(DISP_E_TYPEMISMATCH);
-    Check(SafeArrayAccessData(value.parray, reinterpret_cast<void**>(&values_)));
+    void* values = nullptr;
+    Check(SafeArrayAccessData(value.parray, &values));
     array_ = value.parray;
+    values_ = static_cast<const VARIANT*>(values);
   }
   Cells(const Cells&) = delete;
   Cells& operator=(const Cells&) = delete;

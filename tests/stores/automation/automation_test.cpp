@@ -107,7 +107,11 @@ TEST(Automation, A_Series_Goes_By_Its_Last_Occurrence) {
 // One refused name has another in its place; what is refused under both costs the table, and no item.
 TEST(Automation, A_Column_Goes_By_Name_Or_By_Property) {
   const std::string tag = "http://schemas.microsoft.com/mapi/proptag/";
-  const std::tuple<std::vector<std::string>, bool> cases[] = {
+  struct Case {
+    std::vector<std::string> refused;
+    bool by_table;
+  };
+  const Case cases[] = {
       {{}, true},
       {{tag + "0x10900003"}, true},
       {{"ReceivedTime", "LastModificationTime", "DateCompleted", "DueDate", "End", "Size"}, true},
@@ -131,7 +135,7 @@ TEST(Automation, A_Column_Goes_By_Name_Or_By_Property) {
     EXPECT_TRUE(inbox.Cached(1).Flagged);
     EXPECT_EQ(inbox.Cached(1).ItemDate, 44000);
     EXPECT_EQ(inbox.Cached(2).ItemDate, 44100);
-    EXPECT_EQ(store.server.Calls_Of("Item.Subject"), by_table ? 0 : 2);
+    EXPECT_EQ(store.server.Calls_Of("Item.Subject"), by_table ? 0 : 2) << refused.size();
   }
 }
 

@@ -98,6 +98,8 @@ const std::map<std::string, Column>& All_Columns() {
       {property_tag + "0x10900003", flag},
       {"FlagStatus", flag},
       {"Size", [](const Table_Row& row) { return Variant(static_cast<std::int32_t>(row.Size)); }},
+      {property_tag + "0x0E080003",
+       [](const Table_Row& row) { return Variant(static_cast<std::int32_t>(row.Size)); }},
       {"IsRecurring", [](const Table_Row& row) { return Variant(Is_Series(row)); }}};
   return columns;
 }
