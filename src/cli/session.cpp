@@ -31,8 +31,8 @@ Session::Session(const Arguments& arguments, Store_Mode mode, Terminal& terminal
                      const std::string& entry_id) { return stores_.Read_Whole_Item(store_id, entry_id); },
               clock_),
       stored_protection_(*registry_),
-      app_(window_, {stores_.Source(), message_box_, events_, clock_, log_, limits_, Marks(protection), nullptr,
-                     arguments.outlook ? nullptr : &copies_}) {
+      app_(window_, {stores_.Source(), message_box_, events_, clock_, log_, limits_, Marks(protection),
+                     nullptr, arguments.outlook ? nullptr : &copies_}) {
   stores_.Open(arguments.stores, mode, Told_On(terminal, "Bringing the store up to date"));
   folders_ = List_Folders(*stores_.Name_Space(), stores_.Files());
   events_.due = [this] { Events_Due(); };
