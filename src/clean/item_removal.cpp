@@ -169,9 +169,9 @@ std::int32_t Item_Removal::Deleted_Items_Count(int folder) {
 bool Item_Removal::Was_Only_Moved(int folder, const ItemData& removed, std::int32_t count_before) {
   const int wastebasket = records_[folder].DeletedItemsIndex;
   if (wastebasket == 0 || wastebasket == folder) return false;
-  const std::string store_id = records_[folder].Folder->StoreID();
   bool is_there = false;
   errors_.Try([&] {
+    const std::string store_id = records_[folder].Folder->StoreID();
     try {
       session_.name_space->GetItemFromID(removed.EntryID, store_id);
       is_there = true;
