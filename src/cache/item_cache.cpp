@@ -324,7 +324,8 @@ bool Item_Cache::Has_Row(int folder) {
   reading->rows.clear();
   reading->next = 0;
   try {
-    reading->rows = reading->table->GetArray(batch);
+    // A file is read the faster the more it is asked for at once; another program should not be held up long.
+    reading->rows = reading->table->GetArray(session_.Asking_Costs_Calls() ? batch : rows_between_looks);
   } catch (const Automation_Error& error) {
     if (error.Number() == automation_error::unavailable) throw;
   }
