@@ -56,6 +56,7 @@ class No_Folder : public MAPIFolder {
   std::string Name() override { return "Folder"; }
   Folders_Ptr Folders() override { return nullptr; }
   Items_Ptr Items() override { return std::make_shared<No_Items>(); }
+  Table_Ptr GetTable() override { return nullptr; }
   Store_Ptr Store() override { return nullptr; }
 
  private:

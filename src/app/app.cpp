@@ -29,6 +29,7 @@ std::optional<std::string> Window_Message_Box::Ask_Directory(const std::string& 
 
 App::App(MainWindow& w, const Surroundings& s)
     : window(w),
+      automation(s.automation),
       log(s.log),
       events(s.events),
       clock(s.clock),
@@ -47,9 +48,14 @@ App::App(MainWindow& w, const Surroundings& s)
   Wire();
 }
 
+App::~App() {
+  automation.Ask_When_Busy({});
+}
+
 // Every event is joined to its procedure here.
 void App::Wire() {
   errors.End_Without_Store = [this] { End_Without_Store(); };
+  automation.Ask_When_Busy([this] { return Go_On_Though_Busy(); });
   phase.changed = [this] {
     enabling.Follow_Phase();
     if (phase.Is_Run() && !phase.Processing()) taking_back.Cancel();
@@ -156,6 +162,13 @@ bool App::Build_Interface() {
   folder_tree.Build_Folder_Tree();
   if (!window.frmRemoveItems.Loaded()) return false;
   if (window.trvFolders.Count() < 2) {
+    // A refresh that finds Outlook busy or closed leaves the window, for another one.
+    if (errors.Store_Gone() && window.frmRemoveItems.Visible()) {
+      window.trvFolders.Set_Visible(true);
+      window.frmMessageBox.Hide();
+      folder_tree.Set_Folder_Label(0);
+      return false;
+    }
     if (!errors.Store_Gone()) message_box.Show("No folders were loaded.", Buttons::OK_Only, Icon::Critical);
     Form_Unload();
     return false;
@@ -179,6 +192,13 @@ void App::mnuQuit_Click() {
     if (message_box.Show("Quit Tidyfold?", Buttons::Yes_No, Icon::None, "Tidyfold") == Answer::Yes)
       Form_Unload();
   });
+}
+
+bool App::Go_On_Though_Busy() {
+  return message_box.Show(
+             "Outlook is busy, or waits for an answer in one of its windows.\r\n\r\nLook there, and then try "
+             "again. Stop ends what is under way here; nothing is closed.",
+             Buttons::Retry_Stop) == Answer::Retry;
 }
 
 // Loops that are under way further out see it and unwind.

@@ -53,6 +53,9 @@ class Window_Message_Box : public Message_Box {
 // through the interfaces that App itself implements.
 struct App : private Interface_Loader {
   App(MainWindow& w, const Surroundings& surroundings);
+  App(const App&) = delete;
+  App& operator=(const App&) = delete;
+  ~App() override;
 
   // Start-up: reaches Outlook, lays the window out, builds the tree and loads the items. Returns when
   // everything is loaded or the window was closed meanwhile (window.frmRemoveItems.Loaded() then is false).
@@ -64,6 +67,7 @@ struct App : private Interface_Loader {
   void Tell_Killed_Runs();
 
   MainWindow& window;
+  Automation& automation;
   Run_Log& log;
   Events& events;
   Clock& clock;
@@ -77,7 +81,7 @@ struct App : private Interface_Loader {
   Outlook_Session session;
   Protected_Folders protection;
   Folder_Tree folder_tree{window, records, protection, session, message_box, events, errors};
-  Deleted_Items_Folders deleted_items{window, records, folder_tree, errors};
+  Deleted_Items_Folders deleted_items{window, records, session, folder_tree, errors};
   Planner planner{window, records, filter, errors};
   Control_Enabling enabling{window, protection, phase, errors};
   Grid_Columns columns{window, records, errors};
@@ -110,6 +114,7 @@ struct App : private Interface_Loader {
  private:
   void Wire();
   void End_Without_Store();
+  bool Go_On_Though_Busy();
   void Form_Unload();
   void mnuQuit_Click();
   bool Build_Interface();

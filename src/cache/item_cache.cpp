@@ -15,6 +15,8 @@ namespace tidyfold {
 namespace {
 
 constexpr std::int32_t batch = 100;
+// A look whether something has moved takes three calls, a batch of rows one.
+constexpr std::int32_t rows_between_looks = 5 * batch;
 // Characters of its text that stand in the grid for an item that has no sender.
 constexpr std::size_t text_characters = 20;
 // A folder that changes faster than it can be read is not read for ever.
@@ -58,7 +60,8 @@ void Item_Cache::Cache_Folder_Items() {
     StopCaching = InterruptCaching = errors_.Store_Gone();
     item_failure_reported_ = folder_failure_reported_ = false;
     for (int index = 1; index <= records_.Upper_Bound(); ++index) records_[index].LoadError = false;
-    Create_Companion();
+    mapi_utils_.reset();
+    companion_created_ = false;
     items_to_read_ = 0;
     for (int index = 1; index <= records_.Upper_Bound() && !StopCaching; ++index) {
       // What cannot be counted is reported when its folder's turn comes.
@@ -83,13 +86,17 @@ void Item_Cache::Cache_Folder_Items() {
     window_.sbStatusBar.Set_Gauge(0, 0);
     view_.Display_Selected_Items_Total();
     mapi_utils_.reset();
+    companion_created_ = false;
   });
 }
 
-// Mail is shown without its sender where the companion is missing, or Outlook does not let it look.
-void Item_Cache::Create_Companion() {
-  mapi_utils_.reset();
-  if (!errors_.Try([&] { mapi_utils_ = session_.Create_Mapi_Utils(); })) Say_That_Senders_Are_Missing();
+// Only where mail is read item by item. It is shown without its sender where the companion is missing, or
+// Outlook does not let it look.
+Mapi_Utils* Item_Cache::Companion() {
+  if (!std::exchange(companion_created_, true) &&
+      !errors_.Try([&] { mapi_utils_ = session_.Create_Mapi_Utils(); }))
+    Say_That_Senders_Are_Missing();
+  return mapi_utils_.get();
 }
 
 // A person who can do nothing about it should not be told each time.
@@ -205,14 +212,21 @@ bool Item_Cache::Cache_Selected_Folder(int folder) {
 // Three things may happen on the way. A handler that runs in a yield, or in the box that reports a failure,
 // may reset or remove the folder (Is_Touched); the person may turn to another folder or stop the loading
 // (`stop`); and another program may add or take away items, so that positions shift. To ask about the last
-// after every item would cost a call each. It is asked after every batch and wherever reading stops:
-// `checked` is the last item known to stand where it was read, and what was read behind it is forgotten and
-// read again when something moved. `reads_left` ends the reading of a folder that never stands still.
+// after every item would cost a call each. It is asked after every batch (of rows, after some) and wherever
+// reading stops: `checked` is the last item known to stand where it was read, and what was read behind it is
+// forgotten and read again when something moved; of rows, all. `reads_left` ends the reading of a folder that
+// never stands still.
 bool Item_Cache::Read_Items(Items& items, const std::string& name, int folder) {
-  Extent extent = Extent_Of(items);
-  Keep_What_Has_Its_Place(items, folder, extent.count);
+  Folder_Extent extent;
+  std::int32_t checked = 0;
+  const auto begin = [&] {
+    extent = Extent_Of(items);
+    Begin_Reading(items, folder, extent);
+    checked = records_[folder].CachedCount;
+  };
+  begin();
   resets_ = records_[folder].Resets;
-  std::int32_t end = extent.count, checked = records_[folder].CachedCount;
+  std::int32_t end = extent.count;
   std::int64_t reads_left = std::int64_t{most_readings} * (end + batch);
   while (records_[folder].CachedCount < end) {
     if (--reads_left < 0) {
@@ -225,7 +239,22 @@ bool Item_Cache::Read_Items(Items& items, const std::string& name, int folder) {
       records_[folder].ItemCache.resize(static_cast<std::size_t>(i));
       folder_tree_.Set_Node_Text(folder);
     }
-    const bool read = Cache_Current_Item(items, i, folder);
+    const bool by_table = By_Table(folder), there = !by_table || Has_Row(folder);
+    if (!there && !Is_Touched(folder, i - 1)) {
+      // The table has failed, or it ends before the folder does: not all that the folder holds is in it.
+      const bool refused = Nothing_Moved(items, folder, checked, extent);
+      Keep(folder, 0);
+      records_[folder].Reading = refused ? std::make_shared<Table_Reading>() : nullptr;
+      begin();
+      end = std::min(end, extent.count);
+      continue;
+    }
+    bool read = there;
+    if (!by_table) {
+      read = Cache_Current_Item(items, i, folder);
+    } else if (!Is_Touched(folder, i - 1)) {
+      Take_Row(i, folder);
+    }
     // The report of a failure and every yield let handlers run, and they may have done something to the
     // folder.
     if (Is_Touched(folder, i - 1)) return Leave_Touched(folder, i - 1 - checked);
@@ -233,17 +262,17 @@ bool Item_Cache::Read_Items(Items& items, const std::string& name, int folder) {
     if (read) events_.Do_Events();
     if (Is_Touched(folder, i)) return Leave_Touched(folder, i - checked);
     const bool stop = InterruptCaching || (read && Another_Folder_Is_Wanted());
-    if (stop || !read || i == end || i % batch == 0) {
+    if (stop || !read || i == end || i % (by_table ? rows_between_looks : batch) == 0) {
       if (!Nothing_Moved(items, folder, checked, extent)) {
-        Keep(folder, checked);
+        Keep(folder, by_table ? 0 : checked);
+        if (by_table) records_[folder].Reading.reset();
         if (stop) return false;
-        extent = Extent_Of(items);
-        Keep_What_Has_Its_Place(items, folder, extent.count);
-        checked = records_[folder].CachedCount;
+        begin();
         end = std::min(end, extent.count);
         continue;
       }
       checked = i;
+      if (by_table) records_[folder].Reading->extent = extent;
     }
     if (stop) return false;
     if (i % batch == 0) {
@@ -255,6 +284,70 @@ bool Item_Cache::Read_Items(Items& items, const std::string& name, int folder) {
   return true;
 }
 
+bool Item_Cache::By_Table(int folder) const {
+  const std::shared_ptr<Table_Reading>& reading = records_[folder].Reading;
+  return reading != nullptr && reading->table != nullptr;
+}
+
+// Goes on with the table where reading rested, or opens it; where the store refuses it, with the items.
+void Item_Cache::Begin_Reading(Items& items, int folder, const Folder_Extent& extent) {
+  if (By_Table(folder) && Goes_On(items, folder, extent)) return;
+  if (By_Table(folder) || records_[folder].Reading == nullptr) Open_Table(folder);
+  if (!By_Table(folder)) return Keep_What_Has_Its_Place(items, folder, extent.count);
+  Keep(folder, 0);
+  records_[folder].Reading->extent = extent;
+}
+
+bool Item_Cache::Goes_On(Items& items, int folder, const Folder_Extent& extent) {
+  Folder_Extent& known = records_[folder].Reading->extent;
+  const bool same = known == extent || (known.count > 0 && known.count < extent.count &&
+                                        Id_At(items, known.count) == known.last_id);
+  if (same) known = extent;
+  return same;
+}
+
+void Item_Cache::Open_Table(int folder) {
+  const auto reading = std::make_shared<Table_Reading>();
+  const MAPIFolder_Ptr object = records_[folder].Folder;
+  try {
+    reading->table = object->GetTable();
+  } catch (const Automation_Error& error) {
+    if (error.Number() == automation_error::unavailable) throw;
+  }
+  records_[folder].Reading = reading;
+}
+
+// Sees to it that the next row is there. False where the table has none, or fails.
+bool Item_Cache::Has_Row(int folder) {
+  const std::shared_ptr<Table_Reading> reading = records_[folder].Reading;
+  if (reading->next < reading->rows.size()) return true;
+  reading->rows.clear();
+  reading->next = 0;
+  try {
+    // A file is read the faster the more it is asked for at once; another program should not be held up long.
+    reading->rows = reading->table->GetArray(session_.Asking_Costs_Calls() ? batch : rows_between_looks);
+  } catch (const Automation_Error& error) {
+    if (error.Number() == automation_error::unavailable) throw;
+  }
+  return !reading->rows.empty();
+}
+
+void Item_Cache::Take_Row(std::int32_t item, int folder) {
+  Table_Reading& reading = *records_[folder].Reading;
+  Table_Row& row = reading.rows[reading.next++];
+  ItemData& data = records_[folder].Cached(item);
+  const bool mail = row.Class == item_class::mail;
+  data.ItemClass = row.Class;
+  data.ItemDate = Get_Row_Date(row);
+  data.Unread = row.UnRead;
+  data.Flagged = mail && row.FlagStatus == flag_status::marked;
+  data.Size = row.Size;
+  if (!mail) row.SenderOrText.resize(First_Characters(row.SenderOrText, text_characters).size());
+  data.SenderOrText = std::move(row.SenderOrText);
+  data.Subject = std::move(row.Subject);
+  data.EntryID = std::move(row.EntryID);
+}
+
 // A handler has changed what is known of the folder.
 bool Item_Cache::Is_Touched(int folder, std::int32_t item) {
   const FolderData& record = records_[folder];
@@ -263,6 +356,7 @@ bool Item_Cache::Is_Touched(int folder, std::int32_t item) {
 
 // Whatever the handler did, items that have not been looked at again can only be the last that are left.
 bool Item_Cache::Leave_Touched(int folder, std::int32_t unchecked) {
+  if (By_Table(folder)) records_[folder].Reading.reset();
   if (records_[folder].Folder != nullptr) Keep(folder, std::max(0, records_[folder].CachedCount - unchecked));
   return false;
 }
@@ -281,15 +375,17 @@ std::string Item_Cache::Id_At(Items& items, std::int32_t item) {
   return id;
 }
 
-Item_Cache::Extent Item_Cache::Extent_Of(Items& items) {
+Folder_Extent Item_Cache::Extent_Of(Items& items) {
   const std::int32_t count = items.Count();
   return {count, count > 0 ? Id_At(items, count) : std::string()};
 }
 
 // Whether what was read behind `checked` stands where it was read, and each item once. Whatever comes or goes
 // in front of the last item read or of the folder's last item moves one of these two, unless as many come as
-// go; then what was read twice tells it. Items added behind all others move nothing.
-bool Item_Cache::Nothing_Moved(Items& items, int folder, std::int32_t checked, Extent& extent) {
+// go; then what was read twice tells it. Items added behind all others move nothing. The place of a row is no
+// place in the folder.
+bool Item_Cache::Nothing_Moved(Items& items, int folder, std::int32_t checked, Folder_Extent& extent) {
+  const bool by_table = By_Table(folder);
   std::vector<std::size_t> ids;  // that two should look alike costs no more than reading once again
   std::int32_t last = 0;
   for (std::int32_t item = std::max(1, checked - batch); item <= records_[folder].CachedCount; ++item) {
@@ -300,17 +396,18 @@ bool Item_Cache::Nothing_Moved(Items& items, int folder, std::int32_t checked, E
   }
   std::sort(ids.begin(), ids.end());
   if (std::adjacent_find(ids.begin(), ids.end()) != ids.end()) return false;
-  if (last > 0 && Id_At(items, last) != records_[folder].Cached(last).EntryID) return false;
+  if (last > 0 && !by_table && Id_At(items, last) != records_[folder].Cached(last).EntryID) return false;
   bool same = false;
   errors_.Try([&] {
     const std::int32_t count = items.Count();
     if (count < extent.count) return;
-    const std::string last_id =
-        last == extent.count ? records_[folder].Cached(last).EntryID : Id_At(items, extent.count);
+    const std::string last_id = last == extent.count && !by_table ? records_[folder].Cached(last).EntryID
+                                                                  : Id_At(items, extent.count);
     same = last_id == extent.last_id;
     if (same && count > extent.count) extent = Extent_Of(items);
   });
-  return same;
+  // A row too many stands for an item that came while another one went.
+  return same && !(by_table && records_[folder].CachedCount == extent.count && Has_Row(folder));
 }
 
 // Whether a cached item still stands where it was read; 0 stands for the folder's beginning.
@@ -345,6 +442,7 @@ void Item_Cache::Finish_Folder(int folder) {
   FolderData& record = records_[folder];
   record.ItemCache.resize(static_cast<std::size_t>(record.CachedCount));
   record.Loaded = true;
+  record.Reading.reset();
   tree_.Set_Fore_Colour(folder, loaded_colour);
   if (record.CachedCount == 0) return;
   const No_Redraw no_redraw(window_.grdItems);
@@ -365,7 +463,7 @@ void Item_Cache::Read(Item& object, ItemData& data) {
   data.Size = object.Size();
   if (data.ItemClass != item_class::mail) {
     data.SenderOrText = object.Body(text_characters);
-  } else if (mapi_utils_ != nullptr && !errors_.Try([&] {
+  } else if (Companion() != nullptr && !errors_.Try([&] {
                const std::shared_ptr<Mapi_Object> mapi_object = object.MAPIOBJECT();
                data.SenderOrText = mapi_utils_->HrGetOneProp(*mapi_object, sender_name_tag);
              })) {

@@ -1,4 +1,5 @@
 // Reads every item of every folder once into memory, in the user-interface thread, yielding after every item.
+// A folder is read through its table, a hundred rows a call; where the store has none, item by item.
 #pragma once
 
 #include <string>
@@ -51,21 +52,22 @@ class Item_Cache {
   bool Load_Next_Folders();
   template <class Work>
   bool Attempt(int folder, Work&& work);
-  void Create_Companion();
+  Mapi_Utils* Companion();
   void Say_That_Senders_Are_Missing();
   bool Read_Items(Items& items, const std::string& name, int folder);
+  void Open_Table(int folder);
+  bool Has_Row(int folder);
+  void Take_Row(std::int32_t item, int folder);
+  bool By_Table(int folder) const;
   void Read(Item& object, ItemData& data);
   bool Is_Touched(int folder, std::int32_t item);
   bool Leave_Touched(int folder, std::int32_t unchecked);
   bool Another_Folder_Is_Wanted();
-  // Tells, without a look at them all, that among a folder's items some have come or gone.
-  struct Extent {
-    std::int32_t count = 0;
-    std::string last_id;
-  };
   std::string Id_At(Items& items, std::int32_t item);
-  Extent Extent_Of(Items& items);
-  bool Nothing_Moved(Items& items, int folder, std::int32_t checked, Extent& extent);
+  Folder_Extent Extent_Of(Items& items);
+  bool Nothing_Moved(Items& items, int folder, std::int32_t checked, Folder_Extent& extent);
+  bool Goes_On(Items& items, int folder, const Folder_Extent& extent);
+  void Begin_Reading(Items& items, int folder, const Folder_Extent& extent);
   bool Has_Its_Place(Items& items, int folder, std::int32_t item);
   void Keep_What_Has_Its_Place(Items& items, int folder, std::int32_t count);
   void Keep(int folder, std::int32_t kept);
@@ -88,6 +90,7 @@ class Item_Cache {
   bool running_ = false;
   bool item_failure_reported_ = false;
   bool folder_failure_reported_ = false;
+  bool companion_created_ = false;  // or tried to be, in this loading run
   bool missing_senders_told_ = false;
 };
 

@@ -183,9 +183,14 @@ std::string Cleaning_Run::Summary() const {
   if (run_.ProcessedCount == 0) return "No items were processed.";
   const std::string copy = run_.Copy.empty() ? "" : "\r\n\r\nA copy is in \"" + run_.Copy + "\".";
   const bool for_good = plan_.options.permanent || plan_.options.Takes_Everything();
-  const std::string ending = for_good ? "deleted." : "moved to the \"Deleted Items\" folder.";
-  if (run_.ProcessedCount == 1) return "1 item was " + ending + copy;
-  return " " + std::to_string(run_.ProcessedCount) + " items were " + ending + copy;
+  const auto sentence = [](std::int32_t count, bool deleted) {
+    const std::string ending = deleted ? "deleted." : "moved to the \"Deleted Items\" folder.";
+    return count == 1 ? "1 item was " + ending : " " + std::to_string(count) + " items were " + ending;
+  };
+  const std::int32_t moved = run_.MovedInstead, as_asked = run_.ProcessedCount - moved;
+  if (moved == 0) return sentence(as_asked, for_good) + copy;
+  return (as_asked == 0 ? "" : sentence(as_asked, for_good) + "\r\n") + sentence(moved, false) +
+         "\r\n\r\nTheir store only moves what Turbo removes." + copy;
 }
 
 void Cleaning_Run::Process_Each_Node(int node, int depth) {

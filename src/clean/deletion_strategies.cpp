@@ -138,11 +138,16 @@ void Deletion_Strategies::Delete_All_Items(const Plan_Stop& stop) {
       data.ItemDate = Get_Item_Date(places.Current(), data.ItemClass);
       return data;
     };
+    // Some stores only move what is removed by its place; the first item that goes tells it.
+    bool told = false, moves = false;
+    std::int32_t in_deleted_items = 0;
+    errors_.Try([&] { in_deleted_items = removal_.Deleted_Items_Count(folder); });
     const auto remove = [&] {
       if (!places.Is_Still_There()) return;
       if (stop.exact && !planned.contains(places.EntryID())) return;
       removal_.Demand_Unprotected(folder);
-      const std::int64_t number = journal_.Note(folder, shown(), Item_Action::Deleted);
+      const ItemData data = shown();
+      std::int64_t number = journal_.Note(folder, data, moves ? Item_Action::Moved : Item_Action::Deleted);
       journal_.Before_Change(store_id);
       try {
         places.Remove();
@@ -150,10 +155,19 @@ void Deletion_Strategies::Delete_All_Items(const Plan_Stop& stop) {
         journal_.Set_Result(number, Item_Result::Failed, error.Description());
         throw;
       }
-      journal_.Pending(store_id, [this, folder, number](bool kept) {
+      if (!std::exchange(told, true)) {
+        moves = removal_.Was_Only_Moved(folder, data, in_deleted_items);
+        if (moves) {
+          records_[records_[folder].DeletedItemsIndex].Reload = true;
+          journal_.Set_Result(number, Item_Result::Failed, "Its store has only moved it to Deleted Items.");
+          number = journal_.Note(folder, data, Item_Action::Moved);
+        }
+      }
+      journal_.Pending(store_id, [this, folder, number, moved = moves](bool kept) {
         journal_.Set_Result(number, kept ? Item_Result::Done : Item_Result::Failed);
         if (!kept) return;
         ++run_.ProcessedCount;
+        if (moved) ++run_.MovedInstead;
         ++records_[folder].DeletedFromFolder;
       });
     };
@@ -273,7 +287,7 @@ void Deletion_Strategies::Delete_Filtered_Items_By_Row(const Clean_Plan& plan) {
         if (Delete_Cached_Item(at.row_data, *found->second, process_error, [mark] { mark(true); })) {
           worked_on.insert(at.row_data);
           mark(false);
-          folder_tree_.Set_Node_Text(at.row_data);
+          folder_tree_.Take_From_Count(at.row_data);
         }
         events_.Do_Events();
       }
@@ -313,7 +327,7 @@ void Deletion_Strategies::Delete_Selected_Folder(const Plan_Stop& stop) {
                                 name = folder->Name();
                                 parent = folder->Parent();
                                 if (parent == nullptr) refuse("A store's top folder cannot be deleted.");
-                                if (Is_Default_Folder_Name(name))
+                                if (records_[node].Role != 0 || Is_Default_Folder_Name(name))
                                   refuse("A default folder cannot be deleted.");
                                 removal_.Demand_Unprotected(node);
                               }) &&

@@ -25,7 +25,8 @@ bool Item_Removal::Is_Deleted_Items(int folder) {
   auto known = is_deleted_items_.find(folder);
   if (known == is_deleted_items_.end()) {
     const FolderData& record = records_[folder];
-    const bool is = record.DeletedItemsIndex == folder || record.Folder->Name() == deleted_items_name;
+    const bool is = record.DeletedItemsIndex == folder || record.Role == default_folder_deleted_items ||
+                    record.Folder->Name() == deleted_items_name;
     known = is_deleted_items_.emplace(folder, is).first;
   }
   return known->second;
@@ -41,7 +42,8 @@ void Item_Removal::Demand_Unprotected(int folder) {
 // Empty when the item is still what was shown. Where every question costs a call into another program, only
 // the two are asked that decide whether it may go at all.
 std::string Item_Removal::What_Has_Changed(int folder, Item& item, const ItemData& shown) {
-  if (item.Parent()->EntryID() != records_[folder].Folder->EntryID()) return "It lies in another folder now.";
+  if (!session_.Same_Folder(item.Parent()->EntryID(), records_[folder].Folder->EntryID()))
+    return "It lies in another folder now.";
   if (!shown.Unread && Check_Unread(item, errors_)) return "It has become unread.";
   if (session_.Asking_Costs_Calls()) return {};
   if (!shown.Flagged && Check_Flagged(item, shown.ItemClass, errors_))
@@ -95,7 +97,8 @@ bool Item_Removal::Delete_Current_Item(int folder, const ItemData& shown, Proces
   });
 }
 
-// An item that lies in Deleted Items would be gone for good, so without Permanent Delete it is left there.
+// An item that lies in Deleted Items would be gone for good, so without Permanent Delete it is left there. So
+// is one whose store has no such folder: nobody knows what becomes of it.
 void Item_Removal::Remove(int folder, Item& item, const ItemData& shown, std::int64_t number,
                           const std::function<void(bool left)>& settled, bool& left) {
   Demand_Unprotected(folder);
@@ -105,36 +108,93 @@ void Item_Removal::Remove(int folder, Item& item, const ItemData& shown, std::in
     throw Automation_Error(automation_error::no_access,
                            "Items in Deleted Items can only be deleted permanently.", application_title);
   }
+  // A folder of that name deeper in the tree is not where the store puts what it deletes.
+  const int wastebasket = records_[folder].DeletedItemsIndex;
+  const bool is_last_stop = already_in_deleted_items && (wastebasket == 0 || wastebasket == folder);
+  if (wastebasket == 0 && !options_.permanent) {
+    throw Automation_Error(automation_error::not_supported,
+                           "The store has no Deleted Items folder that it could be moved to. With Permanent "
+                           "Delete it is deleted for good.",
+                           application_title);
+  }
   journal_.Before_Change(store_id);
-  item.Delete();
+  // A store may give what it moves another identity, so that what was moved is known by what Move returns.
+  Item_Ptr moved;
+  if (is_last_stop || wastebasket == 0) {
+    item.Delete();
+  } else {
+    moved = item.Move(*records_[wastebasket].Folder);
+  }
   left = true;
   journal_.Pending(store_id, [this, settled, number](bool kept) {
     if (!kept) journal_.Set_Result(number, Item_Result::Failed, "The store could not keep the change.");
     settled(kept);
   });
-  // A folder of that name deeper in the tree is not where the store puts what it deletes.
-  const int wastebasket = records_[folder].DeletedItemsIndex;
-  const bool was_last_stop = already_in_deleted_items && (wastebasket == 0 || wastebasket == folder);
-  if (!was_last_stop) {
+  std::string new_id;
+  if (moved != nullptr) {
     // What only passes through leaves Deleted Items as it was.
-    const bool reload = wastebasket != 0 && std::exchange(records_[wastebasket].Reload, true);
+    const bool reload = std::exchange(records_[wastebasket].Reload, true);
     if (options_.permanent) {
       journal_.Before_Change(store_id);
-      session_.name_space->GetItemFromID(shown.EntryID, store_id)->Delete();
-      if (wastebasket != 0) records_[wastebasket].Reload = reload;
+      moved->Delete();
+      records_[wastebasket].Reload = reload;
+    } else if (!errors_.Try([&] { new_id = moved->EntryID(); }) || new_id == shown.EntryID) {
+      new_id.clear();
     }
+  } else if (!is_last_stop) {
+    Delete_What_Is_Left(shown.EntryID, store_id);
   }
-  Count_When_Kept(folder, store_id, number);
+  Count_When_Kept(folder, store_id, number, new_id);
+}
+
+// Where a store's wastebasket is not known, one may still have taken the item in.
+void Item_Removal::Delete_What_Is_Left(const std::string& entry_id, const std::string& store_id) {
+  Item_Ptr left;
+  try {
+    left = session_.name_space->GetItemFromID(entry_id, store_id);
+  } catch (const Automation_Error& error) {
+    if (error.Number() != automation_error::not_found) throw;
+    return;
+  }
+  journal_.Before_Change(store_id);
+  left->Delete();
+}
+
+std::int32_t Item_Removal::Deleted_Items_Count(int folder) {
+  const int wastebasket = records_[folder].DeletedItemsIndex;
+  return wastebasket == 0 || wastebasket == folder ? 0 : records_[wastebasket].Folder->Items()->Count();
+}
+
+// A store that gives it another identity shows it as the newest of its Deleted Items.
+bool Item_Removal::Was_Only_Moved(int folder, const ItemData& removed, std::int32_t count_before) {
+  const int wastebasket = records_[folder].DeletedItemsIndex;
+  if (wastebasket == 0 || wastebasket == folder) return false;
+  bool is_there = false;
+  errors_.Try([&] {
+    const std::string store_id = records_[folder].Folder->StoreID();
+    try {
+      session_.name_space->GetItemFromID(removed.EntryID, store_id);
+      is_there = true;
+    } catch (const Automation_Error& error) {
+      if (error.Number() != automation_error::not_found) throw;
+      const Items_Ptr items = records_[wastebasket].Folder->Items();
+      const std::int32_t count = items->Count();
+      is_there = count > count_before && items->Item(count)->Subject() == removed.Subject;
+    }
+  });
+  errors_.error.Clear();
+  return is_there;
 }
 
 // The second entry for the same item where it was moved and then deleted: if only the move is kept, the item
 // has left its folder and lies in Deleted Items, and does not count.
-void Item_Removal::Count_When_Kept(int folder, const std::string& store_id, std::int64_t number) {
-  journal_.Pending(store_id, [this, folder, number](bool kept) {
+void Item_Removal::Count_When_Kept(int folder, const std::string& store_id, std::int64_t number,
+                                   const std::string& new_id) {
+  journal_.Pending(store_id, [this, folder, number, new_id](bool kept) {
     if (kept) {
       ++run_.ProcessedCount;
       ++records_[folder].DeletedFromFolder;
-      journal_.Set_Result(number, Item_Result::Done);
+      journal_.Set_Result(number, Item_Result::Done, {}, new_id);
     } else {
       journal_.Set_Result(number, Item_Result::Failed, "The store could not keep the change.");
       const int wastebasket = records_[folder].DeletedItemsIndex;

@@ -39,6 +39,12 @@ class Item_Removal {
   // The last moment before something of a folder, or the folder itself, is removed. Throws Automation_Error
   // (no_access) for a protected one.
   void Demand_Unprotected(int folder);
+  // How many items lie in the Deleted Items folder where a folder's items would go; 0 where there is none.
+  // Throws Automation_Error.
+  std::int32_t Deleted_Items_Count(int folder);
+  // Whether an item that was removed from a folder for good has only moved to Deleted Items, which held so
+  // many before.
+  bool Was_Only_Moved(int folder, const ItemData& removed, std::int32_t count_before);
 
   // The failure that is the current error.
   void Failed(ProcessError& process_error, std::string_view process, std::string_view item);
@@ -47,7 +53,9 @@ class Item_Removal {
   std::string What_Has_Changed(int folder, Item& item, const ItemData& shown);
   void Remove(int folder, Item& item, const ItemData& shown, std::int64_t number,
               const std::function<void(bool left)>& settled, bool& left);
-  void Count_When_Kept(int folder, const std::string& store_id, std::int64_t number);
+  void Delete_What_Is_Left(const std::string& entry_id, const std::string& store_id);
+  void Count_When_Kept(int folder, const std::string& store_id, std::int64_t number,
+                       const std::string& new_id);
   bool Is_Deleted_Items(int folder);
 
   FolderData_Array& records_;

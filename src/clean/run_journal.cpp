@@ -73,8 +73,9 @@ std::int64_t Run_Journal::Note_Folder(int folder) {
   return log_.Note(logged);
 }
 
-void Run_Journal::Set_Result(std::int64_t number, Item_Result result, const std::string& reason) {
-  if (logging_) log_.Set_Result(number, result, {}, reason);
+void Run_Journal::Set_Result(std::int64_t number, Item_Result result, const std::string& reason,
+                             const std::string& new_entry_id) {
+  if (logging_) log_.Set_Result(number, result, new_entry_id, reason);
 }
 
 void Run_Journal::Note_Changed(int folder, const ItemData& item, Item_Action action,

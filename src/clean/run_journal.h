@@ -37,7 +37,9 @@ class Run_Journal {
   std::int64_t Note(int folder, const ItemData& item, Item_Action action);
   // A folder that is about to be removed.
   std::int64_t Note_Folder(int folder);
-  void Set_Result(std::int64_t number, Item_Result result, const std::string& reason = {});
+  // The new EntryID is that of an item which got another one when it was moved.
+  void Set_Result(std::int64_t number, Item_Result result, const std::string& reason = {},
+                  const std::string& new_entry_id = {});
   // An item that stays because it is not what was shown any more.
   void Note_Changed(int folder, const ItemData& item, Item_Action action, const std::string& reason);
 

@@ -15,6 +15,7 @@ struct Run_State {
   bool GroupLost = false;           // a store could not keep changes that had been made
   std::int32_t ProcessedCount = 0;  // items or folders removed, as far as the stores have kept it
   std::string Copy;                 // where the copy lies that was kept before it began; empty: none
+  std::int32_t MovedInstead = 0;    // of them, those that their store has only moved to Deleted Items
   std::string RunTrace;             // one line per node visited; kept for a person who debugs a run
   // Items that were kept because they are not what was shown any more: "folder: subject".
   std::vector<std::string> Changed;

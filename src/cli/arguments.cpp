@@ -258,9 +258,17 @@ void Understand(Arguments& arguments, const Raw& raw, const CLI::App& command) {
     Fail("--store names stores that exist; the new one is named after \"sample\". Leave --store out.");
   if (arguments.command == Command::Runs && !arguments.stores.empty())
     Fail("The log is the same for all stores. Leave --store out.");
+  constexpr Command for_outlook[] = {Command::Folders, Command::Items, Command::Clean, Command::Undo};
+  if (arguments.outlook && !arguments.stores.empty())
+    Fail("--outlook cannot be used with --store. Leave one of them out.");
+  if (arguments.outlook &&
+      std::find(std::begin(for_outlook), std::end(for_outlook), arguments.command) == std::end(for_outlook))
+    Fail("--outlook goes with folders, items, clean and undo only. Leave it out.");
+  if (arguments.outlook && arguments.backup)
+    Fail("--backup copies items of store files only, not of Outlook. Leave it out.");
   const bool needs_store =
       !makes_store && arguments.command != Command::Runs && arguments.command != Command::Undo;
-  if (needs_store && arguments.stores.empty())
+  if (needs_store && arguments.stores.empty() && !arguments.outlook)
     Fail("No store is named. Name it with --store FILE before the command.");
 }
 
@@ -279,6 +287,7 @@ Arguments Read_Arguments(std::vector<std::string> given) {
   app.require_subcommand(1);
   app.fallthrough();
   Add_List(app, "--store", raw.stores, "A store's file; repeat it for several stores")->type_name("STORE");
+  app.add_flag("--outlook", arguments.outlook, "What Outlook has open, on Windows");
   Add_Store_Commands(app, arguments, raw);
   Add_Item_Commands(app, arguments, raw);
   Add_Run_Commands(app, arguments, raw);

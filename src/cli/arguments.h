@@ -35,6 +35,7 @@ struct Options {
 struct Arguments {
   Command command = Command::Check;
   std::vector<std::filesystem::path> stores;
+  bool outlook = false;  // what Outlook has open, instead of files
   Form form = Form::Text;
 
   // runs, undo

@@ -19,8 +19,8 @@ class Clean_Command {
         terminal_(terminal),
         json_(arguments.form == Form::Json),
         answering_(Answering_For(arguments, terminal)),
-        session_(arguments.stores, arguments.dry_run ? Store_Mode::Read_Only : Store_Mode::Read_Write,
-                 terminal, answering_, json_, arguments.deleted_items_limit) {}
+        session_(arguments, arguments.dry_run ? Store_Mode::Read_Only : Store_Mode::Read_Write, terminal,
+                 answering_, json_) {}
 
   Exit_Status Run() {
     if (arguments_.save_plan) Check_New_File(*arguments_.save_plan);

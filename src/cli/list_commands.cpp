@@ -6,15 +6,14 @@
 namespace tidyfold::cli {
 
 Exit_Status Folders(const Arguments& arguments, Terminal& terminal) {
-  Session session(arguments.stores, Store_Mode::Read_Only, terminal, Answering::Decline, true);
+  Session session(arguments, Store_Mode::Read_Only, terminal, Answering::Decline, true);
   session.Load();
   List_Folders(session, terminal, arguments.form);
   return Exit_Status::Done;
 }
 
 Exit_Status Items(const Arguments& arguments, Terminal& terminal) {
-  Session session(arguments.stores, Store_Mode::Read_Only, terminal, Answering::Decline, true, std::nullopt,
-                  Protection::Ignored);
+  Session session(arguments, Store_Mode::Read_Only, terminal, Answering::Decline, true, Protection::Ignored);
   const std::vector<Store_Folder> folders = session.Find(arguments.folders);
   session.Load();
   Choice choice(session);

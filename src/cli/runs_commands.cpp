@@ -5,6 +5,7 @@
 #include "base/file_path.h"
 #include "base/system_clock.h"
 #include "cache/item_dates.h"
+#include "cli/chosen_stores.h"
 #include "cli/cli_events.h"
 #include "cli/commands.h"
 #include "cli/killed_runs.h"
@@ -139,6 +140,7 @@ class Undo_Command {
                    : terminal.Can_Ask() ? Answering::Ask
                                         : Answering::Decline),
         log_(Default_Run_Log_File()),
+        stores_(arguments),
         message_box_(terminal, answering_, json_) {
     errors_.Trap_Errors = true;
     events_.due = [this] { Events_Due(); };
@@ -149,7 +151,11 @@ class Undo_Command {
     Tell_Killed_Runs(log_, terminal_);
     const std::optional<Logged_Run> run =
         arguments_.run ? std::optional(Find_Run(log_, *arguments_.run)) : log_.Last_To_Take_Back();
-    if (run) outlook_.Open(arguments_.stores.empty() ? Places(*run) : arguments_.stores);
+    if (arguments_.outlook) {
+      stores_.Name_Space();
+    } else if (run) {
+      stores_.Open(arguments_.stores.empty() ? Places(*run) : arguments_.stores, Store_Mode::Read_Write);
+    }
     session_.Start_Outlook();
     const Taking_Back_Report report =
         taking_back_.Take_Back_Run(run ? std::optional(run->run) : std::nullopt);
@@ -170,13 +176,14 @@ class Undo_Command {
       if (!store.place.empty()) places.push_back(File_Path(store.place));
     if (places.empty()) {
       throw Failure(Exit_Status::Bad_Input,
-                    "The log does not tell where the stores of the run lie. Name them with --store.");
+                    "The log does not tell where the stores of the run lie. Name them with --store, or give "
+                    "--outlook.");
     }
     return places;
   }
 
   void Events_Due() {
-    outlook_.Commit_Pending();
+    stores_.Commit();
     if (terminal_.Interrupted()) taking_back_.Cancel();
     if (terminal_.Progress_Due()) {
       terminal_.Progress("Putting back  " + std::to_string(taking_back_.Looked_At()) + " of " +
@@ -223,15 +230,15 @@ class Undo_Command {
   bool json_;
   Answering answering_;
   Run_Log log_;
-  Embedded_Outlook outlook_;
+  Chosen_Stores stores_;
   Terminal_Message_Box message_box_;
   Cli_Events events_;
   System_Clock clock_;
   MainWindow window_;
   Error_Handler errors_{message_box_};
-  Outlook_Session session_{outlook_, window_, message_box_, errors_};
-  Taking_Back taking_back_{session_, outlook_.Groups(), log_,    &Get_Item_Date,
-                           clock_,   message_box_,      events_, errors_};
+  Outlook_Session session_{stores_.Source(), window_, message_box_, errors_};
+  Taking_Back taking_back_{
+      session_, stores_.Source().Groups(), log_, &Get_Item_Date, clock_, message_box_, events_, errors_};
 };
 
 }  // namespace

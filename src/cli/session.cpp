@@ -20,28 +20,33 @@ std::string Identity(MAPIFolder& folder) {
 
 }  // namespace
 
-Session::Session(const std::vector<std::filesystem::path>& stores, Store_Mode mode, Terminal& terminal,
-                 Answering answering, bool quiet, std::optional<std::int32_t> deleted_items_limit,
-                 Protection protection)
+Session::Session(const Arguments& arguments, Store_Mode mode, Terminal& terminal, Answering answering,
+                 bool quiet, Protection protection)
     : terminal_(terminal),
+      stores_(arguments),
       message_box_(terminal, answering, quiet),
       registry_(Make_System_Registry([&terminal](const std::string& text) { terminal.Write_Error(text); })),
-      limits_(stored_limits_, deleted_items_limit),
+      limits_(stored_limits_, arguments.deleted_items_limit),
       copies_([this](const std::string& store_id,
-                     const std::string& entry_id) { return outlook_.Read_Whole_Item(store_id, entry_id); },
+                     const std::string& entry_id) { return stores_.Read_Whole_Item(store_id, entry_id); },
               clock_),
-      app_(window_,
-           {outlook_, message_box_, events_, clock_, log_, limits_,
-            protection == Protection::Heeded ? static_cast<Folder_Protection&>(outlook_) : no_protection_,
-            nullptr, &copies_}) {
-  outlook_.Open(stores, mode, Told_On(terminal, "Bringing the store up to date"));
-  folders_ = List_Folders(outlook_);
+      stored_protection_(*registry_),
+      app_(window_, {stores_.Source(), message_box_, events_, clock_, log_, limits_, Marks(protection),
+                     nullptr, arguments.outlook ? nullptr : &copies_}) {
+  stores_.Open(arguments.stores, mode, Told_On(terminal, "Bringing the store up to date"));
+  folders_ = List_Folders(*stores_.Name_Space(), stores_.Files());
   events_.due = [this] { Events_Due(); };
   events_.urgent = [this] { return !interrupt_handled_ && terminal_.Interrupted(); };
 }
 
+Folder_Protection& Session::Marks(Protection protection) {
+  if (protection == Protection::Ignored) return no_protection_;
+  if (Folder_Protection* const in_files = stores_.Marks_In_Files()) return *in_files;
+  return stored_protection_;
+}
+
 void Session::Events_Due() {
-  outlook_.Commit_Pending();
+  stores_.Commit();
   if (terminal_.Interrupted() && !std::exchange(interrupt_handled_, true)) {
     if (loading_) {
       Raise(window_.frmRemoveItems.Close);
@@ -72,20 +77,21 @@ void Session::Load() {
     if (failure.empty() && (closed || message.icon == Icon::Critical)) failure = message.text;
   if (closed || !failure.empty()) {
     std::string files;
-    for (const auto& store : outlook_.Stores())
-      files += (files.empty() ? "\"" : ", \"") + store->Path().string() + "\"";
+    for (const std::string& file : stores_.Files()) files += (files.empty() ? "\"" : ", \"") + file + "\"";
+    const std::string advice = files.empty()
+                                   ? "Outlook; nothing was changed. Look there, and try again."
+                                   : files +
+                                         "; nothing was changed. Run the command \"check\" on it, and "
+                                         "restore what is damaged from a backup copy.";
     throw Failure(Exit_Status::Bad_Input,
-                  "Not everything could be read in " + files +
-                      "; nothing was changed. Run the command \"check\" on it, and restore what is damaged "
-                      "from a backup copy. What went wrong: " +
-                      failure);
+                  "Not everything could be read in " + advice + " What went wrong: " + failure);
   }
   for (int node = 1; node <= Records().Upper_Bound(); ++node)
     if (const MAPIFolder_Ptr& folder = Records()[node].Folder) nodes_.emplace(Identity(*folder), node);
 }
 
 void Session::Commit() {
-  outlook_.Commit_Pending();
+  stores_.Commit();
 }
 
 std::vector<Store_Folder> Session::Find(const std::vector<std::string>& paths) const {

@@ -10,6 +10,7 @@
 #include "base/system_clock.h"
 #include "clean/stored_limits.h"
 #include "cli/arguments.h"
+#include "cli/chosen_stores.h"
 #include "cli/cli_events.h"
 #include "cli/run_limits.h"
 #include "cli/store_folders.h"
@@ -18,7 +19,7 @@
 #include "controls/main_window.h"
 #include "export/store_copies.h"
 #include "outlook/folder_data.h"
-#include "stores/sqlite/embedded_outlook.h"
+#include "outlook/stored_protection.h"
 
 namespace tidyfold::cli {
 
@@ -35,10 +36,9 @@ class No_Protection : public Folder_Protection {
 
 class Session {
  public:
-  // Opens the stores and lists their folders. Throws Store_Open_Error. A limit of the Deleted Items folders
-  // stands for the stored ones as long as the session lasts.
-  Session(const std::vector<std::filesystem::path>& stores, Store_Mode mode, Terminal& terminal,
-          Answering answering, bool quiet, std::optional<std::int32_t> deleted_items_limit = std::nullopt,
+  // Opens the stores and lists their folders. Throws Store_Open_Error, Failure where Outlook cannot be
+  // reached. A limit of the Deleted Items folders stands for the stored ones as long as the session lasts.
+  Session(const Arguments& arguments, Store_Mode mode, Terminal& terminal, Answering answering, bool quiet,
           Protection protection = Protection::Heeded);
 
   // Builds the tree and reads every item, as the window does when it opens. Throws Failure if that was
@@ -55,8 +55,10 @@ class Session {
   int Node(const Store_Folder& folder) const;
   // The same by its identifiers; 0 if there is no such folder.
   int Find_Node(const std::string& store_id, const std::string& entry_id) const;
-  // The absolute path of an open store's file.
-  std::string Place_Of_Store(const std::string& store_id) const { return outlook_.Place_Of_Store(store_id); }
+  // The absolute path of an open store's file; empty in Outlook.
+  std::string Place_Of_Store(const std::string& store_id) const {
+    return stores_.Source().Place_Of_Store(store_id);
+  }
 
   MainWindow& Window() { return window_; }
   App& Program() { return app_; }
@@ -65,9 +67,10 @@ class Session {
 
  private:
   void Events_Due();
+  Folder_Protection& Marks(Protection protection);
 
   Terminal& terminal_;
-  Embedded_Outlook outlook_;
+  Chosen_Stores stores_;
   std::vector<Store_Folder> folders_;
   Terminal_Message_Box message_box_;
   Cli_Events events_;
@@ -78,6 +81,7 @@ class Session {
   Run_Limits limits_;
   Store_Copies copies_;
   No_Protection no_protection_;
+  Stored_Protection stored_protection_;  // of Outlook's folders
   MainWindow window_;
   App app_;
   std::unordered_map<std::string, int> nodes_;  // by the folder's identifiers

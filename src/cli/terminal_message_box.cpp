@@ -24,6 +24,8 @@ const char* Answer_Name(Answer answer) {
       return "OK";
     case Answer::Cancel:
       return "Cancel";
+    case Answer::Retry:
+      return "Retry";
     case Answer::Yes:
       return "Yes";
     case Answer::No:
@@ -42,6 +44,8 @@ std::vector<Answer> Answers(Buttons buttons) {
       return {Answer::Yes, Answer::No};
     case Buttons::Yes_No_Cancel:
       return {Answer::Yes, Answer::No, Answer::Cancel};
+    case Buttons::Retry_Stop:
+      return {Answer::Retry, Answer::Cancel};
   }
   return {};
 }
@@ -67,7 +71,9 @@ void Terminal_Message_Box::Agree_During(const std::function<void()>& work) {
 Answer Terminal_Message_Box::Choose(const std::string& text, Buttons buttons) {
   const bool agree = answering_ == Answering::Agree || answering_ == Answering::Rehearse;
   if (answering_ == Answering::Ask && buttons != Buttons::OK_Only) return Ask(text, buttons);
-  const Answer answer = agree ? Answers(buttons).front() : Safest_Answer(buttons);
+  // Nobody is there who could do what another attempt would wait for.
+  const bool goes_on = agree && buttons != Buttons::Retry_Stop;
+  const Answer answer = goes_on ? Answers(buttons).front() : Safest_Answer(buttons);
   if (!quiet_) {
     terminal_.Write(Printable(text) + "\n");
     if (buttons != Buttons::OK_Only) terminal_.Write(Buttons_Line(buttons) + Answer_Name(answer) + "\n");

@@ -52,9 +52,11 @@ std::wstring From_Code_Page(const char* text) {
 std::wstring Read_Text_Property(IUnknown& object, std::uint32_t property_tag) {
   const std::uint32_t type = PROP_TYPE(property_tag);
   if (type != PT_STRING8 && type != PT_UNICODE) com::Fail(MAPI_E_INVALID_TYPE);
-  Initialise_Mapi();
+  // Beside an Outlook of the other bitness the message offers no such interface here, and to load MAPI would
+  // make the system show a box.
   com::Ptr<IMAPIProp> properties;
   com::Check(object.QueryInterface(mapi_prop_interface, reinterpret_cast<void**>(properties.Receive())));
+  Initialise_Mapi();
 
   // Asks for both forms in one call.
   SizedSPropTagArray(2, tags) = {2, {CHANGE_PROP_TYPE(property_tag, PT_UNICODE), property_tag}};

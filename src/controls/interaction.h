@@ -8,9 +8,10 @@
 
 namespace tidyfold {
 
-enum class Buttons { OK_Only = 0, OK_Cancel = 1, Yes_No_Cancel = 3, Yes_No = 4 };
+// Of Retry_Stop the second counts as Cancel.
+enum class Buttons { OK_Only = 0, OK_Cancel = 1, Yes_No_Cancel = 3, Yes_No = 4, Retry_Stop = 5 };
 enum class Icon { None = 0, Critical = 16 };
-enum class Answer { OK = 1, Cancel = 2, Yes = 6, No = 7 };
+enum class Answer { OK = 1, Cancel = 2, Retry = 4, Yes = 6, No = 7 };
 
 // The answer that changes nothing: what a box that is closed without one counts as.
 Answer Safest_Answer(Buttons buttons);

@@ -27,6 +27,7 @@ class Any_Folder final : public MAPIFolder, public Folders {
   std::string Name() override { return {}; }
   Folders_Ptr Folders() override { return std::make_shared<Any_Folder>(); }
   Items_Ptr Items() override { Refuse(); }
+  Table_Ptr GetTable() override { Refuse(); }
   Store_Ptr Store() override { Refuse(); }
   std::int32_t Count() override { return 0; }
   MAPIFolder_Ptr Item(std::int32_t) override { Refuse(); }

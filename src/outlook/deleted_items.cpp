@@ -1,5 +1,7 @@
 #include "outlook/deleted_items.h"
 
+#include "outlook/folder_roles.h"
+
 namespace tidyfold {
 
 int Deleted_Items_Folders::First_Store_Node() const {
@@ -33,8 +35,9 @@ int Deleted_Items_Folders::Known_By_The_Store(int store_node) {
   int found = 0;
   errors_.Try([&] {
     if (top == nullptr) return;
-    const MAPIFolder_Ptr wastebasket = top->Store()->GetDefaultFolder(default_folder_deleted_items);
-    found = tree_.Find_Key(Folder_Tree::Key_Of(*wastebasket));
+    const MAPIFolder_Ptr wastebasket =
+        Find_Folder_With_Role(*session_.name_space, *top, default_folder_deleted_items);
+    if (wastebasket != nullptr) found = folder_tree_.Find_Node(*wastebasket);
   });
   errors_.error.Clear();
   return found;
@@ -53,7 +56,8 @@ bool Deleted_Items_Folders::Is_Deleted_Items_Folder(int node) {
     if (!tree_.Exists(node)) return false;
     const MAPIFolder_Ptr folder = records_[node].Folder;
     if (folder == nullptr) return false;
-    return records_[node].DeletedItemsIndex == node || folder->Name() == deleted_items_name;
+    return records_[node].DeletedItemsIndex == node || records_[node].Role == default_folder_deleted_items ||
+           folder->Name() == deleted_items_name;
   });
 }
 

@@ -8,11 +8,12 @@ namespace tidyfold {
 
 class Deleted_Items_Folders {
  public:
-  Deleted_Items_Folders(MainWindow& window, FolderData_Array& records, Folder_Tree& folder_tree,
-                        Error_Handler& errors)
+  Deleted_Items_Folders(MainWindow& window, FolderData_Array& records, Outlook_Session& session,
+                        Folder_Tree& folder_tree, Error_Handler& errors)
       : window_(window),
         tree_(window.trvFolders),
         records_(records),
+        session_(session),
         folder_tree_(folder_tree),
         errors_(errors) {}
 
@@ -35,6 +36,7 @@ class Deleted_Items_Folders {
   MainWindow& window_;
   TreeView& tree_;
   FolderData_Array& records_;
+  Outlook_Session& session_;
   Folder_Tree& folder_tree_;
   Error_Handler& errors_;
 };

@@ -9,7 +9,8 @@
 
 namespace tidyfold {
 
-// One item as it was read. Its place in the folder's cache, from 1, is its place in the folder's Items.
+// One item as it was read. Its place in the folder's cache, from 1, is its place in the folder's table or,
+// where that has the same order or is refused, in the folder's Items.
 struct ItemData {
   static constexpr std::int32_t deleted = -1;
 
@@ -52,10 +53,28 @@ struct Verdicts {
   Tally tally;                       // of those that pass
 };
 
+// Tells, without a look at them all, that among a folder's items some have come or gone.
+struct Folder_Extent {
+  std::int32_t count = 0;
+  std::string last_id;
+  bool operator==(const Folder_Extent&) const = default;
+};
+
+// A folder that is being read through its table, also while the reading rests. Rows that a batch has brought
+// and that have not been taken over yet wait here.
+struct Table_Reading {
+  Table_Ptr table;       // empty: the store has refused it, and the folder is read item by item
+  Folder_Extent extent;  // as it was when the rows taken over were last known to be the folder's
+  std::vector<Table_Row> rows;
+  std::size_t next = 0;  // of the rows
+};
+
 struct FolderData {
   std::int32_t DeletedFromFolder = 0;  // items that the run under way has removed
   MAPIFolder_Ptr Folder;               // empty for a node that stands for no real folder
   std::string FolderName;              // as it was when the node's caption was last made
+  std::int32_t ItemCount = 0;          // items in the folder itself, as it was then
+  std::int32_t Role = 0;               // which of its store's default folders it is; 0: none
   std::int32_t DeletedItemsIndex = 0;  // record of the same store's Deleted Items folder, 0 if none
   std::int32_t CachedCount = 0;        // leading elements of ItemCache that have been read
   std::int32_t RowCount = 0;           // leading elements of ItemCache that the grid has been given
@@ -67,7 +86,8 @@ struct FolderData {
   bool LoadError = false;    // reading it failed and was reported; left alone until the next loading run
   std::uint32_t Resets = 0;  // how often the record was reset; who reads the folder notices by it
   Verdicts Judged;
-  std::vector<ItemData> ItemCache;  // element 0 is item 1
+  std::vector<ItemData> ItemCache;         // element 0 is item 1
+  std::shared_ptr<Table_Reading> Reading;  // empty before reading has begun, and when it has ended
 
   // The cache's upper bound.
   std::int32_t Cache_Bound() const { return static_cast<std::int32_t>(ItemCache.size()); }

@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "outlook/folder_roles.h"
+
 namespace tidyfold {
 
 Folder_Tree::Folder_Tree(MainWindow& window, FolderData_Array& records, Protected_Folders& protection,
@@ -53,7 +55,7 @@ void Folder_Tree::Build_Folder_Tree() {
       errors_.Run("Build_Folder_Tree - Configure Root Node", [&] {
         records_[root].FolderName = top->Name();
         tree_.Set_Text(root, records_[root].FolderName);
-        records_[root].Loaded = Own_Item_Count(root) == 0;
+        records_[root].Loaded = Own_Item_Count(root, Counts::Asked) == 0;
       });
       std::string entry_id, store_id;
       errors_.Try([&] { entry_id = top->EntryID(), store_id = top->StoreID(); });
@@ -69,6 +71,7 @@ void Folder_Tree::Build_Folder_Tree() {
     if (records_[root].Loaded) tree_.Set_Fore_Colour(root, loaded_colour);
 
     Add_Children(*children, root, "Build_Folder_Tree - Process all sub-Folders");
+    Assign_Roles();
     for (int node = 1; node <= tree_.Upper_Bound() && !errors_.Store_Gone(); ++node) Set_Node_Text(node);
   });
 }
@@ -130,7 +133,7 @@ void Folder_Tree::Set_Start_Folder() {
   errors_.Run("Set_Start_Folder", [&] {
     const bool found = errors_.Try([&] {
       const MAPIFolder_Ptr inbox = session_.name_space->GetDefaultFolder(default_folder_inbox);
-      const int node = tree_.Find_Key(Key_Of(*inbox));
+      const int node = Find_Node(*inbox);
       if (node == 0) throw std::runtime_error("The Inbox is not in the folder tree.");
       tree_.Set_Selected_Item(node);
       tree_.Ensure_Visible(node);
@@ -145,9 +148,39 @@ bool Folder_Tree::Check_Default_Folder(const MAPIFolder_Ptr& folder) {
   // A folder that does not tell its name is kept from being deleted as well.
   bool is_default = folder != nullptr;
   errors_.Run("Check_Default_Folder", [&] {
-    if (folder != nullptr) is_default = Is_Default_Folder_Name(folder->Name());
+    if (folder == nullptr) return;
+    const int node = tree_.Find_Key(Key_Of(*folder));
+    is_default = (node != 0 && records_[node].Role != 0) || Is_Default_Folder_Name(folder->Name());
   });
   return is_default;
+}
+
+int Folder_Tree::Find_Node(MAPIFolder& folder) const {
+  const int node = tree_.Find_Key(Key_Of(folder));
+  if (node != 0) return node;
+  const std::string entry_id = folder.EntryID(), store_id = folder.StoreID();
+  for (int other = 1; other <= records_.Upper_Bound(); ++other) {
+    const MAPIFolder_Ptr& known = records_[other].Folder;
+    if (known != nullptr && known->StoreID() == store_id && session_.Same_Folder(known->EntryID(), entry_id))
+      return other;
+  }
+  return 0;
+}
+
+// A store that does not tell its folders' roles is told so by nobody: names protect what they can.
+void Folder_Tree::Assign_Roles() {
+  for (int store = TopLevelIsRoot ? tree_.Child(1) : 1; store != 0; store = tree_.Next(store)) {
+    const MAPIFolder_Ptr top = records_[store].Folder;
+    for (const std::int32_t role : folder_roles) {
+      if (top == nullptr || errors_.Store_Gone()) break;
+      errors_.Try([&] {
+        const MAPIFolder_Ptr folder = Find_Folder_With_Role(*session_.name_space, *top, role);
+        const int node = folder == nullptr ? 0 : Find_Node(*folder);
+        if (node != 0) records_[node].Role = role;
+      });
+    }
+  }
+  errors_.error.Clear();
 }
 
 std::string Folder_Tree::Key_Of(const std::string& entry_id, const std::string& store_id) {
@@ -168,39 +201,55 @@ void Folder_Tree::Set_Node_Text(int node) {
     const MAPIFolder_Ptr folder = records_[node].Folder;
     const std::string name = folder == nullptr ? "Outlook" : folder->Name();
     records_[node].FolderName = name;
-    bool bold = tree_.Checked(node);
-    std::int32_t count = 0;
-    if (tree_.Expanded(node)) {
-      count = Own_Item_Count(node);
-    } else {
-      // Marked folders that a collapsed node hides make it bold too.
-      count = Get_Folder_Item_Count(node, true);
-      bold = bold || count > 0;
-      if (!bold) count = Get_Folder_Item_Count(node, false);
-    }
-    // The report of a failure lets other handlers run.
-    if (!tree_.Exists(node)) return;
-    tree_.Set_Bold(node, bold);
-    tree_.Set_Text(node, name + " - (" + std::to_string(count) + ")");
+    Make_Caption(node, name, Counts::Asked);
   });
 }
 
-std::int32_t Folder_Tree::Own_Item_Count(int node) {
-  const MAPIFolder_Ptr folder = records_[node].Folder;
+void Folder_Tree::Take_From_Count(int node) {
+  if (!tree_.Exists(node)) return;
+  std::int32_t& count = records_[node].ItemCount;
+  count = std::max(0, count - 1);
+  Make_Caption(node, records_[node].FolderName, Counts::Known);
+}
+
+void Folder_Tree::Make_Caption(int node, const std::string& name, Counts counts) {
+  bool bold = tree_.Checked(node);
   std::int32_t count = 0;
-  if (folder != nullptr) {
-    // The captions of all folders above count this one too, and they are made again and again.
-    errors_.Report_First(count_failure_reported_, [&] { count = folder->Items()->Count(); });
+  if (tree_.Expanded(node)) {
+    count = Own_Item_Count(node, counts);
+  } else {
+    // Marked folders that a collapsed node hides make it bold too.
+    count = Branch_Count(node, true, counts);
+    bold = bold || count > 0;
+    if (!bold) count = Branch_Count(node, false, counts);
   }
+  // The report of a failure lets other handlers run.
+  if (!tree_.Exists(node)) return;
+  tree_.Set_Bold(node, bold);
+  tree_.Set_Text(node, name + " - (" + std::to_string(count) + ")");
+}
+
+std::int32_t Folder_Tree::Own_Item_Count(int node, Counts counts) {
+  const MAPIFolder_Ptr folder = records_[node].Folder;
+  if (folder == nullptr) return 0;
+  if (counts == Counts::Known) return records_[node].ItemCount;
+  std::int32_t count = 0;
+  // The captions of all folders above count this one too, and they are made again and again.
+  if (errors_.Report_First(count_failure_reported_, [&] { count = folder->Items()->Count(); }))
+    records_[node].ItemCount = count;
   return count;
 }
 
 std::int32_t Folder_Tree::Get_Folder_Item_Count(int node, bool only_marked) {
+  return Branch_Count(node, only_marked, Counts::Asked);
+}
+
+std::int32_t Folder_Tree::Branch_Count(int node, bool only_marked, Counts counts) {
   return errors_.Run("Get_Folder_Item_Count", [&] {
     if (!tree_.Exists(node)) return 0;
-    std::int32_t count = !only_marked || tree_.Checked(node) ? Own_Item_Count(node) : 0;
+    std::int32_t count = !only_marked || tree_.Checked(node) ? Own_Item_Count(node, counts) : 0;
     for (int child = tree_.Child(node); child != 0; child = tree_.Next(child))
-      count += Get_Folder_Item_Count(child, only_marked);
+      count += Branch_Count(child, only_marked, counts);
     return count;
   });
 }
@@ -221,6 +270,7 @@ void Folder_Tree::Reset_Folder_Node(int index) {
   record.Loaded = false;
   record.Reload = false;
   record.LoadError = false;
+  record.Reading.reset();
   record.Judged = {};
   ++record.Resets;
   record.ItemCache = {};
@@ -235,6 +285,7 @@ void Folder_Tree::Remove_Folder_Node(int node) {
       Reset_Folder_Node(gone);
       records_[gone].Folder.reset();
       protection_.Forget(gone);
+      records_[gone].Role = 0;
       records_[gone].Loaded = true;
     }
     // A store's wastebasket that went is nobody's wastebasket any more.

@@ -27,9 +27,12 @@ class Folder_Tree {
   void Add_Tree_Node(const MAPIFolder_Ptr& folder, int parent);
   // Selects the default Inbox; a message when there is none.
   void Set_Start_Folder();
-  // True for the ten names of default folders, wherever in the tree the folder stands, and for a folder that
-  // does not tell its name.
+  // True for a folder that has a role in its store, for the ten English names of default folders, wherever in
+  // the tree the folder stands, and for a folder that does not tell who it is.
   bool Check_Default_Folder(const MAPIFolder_Ptr& folder);
+  // The folder's node, also where the store has another text for its EntryID; 0 if it has none. Throws
+  // Automation_Error.
+  int Find_Node(MAPIFolder& folder) const;
   // The key of a folder's node. Throws Automation_Error.
   static std::string Key_Of(MAPIFolder& folder) { return Key_Of(folder.EntryID(), folder.StoreID()); }
   // A folder's number is its node's index, its record's number and the number in the node's tag alike; this
@@ -37,6 +40,8 @@ class Folder_Tree {
   int Get_Node_Index(int node) const;
   // Makes the caption, "name - (count)", and the boldness of a node.
   void Set_Node_Text(int node);
+  // An item has left the node's folder: the same, with what is known of names and counts and without a call.
+  void Take_From_Count(int node);
   // Items in the node's folder and in all below it; of the marked ones alone when only those are to count.
   std::int32_t Get_Folder_Item_Count(int node, bool only_marked);
   // Writes the current-folder label; 0 for no folder.
@@ -51,8 +56,14 @@ class Folder_Tree {
  private:
   static std::string Key_Of(const std::string& entry_id, const std::string& store_id);
   void Read_Protection(int node, const std::string& store_id, const std::string& entry_id);
+  // Whether counts are asked for or taken as they are known.
+  enum class Counts { Asked, Known };
+
   void Add_Children(Folders& children, int parent, Literal step);
-  std::int32_t Own_Item_Count(int node);
+  void Assign_Roles();
+  void Make_Caption(int node, const std::string& name, Counts counts);
+  std::int32_t Own_Item_Count(int node, Counts counts);
+  std::int32_t Branch_Count(int node, bool only_marked, Counts counts);
 
   MainWindow& window_;
   TreeView& tree_;

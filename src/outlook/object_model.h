@@ -8,9 +8,11 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <limits>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "base/dates.h"
 #include "outlook/change_groups.h"
@@ -22,11 +24,13 @@ class Folders;
 class Items;
 class Item;
 class Store;
+class Table;
 using MAPIFolder_Ptr = std::shared_ptr<MAPIFolder>;
 using Folders_Ptr = std::shared_ptr<Folders>;
 using Items_Ptr = std::shared_ptr<Items>;
 using Item_Ptr = std::shared_ptr<Item>;
 using Store_Ptr = std::shared_ptr<Store>;
+using Table_Ptr = std::shared_ptr<Table>;
 
 // OlObjectClass
 namespace item_class {
@@ -48,8 +52,11 @@ namespace item_type {
 inline constexpr std::int32_t mail = 0, appointment = 1, contact = 2, task = 3, journal = 4, note = 5;
 }
 
-// OlDefaultFolders
-inline constexpr std::int32_t default_folder_deleted_items = 3, default_folder_inbox = 6;
+// OlDefaultFolders: what a folder is to its store. Stores of other kinds answer to the same numbers, whatever
+// their folders are called.
+inline constexpr std::int32_t default_folder_deleted_items = 3, default_folder_outbox = 4,
+                              default_folder_sent = 5, default_folder_inbox = 6, default_folder_drafts = 16,
+                              default_folder_junk = 23;
 
 // PR_SENDER_NAME as an 8-bit string.
 inline constexpr std::uint32_t sender_name_tag = 0x0C1A001E;
@@ -96,6 +103,29 @@ class Item {
   virtual void Display() = 0;
 };
 
+// What a folder's table tells of an item. Dates are local time; no_date where there is none.
+struct Table_Row {
+  std::string EntryID;
+  std::int32_t Class = 0;
+  std::string Subject;
+  std::string SenderOrText;  // the sender's name of mail, at least the first 20 characters of all other texts
+  Date ReceivedTime = no_date, LastModificationTime = no_date, DateCompleted = no_date, DueDate = no_date,
+       End = no_date;
+  bool UnRead = false;
+  std::int32_t FlagStatus = flag_status::none;
+  std::int64_t Size = 0;  // bytes of the whole item
+};
+
+// A folder's items in rows, a batch at a time, without a call for each of them. A row tells who its item is;
+// its place in the table is no place in Items.
+class Table {
+ public:
+  virtual ~Table() = default;
+  // The next rows, no more than `most`; none at the end. What comes or goes meanwhile shifts no other row; an
+  // item that has come stands behind all others, also after the end was reached.
+  virtual std::vector<Table_Row> GetArray(std::int32_t most) = 0;
+};
+
 class Items {
  public:
   virtual ~Items() = default;
@@ -127,6 +157,9 @@ class MAPIFolder {
   virtual std::string Name() = 0;
   virtual Folders_Ptr Folders() = 0;
   virtual Items_Ptr Items() = 0;
+  // The items in rows, in the order of Items where the store can say so. Throws Automation_Error
+  // (not_supported) where the store has no table, or none with all that a row holds.
+  virtual Table_Ptr GetTable() = 0;
   // The information store that the folder lies in. Throws Automation_Error (not_supported) where stores are
   // no objects.
   virtual Store_Ptr Store() = 0;
@@ -148,6 +181,8 @@ class NameSpace {
   virtual Folders_Ptr Folders() = 0;
   virtual MAPIFolder_Ptr GetDefaultFolder(std::int32_t folder_type) = 0;
   virtual Item_Ptr GetItemFromID(const std::string& entry_id, const std::string& store_id) = 0;
+  // Whether two texts name the same entry of one store; a store may have several for it.
+  virtual bool CompareEntryIDs(const std::string& one, const std::string& other) { return one == other; }
 };
 
 class Application {
@@ -176,6 +211,12 @@ class Automation {
   virtual Change_Groups* Groups() { return nullptr; }
   // Whether each question about an item is a call into another program.
   virtual bool Asking_Costs_Calls() const { return false; }
+  // Where a call has been turned away for a long time, `go_on` is asked whether to try for longer. Otherwise
+  // such a call has failed as unavailable.
+  virtual void Ask_When_Busy(std::function<bool()> /*go_on*/) {}
+  // Why the program behind the stores could not be reached, in words for a person; empty where it was, or
+  // where there is nothing to say.
+  virtual std::string Why_Not_Reached() const { return {}; }
   // What opens a store again, a file for one; empty where nothing does.
   virtual std::string Place_Of_Store(const std::string& /*store_id*/) const { return {}; }
 };

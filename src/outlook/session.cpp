@@ -13,7 +13,9 @@ bool Outlook_Session::Start_Outlook() {
       errors_.Try_To_Reach([&] { application = automation_.CreateObject("Outlook.Application"); });
     }
     if (application == nullptr) {
-      message_box_.Show("Unable to initialize Outlook.  Please try again.");
+      const std::string why = automation_.Why_Not_Reached();
+      message_box_.Show("Unable to initialize Outlook.  Please try again." +
+                        (why.empty() ? "" : "\r\n\r\n" + why));
       return false;
     }
     errors_.Try_To_Reach([&] { name_space = application->GetNamespace("MAPI"); });

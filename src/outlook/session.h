@@ -24,6 +24,11 @@ class Outlook_Session {
   }
 
   bool Asking_Costs_Calls() const { return automation_.Asking_Costs_Calls(); }
+  // Whether two EntryIDs, both of one store, name the same folder. Only texts that differ cost a call. Throws
+  // Automation_Error.
+  bool Same_Folder(const std::string& one, const std::string& other) const {
+    return one == other || name_space->CompareEntryIDs(one, other);
+  }
 
   // Empty until Start_Outlook has succeeded.
   std::shared_ptr<Application> application;

@@ -97,7 +97,8 @@ Plan_Stop Planner::Make_Stop(const Clean_Plan& plan, int folder, bool all_below_
     stop.way = Way::Whole_Folder;
     const int parent = tree_.Parent(folder);
     const bool is_top = parent == 0 || records_[parent].Folder == nullptr;
-    stop.folder_goes = all_below_goes && !is_top && !Is_Default_Folder_Name(record.FolderName);
+    stop.folder_goes =
+        all_below_goes && !is_top && record.Role == 0 && !Is_Default_Folder_Name(record.FolderName);
     Count_All(stop, detail);
   } else {
     stop.way = record.Loaded ? Way::Cached : Way::Live;

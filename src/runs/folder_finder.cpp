@@ -2,6 +2,7 @@
 
 #include "errors/automation_error.h"
 #include "outlook/folder_path.h"
+#include "outlook/folder_roles.h"
 #include "outlook/folder_tree.h"
 
 namespace tidyfold {
@@ -26,18 +27,19 @@ MAPIFolder_Ptr Child_Named(MAPIFolder& parent, const std::string& name, std::int
 
 const std::string& Folder_Finder::Deleted_Items_Id() {
   if (!deleted_items_id_.empty()) return deleted_items_id_;
-  try {
-    deleted_items_id_ = top_->Store()->GetDefaultFolder(default_folder_deleted_items)->EntryID();
-  } catch (const Automation_Error& error) {
-    if (error.Number() != automation_error::not_supported) throw;
-    const MAPIFolder_Ptr by_name = Child_Named(*top_, deleted_items_name, item_type::mail);
-    if (by_name == nullptr) {
-      throw Automation_Error(automation_error::not_found, "The store has no \"Deleted Items\" folder.",
-                             application_title);
-    }
-    deleted_items_id_ = by_name->EntryID();
+  const MAPIFolder_Ptr folder = Find_Folder_With_Role(name_space_, *top_, default_folder_deleted_items);
+  if (folder == nullptr) {
+    throw Automation_Error(automation_error::not_found, "The store has no \"Deleted Items\" folder.",
+                           application_title);
   }
+  deleted_items_id_ = folder->EntryID();
   return deleted_items_id_;
+}
+
+// A store may have several texts for one folder.
+bool Folder_Finder::Is_Deleted_Items(const std::string& folder_id) {
+  const std::string& wastebasket = Deleted_Items_Id();
+  return folder_id == wastebasket || name_space_.CompareEntryIDs(folder_id, wastebasket);
 }
 
 void Folder_Finder::Look() {
@@ -53,7 +55,7 @@ void Folder_Finder::Look_Below(const MAPIFolder_Ptr& folder, const std::string& 
     const std::string id = child->EntryID();
     const std::string child_path = path + Escape_Folder_Name(child->Name());
     known_.emplace(id, Known_Folder{child, child_path, thrown_away});
-    Look_Below(child, child_path + "/", thrown_away || id == Deleted_Items_Id());
+    Look_Below(child, child_path + "/", thrown_away || Is_Deleted_Items(id));
   }
 }
 

@@ -16,10 +16,11 @@ class Folder_Finder {
   // The item type of a folder by its path, as far as the log knows it.
   using Item_Types = std::unordered_map<std::string, std::int32_t>;
 
-  Folder_Finder(MAPIFolder_Ptr top, const Item_Types& types) : top_(std::move(top)), types_(types) {}
+  Folder_Finder(NameSpace& name_space, MAPIFolder_Ptr top, const Item_Types& types)
+      : name_space_(name_space), top_(std::move(top)), types_(types) {}
 
-  // The store's "Deleted Items".
-  const std::string& Deleted_Items_Id();
+  // Whether this is the store's "Deleted Items".
+  bool Is_Deleted_Items(const std::string& folder_id);
   // By its identity, wherever it lies now; one that was thrown away itself counts as gone. Otherwise by its
   // path. What is missing on the way is made.
   MAPIFolder_Ptr Find_Or_Make(const Logged_Folder& folder);
@@ -28,6 +29,7 @@ class Folder_Finder {
   int Made() const { return made_; }
 
  private:
+  const std::string& Deleted_Items_Id();
   void Look();
   void Look_Below(const MAPIFolder_Ptr& folder, const std::string& path, bool thrown_away);
   MAPIFolder_Ptr Walk(const Logged_Folder& folder);
@@ -37,6 +39,7 @@ class Folder_Finder {
     std::string path;
     bool thrown_away;  // lies below "Deleted Items"
   };
+  NameSpace& name_space_;
   MAPIFolder_Ptr top_;
   const Item_Types& types_;
   std::string deleted_items_id_;

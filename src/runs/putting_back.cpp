@@ -52,7 +52,7 @@ Folder_Finder* Putting_Back::Finder(const std::string& store_id) {
   for (std::int32_t i = 1; i <= count && finder == nullptr; ++i) {
     MAPIFolder_Ptr top = tops->Item(i);
     if (top->StoreID() == store_id)
-      finder = std::make_unique<Folder_Finder>(std::move(top), types_[store_id]);
+      finder = std::make_unique<Folder_Finder>(name_space_, std::move(top), types_[store_id]);
   }
   return finder.get();
 }
@@ -86,7 +86,7 @@ bool Putting_Back::Put_Back(const Logged_Item& was, const Days& days) {
     const Item_Ptr item = name_space_.GetItemFromID(entry.entry_id, was.folder.store_id);
     const MAPIFolder_Ptr lies_in = item->Parent();
     const std::string lies_in_id = lies_in->EntryID();
-    if (lies_in_id != finder->Deleted_Items_Id()) {
+    if (!finder->Is_Deleted_Items(lies_in_id)) {
       if (lies_in_id != was.folder.entry_id) reason = "It lies in \"" + Path_Of_Folder(*lies_in) + "\" now.";
       return;
     }

@@ -10,10 +10,11 @@ TEST(Faults, A_Call_That_Fails_Costs_What_It_Was_About_And_No_More) {
   int met = 0;
   for (const Kind_Of_Run& way : ways)
     for (const std::string member :
-         {"NameSpace.GetItemFromID", "Items.Count", "Items.Item", "Items.Remove", "Folders.Count",
-          "Folders.Item", "Folders.Remove", "MAPIFolder.Name", "MAPIFolder.EntryID", "MAPIFolder.StoreID",
-          "MAPIFolder.Items", "MAPIFolder.Folders", "MAPIFolder.Parent", "Item.Subject", "Item.Class",
-          "Item.EntryID", "Item.ReceivedTime", "Item.Parent", "Item.Delete"})
+         {"NameSpace.GetItemFromID", "Items.Count",        "Items.Item",       "Items.Remove",
+          "Folders.Count",           "Folders.Item",       "Folders.Remove",   "MAPIFolder.Name",
+          "MAPIFolder.EntryID",      "MAPIFolder.StoreID", "MAPIFolder.Items", "MAPIFolder.Folders",
+          "MAPIFolder.Parent",       "Item.Subject",       "Item.Class",       "Item.EntryID",
+          "Item.ReceivedTime",       "Item.Parent",        "Item.Delete",      "Item.Move"})
       for (int number = 0, thrown = 1; thrown > 0 || number == 1; ++number) {  // 0: always
         SCOPED_TRACE(way.name + " " + member + std::to_string(number));
         Kind_Run f(way);

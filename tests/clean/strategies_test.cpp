@@ -2,6 +2,38 @@
 
 namespace tidyfold {
 
+// Where items change their identities on every move, folders have foreign names, there is no Deleted Items,
+// or Items.Remove only moves, no more goes than was chosen, and what is said is what was done.
+TEST(Strategies, Take_What_Was_Chosen_From_Stores_Of_Every_Behaviour) {
+  for (const std::string behaviour : behaviours)
+    for (const Kind_Of_Run& way : ways) {
+      SCOPED_TRACE(behaviour + ", " + way.name);
+      Kind_Run f(way);
+      f.outlook.Store(1).Behave(behaviour);
+      f.Run();
+      f.Expect_As_Foreseen_In(behaviour);
+      if (behaviour == "no Deleted Items") continue;
+      const bool moved = f.box.Count("items were moved") == 1;
+      EXPECT_EQ(f.app.taking_back.Take_Back_Run(std::nullopt).put_back, moved ? f.to_take : 0);
+      if (!moved) continue;
+      EXPECT_EQ(Kind_Run::Numbers(f.Everything()), Kind_Run::Numbers(f.before));
+    }
+}
+
+// No name is needed to know a folder by.
+TEST(Strategies, Default_Folders_Of_Any_Name_Are_Kept) {
+  Window_Fixture f("add Inbox/a");
+  f.outlook.Store(1).Behave("local names");
+  f.box.Answer_Anything();
+  f.app.Form_Load();
+  f.Do("tick Gelöschte Elemente");
+  EXPECT_FALSE(f.Checked("Gelöschte Elemente"));
+  EXPECT_EQ(f.box.Count("Cannot marked \"Deleted Items\" folder"), 1);
+  f.Do("set DeleteFolders; tick Entwürfe");
+  EXPECT_FALSE(f.Checked("Entwürfe"));
+  EXPECT_EQ(f.box.Count("Cannot mark a default folder"), 1);
+}
+
 TEST(Strategies, A_Deleted_Branch_Leaves_No_Node_Record_Row_Or_Label) {
   Window_Fixture f("add Old/Alpha/a; folder Old/Notes; load; set DeleteFolders; tick Old/Alpha; tick Old");
   const int alpha = f.Node("Old/Alpha");

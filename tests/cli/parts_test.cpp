@@ -57,7 +57,9 @@ class Interrupt : public Program_Test {};
 TEST_F(Interrupt, cancels_a_run_as_the_button_does) {
   Make_Sample();
   Terminal terminal;
-  Session session({store_}, Store_Mode::Read_Write, terminal, Answering::Agree, true);
+  Arguments arguments;
+  arguments.stores = {store_};
+  Session session(arguments, Store_Mode::Read_Write, terminal, Answering::Agree, true);
   session.Load();
   Choice(session).Mark(Find_Folder(session.Folders(), "Inbox"));
   std::raise(SIGINT);

@@ -4,8 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "doubles/surroundings.h"
 #include "stores/faulty/faulty_automation.h"
@@ -69,8 +71,8 @@ class Core_Window : public testing::Test, protected Test_Surroundings {
   }
   void Expect_Message(std::string text) { box.Expect(Exact(std::move(text)), Buttons::OK_Only, Answer::OK); }
   // One failure, wherever it comes from: the report and the stack behind it.
-  void Expect_Report(const std::string& part) {
-    box.Expect(part, Buttons::OK_Only, Answer::OK);
+  void Expect_Report(const std::string& part, std::function<void()> while_open = {}) {
+    box.Expect(part, Buttons::OK_Only, Answer::OK, std::move(while_open));
     box.Expect("", Buttons::OK_Only, Answer::OK);
   }
 

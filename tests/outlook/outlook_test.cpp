@@ -119,7 +119,7 @@ TEST_F(Tree, Captions_Count_What_A_Collapsed_Node_Hides) {
   }
 }
 
-TEST_F(Tree, Default_And_Deleted_Items_Folders_Go_By_Name_Alone) {
+TEST_F(Tree, Folders_With_The_Names_Of_Default_Ones_Are_Kept_As_Well) {
   const MAPIFolder_Ptr deeper = store.Add_Folder(*store.Folder({"Notes"}), "Deleted Items", 0);
   const MAPIFolder_Ptr lower_case = store.Add_Folder(*deeper, "inbox", 0);
   Build();
@@ -131,6 +131,24 @@ TEST_F(Tree, Default_And_Deleted_Items_Folders_Go_By_Name_Alone) {
   plan.Fail_Always("MAPIFolder.Name", fault);
   Expect_Report("Check_Default_Folder");
   EXPECT_TRUE(folder_tree.Check_Default_Folder(records[Node("inbox")].Folder)) << "the safe answer";
+}
+
+// A store that does not tell: the session's own folder, and else the name.
+TEST_F(Tree, Roles_Come_From_The_Store_The_Session_Or_The_Name) {
+  store.Behave("local names");
+  Memory_Store& other = outlook.Add_Store("Archiv");
+  other.Rename_Folder(*other.Folder({"Deleted Items"}), "Éléments supprimés");
+  plan.Fail_Always("MAPIFolder.Store", {automation_error::not_supported, "Too old.", "Test"});
+  Build();
+  for (const char* name : {"Gelöschte Elemente", "Éléments supprimés"}) {
+    EXPECT_EQ(Record(name).Role, default_folder_deleted_items) << name;
+    EXPECT_TRUE(deleted_items.Is_Deleted_Items_Folder(Node(name)));
+    EXPECT_EQ(records[tree.Parent(Node(name))].DeletedItemsIndex, Node(name));
+  }
+  plan.Forget_Faults();
+  Build();
+  EXPECT_EQ(Record("Éléments supprimés").Role, 0) << "this store says that it has none";
+  EXPECT_EQ(Record("Gelöschte Elemente").Role, default_folder_deleted_items);
 }
 
 // One call of each kind fails: one report, and all that does not hang on that call is in the tree.

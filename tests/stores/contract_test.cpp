@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <limits>
 #include <map>
 #include <set>
@@ -100,7 +101,48 @@ TEST_P(Store_Contract, Items_Of_Every_Class_Keep_Every_Property) {
     EXPECT_EQ(read->Parent()->EntryID(), folder->EntryID());
     EXPECT_EQ(utils->HrGetOneProp(*read->MAPIOBJECT(), sender_name_tag), "Zoë");
     EXPECT_EQ(utils->HrGetOneProp(*read->MAPIOBJECT(), 0x1234001E), "") << "an absent property";
+    const Table_Row row = Rows(Open(1, {1})).back();
+    EXPECT_EQ(row.EntryID, id);
+    EXPECT_EQ(row.Class, item_class);
+    EXPECT_EQ(row.Subject, item.subject);
+    EXPECT_EQ(row.SenderOrText, item_class == item_class::mail ? "Zoë" : "Text");
+    EXPECT_EQ(row.UnRead, item.unread);
+    EXPECT_EQ(row.FlagStatus, item.flagged ? flag_status::marked : flag_status::none);
+    EXPECT_EQ(row.Size, item.size);
+    EXPECT_EQ(row.ReceivedTime, item.received);
+    EXPECT_EQ(row.LastModificationTime, item.last_modified);
+    EXPECT_EQ(row.DateCompleted, item.completed);
+    EXPECT_EQ(row.DueDate, item.due);
+    EXPECT_EQ(row.End, item.end);
   }
+}
+
+// Three items go and three come while the table is read: what stays has one row, and what is new comes last.
+TEST_P(Store_Contract, A_Table_Gives_Each_Item_That_Stays_Once_And_In_Order) {
+  Add_Folder(1, "Deleted Items");
+  const auto inbox = Add_Folder(1, "Inbox");
+  std::vector<std::string> ids;
+  for (int number = 0; number < 300; ++number) ids.push_back(Add_Item(1, inbox, std::to_string(number)));
+  const auto folder = Open(1, {2});
+  const Table_Ptr table = folder->GetTable();
+  std::vector<Table_Row> rows = table->GetArray(100);
+  ASSERT_EQ(rows.size(), 100U);
+  for (const int gone : {250, 99, 5}) {
+    folder->Items()->Remove(gone + 1);
+    ids[static_cast<std::size_t>(gone)] = "";
+    ids.push_back(Add_Item(1, inbox, "new"));
+  }
+  for (std::vector<Table_Row> more = table->GetArray(7); !more.empty(); more = table->GetArray(90))
+    rows.insert(rows.end(), more.begin(), more.end());
+  ids.push_back(Add_Item(1, inbox, "late"));
+  for (const Table_Row& late : table->GetArray(90)) rows.push_back(late);
+  std::vector<std::string> given;
+  for (const Table_Row& row : rows)
+    if (std::find(ids.begin(), ids.end(), row.EntryID) != ids.end()) given.push_back(row.EntryID);
+  std::erase(ids, "");
+  EXPECT_EQ(given, ids);
+  EXPECT_LE(rows.size(), ids.size() + 3);
+  EXPECT_EQ(Rows(Open(1, {1})).size(), 0U) << "an empty folder";
 }
 
 // Only the Deleted Items on the store's top level receives items and removes them for good.
@@ -232,6 +274,7 @@ TEST_P(Store_Contract, A_Removed_Folder_Takes_All_Below_It_And_Nothing_Else) {
   const auto store = folder->StoreID();
   const auto folders = folder->Folders();
   const auto items = below->Items();
+  const auto table = below->GetTable();
   const auto item = items->Item(1);
   const auto message = item->MAPIOBJECT();
   folder->Parent()->Folders()->Remove(2);
@@ -247,6 +290,7 @@ TEST_P(Store_Contract, A_Removed_Folder_Takes_All_Below_It_And_Nothing_Else) {
       [&] { folders->Remove(1); },    [&] { folders->Add("x", 0); },
       [&] { below->Name(); },         [&] { items->Count(); },
       [&] { items->Item(1); },        [&] { items->Remove(1); },
+      [&] { table->GetArray(1); },    [&] { below->GetTable()->GetArray(1); },
       [&] { item->Subject(); },       [&] { item->Body(20); },
       [&] { item->Delete(); },        [&] { item->Move(*root); },
       [&] { item->Display(); },       [&] { message->String_Property(sender_name_tag); },
@@ -270,6 +314,9 @@ TEST_P(Store_Contract, Texts_Come_Back_As_They_Were) {
     EXPECT_EQ(folder->Name(), text);
     EXPECT_EQ(read->Subject(), text);
     EXPECT_EQ(read->Body(), text);
+    const Table_Row row = Rows(folder).at(0);
+    EXPECT_EQ(row.Subject, text);
+    EXPECT_EQ(row.SenderOrText, stores_->Sender_As_Kept(text));
     for (const std::size_t length : {1, 8, 11, 12, 99})
       EXPECT_EQ(read->Body(length), First_Characters(text, length));
     EXPECT_EQ(read->MAPIOBJECT()->String_Property(sender_name_tag), stores_->Sender_As_Kept(text));

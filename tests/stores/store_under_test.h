@@ -9,6 +9,7 @@
 #include <ostream>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "outlook/object_model.h"
 #include "outlook/store_writer.h"
@@ -24,7 +25,7 @@ class Store_Under_Test {
   virtual ~Store_Under_Test() = default;
   virtual Automation& Outlook() = 0;
   virtual Store_Writer& Writer(int number) = 0;  // 1 or 2, as in the session's Folders
-  // Whether Size returns the real size.
+  // Whether an item's own Size is the real one, as its row's is.
   virtual bool Tells_Sizes() const { return true; }
   // The sender's name as the store returns it.
   virtual std::string Sender_As_Kept(const std::string& sender) const { return sender; }
@@ -92,6 +93,14 @@ class Store_Contract : public testing::TestWithParam<Store_Kind> {
     for (std::int32_t index = 1; index <= items->Count(); ++index) {
       all += (all.empty() ? "" : " ") + items->Item(index)->Subject();
     }
+    return all;
+  }
+
+  static std::vector<Table_Row> Rows(const MAPIFolder_Ptr& folder) {
+    const Table_Ptr table = folder->GetTable();
+    std::vector<Table_Row> all;
+    for (auto rows = table->GetArray(100); !rows.empty(); rows = table->GetArray(100))
+      all.insert(all.end(), rows.begin(), rows.end());
     return all;
   }
 

@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """The window without a store file cleans Outlook: the test server, which a script fills and reads."""
 
+import json
 import pathlib
 import sys
 import tempfile
@@ -56,6 +57,18 @@ def main():
         counts = dict(line.split("=") for line in script(window, COUNT).splitlines())
         left = {name: int(count) for name, count in counts.items() if count != "0"}
         assert left == {"Inbox": 3, "Deleted Items": 9}, counts
+
+        def cli(*words):
+            return window.run(programs / "tidyfold-cli.exe", "--outlook", *words)
+
+        undone = json.loads(cli("undo", "--yes", "--json"))
+        assert undone["put_back"] == 9, undone
+        folders = {folder["path"]: folder["items"] for folder in json.loads(cli("folders", "--json"))}
+        assert folders["Inbox"] == 12 and folders["Deleted Items"] == 0, folders
+        cleaned = json.loads(cli("clean", "--folder", "Inbox", "--subject", "Subject 1", "--permanent", "--yes", "--json"))
+        assert cleaned["processed"] == 1, cleaned
+        items = json.loads(cli("items", "--folder", "Inbox", "--json"))
+        assert sorted(item["sender"] for item in items) == sorted(f"Sender {i}" for i in range(2, 10)), items
 
 
 if __name__ == "__main__":

@@ -23,6 +23,7 @@ long Style(Buttons buttons, Icon icon) {
     case Buttons::Yes_No_Cancel:
       return style | wxYES_NO | wxCANCEL | wxCANCEL_DEFAULT | (icon == Icon::None ? wxICON_QUESTION : 0);
     case Buttons::Yes_No:
+    case Buttons::Retry_Stop:
       return style | wxYES_NO | wxNO_DEFAULT | (icon == Icon::None ? wxICON_QUESTION : 0);
   }
   return style | wxOK;
@@ -33,9 +34,9 @@ Answer To_Answer(int pressed, Buttons buttons) {
     case wxID_OK:
       return Answer::OK;
     case wxID_YES:
-      return Answer::Yes;
+      return buttons == Buttons::Retry_Stop ? Answer::Retry : Answer::Yes;
     case wxID_NO:
-      return Answer::No;
+      return buttons == Buttons::Retry_Stop ? Answer::Cancel : Answer::No;
     default:
       return Safest_Answer(buttons);
   }
@@ -60,6 +61,7 @@ Answer Desktop_Message_Box::Show(const std::string& text, Buttons buttons, Icon 
                                  const std::string& title) {
   return Open(text, [&](wxWindow* parent) {
     wxMessageDialog dialog(parent, To_Lines(text), To_Wx(title), Style(buttons, icon) | wxCENTRE);
+    if (buttons == Buttons::Retry_Stop) dialog.SetYesNoLabels("&Retry", "&Stop");
     return To_Answer(dialog.ShowModal(), buttons);
   });
 }

@@ -21,8 +21,15 @@ class Busy_Filter {
   // milliseconds.
   bool Wait_To_Call_Again(DWORD elapsed);
 
+  // A person has given up: what fails while that unwinds is not waited for. Until a moment later, or until
+  // patience is taken up again.
+  void Lose_Patience();
+  void Take_Up_Patience() { impatient_until_ = 0; }
+  bool Is_Impatient() const { return GetTickCount64() < impatient_until_; }
+
  private:
   Ptr<IMessageFilter> filter_, before_;
+  ULONGLONG impatient_until_ = 0;
 };
 
 }  // namespace tidyfold::com

@@ -129,8 +129,8 @@ void Fail(HRESULT result, EXCEPINFO* told) {
   }
   if (Is_Busy(result)) {
     throw Automation_Error(automation_error::unavailable,
-                           "Outlook is busy, or waits for an answer in one of its windows. Look there, and "
-                           "then try again.",
+                           "Outlook is busy, or waits for an answer in one of its windows. What was under "
+                           "way has ended. Look there, and then try again.",
                            source_name);
   }
   if (description.empty()) description = Description_Of(result);

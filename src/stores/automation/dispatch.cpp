@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "base/flag_scope.h"
 #include "errors/automation_error.h"
 
 namespace tidyfold::com {
@@ -9,21 +10,47 @@ namespace tidyfold::com {
 namespace {
 
 constexpr std::array<const wchar_t*, member_count> names = {
-    L"Add",           L"Body",
-    L"Class",         L"Count",
-    L"DateCompleted", L"DefaultItemType",
-    L"Delete",        L"Display",
-    L"DueDate",       L"End",
-    L"EntryID",       L"FlagStatus",
-    L"Folders",       L"GetDefaultFolder",
-    L"GetItemFromID", L"GetNamespace",
-    L"HrGetOneProp",  L"Item",
-    L"Items",         L"LastModificationTime",
-    L"MAPIOBJECT",    L"Move",
-    L"Name",          L"Parent",
-    L"ReceivedTime",  L"Remove",
-    L"Store",         L"StoreID",
-    L"Subject",       L"UnRead",
+    L"Add",
+    L"Body",
+    L"Class",
+    L"Columns",
+    L"CompareEntryIDs",
+    L"Count",
+    L"DateCompleted",
+    L"DefaultItemType",
+    L"Delete",
+    L"Display",
+    L"DueDate",
+    L"Duration",
+    L"End",
+    L"EntryID",
+    L"FlagStatus",
+    L"Folders",
+    L"GetArray",
+    L"GetDefaultFolder",
+    L"GetItemFromID",
+    L"GetNamespace",
+    L"GetRecurrencePattern",
+    L"GetTable",
+    L"HrGetOneProp",
+    L"IsRecurring",
+    L"Item",
+    L"Items",
+    L"LastModificationTime",
+    L"MAPIOBJECT",
+    L"Move",
+    L"Name",
+    L"NoEndDate",
+    L"Parent",
+    L"PatternEndDate",
+    L"ReceivedTime",
+    L"Remove",
+    L"RemoveAll",
+    L"StartTime",
+    L"Store",
+    L"StoreID",
+    L"Subject",
+    L"UnRead",
 };
 
 // Members that are called before an item's class is known.
@@ -34,12 +61,16 @@ constexpr Member before_class[] = {Member::Class, Member::Delete, Member::Displa
 
 template <class Call>
 HRESULT Caller::Until_Answered(Call&& call) {
-  const ULONGLONG begin = GetTickCount64();
+  ULONGLONG begin = GetTickCount64();
   while (true) {
     const HRESULT result = call();
-    if (!Is_Busy(result) || !filter_.Wait_To_Call_Again(static_cast<DWORD>(GetTickCount64() - begin))) {
-      return result;
-    }
+    if (!Is_Busy(result)) return result;
+    if (filter_.Wait_To_Call_Again(static_cast<DWORD>(GetTickCount64() - begin))) continue;
+    // A handler that runs while the question is open may make calls of its own; these ask nothing.
+    if (!go_on_ || asking_ || filter_.Is_Impatient()) return result;
+    const Flag_Scope asking(asking_);
+    if (!go_on_()) return filter_.Lose_Patience(), result;
+    begin = GetTickCount64();
   }
 }
 
@@ -91,7 +122,10 @@ Variant Item_Ids::Invoke(Caller& caller, IDispatch& object, std::optional<std::i
   const auto invoke = [&](DISPID id) { return caller.Invoke(object, id, kind, arguments); };
   if (item_class) return invoke(classes_[*item_class].Of(caller, object, member));
   const std::optional<DISPID> guess = Common(member);
-  if (!guess) return invoke(caller.Id_Of(object, member));
+  if (!guess) {
+    const std::int32_t own_class = Read_Class(caller, object);
+    return invoke(classes_[own_class].Of(caller, object, member));
+  }
   try {
     return invoke(*guess);
   } catch (const Automation_Error& error) {

@@ -5,9 +5,11 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <initializer_list>
 #include <map>
 #include <optional>
+#include <utility>
 
 #include "stores/automation/busy_filter.h"
 #include "stores/automation/com.h"
@@ -19,29 +21,40 @@ enum class Member : std::size_t {
   Add,
   Body,
   Class,
+  Columns,
+  CompareEntryIDs,
   Count,
   DateCompleted,
   DefaultItemType,
   Delete,
   Display,
   DueDate,
+  Duration,
   End,
   EntryID,
   FlagStatus,
   Folders,
+  GetArray,
   GetDefaultFolder,
   GetItemFromID,
   GetNamespace,
+  GetRecurrencePattern,
+  GetTable,
   HrGetOneProp,
+  IsRecurring,
   Item,
   Items,
   LastModificationTime,
   MAPIOBJECT,
   Move,
   Name,
+  NoEndDate,
   Parent,
+  PatternEndDate,
   ReceivedTime,
   Remove,
+  RemoveAll,
+  StartTime,
   Store,
   StoreID,
   Subject,
@@ -53,6 +66,11 @@ inline constexpr std::size_t member_count = static_cast<std::size_t>(Member::UnR
 class Caller {
  public:
   explicit Caller(std::chrono::milliseconds patience) : filter_(patience) {}
+  // Asked when the patience has run out: whether to try for as long again.
+  void Ask_When_Busy(std::function<bool()> go_on) {
+    go_on_ = std::move(go_on);
+    filter_.Take_Up_Patience();
+  }
   DISPID Id_Of(IDispatch& object, Member member);
   // Arguments come in their written order.
   Variant Invoke(IDispatch& object, DISPID id, WORD kind,
@@ -63,6 +81,8 @@ class Caller {
   HRESULT Until_Answered(Call&& call);
 
   Busy_Filter filter_;
+  std::function<bool()> go_on_;
+  bool asking_ = false;
 };
 
 // The member ids of one interface.
@@ -81,9 +101,7 @@ class Member_Ids {
 
 // The member ids of items. Each class of item has an interface of its own, and an item's class is not known
 // until it has been read. Before that, an id is used that all classes met so far have in common; if the item
-// does not know it, or if the classes differ, the id is looked up in the item itself.
-//
-// An item that is fetched by its EntryID has usually been read before, so that its class is known here.
+// does not know it, the id is looked up in the item itself, and if there is none, its class is read.
 class Item_Ids {
  public:
   Variant Invoke(Caller& caller, IDispatch& object, std::optional<std::int32_t> item_class, Member member,

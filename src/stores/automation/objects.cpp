@@ -1,5 +1,6 @@
 #include "stores/automation/objects.h"
 
+#include <cmath>
 #include <optional>
 #include <utility>
 
@@ -7,6 +8,7 @@
 #include "controls/interaction.h"
 #include "errors/automation_error.h"
 #include "outlook/default_folders.h"
+#include "stores/automation/item_table.h"
 
 namespace tidyfold::com {
 
@@ -93,7 +95,11 @@ class Automation_Item : public Item {
   Date LastModificationTime() override { return Get(Member::LastModificationTime).Day(); }
   Date DateCompleted() override { return Get(Member::DateCompleted).Day(); }
   Date DueDate() override { return Get(Member::DueDate).Day(); }
-  Date End() override { return Get(Member::End).Day(); }
+  Date End() override {
+    if (!class_) Class();
+    if (*class_ == item_class::appointment && Get(Member::IsRecurring).Truth()) return End_Of_Series();
+    return Get(Member::End).Day();
+  }
   bool UnRead() override { return Get(Member::UnRead).Truth(); }
   std::int32_t FlagStatus() override { return Get(Member::FlagStatus).Number(); }
   std::int64_t Size() override { return 0; }
@@ -105,6 +111,7 @@ class Automation_Item : public Item {
  private:
   Variant Get(Member member) { return Invoke(member, DISPATCH_PROPERTYGET); }
   void Call(Member member) { Invoke(member, DISPATCH_METHOD); }
+  Date End_Of_Series();
   Variant Invoke(Member member, WORD kind, std::initializer_list<const Variant*> arguments = {}) {
     return session_->item.Invoke(session_->caller, *object_, class_, member, kind, arguments);
   }
@@ -113,6 +120,27 @@ class Automation_Item : public Item {
   Ptr<IDispatch> object_;
   std::optional<std::int32_t> class_;
 };
+
+class Recurrence_Pattern : Object {
+ public:
+  Recurrence_Pattern(const Session_Ptr& session, Ptr<IDispatch> object)
+      : Object(session, &Session::pattern, std::move(object)) {}
+  Date Last_End() {
+    if (Get(Member::NoEndDate).Truth()) return no_date;
+    const Date time = Get(Member::StartTime).Day();
+    return std::floor(Get(Member::PatternEndDate).Day()) + (time - std::floor(time)) +
+           Get(Member::Duration).Number() / minutes_per_day;
+  }
+
+ private:
+  static constexpr double minutes_per_day = 1440;
+};
+
+// Only of a series: to ask an item for its pattern makes it one.
+Date Automation_Item::End_Of_Series() {
+  return Recurrence_Pattern(session_, Object_In(Invoke(Member::GetRecurrencePattern, DISPATCH_METHOD)))
+      .Last_End();
+}
 
 Item_Ptr Make_Item(const Session_Ptr& session, const Variant& answer) {
   return std::make_shared<Automation_Item>(session, Object_In(answer));
@@ -152,7 +180,7 @@ Folders_Ptr Make_Folders(const Session_Ptr& session, const Variant& answer) {
   return std::make_shared<Automation_Folders>(session, Object_In(answer));
 }
 
-// Outlook has Store objects since 2007, and their GetDefaultFolder since 2010.
+// Outlook has tables and Store objects since 2007, and GetDefaultFolder of the latter since 2010.
 template <class Call>
 auto In_A_New_Outlook(Call&& call) {
   try {
@@ -197,6 +225,17 @@ class Automation_Folder : public MAPIFolder, Object {
   Items_Ptr Items() override {
     return std::make_shared<Automation_Items>(Shared_Session(), Object_In(Get(Member::Items)));
   }
+  Table_Ptr GetTable() override {
+    const auto find = [session = Shared_Session(), store_id = StoreID()](const std::string& entry_id) {
+      const Variant item(entry_id), store(store_id);
+      if (!session->open_name_space) Fail(E_UNEXPECTED);
+      IDispatch& name_space = *session->open_name_space;
+      const DISPID id = session->name_space.Of(session->caller, name_space, Member::GetItemFromID);
+      return Make_Item(session, session->caller.Invoke(name_space, id, DISPATCH_METHOD, {&item, &store}));
+    };
+    return In_A_New_Outlook(
+        [&] { return Make_Table(Shared_Session(), Object_In(Call(Member::GetTable, {})), find); });
+  }
   Store_Ptr Store() override {
     return In_A_New_Outlook(
         [&] { return std::make_shared<Automation_Store>(Shared_Session(), Object_In(Get(Member::Store))); });
@@ -235,6 +274,10 @@ class Automation_Name_Space : public NameSpace, Object {
     const Variant item(entry_id), store(store_id);
     return Make_Item(Shared_Session(), Call(Member::GetItemFromID, {&item, &store}));
   }
+  bool CompareEntryIDs(const std::string& one, const std::string& other) override {
+    const Variant first(one), second(other);
+    return Call(Member::CompareEntryIDs, {&first, &second}).Truth();
+  }
 };
 
 class Automation_Application : public Application, Object {
@@ -243,8 +286,9 @@ class Automation_Application : public Application, Object {
       : Object(session, &Session::application, std::move(object)) {}
   std::shared_ptr<NameSpace> GetNamespace(const std::string& type) override {
     const Variant name(type);
-    return std::make_shared<Automation_Name_Space>(Shared_Session(),
-                                                   Object_In(Call(Member::GetNamespace, {&name})));
+    Ptr<IDispatch> opened = Object_In(Call(Member::GetNamespace, {&name}));
+    Shared_Session()->open_name_space = opened;
+    return std::make_shared<Automation_Name_Space>(Shared_Session(), std::move(opened));
   }
 };
 

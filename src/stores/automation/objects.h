@@ -12,7 +12,8 @@ namespace tidyfold::com {
 struct Session {
   explicit Session(std::chrono::milliseconds patience) : caller(patience) {}
   Caller caller;
-  Member_Ids application, name_space, store, folders, folder, items, mapi_utils;
+  Ptr<IDispatch> open_name_space;  // for folders that have to find single items
+  Member_Ids application, name_space, store, folders, folder, items, table, columns, pattern, mapi_utils;
   Item_Ids item;
 };
 using Session_Ptr = std::shared_ptr<Session>;

@@ -1,11 +1,12 @@
 // Outlook itself, through automation. All objects belong to the thread that created them. This must be the
 // window's thread, which handles messages while it waits for Outlook.
 //
-// Calls are retried for a while when Outlook is busy. If it stays busy or has been closed, they throw
-// Automation_Error with the number automation_error::unavailable.
+// Calls are retried for a while when Outlook is busy; then the question of Ask_When_Busy decides. If it stays
+// busy or has been closed, they throw Automation_Error with the number automation_error::unavailable.
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -31,9 +32,12 @@ class Outlook_Automation : public Automation {
   std::shared_ptr<Application> CreateObject(const std::string& program) override;
   std::shared_ptr<Mapi_Utils> Create_Mapi_Utils(const std::string& program) override;
   bool Asking_Costs_Calls() const override { return true; }
+  void Ask_When_Busy(std::function<bool()> go_on) override;
+  std::string Why_Not_Reached() const override { return why_not_reached_; }
 
  private:
   std::shared_ptr<com::Session> session_;
+  std::string why_not_reached_;
 };
 
 }  // namespace tidyfold

@@ -1,6 +1,8 @@
 #include "stores/sqlite/objects.h"
 
+#include <limits>
 #include <utility>
+#include <vector>
 
 #include "base/text.h"
 #include "errors/automation_error.h"
@@ -121,6 +123,18 @@ class Embedded_Items : public Items, Folder_View {
   }
 };
 
+// Goes by the items' positions, which only grow.
+class Embedded_Table : public Table, Folder_View {
+ public:
+  Embedded_Table(std::shared_ptr<Store> store, std::int64_t folder) : Folder_View(std::move(store), folder) {}
+  std::vector<Table_Row> GetArray(std::int32_t most) override {
+    return store_->Rows_Behind(id_, position_, most);
+  }
+
+ private:
+  std::int64_t position_ = std::numeric_limits<std::int64_t>::min();
+};
+
 class Embedded_Folders : public Folders, Folder_View {
  public:
   Embedded_Folders(std::shared_ptr<Store> store, std::int64_t folder)
@@ -175,6 +189,10 @@ class Embedded_Folder : public MAPIFolder, Folder_View {
   Items_Ptr Items() override {
     Record();
     return std::make_shared<Embedded_Items>(store_, id_);
+  }
+  Table_Ptr GetTable() override {
+    Record();
+    return std::make_shared<Embedded_Table>(store_, id_);
   }
   Store_Ptr Store() override {
     Record();

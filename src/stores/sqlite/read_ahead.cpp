@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "stores/sqlite/entry_id.h"
+
 namespace tidyfold::sqlite {
 
 namespace {
@@ -100,6 +102,30 @@ std::optional<Found_Item> Read_Ahead::By_Id(std::int64_t id) {
   auto rows = std::make_shared<Item_Rows>();
   Append_Row(by_id_, by_id_.Integer(folder_column), *rows);
   return Found_Item{std::move(rows), 0};
+}
+
+std::vector<Table_Row> Read_Ahead::Behind(std::int64_t folder, std::int64_t& position, std::int32_t most) {
+  std::vector<Table_Row> rows;
+  rows.reserve(static_cast<std::size_t>(std::max(0, most)));
+  forwards_.Bind(1, folder).Bind(2, position);
+  Reading reading(forwards_);
+  while (static_cast<std::int32_t>(rows.size()) < most && reading.Next()) {
+    Table_Row& row = rows.emplace_back();
+    row.EntryID = Item_Entry_Id(forwards_.Integer(0));
+    position = forwards_.Integer(1);
+    row.Class = static_cast<std::int32_t>(forwards_.Integer(2));
+    row.UnRead = forwards_.Integer(3) != 0;
+    row.ReceivedTime = Usual_Date(forwards_, 4);
+    row.LastModificationTime = Usual_Date(forwards_, 5);
+    row.DateCompleted = Rare_Date(forwards_, 6);
+    row.DueDate = Rare_Date(forwards_, 7);
+    row.End = Rare_Date(forwards_, 8);
+    row.SenderOrText = forwards_.Text(9);
+    row.Subject = forwards_.Text(10);
+    row.Size = forwards_.Integer(11);
+    row.FlagStatus = static_cast<std::int32_t>(forwards_.Integer(12));
+  }
+  return rows;
 }
 
 Read_Ahead::Start Read_Ahead::Best_Start(const Block* block, std::int32_t place, std::int32_t count) const {

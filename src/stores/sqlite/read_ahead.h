@@ -57,6 +57,9 @@ class Read_Ahead {
   // `place` is from 1 to `count`, the number of items in the folder.
   Found_Item At(std::int64_t folder, std::int32_t place, std::int32_t count);
   std::optional<Found_Item> By_Id(std::int64_t id);
+  // The next items of the folder, no more than `most`, from those behind `position` on, which moves with
+  // them.
+  std::vector<Table_Row> Behind(std::int64_t folder, std::int64_t& position, std::int32_t most);
 
   // To be called when an item has left the folder. New items need no call: their positions are higher than
   // all others.

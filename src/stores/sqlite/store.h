@@ -75,6 +75,8 @@ class Store : public std::enable_shared_from_this<Store> {
   // By index in the folder, from 1. Throws Automation_Error (bad_index).
   Found_Item Item_At(std::int64_t folder, std::int32_t place);
   Found_Item Item_By_Id(std::int64_t id);
+  // See Read_Ahead::Behind.
+  std::vector<Table_Row> Rows_Behind(std::int64_t folder, std::int64_t& position, std::int32_t most);
   // Incremented by every change that moves or removes anything. What was read at the same age is still valid.
   std::uint64_t Age() const { return age_; }
   Item_Place Locate(std::int64_t id);

@@ -39,6 +39,11 @@ Found_Item Store::Item_By_Id(std::int64_t id) {
   return *std::move(found);
 }
 
+std::vector<Table_Row> Store::Rows_Behind(std::int64_t folder, std::int64_t& position, std::int32_t most) {
+  Find_Folder(folder);
+  return read_ahead_->Behind(folder, position, most);
+}
+
 Item_Place Store::Locate(std::int64_t id) {
   Refresh();
   Statement& locate = statements_->locate;

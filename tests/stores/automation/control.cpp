@@ -19,6 +19,7 @@ class Folder_Key : public MAPIFolder {
   std::string Name() override { return {}; }
   Folders_Ptr Folders() override { return nullptr; }
   Items_Ptr Items() override { return nullptr; }
+  Table_Ptr GetTable() override { return nullptr; }
   Store_Ptr Store() override { return nullptr; }
 
  private:
@@ -36,6 +37,7 @@ New_Item Item_In(const Arguments& a) {
   std::size_t at = 9;
   for (Date* date : {&item.received, &item.last_modified, &item.completed, &item.due, &item.end})
     *date = a.at(at++).Day();
+  if (at < a.size()) item.size = a.at(at).Number();
   return item;
 }
 
@@ -73,6 +75,19 @@ Ptr<IDispatch> Make_Control(World& world) {
     Folder_Key folder(a.at(1), a.at(2));
     return Variant(store(a).Add_Item(folder, Item_In(a)));
   });
+  // Mail in great numbers: store, StoreID, EntryID, how many.
+  order("AddMails", [=](auto& a) {
+    Folder_Key folder(a.at(1), a.at(2));
+    New_Item mail;
+    for (std::int32_t number = 1; number <= a.at(3).Number(); ++number) {
+      mail.subject = "Subject " + std::to_string(number);
+      mail.sender = "Sender " + std::to_string(number % 100);
+      mail.received = 44000.5;
+      mail.size = number;
+      store(a).Add_Item(folder, mail);
+    }
+  });
+  order("Behave", [=](auto& a) { store(a).Behave(a.at(1).Text()); });
   order("Begin", [=](auto& a) { store(a).Begin(); });
   order("Commit", [=](auto& a) { store(a).Commit(); });
   order("RollBack", [=](auto& a) { store(a).Roll_Back(); });
@@ -85,6 +100,7 @@ Ptr<IDispatch> Make_Control(World& world) {
     switches.fail_number = a.at(2).Number();
   });
   order("Forget", [&](auto& a) { switches.missing_member = a.at(0).Text(); });
+  order("RefuseColumn", [&](auto& a) { switches.refused_columns.insert(a.at(0).Text()); });
   order("Vanish", [&](auto& a) { switches.vanish_in = a.at(0).Number(); });
   order("UnlikeIds", [&](auto&) { switches.ids_unlike = true; });
   control->Offer("Process", [](auto&) { return Variant(static_cast<std::int32_t>(GetCurrentProcessId())); });

@@ -8,7 +8,7 @@ namespace tidyfold::test_server {
 
 namespace {
 
-constexpr std::size_t most_names = 64, first_unlike = 1000;
+constexpr std::size_t most_names = 128, first_unlike = 1000;
 
 // Names in order of first use, after the one with a fixed id.
 std::vector<std::string>& Names() {

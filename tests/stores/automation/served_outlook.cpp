@@ -1,10 +1,12 @@
 #include "served_outlook.h"
 
+#include <cmath>
 #include <type_traits>
 #include <utility>
 
 #include "errors/automation_error.h"
 #include "outlook/default_folders.h"
+#include "served_table.h"
 #include "server_ids.h"
 
 namespace tidyfold::test_server {
@@ -80,9 +82,9 @@ Ptr<IDispatch> As_Dispatch(Ptr<Served> served) {
 
 Ptr<IDispatch> Open_Name_Space(World& world, const std::string& type) {
   const auto name_space = world.Outlook().GetObject("", "Outlook.Application")->GetNamespace(type);
-  Ptr<Served> served =
-      Make(world, "NameSpace", name_space, "Folders", &NameSpace::Folders, "GetDefaultFolder",
-           &NameSpace::GetDefaultFolder, "GetItemFromID", &NameSpace::GetItemFromID);
+  Ptr<Served> served = Make(world, "NameSpace", name_space, "Folders", &NameSpace::Folders,
+                            "GetDefaultFolder", &NameSpace::GetDefaultFolder, "GetItemFromID",
+                            &NameSpace::GetItemFromID, "CompareEntryIDs", &NameSpace::CompareEntryIDs);
   served->Offer("Class", [](auto&) { return Variant(namespace_class); });
   return As_Dispatch(std::move(served));
 }
@@ -151,14 +153,40 @@ Ptr<IDispatch> Serve(World& world, const Items_Ptr& items) {
       Make(world, "Items", items, "Count", &Items::Count, "Item", &Items::Item, "Remove", &Items::Remove));
 }
 
+// An hour, as a day count.
+constexpr Date series_hours = 1.0 / 24;
+
+Ptr<IDispatch> Serve_Pattern(World& world, Date last_end) {
+  Ptr<Served> served(new Served(world.switches, "RecurrencePattern"));
+  const Date last_start = last_end - series_hours;
+  served->Offer("NoEndDate", [=](auto&) { return Variant(last_end == no_date); });
+  served->Offer("PatternEndDate", [=](auto&) { return Variant::Of_Date(std::floor(last_start)); });
+  served->Offer("StartTime", [=](auto&) { return Variant::Of_Date(last_start - std::floor(last_start)); });
+  served->Offer("Duration", [](auto&) { return Variant(60); });
+  return As_Dispatch(std::move(served));
+}
+
 Ptr<IDispatch> Serve(World& world, const Item_Ptr& item) {
   Ptr<Served> served(new Served(world.switches, "Item", item->Class()));
   Offer(world, *served, item, "Class", &Item::Class, "Subject", &Item::Subject, "EntryID", &Item::EntryID,
         "UnRead", &Item::UnRead, "FlagStatus", &Item::FlagStatus, "ReceivedTime", &Item::ReceivedTime,
         "LastModificationTime", &Item::LastModificationTime, "DateCompleted", &Item::DateCompleted, "DueDate",
-        &Item::DueDate, "End", &Item::End, "MAPIOBJECT", &Item::MAPIOBJECT, "Parent", &Item::Parent, "Delete",
-        &Item::Delete, "Display", &Item::Display);
+        &Item::DueDate, "MAPIOBJECT", &Item::MAPIOBJECT, "Parent", &Item::Parent, "Delete", &Item::Delete,
+        "Display", &Item::Display);
   served->Offer("Body", [=](auto&) { return Variant(item->Body()); });
+  const auto is_series = [=] {
+    return item->Class() == item_class::appointment && item->Subject().starts_with("series");
+  };
+  // The first occurrence ends an hour after the item was received.
+  served->Offer("End", [=](auto&) {
+    return Variant::Of_Date(is_series() ? item->ReceivedTime() + series_hours : item->End());
+  });
+  served->Offer("IsRecurring", [=](auto&) { return Variant(is_series()); });
+  served->Offer("GetRecurrencePattern", [=, &world](auto&) {
+    if (!is_series())
+      throw Automation_Error(automation_error::call_failed, "This made it a series.", "Test Outlook");
+    return Variant(Serve_Pattern(world, item->End()));
+  });
   // A served folder comes back as the same object.
   served->Offer("Move", [=, &world](auto& a) {
     return Variant(Serve(world, item->Move(*dynamic_cast<Served_Folder&>(*a.at(0).Object()).folder)));
@@ -174,6 +202,7 @@ Ptr<IDispatch> Serve(World& world, const MAPIFolder_Ptr& folder) {
         &MAPIFolder::StoreID, "DefaultItemType", &MAPIFolder::DefaultItemType, "Folders",
         &MAPIFolder::Folders, "Items", &MAPIFolder::Items, "Store", &MAPIFolder::Store);
   served->Offer("Class", [](auto&) { return Variant(folder_class); });
+  served->Offer("GetTable", [=, &world](auto&) { return Variant(Serve_Table(world, folder->GetTable())); });
   served->Offer("Parent", [=, &world](auto&) {
     const MAPIFolder_Ptr above = folder->Parent();
     return Variant(above == nullptr ? Open_Name_Space(world, "MAPI") : Serve(world, above));

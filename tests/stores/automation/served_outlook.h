@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -24,7 +25,8 @@ struct Switches {
   std::function<void()> vanish;
   int vanish_in = 0;           // which call from now on ends the process; 0: none
   std::string missing_member;  // an older Outlook does not know it
-  bool ids_unlike = false;     // classes of items have different, overlapping ids
+  std::set<std::string> refused_columns;
+  bool ids_unlike = false;  // classes of items have different, overlapping ids
 
   void Before(const std::string& member);
 };

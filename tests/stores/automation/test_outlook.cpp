@@ -160,6 +160,7 @@ std::string Test_Writer::Add_Item(MAPIFolder& folder, const New_Item& item) {
   arguments.emplace_back(item.flagged);
   for (const Date date : {item.received, item.last_modified, item.completed, item.due, item.end})
     arguments.push_back(com::Variant::Of_Date(date));
+  arguments.emplace_back(static_cast<std::int32_t>(item.size));
   return outlook_.Tell_All("AddItem", arguments).Text();
 }
 

@@ -131,6 +131,14 @@ class Faulty_Store : public Decorated<Store> {
   }
 };
 
+class Faulty_Table : public Decorated<Table> {
+ public:
+  using Decorated::Decorated;
+  std::vector<Table_Row> GetArray(std::int32_t most) override {
+    return Call("Table.GetArray").GetArray(most);
+  }
+};
+
 class Faulty_Folder : public Decorated<MAPIFolder> {
  public:
   using Decorated::Decorated;
@@ -144,6 +152,9 @@ class Faulty_Folder : public Decorated<MAPIFolder> {
   }
   Items_Ptr Items() override {
     return Decorate<Faulty_Items>(Call("MAPIFolder.Items").Items(), Plan(), Its_Identity());
+  }
+  Table_Ptr GetTable() override {
+    return Decorate<Faulty_Table>(Call("MAPIFolder.GetTable").GetTable(), Plan(), Its_Identity());
   }
   Store_Ptr Store() override { return Decorate<Faulty_Store>(Call("MAPIFolder.Store").Store(), Plan(), {}); }
 };
@@ -164,6 +175,9 @@ class Faulty_Name_Space : public Decorated<NameSpace> {
   Item_Ptr GetItemFromID(const std::string& entry_id, const std::string& store_id) override {
     Plan().Before("NameSpace.GetItemFromID", 0, [&] { return entry_id; });
     return Decorate_Item(Inner().GetItemFromID(entry_id, store_id), Plan());
+  }
+  bool CompareEntryIDs(const std::string& one, const std::string& other) override {
+    return Call("NameSpace.CompareEntryIDs").CompareEntryIDs(one, other);
   }
 };
 

@@ -1,6 +1,8 @@
 #include "stores/memory/memory_store.h"
 
 #include <algorithm>
+#include <set>
+#include <tuple>
 #include <utility>
 
 #include "base/text.h"
@@ -55,6 +57,7 @@ struct Stored_Folder : MAPIFolder, tidyfold::Store, std::enable_shared_from_this
   std::string Name() override { return Alive().name; }
   Folders_Ptr Folders() override;
   Items_Ptr Items() override;
+  Table_Ptr GetTable() override;
   Store_Ptr Store() override { return Alive().store->top_; }
   MAPIFolder_Ptr GetDefaultFolder(std::int32_t folder_type) override {
     return Default_Folder_Below(folder_type);
@@ -62,14 +65,16 @@ struct Stored_Folder : MAPIFolder, tidyfold::Store, std::enable_shared_from_this
   Stored_Folder_Ptr Default_Folder_Below(std::int32_t type) {
     const Default_Folder* wanted = Find_Default_Folder(type);
     Stored_Folder_Ptr found;
+    if (const auto role = store->roles_.find(type); role != store->roles_.end()) found = role->second;
     // EntryIDs have the same length and ascend.
     for (const Stored_Folder_Ptr& folder : folders)
-      if (wanted != nullptr && folder->name == wanted->name &&
+      if (!store->roles_.contains(type) && wanted != nullptr && folder->name == wanted->name &&
           (found == nullptr || folder->entry_id < found->entry_id))
         found = folder;
     if (found == nullptr) Fail(automation_error::not_found, "There is no such default folder.");
     return found;
   }
+  void Remove(Stored_Item& item);
   // Without recursion: trees may be deep.
   void Remove_For_Good();
 };
@@ -88,6 +93,7 @@ struct Stored_Item : tidyfold::Item, Mapi_Object, std::enable_shared_from_this<S
     if (folder != nullptr) std::erase(folder->items, item);
     folder = target;
     if (target != nullptr) target->items.push_back(item);
+    if (target != nullptr && target->store->new_ids_) target->store->Rename_Item(item);
   }
   std::int32_t Class() override { return Alive().data.item_class; }
   std::string Subject() override { return Alive().data.subject; }
@@ -111,6 +117,7 @@ struct Stored_Item : tidyfold::Item, Mapi_Object, std::enable_shared_from_this<S
   std::int64_t Size() override { return Alive().data.size; }
   MAPIFolder_Ptr Parent() override { return Alive().folder->Shared(); }
   void Delete() override {
+    if (Alive().folder->store->deletes_for_good_) return Lie_In(nullptr);
     const auto deleted = Alive().folder->store->top_->Default_Folder_Below(default_folder_deleted_items);
     Lie_In(folder == deleted.get() ? nullptr : deleted.get());
   }
@@ -118,9 +125,25 @@ struct Stored_Item : tidyfold::Item, Mapi_Object, std::enable_shared_from_this<S
     if (target.StoreID() != Alive().folder->StoreID())
       Fail(automation_error::not_supported, "An item can only be moved within its own store.");
     folder->store->Move_Item(entry_id, target);
-    return shared_from_this();
+    if (!folder->store->new_ids_) return shared_from_this();
+    // This object is not to be used any more.
+    return folder->store->Item(entry_id);
   }
   void Display() override { Alive().folder->store->outlook_.displayed.push_back(entry_id); }
+  Table_Row Row() const {
+    return {entry_id,
+            data.item_class,
+            data.subject,
+            data.item_class == item_class::mail ? data.sender : data.body,
+            data.received,
+            data.last_modified,
+            data.completed,
+            data.due,
+            data.end,
+            data.unread,
+            data.flagged ? flag_status::marked : flag_status::none,
+            data.size};
+  }
 };
 
 namespace {
@@ -132,11 +155,38 @@ class Memory_Items : public Items {
   Item_Ptr Item(std::int32_t index) override { return At(folder_->Alive().items, index); }
   void Remove(std::int32_t index) override {
     const Stored_Item_Ptr item = At(folder_->Alive().items, index);
-    item->Lie_In(nullptr);
+    folder_->Remove(*item);
   }
 
  private:
   Stored_Folder_Ptr folder_;
+};
+
+// Rows go by the items, whatever their places are meanwhile.
+class Memory_Table : public Table {
+ public:
+  explicit Memory_Table(Stored_Folder_Ptr folder) : folder_(std::move(folder)) {}
+  std::vector<Table_Row> GetArray(std::int32_t most) override {
+    std::vector<Table_Row> rows;
+    while (static_cast<std::int32_t>(rows.size()) < most && (next_ < waiting_.size() || Look_Again())) {
+      Stored_Item& item = *waiting_[next_++];
+      if (item.folder == folder_.get()) rows.push_back(item.Row());
+    }
+    return rows;
+  }
+
+ private:
+  bool Look_Again() {
+    next_ = 0;
+    waiting_.clear();
+    for (const Stored_Item_Ptr& item : folder_->Alive().items)
+      if (given_.insert(item).second) waiting_.push_back(item);
+    return !waiting_.empty();
+  }
+  Stored_Folder_Ptr folder_;
+  std::vector<Stored_Item_Ptr> waiting_;
+  std::size_t next_ = 0;
+  std::set<Stored_Item_Ptr> given_;
 };
 
 class Memory_Folders : public Folders {
@@ -158,6 +208,10 @@ class Memory_Folders : public Folders {
 
 }  // namespace
 
+void Stored_Folder::Remove(Stored_Item& item) {
+  store->removing_moves_ ? item.Delete() : item.Lie_In(nullptr);
+}
+
 void Stored_Folder::Remove_For_Good() {
   if (parent != nullptr) std::erase(parent->folders, shared_from_this());
   std::vector<Stored_Folder_Ptr> doomed{shared_from_this()};
@@ -177,6 +231,10 @@ Folders_Ptr Stored_Folder::Folders() {
 
 Items_Ptr Stored_Folder::Items() {
   return std::make_shared<Memory_Items>(Shared());
+}
+
+Table_Ptr Stored_Folder::GetTable() {
+  return std::make_shared<Memory_Table>(Shared());
 }
 
 }  // namespace memory
@@ -266,6 +324,30 @@ void Memory_Store::Move_Item(const std::string& entry_id, MAPIFolder& folder) {
 
 void Memory_Store::Change_Item(const std::string& entry_id, const std::function<void(New_Item&)>& change) {
   change(Find_Item(entry_id)->data);
+}
+
+void Memory_Store::Behave(std::string_view way) {
+  new_ids_ = new_ids_ || way == "new ids";
+  removing_moves_ = removing_moves_ || way == "moves what is removed";
+  if (way == "no Deleted Items") {
+    deletes_for_good_ = true;
+    top_->Default_Folder_Below(default_folder_deleted_items)->Remove_For_Good();
+  }
+  if (way != "local names") return;
+  const std::tuple<std::int32_t, const char*> names[] = {{default_folder_deleted_items, "Gelöschte Elemente"},
+                                                         {default_folder_sent, "Gesendete Elemente"},
+                                                         {default_folder_drafts, "Entwürfe"}};
+  for (const auto& [role, name] : names) {
+    const Stored_Folder_Ptr folder = top_->Default_Folder_Below(role);
+    folder->name = name;
+    roles_[role] = folder;
+  }
+}
+
+void Memory_Store::Rename_Item(const Stored_Item_Ptr& item) {
+  if (items_.erase(item->entry_id) == 0) return;
+  item->entry_id = New_Entry_Id();
+  items_.emplace(item->entry_id, item);
 }
 
 std::string Memory_Store::New_Entry_Id() {

@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <initializer_list>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -55,17 +56,27 @@ class Memory_Store : public Store_Writer {
   void Move_Item(const std::string& entry_id, MAPIFolder& folder);
   void Change_Item(const std::string& entry_id, const std::function<void(New_Item&)>& change);
 
+  // What stores of other kinds do otherwise:
+  //   new ids: what is moved gets another EntryID;
+  //   local names: Deleted Items and others bear the names of another language, and are known by identity;
+  //   no Deleted Items: there is no such folder, and what is deleted is gone;
+  //   moves what is removed: Items.Remove puts into Deleted Items.
+  void Behave(std::string_view way);
+
  private:
   friend struct memory::Stored_Folder;
   friend struct memory::Stored_Item;
 
   std::string New_Entry_Id();
+  void Rename_Item(const memory::Stored_Item_Ptr& item);
   memory::Stored_Folder_Ptr Find_Folder(MAPIFolder& folder) const;
   memory::Stored_Item_Ptr Find_Item(const std::string& entry_id) const;
 
   Memory_Outlook& outlook_;
   std::string store_id_;
   int last_id_ = 0;
+  bool new_ids_ = false, deletes_for_good_ = false, removing_moves_ = false;
+  std::map<std::int32_t, memory::Stored_Folder_Ptr> roles_;  // of folders whose names do not tell them
   // Removed ones included: an EntryID is never used again.
   std::unordered_map<std::string, memory::Stored_Folder_Ptr> folders_;
   std::unordered_map<std::string, memory::Stored_Item_Ptr> items_;

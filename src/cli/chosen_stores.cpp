@@ -1,0 +1,49 @@
+#include "cli/chosen_stores.h"
+
+#include "cli/failure.h"
+#include "errors/automation_error.h"
+
+namespace tidyfold::cli {
+
+Chosen_Stores::Chosen_Stores(const Arguments& arguments) {
+  if (!arguments.outlook) return;
+  outlook_ = Make_Outlook();
+  if (outlook_ == nullptr)
+    throw Failure(Exit_Status::Bad_Input,
+                  "--outlook works on Windows only. Name a store with --store FILE instead.");
+  source_ = outlook_.get();
+}
+
+void Chosen_Stores::Open(const std::vector<std::filesystem::path>& files, Store_Mode mode,
+                         const Store_Progress& progress) {
+  if (outlook_ == nullptr) files_.Open(files, mode, progress);
+}
+
+std::shared_ptr<NameSpace> Chosen_Stores::Name_Space() {
+  constexpr const char* program = "Outlook.Application";
+  try {
+    std::shared_ptr<Application> application;
+    try {
+      application = Source().GetObject("", program);
+    } catch (const Automation_Error&) {
+      application = Source().CreateObject(program);
+    }
+    return application->GetNamespace("MAPI");
+  } catch (const Automation_Error& error) {
+    const std::string why = Source().Why_Not_Reached();
+    throw Failure(Exit_Status::Bad_Input,
+                  "Outlook cannot be reached. " + (why.empty() ? error.Description() : why));
+  }
+}
+
+std::vector<std::string> Chosen_Stores::Files() const {
+  std::vector<std::string> names;
+  for (const auto& store : files_.Stores()) names.push_back(store->Path().string());
+  return names;
+}
+
+void Chosen_Stores::Commit() {
+  if (Change_Groups* const groups = Source().Groups()) groups->Commit_Pending();
+}
+
+}  // namespace tidyfold::cli
