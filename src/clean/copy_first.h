@@ -17,7 +17,8 @@ namespace tidyfold {
 
 class Copy_First {
  public:
-  // Without `copies`, as with Outlook's own stores, the option does not show, and a run that asks for one ends.
+  // Without `copies`, as with Outlook's own stores, the option does not show, and a run that asks for one
+  // ends.
   Copy_First(MainWindow& window, FolderData_Array& records, Item_Copies* copies, Status_Line& status,
              Run_State& run, Program_Phase& phase, Message_Box& message_box, Events& events,
              Error_Handler& errors);
