@@ -70,8 +70,8 @@ int Protected_Folders::Protector_Of(int node) const {
 }
 
 std::string Protected_Folders::Reason(int node) const {
+  if (!Is_Protected(node)) return {};
   const int protector = Protector_Of(node);
-  if (protector == 0) return {};
   if (protector == node)
     return Quoted(records_[node]) + " is protected." +
            (Can_Change(node) ? " Protect Folder in its menu takes the lock off." : "");
