@@ -73,7 +73,8 @@ void App::Wire() {
   panes.Wire();
   if (help) help->Wire();
   window.mnuQuit.Click = [this] { mnuQuit_Click(); };
-  window.frmRemoveItems.Close = [this] { Form_Unload(); };
+  // In the middle of a run, closing the window asks as Quit does.
+  window.frmRemoveItems.Close = [this] { phase.Is_Run() ? mnuQuit_Click() : Form_Unload(); };
 }
 
 void App::Form_Load() {

@@ -9,7 +9,7 @@ namespace {
 
 constexpr Twips margin = 120;
 constexpr Twips button_gap = 60;
-constexpr Twips least_grid_width = 1500;
+constexpr Twips least_grid_width = 1200;
 
 }  // namespace
 
@@ -126,8 +126,17 @@ void Panes::Form_Resize() {
       pane->Set_Height(std::max<Twips>(bottom - pane->Top(), 0));
     w.cmdRun.Set_Top(bottom - w.cmdRun.Height());
     w.frmOptions.Set_Height(std::max<Twips>(w.cmdRun.Top() - button_gap - w.frmOptions.Top(), 0));
-    const Twips options_left = std::max(w.frmRemoveItems.Width() - margin - w.frmOptions.Width(),
-                                        w.grdItems.Left() + least_grid_width + w.picSlider2.Width());
+    // The options stay in sight: in a narrow window the tree gives way, down to nothing.
+    const Twips wanted_left = w.frmRemoveItems.Width() - margin - w.frmOptions.Width();
+    const Twips farthest_grid = std::max(wanted_left - w.picSlider2.Width() - least_grid_width,
+                                         w.trvFolders.Left() + w.picSlider.Width());
+    if (w.grdItems.Left() > farthest_grid) {
+      w.grdItems.Set_Left(farthest_grid);
+      w.picSlider.Set_Left(farthest_grid - w.picSlider.Width());
+      w.trvFolders.Set_Width(w.picSlider.Left() - w.trvFolders.Left());
+    }
+    const Twips options_left =
+        std::max(wanted_left, w.grdItems.Left() + least_grid_width + w.picSlider2.Width());
     w.frmOptions.Set_Left(options_left);
     w.cmdRun.Set_Left(options_left);
     w.picSlider2.Set_Left(options_left - w.picSlider2.Width());

@@ -33,8 +33,8 @@ void Load_Tooltips(MainWindow& window, Error_Handler& errors) {
         {&w.chkSelectType, "Remove only items of selected type(s)."},
         {&w.txtSelectSubject, "Enter text then press <Tab> or <Enter> to change filter."},
         {&w.dtpCutoffDate,
-         "Click drop down box to pick date or \r\n"
-         "use arrow keys to change date then press <Tab> or <Enter> to change filter."},
+         "Type a date, pick it from the calendar (Alt+Down) or\r\n"
+         "use arrow keys to change it, then press <Tab> or <Enter> to change filter."},
         {&w.chkMatchCase, "Case must match to select item."},
         {&w.chkMatchWord, "Entire subject line must be entered to select item."},
         {&w.cmdRun, "Start cleaning."},

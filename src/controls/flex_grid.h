@@ -141,6 +141,8 @@ class FlexGrid : public Control {
   std::function<void()> DblClick;
   std::function<void(int key_code)> KeyPress;
   std::function<void(int column)> Header_Click;
+  // A person has given a column another width.
+  std::function<void(int column)> Column_Sized;
 
   const Cell_Source* cells = nullptr;
 

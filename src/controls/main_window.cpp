@@ -57,7 +57,7 @@ MainWindow::MainWindow() {
                                    &mnuRefreshCurrent, &mnuClean, &mnuQuit, &mnuUnmark, &mnuResetOptions,
                                    &mnuHelp, &mnuWhatsThis, &mnuOnlineHelp, &mnuAbout});
   controls.insert(controls.end(), {&mnuStopLoading, &mnuMark, &mnuUnmarkFolder, &mnuMarkBranch, &mnuProtect,
-                                   &mnuSortReverse, &mnuOpenItem, &mnuSelectRow, &mnuSelectAllRows,
+                                   &mnuSortReverse, &mnuResetColumns, &mnuOpenItem, &mnuSelectRow, &mnuSelectAllRows,
                                    &mnuCopyRows, &mnuPutBack, &mnuNextPane, &mnuPreviousPane, &mnuRuns,
                                    &mnuTakeBack, &mnuDeletedItemsLimit, &mnuExport, &mnuExportFolder});
   for (MenuItem& field : mnuSortBy) controls.push_back(&field);

@@ -38,14 +38,14 @@ struct MainWindow {
   CheckBox chkShowAllFolders{"chkShowAllFolders", "Show &All Folders"};
   CheckBox chkShowSelectedItems{"chkShowSelectedItems", "Show Selected &Items"};
   CheckBox chkShowUnselectedItems{"chkShowUnselectedItems", "Show U&nselected Items"};
-  CheckBox chkSelectByRow{"chkSelectByRow", "Select By &Row"};
+  CheckBox chkSelectByRow{"chkSelectByRow", "Select By Ro&w"};
   Label lblProcessingOptions{"lblProcessingOptions", "Processing Options"};
   CheckBox chkTurbo{"chkTurbo", "Tur&bo"};
   CheckBox chkPermanentDelete{"chkPermanentDelete", "&Permanent Delete"};
   CheckBox chkConfirmFolders{"chkConfirmFolders", "Confirm &Each Folder"};
   CheckBox chkConfirmItems{"chkConfirmItems", "Confirm Each Ite&m"};
   CheckBox chkDeleteFolders{"chkDeleteFolders", "&Delete Folders"};
-  CheckBox chkKeepCopy{"chkKeepCopy", "Keep a Copy Fir&st"};
+  CheckBox chkKeepCopy{"chkKeepCopy", "Keep a Copy Fi&rst"};
   Label lblFilterOptions{"lblFilterOptions", "Filter Options"};
   CheckBox chkSelectUnread{"chkSelectUnread", "Select &Unread Items"};
   CheckBox chkSelectFlagged{"chkSelectFlagged", "Select Fla&gged Items"};
@@ -87,6 +87,7 @@ struct MainWindow {
                                      MenuItem{"mnuSortBy", "S&ender"}, MenuItem{"mnuSortBy", "&Subject"},
                                      MenuItem{"mnuSortBy", "E&ntry"}, MenuItem{"mnuSortBy", "&Date"}}};
   MenuItem mnuSortReverse{"mnuSortReverse", "&Reverse Order"};
+  MenuItem mnuResetColumns{"mnuResetColumns", "Reset Column &Widths"};
   MenuItem mnuOpenItem{"mnuOpenItem", "&Open Item"};
   MenuItem mnuSelectRow{"mnuSelectRow", "Select &Row"};
   MenuItem mnuSelectAllRows{"mnuSelectAllRows", "Select &All Rows"};

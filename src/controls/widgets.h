@@ -153,9 +153,12 @@ class Form : public Captioned {
   }
   bool Loaded() const { return loaded_; }
   void Load() { Assign(loaded_, true); }
+  // One that is visible already comes to the front.
   void Show() {
+    const bool was_visible = Visible();
     Load();
     Set_Visible(true);
+    if (was_visible) Notify();
   }
   void Hide() { Set_Visible(false); }
   void Unload() {

@@ -16,18 +16,20 @@ struct Column {
   Grid_Field field;
   const char* header;
   Twips fixed;  // room that its texts need at least
-  Twips share;  // of what the fixed rooms leave, in hundredths
+  Twips share;  // of what the fixed rooms leave, in proportion to the others
 };
 
-constexpr Twips type_width = 1350;
-constexpr Twips date_width = 1300;
+// The longest name of a type, and a date, in bold.
+constexpr Twips type_width = 2250;
+constexpr Twips date_width = 1500;
+constexpr Twips least_width = 1200;
 
 constexpr Column all_folders_view[] = {{Grid_Field::Folder, "Folder", 0, 23},
-                                       {Grid_Field::Type_Name, "Type", type_width, 7},
+                                       {Grid_Field::Type_Name, "Type", type_width, 0},
                                        {Grid_Field::Sender, "Sender", 0, 26},
                                        {Grid_Field::Subject, "Subject", 0, 44},
                                        {Grid_Field::Item_Date, "Date", date_width, 0}};
-constexpr Column mail_view[] = {{Grid_Field::Type_Name, "Type", type_width, 7},
+constexpr Column mail_view[] = {{Grid_Field::Type_Name, "Type", type_width, 0},
                                 {Grid_Field::Sender, "Sender", 0, 33},
                                 {Grid_Field::Subject, "Subject", 0, 60},
                                 {Grid_Field::Item_Date, "Date", date_width, 0}};
@@ -95,14 +97,30 @@ void Grid_Columns::Set_Column_Widths() {
   errors_.Run("Set_Column_Widths", [&] {
     const auto view = View(window_.chkShowAllFolders.Checked(), CurrentGridItemType);
     if (grid_.Cols() != FlexGrid::first_item_column + static_cast<int>(view.size())) return;
-    Twips shared = grid_.Width() - scroll_bar_width;
-    for (const Column& column : view) shared -= column.fixed;
+    Twips shared = grid_.Width() - scroll_bar_width, shares = 0;
+    const auto by_hand = [&](const Column& column) {
+      return by_hand_.at(static_cast<std::size_t>(column.field));
+    };
+    for (const Column& column : view) {
+      shared -= by_hand(column) > 0 ? by_hand(column) : column.fixed;
+      if (by_hand(column) == 0) shares += column.share;
+    }
     shared = std::max<Twips>(shared, 0);
     grid_.Set_Column_Width(FlexGrid::key_column, 0);
     grid_.Set_Column_Width(FlexGrid::mark_column, 0);
-    for (std::size_t i = 0; i < view.size(); ++i)
+    for (std::size_t i = 0; i < view.size(); ++i) {
+      const Column& column = view[i];
+      const Twips fair = column.fixed + (shares > 0 ? shared * column.share / shares : 0);
       grid_.Set_Column_Width(FlexGrid::first_item_column + static_cast<int>(i),
-                             view[i].fixed + shared * view[i].share / 100);
+                             by_hand(column) > 0 ? by_hand(column) : std::max(fair, least_width));
+    }
+  });
+}
+
+void Grid_Columns::mnuResetColumns_Click() {
+  errors_.Run("mnuResetColumns_Click", [&] {
+    by_hand_.fill(0);
+    Set_Column_Widths();
   });
 }
 

@@ -1,6 +1,7 @@
 // What the grid's columns show in each of its views.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string>
 
@@ -21,6 +22,10 @@ class Grid_Columns : public Cell_Source {
   Grid_Columns(MainWindow& window, FolderData_Array& records, Error_Handler& errors)
       : window_(window), grid_(window.grdItems), records_(records), errors_(errors) {
     grid_.cells = this;
+    grid_.Column_Sized = [this](int column) {
+      by_hand_.at(static_cast<std::size_t>(Get_Sort_Field(column))) = grid_.Column_Width(column);
+    };
+    window_.mnuResetColumns.Click = [this] { mnuResetColumns_Click(); };
   }
 
   // The current folder's default item type; with Show All Folders off it chooses the view.
@@ -28,9 +33,12 @@ class Grid_Columns : public Cell_Source {
 
   // Sets count, headers and widths of the columns for the current view.
   void Set_Grid_Columns();
-  // Spreads the grid's width over the columns.
+  // Spreads the grid's width over the columns. Those that a person has sized keep their width, in every view,
+  // and none shrinks to nothing; then the grid is wider than its pane.
   void Set_Column_Widths();
   void Reset_Column_Widths();
+  // Gives up the widths that a person has set.
+  void mnuResetColumns_Click();
 
   // The column that shows a field; the column count where the view does not show it.
   int Get_Sort_Column(Grid_Field field) const;
@@ -46,6 +54,7 @@ class Grid_Columns : public Cell_Source {
   FlexGrid& grid_;
   FolderData_Array& records_;
   Error_Handler& errors_;
+  std::array<Twips, 6> by_hand_{};  // by field; 0 where nobody has set a width
 };
 
 }  // namespace tidyfold

@@ -14,7 +14,7 @@ void Item_Display::Wire() {
   };
   grid_.KeyPress = [this](int key_code) {
     errors_.Run("grdItems_KeyPress", [&] {
-      if (key_code == 13 && grid_.Row() > 0) Display_Current_Item();
+      if (key_code == 13) Display_Row(grid_.Row());
     });
   };
 }

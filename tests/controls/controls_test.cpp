@@ -5,6 +5,7 @@
 
 #include "base/dates.h"
 #include "base/text.h"
+#include "base/written_date.h"
 #include "controls/flex_grid.h"
 #include "controls/tree_view.h"
 #include "controls/widgets.h"
@@ -19,6 +20,33 @@ TEST(Text, Is_Cut_At_Blanks_And_Between_Characters) {
   EXPECT_EQ(First_Characters("ab\xE2\x82", 3), "ab\xE2");
   EXPECT_EQ(First_Characters("ab", 20), "ab");
   EXPECT_EQ(Valid_Utf8("a\xE2\x82ö"), "a\xEF\xBF\xBD\xEF\xBF\xBDö");
+}
+
+TEST(Text, Is_Read_As_A_Date_In_The_Form_Of_The_Locale_And_Of_The_List) {
+  const struct {
+    const char *text, *form, *date;
+  } cases[] = {{"2015-12-31", "%d.%m.%Y", "2015-12-31"},
+               {"31.12.2015", "%d.%m.%Y", "2015-12-31"},
+               {" 1. 2. 68 ", "%d.%m.%y", "2068-02-01"},
+               {"12/31/69", "%m/%d/%y", "1969-12-31"},
+               {"15/2/3", "%y/%-m/%e", "2015-02-03"},
+               {"2015年12月31日", "%Y年%m月%d日", "2015-12-31"},
+               {"2/3/2015", "%D", "2015-02-03"},
+               {"2016/02/29", "%d %b %Y", "2016-02-29"},
+               {"02/29/2015", "%m/%d/%Y", ""},
+               {"31/12/2015", "%m/%d/%Y", ""},
+               {"1/2/215", "%m/%d/%Y", ""},
+               {"2015-12", "%F", ""},
+               {"2015-12-31x", "%F", ""},
+               {"20151231", "%F", ""},
+               {"3 1 2015", "%d %b %Y", ""},
+               {"", "%F", ""},
+               {"2015-99999999999-1", "%F", ""},
+               {"-1/2/2015", "%m/%d/%Y", ""}};
+  for (const auto& [text, form, expected] : cases) {
+    const std::optional<Date> date = Read_Date(text, form);
+    EXPECT_EQ(date ? Format_Date(*date) : "", expected) << text << " as " << form;
+  }
 }
 
 TEST(Text, Beginnings_Without_Case_Are_Those_Of_The_Upper_Cases) {

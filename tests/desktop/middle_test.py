@@ -45,7 +45,7 @@ class Middle(Window_Case):
         self.make_store(100000)
         before = self.content()
         window = self.open()
-        for key, question in (("Escape", "Quit processing records?"), ("ctrl+q", "Quit Tidyfold?")):
+        for key, question in (("Escape", "Quit processing records?"), ("alt+F4", "Quit Tidyfold?")):
             window.tick("chkPermanentDelete")  # off again after each run
             window.tick_folder("Inbox")
             window.click("cmdRun")

@@ -154,10 +154,8 @@ class Window(Window_Case):
         window.box(DELETED)
         window.xdotool("keyup", "space")
         window.answer(DELETED)
-        for enabled in (True, False):
-            window.key("alt+t")
-            window.wait("the date filter turned", lambda state:
-                        state["widgets"]["dtpCutoffDate"]["enabled"] == enabled)
+        self.type_dates(window)
+        self.press_menu_keys(window)
         window.key("ctrl+u")
         window.wait("no folder ticked", lambda state: not ticked(state))
         # The item that a row shows, by key and by mouse.
@@ -176,6 +174,76 @@ class Window(Window_Case):
         window.answer("Quit Tidyfold?", "Escape")
         self.wait_for_rest()
         self.quit()
+
+    def type_dates(self, window):
+        def box_says(text, complains=False):
+            window.wait(f"the date {text}", lambda state: state["widgets"]["dtpCutoffDate"]["text"] == text and
+                        ("lblNoDate" in state["widgets"]) == complains)
+
+        window.click("chkSelectDate")
+        window.wait("its box", lambda state: state["widgets"]["dtpCutoffDate"]["enabled"])
+        window.key("Tab")
+        window.wait("the box by Tab", lambda state: state["focus"] == "dtpCutoffDate")
+        # Written in the locale's form or in the list's; what is shown then is what is in force.
+        for written, key, shown in (("2015-12-31", "Return", "2015-12-31"), ("12/30/15", "Return", "2015-12-30"),
+                                    ("1/2/1999", "Tab", "1999-01-02")):
+            window.key("ctrl+a")
+            window.type(written)
+            window.key(key)
+            box_says(shown)
+        window.key("shift+Tab")
+        window.wait("the box again", lambda state: state["focus"] == "dtpCutoffDate")
+        # What is no date stays, is told, and Clean waits.
+        window.key("ctrl+a")
+        window.type("02/31/2014")
+        for key in ("Tab", "Return", "ctrl+Return"):
+            window.key(key)
+            box_says("02/31/2014", True)
+            state = window.wait("the keyboard there", lambda state: state["focus"] == "dtpCutoffDate")
+            self.assertEqual(state["boxes"], [])
+        window.key("Escape")
+        box_says("1999-01-02")
+        # One click on a day chooses it and closes the calendar; so does Enter.
+        window.key("alt+Down")
+        calendar = window.wait("the calendar", lambda state: "calCutoffDate" in state["widgets"])
+        window.key("Right")
+        window.key("Return")
+        box_says("1999-01-03")
+        window.wait("no calendar", lambda state: "calCutoffDate" not in state["widgets"])
+        window.click("cmdCalendar")
+        calendar = window.wait("the calendar", lambda state: "calCutoffDate" in state["widgets"])
+        window.click_at(calendar["widgets"]["calCutoffDate"]["rectangle"])
+        state = window.wait("no calendar", lambda state: "calCutoffDate" not in state["widgets"])
+        self.assertRegex(state["widgets"]["dtpCutoffDate"]["text"], "^199[89]-[01][0-9]-[0-3][0-9]$")
+        self.assertNotEqual(state["widgets"]["dtpCutoffDate"]["text"], "1999-01-03")
+        window.click("chkSelectDate")
+
+    def press_menu_keys(self, window):
+        """In every pane, the menu's keys do what the menu says."""
+        window.tick("chkSelectSubject")
+        inbox = window.node("Inbox")["rectangle"]
+        subject = window.usable("txtSelectSubject")["rectangle"]
+        window.click_at(inbox)
+        window.wait("the Inbox", lambda state: len(state["grid"]) > 3)
+        row = window.state()["grid"][2]
+        for pane, place in (("trvFolders", inbox), ("grdItems", row["rectangle"]), ("txtSelectSubject", subject)):
+            window.click_at(place)
+            window.wait(pane, lambda state: state["focus"] == pane)
+            for key, done in (("ctrl+k", lambda state: any(node["lock"] for node in state["tree"])),
+                              ("ctrl+k", lambda state: not any(node["lock"] for node in state["tree"])),
+                              ("ctrl+m", lambda state: ticked(state) and state["widgets"]["cmdRun"]["enabled"])):
+                window.key(key)
+                window.wait(f"{key} in {pane}", done)
+            window.key("ctrl+Return")
+            window.answer("identified for cleaning", "Escape")
+            self.wait_for_rest()
+            window.key("ctrl+u")
+            window.wait("no tick", lambda state: not ticked(state))
+            window.key("alt+Return")
+            window.wait("the item", lambda state: "frmItem" in state["beside"])
+            window.key("Escape", "other")
+            window.wait("no item", lambda state: not state["beside"])
+        window.tick("chkSelectSubject")
 
     def test_right_clicks_offer_and_choose_nothing_f6_goes_round_and_bars_move_the_panes(self):
         self.make_store(300)
@@ -212,6 +280,7 @@ class Window(Window_Case):
         window.wait("Notes current", lambda state: state["widgets"]["lblCurrentFolder"]["label"].endswith(" Notes"))
         window.key("ctrl+k")
         window.wait("Notes without a lock", lambda state: locked(state, ""))
+        self.export_notes(window)
         window.tick("chkSelectByRow")
         window.click_row(2)
         window.wait("the row picked", lambda state: state["grid"][1]["texts"][1] == "1")
@@ -222,8 +291,31 @@ class Window(Window_Case):
         for pane in ("picSlider2", "frmOptions", "trvFolders", "picSlider", "grdItems"):
             window.key("F6")
             window.wait(pane, lambda state: state["focus"] in (pane, {"frmOptions": "chkMarkSubFolders"}.get(pane)))
+        # The header has a menu of its own.
+        x, y, width, height = window.state()["grid"][0]["rectangle"]
+        window.click_at((x, y - height, width, height), button=3)
+        window.key("Down", "menu")
+        window.wait("its first entry", lambda state: state["said"] == "Put the rows in the order of their folder")
+        window.key("Escape", "menu")
+        window.keyboard("window")
         self.drag_bars(window)
         self.quit()
+
+    def export_notes(self, window):
+        """The current folder, through its dialog; Esc closes the report."""
+        to = self.folder / "exported"
+        to.mkdir()
+        window.key("ctrl+shift+e")
+        window.wait("the dialog", lambda state: "Export_Dialog" in state["beside"] and state["keyboard"] == "box")
+        window.xdotool("key", "ctrl+a")
+        window.xdotool("type", str(to))
+        window.xdotool("key", "Return")
+        window.wait("the report", lambda state: "dialog" in state["beside"] and state["keyboard"] == "box")
+        window.xdotool("key", "Escape")
+        window.keyboard("window")
+        written = [file for file in to.rglob("*") if file.is_file() and not file.name.startswith(".")]
+        self.assertEqual(len(written), window.state()["rows"])
+        self.assertTrue(all(file.stat().st_size for file in written))
 
     def drag_bars(self, window):
         names = ("trvFolders", "picSlider", "grdItems", "picSlider2", "frmOptions")

@@ -102,6 +102,7 @@ wxTextCtrl* About_Window::Add_Text(const TextBox& model, long style) {
 }
 
 void About_Window::Show_Form() {
+  if (form_.Visible() && IsShown()) return wxDialog::Raise();
   if (form_.Visible() == IsShown()) return;
   if (!form_.Visible()) {
     Hide();

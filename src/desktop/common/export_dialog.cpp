@@ -30,10 +30,12 @@ Export_Dialog::Export_Dialog(wxWindow* parent, const std::string& folder)
                wxDEFAULT_DIALOG_STYLE | wxRESIZE_BORDER) {
   SetName("Export_Dialog");
   auto* const column = new wxBoxSizer(wxVERTICAL);
-  const wxString what = folder.empty()
-                            ? wxString("All folders are written below the one that you name.")
-                            : "\"" + To_One_Line(folder) +
-                                  "\" and all folders below it are written below the one that you name.";
+  constexpr std::size_t longest_name = 40;  // a long word would not wrap
+  wxString name = To_One_Line(folder);
+  if (name.length() > longest_name) name = name.Left(longest_name) + "...";
+  const wxString what =
+      folder.empty() ? wxString("All folders are written below the one that you name.")
+                     : "\"" + name + "\" and all folders below it are written below the one that you name.";
   auto* const text = new wxStaticText(
       this, wxID_ANY,
       what +
@@ -64,6 +66,8 @@ Export_Dialog::Export_Dialog(wxWindow* parent, const std::string& folder)
   column->Add(buttons, wxSizerFlags().Expand().Border(wxALL, FromDIP(margin)));
   SetSizerAndFit(column);
   CentreOnParent();
+  // Before the buttons: what is asked for.
+  directory_->GetTextCtrl()->SetFocus();
   // Not without a folder.
   Bind(
       wxEVT_UPDATE_UI, [this](wxUpdateUIEvent& event) { event.Enable(!Directory().empty()); }, wxID_OK);

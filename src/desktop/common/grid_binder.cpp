@@ -1,5 +1,6 @@
 #include "desktop/common/grid_binder.h"
 
+#include <wx/headerctrl.h>
 #include <wx/settings.h>
 
 #include <algorithm>
@@ -90,7 +91,13 @@ Grid_Binder::Grid_Binder(FlexGrid& model, wxGrid& widget, wxStaticText& hint, Re
     From_User([&] {
       if (Grid_Table::Model_Column(column) >= model_.Cols()) return;
       model_.Set_Column_Width(Grid_Table::Model_Column(column), scale_.To_Twips(widget_.GetColSize(column)));
+      Raise(model_.Column_Sized, Grid_Table::Model_Column(column));
     });
+  });
+  // The toolkit's own menu would hide columns, which the model does not know.
+  widget_.GetGridColHeader()->Bind(wxEVT_HEADER_RIGHT_CLICK, [this](wxHeaderCtrlEvent&) {
+    if (model_.Enabled())
+      Show_Context_Menu(widget_, header_menu, widget_.ScreenToClient(wxGetMousePosition()));
   });
   Show();
 }

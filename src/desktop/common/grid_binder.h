@@ -26,6 +26,8 @@ class Grid_Binder : public Control_Binder, public Late_Widget {
   void Catch_Up() override;
   // Opened by a right click, the menu key and Shift+F10.
   Context_Menu context_menu;
+  // Opened by a right click on the header.
+  Context_Menu header_menu;
 
  private:
   void Show_Model() override;

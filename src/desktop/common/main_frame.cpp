@@ -3,12 +3,14 @@
 #include <wx/button.h>
 #include <wx/clipbrd.h>
 #include <wx/display.h>
+#include <wx/dnd.h>
 #include <wx/menu.h>
 #include <wx/settings.h>
 
 #include <algorithm>
 #include <utility>
 
+#include "base/file_path.h"
 #include "desktop/common/application_icon.h"
 #include "desktop/common/grid_binder.h"
 #include "desktop/common/options_panel.h"
@@ -28,6 +30,24 @@ constexpr int reserved_height = 90;
 constexpr int smallest_width = 480, smallest_height = 320;
 // Where the screen has room, the window opens larger than designed; start-up lays the panes out.
 constexpr Twips comfortable_width = 18000, comfortable_height = 11100;
+
+// Takes files that are dropped on a window.
+class Dropped_Files : public wxFileDropTarget {
+ public:
+  Dropped_Files(wxWindow& window, std::function<void(const std::vector<std::filesystem::path>&)> take)
+      : window_(window), take_(std::move(take)) {}
+  bool OnDropFiles(wxCoord, wxCoord, const wxArrayString& names) override {
+    std::vector<std::filesystem::path> files;
+    for (const wxString& name : names) files.push_back(File_Path(From_Wx(name)));
+    // Later: the program that they come from waits for the end of this.
+    window_.CallAfter([take = take_, files] { take(files); });
+    return true;
+  }
+
+ private:
+  wxWindow& window_;
+  std::function<void(const std::vector<std::filesystem::path>&)> take_;
+};
 
 }  // namespace
 
@@ -61,6 +81,12 @@ Main_Frame::Main_Frame(MainWindow& model, Repaint_Schedule& schedule, File_Comma
     event.Skip();
     Take_Size();
   });
+  if (commands_.Take_In) {
+    SetDropTarget(new Dropped_Files(*this, [this](const auto& files) {
+      // Stores must not be exchanged during a run.
+      if (model_.mnuRefresh.Enabled()) commands_.Take_In(files);
+    }));
+  }
   Bind(wxEVT_CLOSE_WINDOW, &Main_Frame::Closed_By_User, this);
   Bind(wxEVT_CHAR_HOOK, &Main_Frame::Key_Pressed, this);
   Bind(wxEVT_CHILD_FOCUS, [this](wxChildFocusEvent& event) {
@@ -104,6 +130,9 @@ void Main_Frame::Build_Panes() {
   grid_binder.context_menu =
       Entries({&model_.mnuOpenItem, nullptr, &model_.mnuSelectRow, &model_.mnuSelectAllRows, nullptr,
                &model_.mnuCopyRows, &model_.mnuPutBack});
+  for (const MenuItem& field : model_.mnuSortBy) grid_binder.header_menu.push_back(Entries({&field}).front());
+  for (const auto& entry : Entries({nullptr, &model_.mnuSortReverse, nullptr, &model_.mnuResetColumns}))
+    grid_binder.header_menu.push_back(entry);
   model_.Set_Clipboard_Text = [](const std::string& text) {
     const wxClipboardLocker lock;
     if (!lock) return;
@@ -118,7 +147,7 @@ void Main_Frame::Build_Panes() {
 
   auto* const run = new wxButton(surface_, wxID_ANY, To_Wx(model_.cmdRun.Caption()));
   run->SetFont(run->GetFont().Bold());
-  binders_.Add<Button_Binder>(model_.cmdRun, *run, [this] { Settle(); }).Follow_Position(scale_);
+  binders_.Add<Button_Binder>(model_.cmdRun, *run, [this] { return Settle(); }).Follow_Position(scale_);
 
   for (PictureBox* const bar : {&model_.picSlider, &model_.picSlider2})
     binders_.Add<Splitter_Bar_Binder>(*bar, *new Splitter_Bar(surface_), scale_).Follow_Position(scale_);
@@ -203,6 +232,7 @@ wxMenu* Main_Frame::New_View_Menu() {
 
   auto* const view = new wxMenu;
   view->AppendSubMenu(order, "&Sort By", "Choose the order of the rows");
+  Add_Entry(*view, model_.mnuResetColumns, "", "Give all columns the width that fits the list");
   view->AppendSeparator();
   Add_Entry(*view, model_.mnuOpenItem, "Alt+Return", "Open the item of the current row");
   Add_Entry(*view, model_.mnuSelectRow, "Ctrl+Space", "Select the current row, or take it out");
@@ -245,7 +275,8 @@ void Main_Frame::Go_To_Pane(int step) {
 void Main_Frame::Add_Entry(wxMenu& menu, MenuItem& model, const wxString& key, const wxString& help,
                            wxItemKind kind) {
   menu_binders_.push_back(std::make_unique<Menu_Binder>(
-      model, menu, *this, key, help, [this] { Settle(); }, kind));
+      model, menu, *this, key, help, [this, &model] { return Settle() || &model != &model_.mnuClean; },
+      kind));
 }
 
 Context_Menu Main_Frame::Entries(std::initializer_list<const MenuItem*> models) const {
@@ -346,14 +377,51 @@ void Main_Frame::Closed_By_User(wxCloseEvent& event) {
 void Main_Frame::Key_Pressed(wxKeyEvent& event) {
   // During a run the button is Cancel.
   const bool running = !model_.mnuClean.Enabled() && model_.cmdRun.Enabled();
-  if (event.GetKeyCode() != WXK_ESCAPE) return event.Skip();
-  if (running) {
+  if (event.GetKeyCode() != WXK_ESCAPE) {
+    if (!Do_Menu_Key(event)) event.Skip();
+  } else if (running) {
     tidyfold::Raise(model_.cmdRun.Click);
   } else if (model_.mnuStopLoading.Enabled()) {
     tidyfold::Raise(model_.mnuStopLoading.Click);
   } else {
     event.Skip();
   }
+}
+
+// Every pane has keys of its own, some of which are also the menu's: the menu's come first. A text box keeps
+// those of editing.
+bool Main_Frame::Do_Menu_Key(const wxKeyEvent& event) {
+  const int code = event.GetKeyCode() == WXK_NUMPAD_ENTER ? static_cast<int>(WXK_RETURN) : event.GetKeyCode();
+  const bool edits = event.GetModifiers() == wxMOD_CONTROL && (code == 'A' || code == 'C');
+  if (edits && dynamic_cast<wxTextCtrl*>(FindFocus()) != nullptr) return false;
+  const auto has_key = [&](const wxMenuItem& item) {
+    const std::unique_ptr<wxAcceleratorEntry> key(item.GetAccel());
+    if (key == nullptr || key->GetKeyCode() != code) return false;
+    int modifiers = wxMOD_NONE;
+    if ((key->GetFlags() & wxACCEL_CTRL) != 0) modifiers |= wxMOD_CONTROL;
+    if ((key->GetFlags() & wxACCEL_SHIFT) != 0) modifiers |= wxMOD_SHIFT;
+    if ((key->GetFlags() & wxACCEL_ALT) != 0) modifiers |= wxMOD_ALT;
+    return modifiers == event.GetModifiers();
+  };
+  const std::function<const wxMenuItem*(const wxMenu&)> find = [&](const wxMenu& menu) -> const wxMenuItem* {
+    for (const wxMenuItem* const item : menu.GetMenuItems()) {
+      if (!item->IsSubMenu() && has_key(*item)) return item;
+      if (!item->IsSubMenu()) continue;
+      if (const wxMenuItem* const below = find(*item->GetSubMenu())) return below;
+    }
+    return nullptr;
+  };
+  for (std::size_t at = 0; at < GetMenuBar()->GetMenuCount(); ++at) {
+    const wxMenuItem* const item = find(*GetMenuBar()->GetMenu(at));
+    if (item == nullptr) continue;
+    if (item->IsEnabled()) {
+      wxCommandEvent command(wxEVT_MENU, item->GetId());
+      command.SetEventObject(this);
+      HandleWindowEvent(command);
+    }
+    return true;
+  }
+  return false;
 }
 
 // A disabled widget loses the focus, and then no key would reach the window. Moves the focus to Cancel or the
@@ -393,8 +461,9 @@ void Main_Frame::Idle(wxIdleEvent& event) {
   }
 }
 
-void Main_Frame::Settle() {
-  options_->Settle();
+// While a run goes on, the button is Cancel, and nothing may be in its way.
+bool Main_Frame::Settle() {
+  return options_->Settle() || !model_.mnuClean.Enabled();
 }
 
 }  // namespace tidyfold

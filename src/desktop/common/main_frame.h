@@ -5,6 +5,7 @@
 #include <wx/panel.h>
 #include <wx/weakref.h>
 
+#include <filesystem>
 #include <functional>
 #include <initializer_list>
 #include <memory>
@@ -24,6 +25,8 @@ class Options_Panel;
 // Commands on store files, which the model does not know. Empty ones get no menu entry.
 struct File_Commands {
   std::function<void()> Open_Store, New_Sample, Import_Files, Import_Folder, Compact;
+  // Opens or imports files that are dropped on the window.
+  std::function<void(const std::vector<std::filesystem::path>&)> Take_In;
   bool exports = false;  // whether what is in the stores can be exported
 };
 
@@ -54,9 +57,11 @@ class Main_Frame : public wxFrame {
   void Take_Size();
   void Closed_By_User(wxCloseEvent& event);
   void Key_Pressed(wxKeyEvent& event);
+  bool Do_Menu_Key(const wxKeyEvent& event);
   void Keep_Keyboard();
   void Idle(wxIdleEvent& event);
-  void Settle();
+  // False where what is typed must be mended before anything is cleaned.
+  bool Settle();
   wxSize Client_Size_Of_Model() const;
 
   MainWindow& model_;

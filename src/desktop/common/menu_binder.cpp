@@ -5,7 +5,7 @@
 namespace tidyfold {
 
 Menu_Binder::Menu_Binder(MenuItem& model, wxMenu& menu, wxFrame& frame, const wxString& key,
-                         const wxString& help, std::function<void()> settle, wxItemKind kind)
+                         const wxString& help, std::function<bool()> settle, wxItemKind kind)
     : model_(model),
       key_(key),
       item_(menu.Append(wxID_ANY, Label(), help, kind)),
@@ -15,8 +15,7 @@ Menu_Binder::Menu_Binder(MenuItem& model, wxMenu& menu, wxFrame& frame, const wx
       [this](wxCommandEvent&) {
         // An accelerator may arrive before the entry has been greyed.
         if (!model_.Enabled()) return;
-        settle_();
-        Raise(model_.Click);
+        if (settle_()) Raise(model_.Click);
         // wxWidgets has toggled the check mark itself.
         Show();
       },

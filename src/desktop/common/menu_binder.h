@@ -13,9 +13,10 @@ namespace tidyfold {
 class Menu_Binder {
  public:
   // Appends the entry to `menu`, which belongs to `frame`. `key` is an accelerator in wxWidgets' notation
-  // ("Ctrl+F5"); `settle` runs before every click. An entry that shows a state is a check or radio item.
+  // ("Ctrl+F5"); `settle` runs before every click; where it says no, the
+  // click does nothing. An entry that shows a state is a check or radio item.
   Menu_Binder(MenuItem& model, wxMenu& menu, wxFrame& frame, const wxString& key, const wxString& help,
-              std::function<void()> settle, wxItemKind kind = wxITEM_NORMAL);
+              std::function<bool()> settle, wxItemKind kind = wxITEM_NORMAL);
   Menu_Binder(const Menu_Binder&) = delete;
   Menu_Binder& operator=(const Menu_Binder&) = delete;
   ~Menu_Binder();
@@ -31,7 +32,7 @@ class Menu_Binder {
   MenuItem& model_;
   wxString key_;
   wxMenuItem* item_;  // owned by the menu
-  std::function<void()> settle_;
+  std::function<bool()> settle_;
 };
 
 }  // namespace tidyfold

@@ -2,6 +2,9 @@
 
 #include <wx/statline.h>
 
+#include <algorithm>
+#include <vector>
+
 #include "desktop/common/system_look.h"
 #include "desktop/common/text_conversion.h"
 
@@ -50,9 +53,9 @@ void Options_Panel::Bind_To_Model(Binders& binders) {
   FitInside();
 }
 
-void Options_Panel::Settle() {
+bool Options_Panel::Settle() {
   subject_->Settle();
-  cutoff_date_->Settle();
+  return cutoff_date_->Settle_Or_Complain();
 }
 
 wxBoxSizer* Options_Panel::Start_Group(Label& heading) {
@@ -89,11 +92,19 @@ void Options_Panel::Add_Filters(wxBoxSizer& group) {
   auto* const date_line = new wxBoxSizer(wxHORIZONTAL);
   date_line->Add(New_Check_Box(model_.chkSelectDate), wxSizerFlags().CentreVertical());
   date_line->AddStretchSpacer();
-  auto* const date = new wxDatePickerCtrl(this, wxID_ANY, wxDefaultDateTime, wxDefaultPosition, wxDefaultSize,
-                                          wxDP_DROPDOWN | wxDP_SHOWCENTURY);
-  cutoff_date_ = &binders_->Add<Date_Picker_Binder>(model_.dtpCutoffDate, *date);
+  auto* const date = new wxTextCtrl(this, wxID_ANY);
+  const int height = date->GetCharHeight() + FromDIP(text_box_padding);
+  const int width = date->GetSizeFromTextSize(date->GetTextExtent("0000-00-00").x).x;
+  date->SetMinSize(wxSize(width + FromDIP(text_box_padding), height));
+  auto* const opener = new wxButton(this, wxID_ANY, wxString::FromUTF8("\u25BE"), wxDefaultPosition,
+                                    wxDefaultSize, wxBU_EXACTFIT);
+  opener->SetMinSize(wxSize(height, height));
+  auto* const complaint = new wxStaticText(this, wxID_ANY, wxString());
+  cutoff_date_ = &binders_->Add<Date_Box_Binder>(model_.dtpCutoffDate, *date, *opener, *complaint);
   date_line->Add(date, wxSizerFlags().CentreVertical());
+  date_line->Add(opener, wxSizerFlags().CentreVertical());
   group.Add(date_line, wxSizerFlags().Expand());
+  group.Add(complaint, below_option);
 
   Add_Option(group, model_.chkSelectSubject);
   auto* const subject = new wxTextCtrl(this, wxID_ANY);
@@ -102,23 +113,30 @@ void Options_Panel::Add_Filters(wxBoxSizer& group) {
   group.Add(subject, below_option);
   group.AddSpacer(FromDIP(Check_Box_Gap()));
   auto* const match = new wxFlexGridSizer(2, FromDIP(wxSize(8, Check_Box_Gap())));
-  match->AddGrowableCol(0);
   match->AddGrowableCol(1);
-  for (CheckBox* const option : {&model_.chkMatchCase, &model_.chkMatchWord})
-    match->Add(New_Check_Box(*option));
+  std::vector<wxCheckBox*> first_column;
+  for (CheckBox* const option : {&model_.chkMatchCase, &model_.chkMatchWord}) {
+    wxCheckBox* const box = New_Check_Box(*option);
+    if (option == &model_.chkMatchCase) first_column.push_back(box);
+    match->Add(box);
+  }
   group.Add(match, below_option);
   group.AddSpacer(FromDIP(Check_Box_Gap()));
 
   Add_Option(group, model_.chkSelectType);
   auto* const types = new wxFlexGridSizer(2, FromDIP(wxSize(8, Check_Box_Gap())));
-  types->AddGrowableCol(0);
   types->AddGrowableCol(1);
   for (TypeBox& type : model_.chkType) {
     wxCheckBox* const box = New_Check_Box(type.box);
     // The members of the control array share one name.
     box->SetName(box->GetName() + wxString::Format("(%d)", type.index));
     types->Add(box);
+    if (types->GetItemCount() % 2 == 1) first_column.push_back(box);
   }
+  // Both pairs of columns stand below one another.
+  int first_width = 0;
+  for (const wxCheckBox* const box : first_column) first_width = std::max(first_width, box->GetBestSize().x);
+  for (wxCheckBox* const box : first_column) box->SetMinSize(wxSize(first_width, -1));
   group.Add(types, below_option);
 }
 

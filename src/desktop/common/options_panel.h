@@ -8,6 +8,7 @@
 
 #include "controls/main_window.h"
 #include "desktop/common/binders.h"
+#include "desktop/common/date_box.h"
 #include "desktop/common/simple_binders.h"
 
 namespace tidyfold {
@@ -21,8 +22,9 @@ class Options_Panel : public wxScrolledWindow {
 
   // Creates the widgets and adds their binders.
   void Bind_To_Model(Binders& binders);
-  // Passes pending edits to the model; see Text_Box_Binder::Settle.
-  void Settle();
+  // Passes pending edits to the model; see Text_Box_Binder::Settle. False where the cut-off date is none:
+  // then the panel says so, and the keyboard is in its box.
+  bool Settle();
 
  private:
   wxBoxSizer* Start_Group(Label& heading);
@@ -36,7 +38,7 @@ class Options_Panel : public wxScrolledWindow {
   Binders* binders_ = nullptr;
   wxBoxSizer* column_ = nullptr;
   Text_Box_Binder* subject_ = nullptr;
-  Date_Picker_Binder* cutoff_date_ = nullptr;
+  Date_Box_Binder* cutoff_date_ = nullptr;
 };
 
 }  // namespace tidyfold

@@ -25,8 +25,9 @@
 
 namespace tidyfold {
 
-Program::Program(std::vector<std::filesystem::path> stores, Program_Observer* observer)
-    : first_stores_(std::move(stores)), observer_(observer) {}
+Program::Program(std::vector<std::filesystem::path> stores, std::vector<std::filesystem::path> files,
+                 Program_Observer* observer)
+    : first_stores_(std::move(stores)), first_files_(std::move(files)), observer_(observer) {}
 
 Program::~Program() = default;
 
@@ -74,6 +75,13 @@ void Program::Start() {
 }
 
 bool Program::Open_First_Stores() {
+  if (!first_files_.empty()) {
+    // What is imported goes into the stores that were open last, or into a new one.
+    if (first_stores_.empty()) first_stores_ = Last_Stores(*registry_);
+    if (!first_stores_.empty()) files_->Open(nullptr, first_stores_);
+    if (files_->Take_In(nullptr, first_files_) || !outlook_.Stores().empty()) return true;
+    return Welcome_Dialog(*files_).ShowModal() == wxID_OK;
+  }
   if (first_stores_.empty()) {
     system_outlook_ = Make_Outlook_Source();
     if (system_outlook_) return true;
@@ -93,6 +101,11 @@ void Program::Build() {
   if (!system_outlook_ && Can_Import()) {
     commands.Import_Files = [this] { Change_Stores([this] { return files_->Import_Files(frame_); }); };
     commands.Import_Folder = [this] { Change_Stores([this] { return files_->Import_Folder(frame_); }); };
+  }
+  if (!system_outlook_) {
+    commands.Take_In = [this](const std::vector<std::filesystem::path>& files) {
+      Change_Stores([&] { return files_->Take_In(frame_, files); });
+    };
   }
   commands.exports = !system_outlook_ && Can_Export();
   if (!system_outlook_) commands.Compact = [this] { Compact(); };

@@ -34,8 +34,10 @@ class Message_Window;
 
 class Program : public wxApp {
  public:
-  // The stores to open; none: those that were open last. The observer may be absent.
-  Program(std::vector<std::filesystem::path> stores, Program_Observer* observer);
+  // The stores to open, and files to open or to import; where no store is named, those that were open last
+  // are opened. The observer may be absent.
+  Program(std::vector<std::filesystem::path> stores, std::vector<std::filesystem::path> files,
+          Program_Observer* observer);
   ~Program() override;
 
   bool OnInit() override;
@@ -55,7 +57,7 @@ class Program : public wxApp {
   void End_When_Unwound();
   void Commit();
 
-  std::vector<std::filesystem::path> first_stores_;
+  std::vector<std::filesystem::path> first_stores_, first_files_;
   Program_Observer* observer_;
   // What the window works on: Outlook, when it is there and no store file was named, or store files.
   std::unique_ptr<Automation> system_outlook_;

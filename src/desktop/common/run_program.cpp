@@ -19,6 +19,8 @@ int Run_Program(int argc, char** argv, Program_Observer* observer) {
   arguments.add_option("--store", stores, "A store to open; repeat it for several. None: those open last.")
       ->type_name("FILE")
       ->allow_extra_args(false);
+  std::vector<std::string> files;
+  arguments.add_option("files", files, "Stores to open, and files or folders to import.")->type_name("FILE");
   try {
     std::vector<std::string> given = Program_Arguments(argc, argv);
     std::reverse(given.begin(), given.end());  // CLI11 takes them from the back
@@ -28,12 +30,14 @@ int Run_Program(int argc, char** argv, Program_Observer* observer) {
   }
 
   // wxWidgets creates the wxApp through a plain function pointer, which cannot capture.
-  static std::vector<std::filesystem::path> paths;
+  static std::vector<std::filesystem::path> paths, others;
   static Program_Observer* watching;
   paths.reserve(stores.size());
   for (const std::string& store : stores) paths.push_back(File_Path(store));
+  others.reserve(files.size());
+  for (const std::string& file : files) others.push_back(File_Path(file));
   watching = observer;
-  wxApp::SetInitializerFunction([]() -> wxAppConsole* { return new Program(paths, watching); });
+  wxApp::SetInitializerFunction([]() -> wxAppConsole* { return new Program(paths, others, watching); });
   int no_arguments = 1;
   return wxEntry(no_arguments, argv);
 }

@@ -1,9 +1,8 @@
-// The binders of check boxes, buttons, labels, the text box and the date picker.
+// The binders of check boxes, buttons, labels and the text box.
 #pragma once
 
 #include <wx/button.h>
 #include <wx/checkbox.h>
-#include <wx/datectrl.h>
 #include <wx/stattext.h>
 #include <wx/textctrl.h>
 
@@ -24,14 +23,14 @@ class Check_Box_Binder : public Control_Binder {
 
 class Button_Binder : public Control_Binder {
  public:
-  // `settle` runs before every click.
-  Button_Binder(CommandButton& model, wxButton& widget, std::function<void()> settle);
+  // `settle` runs before every click; where it says no, the click does nothing.
+  Button_Binder(CommandButton& model, wxButton& widget, std::function<bool()> settle);
 
  private:
   void Show_Model() override;
   CommandButton& model_;
   wxButton& widget_;
-  std::function<void()> settle_;
+  std::function<bool()> settle_;
 };
 
 // Ends a text that does not fit with an ellipsis.
@@ -57,20 +56,6 @@ class Text_Box_Binder : public Control_Binder {
   void Show_Model() override;
   TextBox& model_;
   wxTextCtrl& widget_;
-  bool edited_ = false;
-};
-
-class Date_Picker_Binder : public Control_Binder {
- public:
-  Date_Picker_Binder(DatePicker& model, wxDatePickerCtrl& widget);
-  // See Text_Box_Binder::Settle.
-  void Settle();
-
- private:
-  void Show_Model() override;
-  void Take_Date();
-  DatePicker& model_;
-  wxDatePickerCtrl& widget_;
   bool edited_ = false;
 };
 

@@ -9,8 +9,11 @@
 #include <wx/stdpaths.h>
 
 #include <algorithm>
+#include <fstream>
 #include <iterator>
 #include <optional>
+#include <string>
+#include <string_view>
 
 #include "base/file_path.h"
 #include "base/size_text.h"
@@ -28,10 +31,11 @@ namespace tidyfold {
 namespace {
 
 constexpr const char* store_wildcard = "Tidyfold stores (*.tidyfold)|*.tidyfold|All files|*";
+// Mailboxes of many programs have names without an extension.
 constexpr const char* source_wildcard =
-    "Mail, calendars and address "
+    "All files|*|Mail, calendars and address "
     "books|*.pst;*.PST;*.ost;*.OST;*.pab;*.PAB;*.mbox;*.mbx;*.eml;*.EML;*.emlx;*.msg;*.MSG;"
-    "*.ics;*.ICS;*.vcf;*.VCF|All files|*";
+    "*.ics;*.ICS;*.vcf;*.VCF";
 
 // The choices of an import, in the dialog that asks for its files.
 class Import_Choices : public wxFileDialogCustomizeHook {
@@ -58,6 +62,15 @@ std::filesystem::path To_Path(const wxString& path) {
 
 wxString File_Name(const std::filesystem::path& path) {
   return To_Wx(path.filename().string());
+}
+
+// By its name, or by the way in which SQLite's files begin.
+bool Is_Store_File(const std::filesystem::path& path) {
+  if (wxString(To_Wx(path.extension().string())).IsSameAs(".tidyfold", false)) return true;
+  constexpr std::string_view mark = "SQLite format 3";
+  std::string beginning(mark.size(), '\0');
+  std::ifstream file(path, std::ios::binary);
+  return file.read(beginning.data(), static_cast<std::streamsize>(beginning.size())) && beginning == mark;
 }
 
 // A gauge if the total is known, a pulsing bar otherwise.
@@ -115,6 +128,7 @@ void Show_Report(wxWindow* parent, const wxString& text, const wxString& details
       wxYES_NO | wxNO_DEFAULT | wxCENTRE | (failed ? wxICON_WARNING : wxICON_INFORMATION));
   dialog.SetYesNoLabels("&Save Report...", "&Close");
   if (!details.empty()) dialog.ShowDetailedText(details);
+  dialog.SetEscapeId(wxID_NO);
   if (dialog.ShowModal() == wxID_YES) Save_Report(parent, file_name, whole_text);
 }
 
@@ -217,6 +231,14 @@ bool Store_Files::Import_Folder(wxWindow* parent) {
   wxDirDialog dialog(parent, "Import Folder", wxString(), wxDD_DEFAULT_STYLE | wxDD_DIR_MUST_EXIST);
   if (dialog.ShowModal() != wxID_OK) return false;
   return Import(parent, {To_Path(dialog.GetPath())}, {});
+}
+
+bool Store_Files::Take_In(wxWindow* parent, const std::vector<std::filesystem::path>& files) {
+  std::vector<std::filesystem::path> stores, sources;
+  for (const std::filesystem::path& file : files) (Is_Store_File(file) ? stores : sources).push_back(file);
+  const bool opened = !stores.empty() && Open(parent, stores);
+  if (!stores.empty() && !opened) return false;
+  return (!sources.empty() && Import(parent, sources, {})) || opened;
 }
 
 bool Store_Files::Import(wxWindow* parent, const std::vector<std::filesystem::path>& sources,

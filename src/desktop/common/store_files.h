@@ -27,6 +27,8 @@ class Store_Files {
   // Into the first open store, or into a new one if none is open.
   bool Import_Files(wxWindow* parent);
   bool Import_Folder(wxWindow* parent);
+  // Opens the stores among the files, and imports the others.
+  bool Take_In(wxWindow* parent, const std::vector<std::filesystem::path>& files);
   // Asks where to and in which form, and writes a folder with all below it; null: everything.
   void Export(wxWindow* parent, const MAPIFolder_Ptr& folder);
   // Gives the unused room of all open stores back and says how much.
