@@ -37,6 +37,7 @@ Gmime_Ptr<GMimeObject> Readable_Text(const std::string& text) {
 }
 
 std::string Built(const New_Item& item, bool readable) {
+  Start_Gmime();
   const Gmime_Ptr<GMimeMessage> message(g_mime_message_new(TRUE));
   if (!item.sender.empty() || !item.sender_address.empty())
     Append_Address(g_mime_message_get_from(message.get()), item.sender,

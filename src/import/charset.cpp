@@ -6,10 +6,10 @@
 #include <array>
 #include <cerrno>
 #include <memory>
-#include <mutex>
 #include <utility>
 
 #include "base/text.h"
+#include "import/gmime_ptr.h"
 
 namespace tidyfold {
 namespace {
@@ -82,8 +82,7 @@ std::string To_Utf8(std::string_view bytes, std::string_view charset) {
   const bool declared = std::find(undeclared.begin(), undeclared.end(), name) == undeclared.end();
   const auto* known =
       std::find_if(wider.begin(), wider.end(), [&](const auto& pair) { return pair.first == name; });
-  static std::once_flag once;  // builds the library's charset tables
-  std::call_once(once, g_mime_init);
+  Start_Gmime();
   const char* converter = known != wider.end() ? known->second : g_mime_charset_iconv_name(name.c_str());
   if (!declared || name.find('\0') != std::string::npos || !Convert(bytes, converter, text)) {
     text = Valid_Utf8(bytes);

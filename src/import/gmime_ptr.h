@@ -1,9 +1,10 @@
-// Owning pointers to GMime objects.
+// Starting GMime, and owning pointers to its objects.
 #pragma once
 
 #include <gmime/gmime.h>
 
 #include <memory>
+#include <mutex>
 
 namespace tidyfold {
 
@@ -17,5 +18,11 @@ struct Free_Memory {
   void operator()(void* memory) const { g_free(memory); }
 };
 using Gmime_Text = std::unique_ptr<char, Free_Memory>;
+
+// Builds the library's tables, once; nothing of it works before.
+inline void Start_Gmime() {
+  static std::once_flag once;
+  std::call_once(once, g_mime_init);
+}
 
 }  // namespace tidyfold

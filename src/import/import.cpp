@@ -1,13 +1,10 @@
 #include "import/import.h"
 
-#include <gmime/gmime.h>
-
-#include <mutex>
-
 #include "base/text.h"
 #include "errors/automation_error.h"
 #include "import/calendar_file.h"
 #include "import/contact_file.h"
+#include "import/gmime_ptr.h"
 #include "import/import_run.h"
 #include "import/item_identity.h"
 #include "import/mail_files.h"
@@ -117,8 +114,7 @@ Source_Kind Detect_Source(const fs::path& source) {
 }
 
 Import_Report Import_Source(const fs::path& source, Store_Writer& writer, const Import_Options& options) {
-  static std::once_flag once;
-  std::call_once(once, g_mime_init);
+  Start_Gmime();
 
   const Source_Kind kind = Detect_Source(source);
   Import_Run run(source, writer, options);

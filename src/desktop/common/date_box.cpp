@@ -54,7 +54,7 @@ std::optional<Date> Moved(Date date, int key, bool by_weeks) {
 
 }  // namespace
 
-// Has no keyboard of its own: the box keeps it and passes the keys on.
+// Takes its keys also where the box keeps the keyboard and passes them on.
 class Calendar_Popup : public wxPopupTransientWindow {
  public:
   Calendar_Popup(wxWindow* parent, Date date, std::function<void(Date)> chosen)
@@ -67,6 +67,11 @@ class Calendar_Popup : public wxPopupTransientWindow {
     auto* const sizer = new wxBoxSizer(wxVERTICAL);
     sizer->Add(calendar_, wxSizerFlags(1).Expand());
     SetSizerAndFit(sizer);
+    for (wxWindow* const part : {static_cast<wxWindow*>(this), static_cast<wxWindow*>(calendar_)}) {
+      part->Bind(wxEVT_CHAR_HOOK, [this](wxKeyEvent& event) {
+        if (event.HasAnyModifiers() || !Take_Key(event.GetKeyCode())) event.Skip();
+      });
+    }
     calendar_->Bind(wxEVT_LEFT_UP, [this](wxMouseEvent& event) {
       event.Skip();
       wxDateTime day;

@@ -2,9 +2,6 @@
 
 #include <wx/statline.h>
 
-#include <algorithm>
-#include <vector>
-
 #include "desktop/common/system_look.h"
 #include "desktop/common/text_conversion.h"
 
@@ -113,30 +110,23 @@ void Options_Panel::Add_Filters(wxBoxSizer& group) {
   group.Add(subject, below_option);
   group.AddSpacer(FromDIP(Check_Box_Gap()));
   auto* const match = new wxFlexGridSizer(2, FromDIP(wxSize(8, Check_Box_Gap())));
+  match->AddGrowableCol(0);
   match->AddGrowableCol(1);
-  std::vector<wxCheckBox*> first_column;
-  for (CheckBox* const option : {&model_.chkMatchCase, &model_.chkMatchWord}) {
-    wxCheckBox* const box = New_Check_Box(*option);
-    if (option == &model_.chkMatchCase) first_column.push_back(box);
-    match->Add(box);
-  }
+  for (CheckBox* const option : {&model_.chkMatchCase, &model_.chkMatchWord})
+    match->Add(New_Check_Box(*option));
   group.Add(match, below_option);
   group.AddSpacer(FromDIP(Check_Box_Gap()));
 
   Add_Option(group, model_.chkSelectType);
   auto* const types = new wxFlexGridSizer(2, FromDIP(wxSize(8, Check_Box_Gap())));
+  types->AddGrowableCol(0);
   types->AddGrowableCol(1);
   for (TypeBox& type : model_.chkType) {
     wxCheckBox* const box = New_Check_Box(type.box);
     // The members of the control array share one name.
     box->SetName(box->GetName() + wxString::Format("(%d)", type.index));
     types->Add(box);
-    if (types->GetItemCount() % 2 == 1) first_column.push_back(box);
   }
-  // Both pairs of columns stand below one another.
-  int first_width = 0;
-  for (const wxCheckBox* const box : first_column) first_width = std::max(first_width, box->GetBestSize().x);
-  for (wxCheckBox* const box : first_column) box->SetMinSize(wxSize(first_width, -1));
   group.Add(types, below_option);
 }
 
