@@ -84,6 +84,7 @@ inline constexpr Context_Topic context_topics[] = {
     {"mnuPutBack", -1, 1424, "controls/mnuPutBack.html"},
     {"mnuProtect", -1, 1426, "controls/mnuProtect.html"},
     {"mnuDeletedItemsLimit", -1, 1425, "controls/mnuDeletedItemsLimit.html"},
+    {"mnuResetColumns", -1, 1429, "controls/mnuResetColumns.html"},
     {"mnuExport", -1, 1427, "controls/mnuExport.html"},
     {"mnuExportFolder", -1, 1428, "controls/mnuExportFolder.html"},
 };
