@@ -247,6 +247,8 @@ class Window(Window_Case):
             window.wait("the Inbox without its tick", lambda state: not any(
                 text.startswith("Inbox ") for text in ticked(state)) and len(state["grid"]) > 3)
         window.tick("chkSelectSubject")
+        window.click_at(window.node("Notes")["rectangle"])
+        window.wait("Notes current", lambda state: state["widgets"]["lblCurrentFolder"]["label"].endswith(" Notes"))
 
     def test_right_clicks_offer_and_choose_nothing_f6_goes_round_and_bars_move_the_panes(self):
         self.make_store(300)
