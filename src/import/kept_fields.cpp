@@ -117,7 +117,7 @@ bool Same_Moment(Date left, Date right) {
 // of an hour apart, no more than the world's zones are.
 bool Same_But_For_Zone(Date left, Date right) {
   const long long apart = std::abs(std::llround((left - right) * 86400));
-  constexpr long long quarter = 15 * 60, farthest = 26 * 3600;
+  constexpr long long quarter = 15LL * 60, farthest = 26LL * 3600;
   return apart <= farthest && apart % quarter == 0;
 }
 
