@@ -46,10 +46,8 @@ std::string Safe_Name(std::string_view name, std::size_t longest) {
 std::string Free_Name(const std::string& name, const std::string& end,
                       const std::function<bool(const std::string& name)>& is_taken) {
   std::string candidate = name + end;
-  for (int number = 2; is_taken(candidate); ++number) {
-    candidate = name;
-    candidate.append(" (").append(std::to_string(number)).append(")").append(end);
-  }
+  for (int number = 2; is_taken(candidate); ++number)
+    candidate = name + " (" + std::to_string(number) + ")" + end;
   return candidate;
 }
 
