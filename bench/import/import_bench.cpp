@@ -1,8 +1,10 @@
-// Importing an mbox of 100,000 mails, beside a bare parse of the same file by GMime.
+// Importing an mbox of 100,000 mails, beside a bare parse of the same file by GMime; and input made to cost
+// much.
 #include <benchmark/benchmark.h>
 #include <gmime/gmime.h>
 #include <sys/resource.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdio>
@@ -13,6 +15,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "import/import.h"
 #include "import/mbox_reader.h"
@@ -149,6 +152,45 @@ void Import_Into_Store(benchmark::State& state, const Files& files) {
   Report_Memory(state);
 }
 
+// Messages that cost time or memory without measure unless a reader sees to it, and an mbox without any blank
+// line.
+struct Hard_Input {
+  const char* name;
+  std::string text;
+  bool mbox = false;
+};
+
+std::vector<Hard_Input> Hard_Inputs() {
+  const std::string sender = "From: a@b\n";
+  return {
+      {"header_lines", sender + Lines(8'400'000, "a: b\n") + "\n"},
+      {"tiny_parts", sender + "Content-Type: multipart/mixed; boundary=b\n\n" + Lines(1'000'000, "--b\n\n")},
+      {"groups", sender + "To: " + Lines(40'000, "a:") + "\n\n"},
+      {"no_blank_line", Lines(60'000, "From a@b Fri Aug 23 02:32:53 2002\nS: x\nContent-Length: 3000000\n"),
+       true}};
+}
+
+void Read_Hard(benchmark::State& state, const Hard_Input& input, const Files& files) {
+  const fs::path file = files.Store().replace_extension(".hard");
+  std::ofstream(file, std::ios::binary) << input.text;
+  for (auto _ : state) {
+    Source_File source(file);
+    if (input.mbox) {
+      Mbox_Reader reader(source, [] {});
+      while (const auto message = reader.Next()) benchmark::DoNotOptimize(reader.Text(*message));
+    } else {
+      benchmark::DoNotOptimize(Read_Mime_Message(input.text));
+    }
+  }
+  Report_File(state, file);
+  Report_Memory(state);
+}
+
+// What any reader has to do: count the line ends.
+void Read_Lines(benchmark::State& state, const Hard_Input& input) {
+  for (auto _ : state) benchmark::DoNotOptimize(std::count(input.text.begin(), input.text.end(), '\n'));
+}
+
 }  // namespace
 }  // namespace tidyfold
 
@@ -162,6 +204,16 @@ int main(int argc, char** argv) try {
   for (const auto& [name, run] : {Case{"parse/bare_gmime", Parse_Bare}, Case{"parse/messages", Read_Messages},
                                   Case{"import/store", Import_Into_Store}}) {
     benchmark::RegisterBenchmark(name, run, std::cref(files))
+        ->Unit(benchmark::kMillisecond)
+        ->MeasureProcessCPUTime();
+  }
+  const std::vector<Hard_Input> inputs = Hard_Inputs();
+  for (const Hard_Input& input : inputs) {
+    const std::string name = std::string("hard/") + input.name;
+    benchmark::RegisterBenchmark(name.c_str(), Read_Hard, std::cref(input), std::cref(files))
+        ->Unit(benchmark::kMillisecond)
+        ->MeasureProcessCPUTime();
+    benchmark::RegisterBenchmark((name + "/bare_lines").c_str(), Read_Lines, std::cref(input))
         ->Unit(benchmark::kMillisecond)
         ->MeasureProcessCPUTime();
   }
