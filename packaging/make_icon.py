@@ -1,11 +1,10 @@
 #!/usr/bin/env python3
-"""Makes the Windows icon from the picture that the program draws its own icon with.
+"""Makes the Windows icon from the picture.
 
-    packaging/make_icon.py APPLICATION_ICON.CPP OUT.ICO
+    packaging/make_icon.py PICTURE.SVG OUT.ICO
 """
 
 import pathlib
-import re
 import subprocess
 import sys
 import tempfile
@@ -14,17 +13,13 @@ SIDES = (16, 24, 32, 48, 64, 128, 256)
 
 
 def main():
-    source, icon = map(pathlib.Path, sys.argv[1:3])
-    picture = re.search(r"<svg.*</svg>", source.read_text(encoding="utf-8"), re.DOTALL)
-    if not picture:
-        sys.exit(f"{source}: there is no <svg> picture in it")
+    picture, icon = map(pathlib.Path, sys.argv[1:3])
     with tempfile.TemporaryDirectory() as folder:
         drawn = []
         for side in SIDES:
             # Drawn at its size: a picture made smaller afterwards loses its edges.
             png = pathlib.Path(folder, f"{side}.png")
-            subprocess.run(["rsvg-convert", "--width", str(side), "--height", str(side), "--output", png],
-                           input=picture.group().encode(), check=True)
+            subprocess.run(["rsvg-convert", "--width", str(side), "--height", str(side), "--output", png, picture], check=True)
             drawn.append(png)
         subprocess.run(["convert", *drawn, icon], check=True)
 

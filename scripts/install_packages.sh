@@ -4,6 +4,7 @@
 #   scripts/install_packages.sh run          for ./run: build the programs and show the window
 #   scripts/install_packages.sh test         for ./test
 #   scripts/install_packages.sh check        for scripts/check_sources.sh
+#   scripts/install_packages.sh package      for ./package
 #   scripts/install_packages.sh fuzz         for ./fuzz
 #   scripts/install_packages.sh windows      for ./test windows: build and test the Windows program here
 #   scripts/install_packages.sh --list run   only print the names
@@ -52,6 +53,16 @@ to_check=(
   clang-format         # layout of the sources
   clang-tidy           # static checks
 )
+to_package=(
+  dpkg-dev
+  fakeroot
+  debhelper
+  lintian              # looks packages over
+  appstream            # and what software centres are told
+  desktop-file-utils   # and the menu entry
+  help2man             # manual pages from --help
+  librsvg2-bin         # the icon in its sizes
+)
 to_fuzz=(
   clang
   libclang-rt-14-dev   # libFuzzer
@@ -87,7 +98,7 @@ for_windows=(
   fonts-dejavu-core
 )
 
-usage() { sed -n '2,11s/^# \{0,1\}//p' "$0"; }
+usage() { sed -n '2,12s/^# \{0,1\}//p' "$0"; }
 
 only_list=no
 if [[ ${1:-} == --list ]]; then
@@ -96,7 +107,8 @@ if [[ ${1:-} == --list ]]; then
 fi
 case ${1:-} in
   run) needed=("${to_build[@]}" "${to_show[@]}") ;;
-  test) needed=("${to_build[@]}" "${to_show[@]}" "${to_test[@]}") ;;
+  test) needed=("${to_build[@]}" "${to_show[@]}" "${to_test[@]}" "${to_package[@]}") ;;
+  package) needed=("${to_build[@]}" "${to_package[@]}") ;;
   check) needed=("${to_check[@]}") ;;
   fuzz) needed=("${to_build[@]}" "${to_test[@]}" "${to_fuzz[@]}") ;;
   windows) needed=("${for_windows[@]}") ;;

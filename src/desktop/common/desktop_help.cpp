@@ -10,10 +10,17 @@ namespace tidyfold {
 
 namespace {
 
+// Holds the help book and the site: the program's own folder or, once installed, share/tidyfold of the same tree.
+wxString Data_Folder() {
+  const wxString folder = wxFileName(wxStandardPaths::Get().GetExecutablePath()).GetPath();
+  wxFileName installed = wxFileName::DirName(folder + "/../share/tidyfold");
+  installed.Normalize(wxPATH_NORM_DOTS);
+  return installed.DirExists() ? installed.GetPath() : folder;
+}
+
 // The environment variable TIDYFOLD_SITE overrides the site that was built in.
 Program_Info This_Program() {
-  const wxFileName program(wxStandardPaths::Get().GetExecutablePath());
-  Program_Info info = Tidyfold_Info(From_Wx(program.GetPath()));
+  Program_Info info = Tidyfold_Info(From_Wx(Data_Folder()));
   if (wxString site; wxGetEnv("TIDYFOLD_SITE", &site)) info.Site = From_Wx(site);
   return info;
 }
