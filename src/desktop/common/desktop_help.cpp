@@ -10,7 +10,7 @@ namespace tidyfold {
 
 namespace {
 
-// Holds the help book and the site: the program's own folder or, once installed, share/tidyfold of the same tree.
+// Holds the help book and the site: the program's own folder or, once installed, share/tidyfold beside it.
 wxString Data_Folder() {
   const wxString folder = wxFileName(wxStandardPaths::Get().GetExecutablePath()).GetPath();
   wxFileName installed = wxFileName::DirName(folder + "/../share/tidyfold");

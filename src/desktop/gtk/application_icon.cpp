@@ -4,17 +4,11 @@
 
 namespace tidyfold {
 
-namespace {
-
-// packaging/tidyfold.svg
-constexpr const char* picture =
-#include "application_picture.inc"
-    ;
-
-}  // namespace
+// packaging/tidyfold.svg, written into a source file by the build.
+extern const char* const application_picture;
 
 wxBitmapBundle Application_Picture(const wxSize& size) {
-  return wxBitmapBundle::FromSVG(picture, size);
+  return wxBitmapBundle::FromSVG(application_picture, size);
 }
 
 wxIconBundle Application_Icons() {
