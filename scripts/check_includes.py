@@ -29,6 +29,10 @@ FLOORS = {
 BEHIND = ("stores", "import", "export")
 IN_FRONT = ("desktop", "cli", "companion")
 
+# What lies behind and may be included from there too: what went out is read back; one place opens stores of
+# every kind.
+ALLOWED = {("export", "import")}
+
 # The highest floor that a folder may include, if not the one below its own.
 CEILINGS = {"help": FLOORS["errors"], **{folder: FLOORS["outlook"] for folder in BEHIND}}
 
@@ -58,7 +62,7 @@ def objection(folder, other):
         return "nothing includes a front end"
     if top in IN_FRONT:
         return None
-    if (folder, other) == ("export", "import"):  # what went out is read back
+    if (folder, other) in ALLOWED or (folder == "stores/opening" and other_top == "stores"):
         return None
     if other_top in BEHIND:
         return "only the front ends name a concrete store, an importer or an exporter"
