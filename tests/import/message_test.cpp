@@ -2,7 +2,7 @@
 #include <ctime>
 
 #include "import/import_fixture.h"
-#include "import/mime_message.h"
+#include "mail/mime_message.h"
 
 namespace tidyfold {
 namespace {
