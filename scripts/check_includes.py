@@ -26,8 +26,13 @@ FLOORS = {
     "help": 8,
     "app": 9,
 }
-BEHIND = ("stores", "import", "export")
+BEHIND = ("stores", "mail", "import", "export")
 IN_FRONT = ("desktop", "cli", "companion")
+
+# What lies behind and may be included from there too: what went out is read back, live stores keep what they
+# read of headers. One place opens stores of every kind, and all may read messages.
+ALLOWED = {("export", "import"), ("stores/maildir", "stores/header_cache"),
+           ("stores/imap", "stores/header_cache")}
 
 # The highest floor that a folder may include, if not the one below its own.
 CEILINGS = {"help": FLOORS["errors"], **{folder: FLOORS["outlook"] for folder in BEHIND}}
@@ -58,7 +63,8 @@ def objection(folder, other):
         return "nothing includes a front end"
     if top in IN_FRONT:
         return None
-    if (folder, other) == ("export", "import"):  # what went out is read back
+    if (folder, other) in ALLOWED or (folder == "stores/opening" and other_top == "stores") \
+            or (other == "mail" and top in BEHIND):
         return None
     if other_top in BEHIND:
         return "only the front ends name a concrete store, an importer or an exporter"

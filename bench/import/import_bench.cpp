@@ -19,7 +19,7 @@
 
 #include "import/import.h"
 #include "import/mbox_reader.h"
-#include "import/mime_message.h"
+#include "mail/mime_message.h"
 #include "import/source_file.h"
 #include "stores/sqlite/embedded_store.h"
 

@@ -163,13 +163,15 @@ void Deletion_Strategies::Delete_All_Items(const Plan_Stop& stop) {
           number = journal_.Note(folder, data, Item_Action::Moved);
         }
       }
-      journal_.Pending(store_id, [this, folder, number, moved = moves](bool kept) {
-        journal_.Set_Result(number, kept ? Item_Result::Done : Item_Result::Failed);
-        if (!kept) return;
+      const auto settled = [this, folder, number, moved = moves](const Change_Outcome& outcome) {
+        journal_.Set_Result(number, outcome.kept ? Item_Result::Done : Item_Result::Failed, outcome.reason,
+                            moved ? outcome.new_entry_id : "");
+        if (!outcome.kept) return;
         ++run_.ProcessedCount;
         if (moved) ++run_.MovedInstead;
         ++records_[folder].DeletedFromFolder;
-      });
+      };
+      journal_.Pending(store_id, data.EntryID, settled);
     };
     bool more = true;
     const auto next = [&] {
@@ -370,10 +372,10 @@ void Deletion_Strategies::Remove_Folder(const Plan_Stop& stop, MAPIFolder& folde
   try {
     journal_.Before_Change(store_id);
     siblings.Remove(place);
-    journal_.Pending(store_id, [&](bool kept) {
-      lasts = kept;
-      if (kept) ++run_.ProcessedCount;
-      set_results(kept ? Item_Result::Done : Item_Result::Failed, "");
+    journal_.Pending(store_id, entry_id, [&](const Change_Outcome& outcome) {
+      lasts = outcome.kept;
+      if (lasts) ++run_.ProcessedCount;
+      set_results(lasts ? Item_Result::Done : Item_Result::Failed, outcome.reason);
     });
     journal_.Settle();
   } catch (const Automation_Error& error) {

@@ -126,9 +126,9 @@ void Item_Removal::Remove(int folder, Item& item, const ItemData& shown, std::in
     moved = item.Move(*records_[wastebasket].Folder);
   }
   left = true;
-  journal_.Pending(store_id, [this, settled, number](bool kept) {
-    if (!kept) journal_.Set_Result(number, Item_Result::Failed, "The store could not keep the change.");
-    settled(kept);
+  journal_.Pending(store_id, shown.EntryID, [this, settled, number](const Change_Outcome& outcome) {
+    if (!outcome.kept) journal_.Set_Result(number, Item_Result::Failed, outcome.Why_Not_Kept());
+    settled(outcome.kept);
   });
   std::string new_id;
   if (moved != nullptr) {
@@ -144,7 +144,7 @@ void Item_Removal::Remove(int folder, Item& item, const ItemData& shown, std::in
   } else if (!is_last_stop) {
     Delete_What_Is_Left(shown.EntryID, store_id);
   }
-  Count_When_Kept(folder, store_id, number, new_id);
+  Count_When_Kept(folder, store_id, shown.EntryID, number, new_id);
 }
 
 // Where a store's wastebasket is not known, one may still have taken the item in.
@@ -188,15 +188,15 @@ bool Item_Removal::Was_Only_Moved(int folder, const ItemData& removed, std::int3
 
 // The second entry for the same item where it was moved and then deleted: if only the move is kept, the item
 // has left its folder and lies in Deleted Items, and does not count.
-void Item_Removal::Count_When_Kept(int folder, const std::string& store_id, std::int64_t number,
-                                   const std::string& new_id) {
-  journal_.Pending(store_id, [this, folder, number, new_id](bool kept) {
-    if (kept) {
+void Item_Removal::Count_When_Kept(int folder, const std::string& store_id, const std::string& entry_id,
+                                   std::int64_t number, const std::string& new_id) {
+  journal_.Pending(store_id, entry_id, [this, folder, number, new_id](const Change_Outcome& outcome) {
+    if (outcome.kept) {
       ++run_.ProcessedCount;
       ++records_[folder].DeletedFromFolder;
-      journal_.Set_Result(number, Item_Result::Done, {}, new_id);
+      journal_.Set_Result(number, Item_Result::Done, {}, new_id.empty() ? outcome.new_entry_id : new_id);
     } else {
-      journal_.Set_Result(number, Item_Result::Failed, "The store could not keep the change.");
+      journal_.Set_Result(number, Item_Result::Failed, outcome.Why_Not_Kept());
       const int wastebasket = records_[folder].DeletedItemsIndex;
       if (wastebasket != 0) records_[wastebasket].Reload = true;
     }

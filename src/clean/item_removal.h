@@ -54,8 +54,8 @@ class Item_Removal {
   void Remove(int folder, Item& item, const ItemData& shown, std::int64_t number,
               const std::function<void(bool left)>& settled, bool& left);
   void Delete_What_Is_Left(const std::string& entry_id, const std::string& store_id);
-  void Count_When_Kept(int folder, const std::string& store_id, std::int64_t number,
-                       const std::string& new_id);
+  void Count_When_Kept(int folder, const std::string& store_id, const std::string& entry_id,
+                       std::int64_t number, const std::string& new_id);
   bool Is_Deleted_Items(int folder);
 
   FolderData_Array& records_;

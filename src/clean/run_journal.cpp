@@ -84,10 +84,12 @@ void Run_Journal::Note_Changed(int folder, const ItemData& item, Item_Action act
   Set_Result(Note(folder, item, action), Item_Result::Changed, reason);
 }
 
-void Run_Journal::Pending(const std::string& store_id, std::function<void(bool kept)> settled) {
-  ledger_->Pending(store_id, [this, settled = std::move(settled)](bool kept) {
-    if (!kept) run_.GroupLost = run_.NotAllDeleted = true;
-    settled(kept);
+void Run_Journal::Pending(const std::string& store_id, const std::string& entry_id,
+                          Change_Ledger::Settled settled) {
+  ledger_->Pending(store_id, entry_id, [this, settled = std::move(settled)](const Change_Outcome& outcome) {
+    if (!outcome.kept) run_.NotAllDeleted = true;
+    if (outcome.Group_Lost()) run_.GroupLost = true;
+    settled(outcome);
   });
 }
 

@@ -46,7 +46,7 @@ class Run_Journal {
   // Around each change to a store; see Change_Ledger. `settled` runs when it is known whether the change
   // lasts, before anything else of the run goes on to rely on it.
   void Before_Change(const std::string& store_id) { ledger_->Before_Change(store_id); }
-  void Pending(const std::string& store_id, std::function<void(bool kept)> settled);
+  void Pending(const std::string& store_id, const std::string& entry_id, Change_Ledger::Settled settled);
   // Ends the groups of changes; nothing is pending afterwards. Throws Automation_Error when something could
   // not be kept.
   void Settle() { ledger_->Settle(); }

@@ -219,7 +219,11 @@ int Item_Class_Of_Type(const std::string& name) {
 }
 
 void Understand(Arguments& arguments, const Raw& raw, const CLI::App& command) {
-  for (const std::string& store : raw.stores) arguments.stores.push_back(File_Path(store));
+  try {
+    for (const std::string& store : raw.stores) arguments.stores.push_back(Read_Store_Address(store));
+  } catch (const Store_Address_Error& error) {
+    Fail(std::string("--store ") + error.what());
+  }
   arguments.folders = raw.folders;
   for (const std::string& source : raw.sources) arguments.sources.push_back(File_Path(source));
   arguments.sample_file = File_Path(raw.sample_file);
@@ -266,6 +270,12 @@ void Understand(Arguments& arguments, const Raw& raw, const CLI::App& command) {
     Fail("--outlook goes with folders, items, clean and undo only. Leave it out.");
   if (arguments.outlook && arguments.backup)
     Fail("--backup copies items of store files only, not of Outlook. Leave it out.");
+  constexpr Command for_files[] = {Command::Import, Command::Check, Command::Compact};
+  for (const Store_Address& store : arguments.stores)
+    if (!store.Is_File() &&
+        std::find(std::begin(for_files), std::end(for_files), arguments.command) != std::end(for_files))
+      Fail("The command \"" + command.get_name() + "\" goes with store files only, not with \"" +
+           store.Text() + "\". Name a file.");
   const bool needs_store =
       !makes_store && arguments.command != Command::Runs && arguments.command != Command::Undo;
   if (needs_store && arguments.stores.empty() && !arguments.outlook)
@@ -273,6 +283,12 @@ void Understand(Arguments& arguments, const Raw& raw, const CLI::App& command) {
 }
 
 }  // namespace
+
+std::vector<std::filesystem::path> Store_Files(const Arguments& arguments) {
+  std::vector<std::filesystem::path> files;
+  for (const Store_Address& store : arguments.stores) files.push_back(store.path);
+  return files;
+}
 
 Arguments Read_Arguments(std::vector<std::string> given) {
   Arguments arguments;
@@ -286,7 +302,8 @@ Arguments Read_Arguments(std::vector<std::string> given) {
   app.set_version_flag("--version", "tidyfold-cli " TIDYFOLD_VERSION);
   app.require_subcommand(1);
   app.fallthrough();
-  Add_List(app, "--store", raw.stores, "A store's file; repeat it for several stores")->type_name("STORE");
+  Add_List(app, "--store", raw.stores, "A store: a file, or maildir:DIRECTORY; repeat it for several stores")
+      ->type_name("STORE");
   app.add_flag("--outlook", arguments.outlook, "What Outlook has open, on Windows");
   Add_Store_Commands(app, arguments, raw);
   Add_Item_Commands(app, arguments, raw);

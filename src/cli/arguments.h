@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/dates.h"
+#include "base/store_address.h"
 #include "export/export.h"
 
 namespace tidyfold::cli {
@@ -34,7 +35,7 @@ struct Options {
 
 struct Arguments {
   Command command = Command::Check;
-  std::vector<std::filesystem::path> stores;
+  std::vector<Store_Address> stores;
   bool outlook = false;  // what Outlook has open, instead of files
   Form form = Form::Text;
 
@@ -74,6 +75,9 @@ struct Arguments {
 
 // `arguments` without the program's name. Throws Failure for bad usage, Help if help was asked for.
 Arguments Read_Arguments(std::vector<std::string> arguments);
+
+// The stores of a command that goes with store files only.
+std::vector<std::filesystem::path> Store_Files(const Arguments& arguments);
 
 // The help text that was asked for; not a failure.
 struct Help {

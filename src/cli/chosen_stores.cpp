@@ -14,9 +14,8 @@ Chosen_Stores::Chosen_Stores(const Arguments& arguments) {
   source_ = outlook_.get();
 }
 
-void Chosen_Stores::Open(const std::vector<std::filesystem::path>& files, Store_Mode mode,
-                         const Store_Progress& progress) {
-  if (outlook_ == nullptr) files_.Open(files, mode, progress);
+void Chosen_Stores::Open(const std::vector<Store_Address>& stores, const Store_Opening& opening) {
+  if (outlook_ == nullptr) stores_.Open(stores, opening);
 }
 
 std::shared_ptr<NameSpace> Chosen_Stores::Name_Space() {
@@ -34,12 +33,6 @@ std::shared_ptr<NameSpace> Chosen_Stores::Name_Space() {
     throw Failure(Exit_Status::Bad_Input,
                   "Outlook cannot be reached. " + (why.empty() ? error.Description() : why));
   }
-}
-
-std::vector<std::string> Chosen_Stores::Files() const {
-  std::vector<std::string> names;
-  for (const auto& store : files_.Stores()) names.push_back(store->Path().string());
-  return names;
 }
 
 void Chosen_Stores::Commit() {

@@ -1,14 +1,14 @@
-// The stores that the command line names: files, or what Outlook has open.
+// The stores that the command line names, or what Outlook has open.
 #pragma once
 
-#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "cli/arguments.h"
 #include "outlook/object_model.h"
-#include "stores/sqlite/embedded_outlook.h"
+#include "outlook/store_session.h"
+#include "stores/opening/open_store.h"
 
 namespace tidyfold::cli {
 
@@ -23,26 +23,25 @@ class Chosen_Stores {
   Chosen_Stores& operator=(const Chosen_Stores&) = delete;
 
   // Throws Store_Open_Error.
-  void Open(const std::vector<std::filesystem::path>& files, Store_Mode mode,
-            const Store_Progress& progress = {});
+  void Open(const std::vector<Store_Address>& stores, const Store_Opening& opening);
   Automation& Source() const { return *source_; }
   // Throws Failure where Outlook cannot be reached.
   std::shared_ptr<NameSpace> Name_Space();
-  // The names of the files as given; none in Outlook.
-  std::vector<std::string> Files() const;
-  // Where protected folders are marked in the files; null in Outlook.
-  Folder_Protection* Marks_In_Files() { return outlook_ == nullptr ? &files_ : nullptr; }
-  // Throws Automation_Error; only of files.
+  // As they were named; none in Outlook.
+  std::vector<std::string> Names() const { return stores_.Names(); }
+  // The program's own stores; null in Outlook.
+  Store_Session* Own_Stores() { return outlook_ == nullptr ? &stores_ : nullptr; }
+  // Throws Automation_Error; not in Outlook.
   New_Item Read_Whole_Item(const std::string& store_id, const std::string& entry_id) {
-    return files_.Read_Whole_Item(store_id, entry_id);
+    return stores_.Read_Whole_Item(store_id, entry_id);
   }
   // Throws Automation_Error if pending changes could not be kept.
   void Commit();
 
  private:
-  Embedded_Outlook files_;
+  Store_Session stores_{&Open_Store};
   std::unique_ptr<Automation> outlook_;  // where it is chosen
-  Automation* source_ = &files_;
+  Automation* source_ = &stores_;
 };
 
 }  // namespace tidyfold::cli

@@ -8,7 +8,7 @@ namespace tidyfold::cli {
 
 Exit_Status Compact(const Arguments& arguments, Terminal& terminal) {
   Exit_Status status = Exit_Status::Done;
-  for (const std::filesystem::path& path : arguments.stores) {
+  for (const std::filesystem::path& path : Store_Files(arguments)) {
     // A store of an older format is compact when it has been brought up to date.
     std::error_code missing;
     const auto before = static_cast<std::int64_t>(std::filesystem::file_size(path, missing));

@@ -8,7 +8,8 @@
 #include "cli/commands.h"
 #include "cli/listing.h"
 #include "cli/store_folders.h"
-#include "stores/sqlite/embedded_outlook.h"
+#include "outlook/store_session.h"
+#include "stores/opening/open_store.h"
 
 namespace tidyfold::cli {
 
@@ -41,7 +42,7 @@ class Export_Command {
  public:
   Export_Command(const Arguments& arguments, Terminal& terminal)
       : arguments_(arguments), terminal_(terminal) {
-    outlook_.Open(arguments.stores, Store_Mode::Read_Only);
+    stores_.Open(arguments.stores, Store_Mode::Read_Only);
   }
 
   Exit_Status Run() {
@@ -67,8 +68,8 @@ class Export_Command {
 
  private:
   void Choose() {
-    const bool several = outlook_.Stores().size() > 1;
-    const std::vector<Store_Folder> all = List_Folders(outlook_);
+    const bool several = stores_.Open_Stores().size() > 1;
+    const std::vector<Store_Folder> all = List_Folders(stores_);
     std::vector<Store_Folder> chosen;
     for (const std::string& path : arguments_.folders) {
       const Store_Folder& found = Find_Folder(all, path);
@@ -91,7 +92,7 @@ class Export_Command {
     if (several) above.push_back(Top_Of(chosen.folder)->Name());
     std::ranges::move(Names_Above(*chosen.folder), std::back_inserter(above));
     const auto read = [this, store_id](const std::string& entry_id) {
-      return outlook_.Read_Whole_Item(store_id, entry_id);
+      return stores_.Read_Whole_Item(store_id, entry_id);
     };
     std::ranges::move(Folders_To_Export(chosen.folder, above, read), std::back_inserter(folders_));
     options_.total += Items_In(*chosen.folder);
@@ -99,7 +100,7 @@ class Export_Command {
 
   const Arguments& arguments_;
   Terminal& terminal_;
-  Embedded_Outlook outlook_;
+  Store_Session stores_{&Open_Store};
   std::vector<Export_Folder> folders_;
   Export_Options options_;
 };

@@ -32,7 +32,7 @@ Exit_Status Items(const Arguments& arguments, Terminal& terminal) {
 
 Exit_Status Check(const Arguments& arguments, Terminal& terminal) {
   Exit_Status status = Exit_Status::Done;
-  for (const std::filesystem::path& path : arguments.stores) {
+  for (const std::filesystem::path& path : Store_Files(arguments)) {
     const auto store = Embedded_Store::Open(path, Store_Mode::Read_Only);
     const std::vector<std::string> faults = store->Check();
     for (const std::string& fault : faults)

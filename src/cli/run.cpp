@@ -1,8 +1,8 @@
 #include "cli/commands.h"
 #include "errors/automation_error.h"
 #include "import/import.h"
+#include "outlook/store_open_error.h"
 #include "runs/run_log.h"
-#include "stores/sqlite/store_open_error.h"
 
 namespace tidyfold::cli {
 

@@ -2,7 +2,6 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
-#include "base/file_path.h"
 #include "base/system_clock.h"
 #include "cache/item_dates.h"
 #include "cli/chosen_stores.h"
@@ -170,10 +169,10 @@ class Undo_Command {
 
  private:
   // The stores as they were opened for the run.
-  static std::vector<std::filesystem::path> Places(const Logged_Run& run) {
-    std::vector<std::filesystem::path> places;
+  static std::vector<Store_Address> Places(const Logged_Run& run) {
+    std::vector<Store_Address> places;
     for (const Logged_Store& store : run.header.stores)
-      if (!store.place.empty()) places.push_back(File_Path(store.place));
+      if (!store.place.empty()) places.push_back(Read_Store_Address(store.place));
     if (places.empty()) {
       throw Failure(Exit_Status::Bad_Input,
                     "The log does not tell where the stores of the run lie. Name them with --store, or give "

@@ -33,16 +33,18 @@ Session::Session(const Arguments& arguments, Store_Mode mode, Terminal& terminal
       stored_protection_(*registry_),
       app_(window_, {stores_.Source(), message_box_, events_, clock_, log_, limits_, Marks(protection),
                      nullptr, arguments.outlook ? nullptr : &copies_}) {
-  stores_.Open(arguments.stores, mode, Told_On(terminal, "Bringing the store up to date"));
-  folders_ = List_Folders(*stores_.Name_Space(), stores_.Files());
+  stores_.Open(arguments.stores, {mode, Told_On(terminal, "Bringing the store up to date")});
+  folders_ = List_Folders(*stores_.Name_Space(), stores_.Names());
   events_.due = [this] { Events_Due(); };
   events_.urgent = [this] { return !interrupt_handled_ && terminal_.Interrupted(); };
 }
 
 Folder_Protection& Session::Marks(Protection protection) {
   if (protection == Protection::Ignored) return no_protection_;
-  if (Folder_Protection* const in_files = stores_.Marks_In_Files()) return *in_files;
-  return stored_protection_;
+  Store_Session* const own = stores_.Own_Stores();
+  if (own == nullptr) return stored_protection_;
+  own->Keep_Marks_In(&stored_protection_);
+  return *own;
 }
 
 void Session::Events_Due() {
@@ -77,7 +79,7 @@ void Session::Load() {
     if (failure.empty() && (closed || message.icon == Icon::Critical)) failure = message.text;
   if (closed || !failure.empty()) {
     std::string files;
-    for (const std::string& file : stores_.Files()) files += (files.empty() ? "\"" : ", \"") + file + "\"";
+    for (const std::string& name : stores_.Names()) files += (files.empty() ? "\"" : ", \"") + name + "\"";
     const std::string advice = files.empty()
                                    ? "Outlook; nothing was changed. Look there, and try again."
                                    : files +

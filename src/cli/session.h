@@ -55,7 +55,7 @@ class Session {
   int Node(const Store_Folder& folder) const;
   // The same by its identifiers; 0 if there is no such folder.
   int Find_Node(const std::string& store_id, const std::string& entry_id) const;
-  // The absolute path of an open store's file; empty in Outlook.
+  // What opens an open store again; empty in Outlook.
   std::string Place_Of_Store(const std::string& store_id) const {
     return stores_.Source().Place_Of_Store(store_id);
   }
@@ -81,7 +81,7 @@ class Session {
   Run_Limits limits_;
   Store_Copies copies_;
   No_Protection no_protection_;
-  Stored_Protection stored_protection_;  // of Outlook's folders
+  Stored_Protection stored_protection_;  // of folders whose stores keep none
   MainWindow window_;
   App app_;
   std::unordered_map<std::string, int> nodes_;  // by the folder's identifiers

@@ -55,7 +55,7 @@ class Import_Command {
 
   // With several stores, the first name of the path is the store; without a path it is the first one.
   void Find_Target() {
-    for (const std::filesystem::path& path : arguments_.stores) {
+    for (const std::filesystem::path& path : Store_Files(arguments_)) {
       if (arguments_.stores.size() == 1 || !arguments_.target) return Open(path);
       if (names_.empty()) break;
       const bool there = std::filesystem::exists(path);

@@ -45,25 +45,23 @@ std::string Quoted(const std::string& path) {
 
 }  // namespace
 
-std::vector<Store_Folder> List_Folders(NameSpace& name_space, const std::vector<std::string>& files) {
+std::vector<Store_Folder> List_Folders(NameSpace& name_space, const std::vector<std::string>& stores) {
   std::vector<Store_Folder> list;
-  const Folders_Ptr stores = name_space.Folders();
-  const std::int32_t count = stores->Count();
+  const Folders_Ptr tops = name_space.Folders();
+  const std::int32_t count = tops->Count();
   const bool several = count > 1;
   for (std::int32_t i = 1; i <= count; ++i) {
-    MAPIFolder_Ptr top = stores->Item(i);
+    MAPIFolder_Ptr top = tops->Item(i);
     std::string name = top->Name();
     const std::string path = several ? Escape_Folder_Name(name) : top_folder_path;
-    Lister(files.empty() ? name : files.at(static_cast<std::size_t>(i - 1)), list)
+    Lister(stores.empty() ? name : stores.at(static_cast<std::size_t>(i - 1)), list)
         .Add(std::move(top), std::move(name), path, several ? path + "/" : "");
   }
   return list;
 }
 
-std::vector<Store_Folder> List_Folders(Embedded_Outlook& files) {
-  std::vector<std::string> names;
-  for (const auto& store : files.Stores()) names.push_back(store->Path().string());
-  return List_Folders(*files.GetObject("", "Outlook.Application")->GetNamespace("MAPI"), names);
+std::vector<Store_Folder> List_Folders(Store_Session& stores) {
+  return List_Folders(*stores.GetObject("", "Outlook.Application")->GetNamespace("MAPI"), stores.Names());
 }
 
 const Store_Folder& Find_Folder(const std::vector<Store_Folder>& folders, const std::string& path) {

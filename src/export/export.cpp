@@ -11,11 +11,11 @@
 #include "export/item_form.h"
 #include "export/reading_back.h"
 #include "export/safe_name.h"
-#include "import/charset.h"
+#include "mail/charset.h"
 #include "import/folder_note.h"
-#include "import/mail_flags.h"
-#include "import/maildir.h"
-#include "import/mime_message.h"
+#include "mail/mail_flags.h"
+#include "mail/maildir.h"
+#include "mail/mime_message.h"
 
 namespace tidyfold {
 namespace {

@@ -7,8 +7,8 @@
 #include <utility>
 
 #include "export/item_form.h"
-#include "import/charset.h"
-#include "import/item_identity.h"
+#include "mail/charset.h"
+#include "mail/item_identity.h"
 #include "import/message_parts.h"
 
 namespace tidyfold {

@@ -7,7 +7,7 @@
 
 #include "errors/automation_error.h"
 #include "import/import_run.h"
-#include "import/item_identity.h"
+#include "mail/item_identity.h"
 #include "import/mail_tree.h"
 
 namespace tidyfold {

@@ -7,7 +7,7 @@
 
 #include "import/calendar_item.h"
 #include "import/calendar_text.h"
-#include "import/mime_message.h"
+#include "mail/mime_message.h"
 #include "import/source_file.h"
 
 namespace tidyfold {

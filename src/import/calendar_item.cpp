@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "base/text.h"
-#include "import/charset.h"
-#include "import/kept_fields.h"
-#include "import/mime_message.h"
+#include "mail/charset.h"
+#include "mail/kept_fields.h"
+#include "mail/mime_message.h"
 #include "import/recurrence.h"
 
 namespace tidyfold {

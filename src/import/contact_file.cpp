@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "import/mime_message.h"
+#include "mail/mime_message.h"
 #include "import/source_file.h"
 #include "import/vcard.h"
 

@@ -4,8 +4,8 @@
 #include <iterator>
 
 #include "base/text.h"
-#include "import/charset.h"
-#include "import/item_identity.h"
+#include "mail/charset.h"
+#include "mail/item_identity.h"
 #include "outlook/default_folders.h"
 
 namespace tidyfold {

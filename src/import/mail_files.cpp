@@ -5,10 +5,10 @@
 #include <utility>
 
 #include "import/apple_message.h"
-#include "import/kept_fields.h"
-#include "import/mail_flags.h"
+#include "mail/kept_fields.h"
+#include "mail/mail_flags.h"
 #include "import/mbox_reader.h"
-#include "import/mime_message.h"
+#include "mail/mime_message.h"
 #include "import/source_file.h"
 #include "import/source_kind.h"
 

@@ -3,7 +3,7 @@
 #include <cstring>
 #include <string_view>
 
-#include "import/charset.h"
+#include "mail/charset.h"
 
 namespace tidyfold {
 namespace {

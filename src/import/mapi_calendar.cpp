@@ -12,8 +12,8 @@
 #include <utility>
 
 #include "import/calendar_item.h"
-#include "import/charset.h"
-#include "import/local_date.h"
+#include "mail/charset.h"
+#include "mail/local_date.h"
 #include "import/mapi_recurrence.h"
 #include "import/mapi_time_zone.h"
 

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "base/text.h"
-#include "import/charset.h"
-#include "import/local_date.h"
+#include "mail/charset.h"
+#include "mail/local_date.h"
 
 namespace tidyfold {
 namespace {

@@ -5,15 +5,15 @@
 #include <utility>
 
 #include "base/text.h"
-#include "import/charset.h"
-#include "import/html_text.h"
-#include "import/item_identity.h"
-#include "import/local_date.h"
+#include "mail/charset.h"
+#include "mail/html_text.h"
+#include "mail/item_identity.h"
+#include "mail/local_date.h"
 #include "import/mapi_calendar.h"
 #include "import/mapi_contact.h"
 #include "import/mapi_message.h"
-#include "import/mime_message.h"
-#include "import/rtf_text.h"
+#include "mail/mime_message.h"
+#include "mail/rtf_text.h"
 
 namespace tidyfold {
 namespace {

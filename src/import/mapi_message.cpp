@@ -9,14 +9,14 @@
 #include <utility>
 
 #include "base/text.h"
-#include "import/charset.h"
-#include "import/gmime_ptr.h"
-#include "import/header_parameters.h"
-#include "import/mail_addresses.h"
-#include "import/mail_headers.h"
+#include "mail/charset.h"
+#include "mail/gmime_ptr.h"
+#include "mail/header_parameters.h"
+#include "mail/mail_addresses.h"
+#include "mail/mail_headers.h"
 #include "import/message_parts.h"
-#include "import/mime_message.h"
-#include "import/rtf_text.h"
+#include "mail/mime_message.h"
+#include "mail/rtf_text.h"
 
 namespace tidyfold {
 namespace {

@@ -5,7 +5,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "import/charset.h"
+#include "mail/charset.h"
 #include "import/mapi.h"
 
 namespace tidyfold {

@@ -5,7 +5,7 @@
 #include <charconv>
 #include <string_view>
 
-#include "import/mail_headers.h"
+#include "mail/mail_headers.h"
 
 namespace tidyfold {
 namespace {

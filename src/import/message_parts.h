@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "import/gmime_ptr.h"
+#include "mail/gmime_ptr.h"
 
 namespace tidyfold {
 

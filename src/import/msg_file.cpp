@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "import/mapi_item.h"
-#include "import/mime_message.h"
+#include "mail/mime_message.h"
 #include "import/msg_object.h"
 #include "import/source_file.h"
 

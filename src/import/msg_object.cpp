@@ -13,8 +13,8 @@
 #include <utility>
 
 #include "import/compound_file.h"
-#include "import/compressed_rtf.h"
-#include "import/mime_message.h"
+#include "mail/compressed_rtf.h"
+#include "mail/mime_message.h"
 
 namespace tidyfold {
 namespace {

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "import/mapi_item.h"
-#include "import/mime_message.h"
+#include "mail/mime_message.h"
 #include "import/pst_object.h"
 #include "import/source_file.h"
 

@@ -5,8 +5,8 @@
 #include <string_view>
 #include <utility>
 
-#include "import/charset.h"
-#include "import/mime_message.h"
+#include "mail/charset.h"
+#include "mail/mime_message.h"
 
 namespace tidyfold {
 namespace {

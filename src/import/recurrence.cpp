@@ -5,7 +5,7 @@
 #include <optional>
 #include <set>
 
-#include "import/local_date.h"
+#include "mail/local_date.h"
 
 namespace tidyfold {
 namespace {

@@ -3,8 +3,8 @@
 #include <string_view>
 
 #include "base/text.h"
-#include "import/kept_fields.h"
-#include "import/mail_headers.h"
+#include "mail/kept_fields.h"
+#include "mail/mail_headers.h"
 #include "import/mbox_reader.h"
 #include "import/source_file.h"
 

@@ -7,10 +7,10 @@
 #include <utility>
 
 #include "base/text.h"
-#include "import/charset.h"
-#include "import/kept_fields.h"
-#include "import/local_date.h"
-#include "import/mime_message.h"
+#include "mail/charset.h"
+#include "mail/kept_fields.h"
+#include "mail/local_date.h"
+#include "mail/mime_message.h"
 
 namespace tidyfold {
 namespace {

@@ -11,8 +11,15 @@ class Group_Watcher {
   virtual ~Group_Watcher() = default;
   // A group that holds changes is about to be kept.
   virtual void Group_Ending() = 0;
-  // Every change to the store since its group before has been kept, or has not happened. Not called for a
-  // group without changes. Must not throw or change a store.
+  // Between the two, for a store that can say so: a single change of the group that has not happened, though
+  // the others have, and why, in a sentence for a person; and an item that got another EntryID with a change,
+  // which its object could not tell yet. By the EntryID that the item had.
+  virtual void Not_Kept(const std::string& /*store_id*/, const std::string& /*entry_id*/,
+                        const std::string& /*reason*/) {}
+  virtual void Renamed(const std::string& /*store_id*/, const std::string& /*entry_id*/,
+                       const std::string& /*new_entry_id*/) {}
+  // Every change to the store since its group before has been kept, except those named, or none of them has
+  // happened. Not called for a group without changes. Must not throw or change a store.
   virtual void Group_Ended(const std::string& store_id, bool kept) = 0;
 };
 

@@ -18,11 +18,11 @@ void Change_Ledger::Before_Change(const std::string& store_id) {
   if (!stores_with_groups_.contains(store_id)) Flush();
 }
 
-void Change_Ledger::Pending(std::string store_id, std::function<void(bool kept)> settled) {
+void Change_Ledger::Pending(std::string store_id, std::string entry_id, Settled settled) {
   if (groups_ == nullptr) {
-    settled(true);
+    settled({});
   } else {
-    pending_.push_back({std::move(store_id), std::move(settled)});
+    pending_.push_back({std::move(store_id), std::move(entry_id), std::move(settled)});
   }
 }
 
@@ -36,7 +36,7 @@ void Change_Ledger::Settle() {
     }
   }
   // What no group has settled was changed in a store without groups.
-  for (const Change& change : std::exchange(pending_, {})) change.settled(true);
+  for (const Change& change : std::exchange(pending_, {})) change.settled({});
   Flush();
   if (failure != nullptr) std::rethrow_exception(failure);
 }
@@ -45,12 +45,29 @@ void Change_Ledger::Group_Ending() {
   Flush();
 }
 
+void Change_Ledger::Not_Kept(const std::string& store_id, const std::string& entry_id,
+                             const std::string& reason) {
+  not_kept_[store_id][entry_id] = reason.empty() ? "The store did not say why." : reason;
+}
+
+void Change_Ledger::Renamed(const std::string& store_id, const std::string& entry_id,
+                            const std::string& new_entry_id) {
+  renamed_[store_id][entry_id] = new_entry_id;
+}
+
 void Change_Ledger::Group_Ended(const std::string& store_id, bool kept) {
   stores_with_groups_.insert(store_id);
+  const Told failures = std::exchange(not_kept_[store_id], {}), names = std::exchange(renamed_[store_id], {});
+  const auto told = [](const Told& all, const std::string& entry_id) {
+    const auto found = all.find(entry_id);
+    return found == all.end() ? std::string() : found->second;
+  };
   std::vector<Change> others;
   for (Change& change : std::exchange(pending_, {})) {
     if (change.store_id == store_id) {
-      change.settled(kept);
+      Change_Outcome outcome{kept, kept ? told(failures, change.entry_id) : "", told(names, change.entry_id)};
+      outcome.kept = kept && outcome.reason.empty();
+      change.settled(outcome);
     } else {
       others.push_back(std::move(change));
     }

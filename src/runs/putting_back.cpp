@@ -137,16 +137,16 @@ void Putting_Back::Move(Item& item, Folder_Finder& finder, Logged_Item& entry) {
   errors_.Try([&] { new_id = moved->EntryID(); });
   errors_.Try([&] { into.entry_id = folder->EntryID(); });
   if (new_id == entry.entry_id) new_id.clear();
-  ledger_.Pending(into.store_id, [this, entry, into, new_id](bool kept) {
-    if (kept) {
+  ledger_.Pending(into.store_id, entry.entry_id, [this, entry, into, new_id](const Change_Outcome& outcome) {
+    if (outcome.kept) {
       ++report_.put_back;
-      log_.Set_Result(entry.number, Item_Result::Done, new_id);
+      log_.Set_Result(entry.number, Item_Result::Done, new_id.empty() ? outcome.new_entry_id : new_id);
       if (folders_.insert(into.store_id + "/" + into.entry_id).second) report_.folders.push_back(into);
     } else {
-      group_lost_ = true;
+      group_lost_ = group_lost_ || outcome.Group_Lost();
       Logged_Item left = entry;
       left.result = Item_Result::Failed;
-      left.reason = "The store could not keep the change.";
+      left.reason = outcome.Why_Not_Kept();
       Leave(std::move(left));
     }
   });

@@ -1,7 +1,5 @@
 #include "settings/last_stores.h"
 
-#include "base/file_path.h"
-
 namespace tidyfold {
 
 namespace {
@@ -32,28 +30,29 @@ bool Set_Text(Registry& registry, Registry::Key key, const std::string& name, co
 
 }  // namespace
 
-std::vector<std::filesystem::path> Last_Stores(Registry& registry) {
-  std::vector<std::filesystem::path> stores;
+std::vector<Store_Address> Last_Stores(Registry& registry) {
+  std::vector<Store_Address> stores;
   Registry::Key key = 0;
   registry.RegOpenKeyA(Registry_Root::Current_User, last_stores_key, key);
   for (;;) {
     const std::string text = Text(registry, key, Value_Name(stores.size() + 1));
     if (text.empty()) break;
-    stores.push_back(File_Path(text));
+    try {
+      stores.push_back(Read_Store_Address(text));
+    } catch (const Store_Address_Error&) {
+      break;  // not written by this program
+    }
   }
   registry.RegCloseKey(key);
   return stores;
 }
 
-bool Keep_Last_Stores(Registry& registry, const std::vector<std::filesystem::path>& stores) {
+bool Keep_Last_Stores(Registry& registry, const std::vector<Store_Address>& stores) {
   Registry::Key key = 0;
   registry.RegCreateKeyA(Registry_Root::Current_User, last_stores_key, key);
   bool kept = key != 0;
-  for (std::size_t i = 0; i < stores.size() && kept; ++i) {
-    std::error_code error;
-    const std::filesystem::path path = std::filesystem::absolute(stores[i], error);
-    kept = Set_Text(registry, key, Value_Name(i + 1), (error ? stores[i] : path).string());
-  }
+  for (std::size_t i = 0; i < stores.size() && kept; ++i)
+    kept = Set_Text(registry, key, Value_Name(i + 1), stores[i].Lasting_Text());
   // The registry's interface removes no values; what a longer list left is emptied.
   for (std::size_t after = stores.size() + 1; kept && !Text(registry, key, Value_Name(after)).empty();
        ++after)

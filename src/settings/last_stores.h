@@ -1,19 +1,19 @@
 // What was last open or chosen: stores, and the directory for copies.
 #pragma once
 
-#include <filesystem>
 #include <string>
 #include <vector>
 
+#include "base/store_address.h"
 #include "settings/registry.h"
 
 namespace tidyfold {
 
 // Empty where none are kept, or where the registry cannot be read.
-std::vector<std::filesystem::path> Last_Stores(Registry& registry);
+std::vector<Store_Address> Last_Stores(Registry& registry);
 
-// Keeps absolute paths. False where the registry could not be written.
-bool Keep_Last_Stores(Registry& registry, const std::vector<std::filesystem::path>& stores);
+// Keeps what opens them from anywhere. False where the registry could not be written.
+bool Keep_Last_Stores(Registry& registry, const std::vector<Store_Address>& stores);
 
 // The directory of Keep a Copy First; empty where none is kept.
 std::string Last_Copy_Directory(Registry& registry);

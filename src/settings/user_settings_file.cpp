@@ -32,15 +32,15 @@ std::string Without_Escapes(std::string_view text) {
 }
 
 // The entries 1, 2, ... of the group "Stores".
-std::vector<std::filesystem::path> Stores_In(std::ifstream& configuration) {
-  std::vector<std::filesystem::path> stores;
+std::vector<Store_Address> Stores_In(std::ifstream& configuration) {
+  std::vector<Store_Address> stores;
   bool in_group = false;
   for (std::string line; std::getline(configuration, line);) {
     if (line.starts_with('[')) {
       in_group = line == "[Stores]";
     } else if (const std::string entry = std::to_string(stores.size() + 1) + "=";
                in_group && line.starts_with(entry)) {
-      stores.emplace_back(Without_Escapes(line.substr(entry.size())));
+      stores.emplace_back(std::filesystem::path(Without_Escapes(line.substr(entry.size()))));
     }
   }
   return stores;
@@ -68,7 +68,7 @@ void Take_Over_Old_Settings(const std::filesystem::path& folder, Registry& regis
 
   std::ifstream configuration(old_configuration);
   if (!configuration) return;
-  const std::vector<std::filesystem::path> stores = Stores_In(configuration);
+  const std::vector<Store_Address> stores = Stores_In(configuration);
   // What the settings themselves say is newer.
   if (!stores.empty() && Last_Stores(registry).empty() && !Keep_Last_Stores(registry, stores)) return;
   std::filesystem::remove(old_configuration, ignored);

@@ -12,7 +12,7 @@
 #include "doubles/temporary_directory.h"
 #include "export/export.h"
 #include "import/import.h"
-#include "import/item_identity.h"
+#include "mail/item_identity.h"
 #include "stores/sqlite/embedded_store.h"
 
 namespace tidyfold {

@@ -6,7 +6,7 @@
 
 #include "doubles/requirements.h"
 #include "export/export_fixture.h"
-#include "import/mime_message.h"
+#include "mail/mime_message.h"
 #include "stores/sqlite/sample_store.h"
 
 namespace tidyfold {

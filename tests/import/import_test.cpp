@@ -3,7 +3,7 @@
 
 #include "import/import_fixture.h"
 #include "import/import_run.h"
-#include "import/maildir.h"
+#include "mail/maildir.h"
 
 namespace tidyfold {
 namespace {

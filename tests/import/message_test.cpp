@@ -1,7 +1,7 @@
 // What is in a message.
 
 #include "import/import_fixture.h"
-#include "import/mime_message.h"
+#include "mail/mime_message.h"
 
 namespace tidyfold {
 namespace {

@@ -1,9 +1,9 @@
 // Charsets, HTML, RTF and dates.
-#include "import/charset.h"
-#include "import/html_text.h"
+#include "mail/charset.h"
+#include "mail/html_text.h"
 #include "import/import_fixture.h"
-#include "import/local_date.h"
-#include "import/rtf_text.h"
+#include "mail/local_date.h"
+#include "mail/rtf_text.h"
 
 namespace tidyfold {
 namespace {

@@ -23,12 +23,12 @@ class Change_Ledger_Test : public Log_Fixture {
  protected:
   Change_Ledger_Test() { log.Begin({}, now); }
   // As a strategy changes an item.
-  void Change(Change_Ledger& ledger, const std::string& store) {
+  void Change(Change_Ledger& ledger, const std::string& store, const std::string& entry_id = "I1") {
     const std::int64_t number = log.Note(Noted(store));
     ledger.Before_Change(store);
-    ledger.Pending(store, [this, number, store](bool kept) {
-      settled += store + (kept ? "+" : "-");
-      log.Set_Result(number, kept ? Item_Result::Done : Item_Result::Failed);
+    ledger.Pending(store, entry_id, [this, number, store](const Change_Outcome& outcome) {
+      settled += store + (outcome.kept ? "+" : "-") + outcome.reason + outcome.new_entry_id;
+      log.Set_Result(number, outcome.kept ? Item_Result::Done : Item_Result::Failed);
     });
   }
   std::string Results() {
@@ -62,6 +62,22 @@ TEST_F(Change_Ledger_Test, CountsWhatWasKept) {
     EXPECT_EQ(ledger.Log_Failure(), "");
   }
   EXPECT_EQ(groups.watcher, nullptr);
+}
+
+TEST_F(Change_Ledger_Test, ASingleChangeMayFailOrBringAnotherIdentityWhileItsGroupIsKept) {
+  Groups groups;
+  Change_Ledger ledger(&groups, log);
+  for (const char* id : {"I1", "I2", "I3", "I1"}) Change(ledger, "A", id);
+  Change(ledger, "B", "I1");
+  ledger.Not_Kept("A", "I1", "Full.");
+  ledger.Renamed("A", "I3", "I9");
+  ledger.Group_Ended("A", true);
+  EXPECT_EQ(settled, "A-Full.A+A+I9A-Full.");
+  settled.clear();
+  Change(ledger, "A", "I1");
+  ledger.Group_Ended("A", true);
+  ledger.Settle();
+  EXPECT_EQ(settled, "A+B+") << "What was told belongs to one group of one store.";
 }
 
 TEST_F(Change_Ledger_Test, WithoutGroupsEachChangeLastsEvenIfTheLogCannotBeWritten) {

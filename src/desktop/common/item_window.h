@@ -3,7 +3,7 @@
 
 #include <wx/frame.h>
 
-#include "stores/sqlite/displayed_item.h"
+#include "outlook/displayed_item.h"
 
 namespace tidyfold {
 

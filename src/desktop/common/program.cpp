@@ -20,12 +20,11 @@
 #include "desktop/common/welcome_dialog.h"
 #include "export/export.h"
 #include "import/import.h"
-#include "outlook/stored_protection.h"
 #include "settings/last_stores.h"
 
 namespace tidyfold {
 
-Program::Program(std::vector<std::filesystem::path> stores, std::vector<std::filesystem::path> files,
+Program::Program(std::vector<Store_Address> stores, std::vector<std::filesystem::path> files,
                  Program_Observer* observer)
     : first_stores_(std::move(stores)), first_files_(std::move(files)), observer_(observer) {}
 
@@ -64,7 +63,9 @@ void Program::Start() {
   registry_ = Make_System_Registry([this](const std::string& text) {
     message_box_.Show(text, Buttons::OK_Only, Icon::None, application_title);
   });
-  files_ = std::make_unique<Store_Files>(outlook_, *registry_);
+  files_ = std::make_unique<Store_Files>(stores_, *registry_);
+  stored_protection_ = std::make_unique<Stored_Protection>(*registry_);
+  stores_.Keep_Marks_In(stored_protection_.get());
   if (!Open_First_Stores()) return ExitMainLoop();
   Build();
   loading_ = true;
@@ -79,7 +80,7 @@ bool Program::Open_First_Stores() {
     // What is imported goes into the stores that were open last, or into a new one.
     if (first_stores_.empty()) first_stores_ = Last_Stores(*registry_);
     if (!first_stores_.empty()) files_->Open(nullptr, first_stores_);
-    if (files_->Take_In(nullptr, first_files_) || !outlook_.Stores().empty()) return true;
+    if (files_->Take_In(nullptr, first_files_) || !stores_.Open_Stores().empty()) return true;
     return Welcome_Dialog(*files_).ShowModal() == wxID_OK;
   }
   if (first_stores_.empty()) {
@@ -122,9 +123,9 @@ void Program::Build() {
     const int folder = window_.trvFolders.Selected_Item();
     if (app_->records.Has(folder)) Export(app_->records[folder].Folder);
   };
-  outlook_.Set_Display([this](const Displayed_Item& item) { Show_In_Front(*new Item_Window(frame_, item)); });
+  stores_.Set_Display([this](const Displayed_Item& item) { Show_In_Front(*new Item_Window(frame_, item)); });
   window_.mnuRuns.Click = [this] { Show_Runs(); };
-  events_.before_yield = [this] { outlook_.Commit_Pending(); };
+  events_.before_yield = [this] { stores_.Commit_Pending(); };
   message_box_.opening = [this](const std::string& text) {
     schedule_->Flush();
     if (observer_ != nullptr) observer_->Box_Opened(text);
@@ -137,10 +138,10 @@ void Program::Build() {
     Commit();
   });
   help_ = std::make_unique<Desktop_Help>(*frame_, window_, message_box_, *registry_);
-  Automation& outlook = system_outlook_ ? *system_outlook_ : outlook_;
+  Automation& outlook = system_outlook_ ? *system_outlook_ : stores_;
   limits_ = std::make_unique<Stored_Limits>(*registry_);
-  if (system_outlook_) stored_protection_ = std::make_unique<Stored_Protection>(*registry_);
-  Folder_Protection& protection = system_outlook_ ? *stored_protection_ : outlook_;
+  Folder_Protection& protection =
+      system_outlook_ ? static_cast<Folder_Protection&>(*stored_protection_) : stores_;
   app_ = std::make_unique<App>(
       window_, Surroundings{outlook, message_box_, events_, clock_, log_, *limits_, protection,
                             &help_->Environment(), system_outlook_ || !Can_Export() ? nullptr : &copies_});
@@ -212,7 +213,7 @@ void Program::Change_Stores(const std::function<bool()>& change) {
 void Program::Commit() {
   if (GetMainLoop() == nullptr || GetMainLoop()->IsYielding()) return;
   try {
-    outlook_.Commit_Pending();
+    stores_.Commit_Pending();
   } catch (const std::exception& error) {
     message_box_.Show(error.what(), Buttons::OK_Only, Icon::Critical, application_title);
   }
@@ -228,6 +229,7 @@ void Program::End_When_Unwound() {
 int Program::OnExit() {
   app_.reset();
   limits_.reset();
+  stores_.Keep_Marks_In(nullptr);
   stored_protection_.reset();
   // Before wxWidgets shuts down OLE.
   system_outlook_.reset();

@@ -21,9 +21,10 @@
 #include "desktop/common/store_files.h"
 #include "export/export.h"
 #include "export/store_copies.h"
-#include "outlook/folder_protection.h"
+#include "outlook/store_session.h"
+#include "outlook/stored_protection.h"
 #include "runs/run_log.h"
-#include "stores/sqlite/embedded_outlook.h"
+#include "stores/opening/open_store.h"
 
 namespace tidyfold {
 
@@ -36,7 +37,7 @@ class Program : public wxApp {
  public:
   // The stores to open, and files to open or to import; where no store is named, those that were open last
   // are opened. The observer may be absent.
-  Program(std::vector<std::filesystem::path> stores, std::vector<std::filesystem::path> files,
+  Program(std::vector<Store_Address> stores, std::vector<std::filesystem::path> files,
           Program_Observer* observer);
   ~Program() override;
 
@@ -57,14 +58,15 @@ class Program : public wxApp {
   void End_When_Unwound();
   void Commit();
 
-  std::vector<std::filesystem::path> first_stores_, first_files_;
+  std::vector<Store_Address> first_stores_;
+  std::vector<std::filesystem::path> first_files_;
   Program_Observer* observer_;
-  // What the window works on: Outlook, when it is there and no store file was named, or store files.
+  // What the window works on: Outlook, when it is there and no store was named, or stores of its own.
   std::unique_ptr<Automation> system_outlook_;
-  Embedded_Outlook outlook_;
+  Store_Session stores_{&Open_Store};
   System_Clock clock_;
   Store_Copies copies_{[this](const std::string& store_id, const std::string& entry_id) {
-                         return outlook_.Read_Whole_Item(store_id, entry_id);
+                         return stores_.Read_Whole_Item(store_id, entry_id);
                        },
                        clock_};
   Run_Log log_{Default_Run_Log_File()};
@@ -81,7 +83,7 @@ class Program : public wxApp {
   wxWeakRef<wxFrame> runs_window_;
   std::unique_ptr<Desktop_Help> help_;
   std::unique_ptr<Stored_Limits> limits_;
-  std::unique_ptr<Folder_Protection> stored_protection_;
+  std::unique_ptr<Stored_Protection> stored_protection_;
   std::unique_ptr<App> app_;
 
   bool loading_ = false;

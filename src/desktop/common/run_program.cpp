@@ -17,7 +17,7 @@ int Run_Program(int argc, char** argv, Program_Observer* observer) {
   CLI::App arguments("Clears out a mail and calendar store.", "tidyfold");
   std::vector<std::string> stores;
   arguments.add_option("--store", stores, "A store to open; repeat it for several. None: those open last.")
-      ->type_name("FILE")
+      ->type_name("STORE")
       ->allow_extra_args(false);
   std::vector<std::string> files;
   arguments.add_option("files", files, "Stores to open, and files or folders to import.")->type_name("FILE");
@@ -30,14 +30,18 @@ int Run_Program(int argc, char** argv, Program_Observer* observer) {
   }
 
   // wxWidgets creates the wxApp through a plain function pointer, which cannot capture.
-  static std::vector<std::filesystem::path> paths, others;
+  static std::vector<Store_Address> addresses;
+  static std::vector<std::filesystem::path> others;
   static Program_Observer* watching;
-  paths.reserve(stores.size());
-  for (const std::string& store : stores) paths.push_back(File_Path(store));
+  try {
+    for (const std::string& store : stores) addresses.push_back(Read_Store_Address(store));
+  } catch (const Store_Address_Error& error) {
+    return arguments.exit(CLI::ValidationError("--store", error.what()));
+  }
   others.reserve(files.size());
   for (const std::string& file : files) others.push_back(File_Path(file));
   watching = observer;
-  wxApp::SetInitializerFunction([]() -> wxAppConsole* { return new Program(paths, others, watching); });
+  wxApp::SetInitializerFunction([]() -> wxAppConsole* { return new Program(addresses, others, watching); });
   int no_arguments = 1;
   return wxEntry(no_arguments, argv);
 }

@@ -157,14 +157,15 @@ void Show_Reports(wxWindow* parent, const std::vector<Import_Report>& reports) {
 
 }  // namespace
 
-bool Store_Files::Open(wxWindow* parent, const std::vector<std::filesystem::path>& paths) {
+bool Store_Files::Open(wxWindow* parent, const std::vector<Store_Address>& addresses) {
   try {
     // Only a store that an older version wrote takes long enough to be told.
     std::optional<Progress> progress;
-    outlook_.Replace(paths, Store_Mode::Read_Write, [&](std::int64_t done, std::int64_t total) {
-      if (!progress) progress.emplace(parent, "Open Store", "Bringing the store up to date");
-      return progress->Tell_Part(done, total);
-    });
+    stores_.Replace(addresses, {Store_Mode::Read_Write, [&](std::int64_t done, std::int64_t total) {
+                                  if (!progress)
+                                    progress.emplace(parent, "Open Store", "Bringing the store up to date");
+                                  return progress->Tell_Part(done, total);
+                                }});
   } catch (const std::exception& error) {
     Show_Error(parent, error.what());
     return false;
@@ -180,9 +181,19 @@ bool Store_Files::Ask_And_Open(wxWindow* parent) {
   while (dialog.ShowModal() == wxID_OK) {
     wxArrayString chosen;
     dialog.GetPaths(chosen);
-    std::vector<std::filesystem::path> paths;
-    for (const wxString& path : chosen) paths.push_back(To_Path(path));
-    if (Open(parent, paths)) return true;
+    std::vector<Store_Address> files;
+    for (const wxString& path : chosen) files.emplace_back(To_Path(path));
+    if (Open(parent, files)) return true;
+  }
+  return false;
+}
+
+bool Store_Files::Ask_And_Open_Maildir(wxWindow* parent) {
+  wxDirDialog dialog(parent, "Open Maildir", wxString(), wxDD_DEFAULT_STYLE | wxDD_DIR_MUST_EXIST);
+  while (dialog.ShowModal() == wxID_OK) {
+    Store_Address maildir(To_Path(dialog.GetPath()));
+    maildir.kind = Store_Address::Kind::Maildir;
+    if (Open(parent, {maildir})) return true;
   }
   return false;
 }
@@ -234,8 +245,10 @@ bool Store_Files::Import_Folder(wxWindow* parent) {
 }
 
 bool Store_Files::Take_In(wxWindow* parent, const std::vector<std::filesystem::path>& files) {
-  std::vector<std::filesystem::path> stores, sources;
-  for (const std::filesystem::path& file : files) (Is_Store_File(file) ? stores : sources).push_back(file);
+  std::vector<std::filesystem::path> sources;
+  std::vector<Store_Address> stores;
+  for (const std::filesystem::path& file : files)
+    Is_Store_File(file) ? stores.emplace_back(file), void() : sources.push_back(file);
   const bool opened = !stores.empty() && Open(parent, stores);
   if (!stores.empty() && !opened) return false;
   return (!sources.empty() && Import(parent, sources, {})) || opened;
@@ -243,19 +256,22 @@ bool Store_Files::Take_In(wxWindow* parent, const std::vector<std::filesystem::p
 
 bool Store_Files::Import(wxWindow* parent, const std::vector<std::filesystem::path>& sources,
                          const Import_Options& options) {
-  if (!outlook_.Stores().empty()) return Import_Into(parent, *outlook_.Stores().front(), sources, options);
+  if (const auto open = stores_.Stores_Of<Embedded_Store>(); !open.empty())
+    return Import_Into(parent, *open.front(), sources, options);
   for (;;) {
     const std::filesystem::path path =
         Ask_New_Store(parent, "Where to keep what is imported", File_Name(sources.front().stem()));
     if (path.empty()) return false;
+    std::shared_ptr<Embedded_Store> store;
     try {
-      outlook_.Add(Embedded_Store::Create(path, From_Wx(File_Name(path.stem()))));
+      store = Embedded_Store::Create(path, From_Wx(File_Name(path.stem())));
+      stores_.Add(store);
     } catch (const std::exception& error) {
       Show_Error(parent, error.what());
       continue;
     }
     Remember();
-    Import_Into(parent, *outlook_.Stores().front(), sources, options);
+    Import_Into(parent, *store, sources, options);
     return true;
   }
 }
@@ -291,7 +307,7 @@ void Store_Files::Export(wxWindow* parent, const MAPIFolder_Ptr& folder) {
       options.form = dialog.Form();
       const auto add = [&](const MAPIFolder_Ptr& top, std::vector<std::string> above) {
         const auto read = [this, id = top->StoreID()](const std::string& entry_id) {
-          return outlook_.Read_Whole_Item(id, entry_id);
+          return stores_.Read_Whole_Item(id, entry_id);
         };
         std::ranges::move(Folders_To_Export(top, std::move(above), read), std::back_inserter(folders));
         options.total += Items_In(*top);
@@ -299,8 +315,8 @@ void Store_Files::Export(wxWindow* parent, const MAPIFolder_Ptr& folder) {
       if (folder != nullptr) {
         add(folder, {});
       } else {
-        const bool several = outlook_.Stores().size() > 1;
-        for (const auto& store : outlook_.Stores()) {
+        const bool several = stores_.Open_Stores().size() > 1;
+        for (const auto& store : stores_.Open_Stores()) {
           const MAPIFolder_Ptr top = store->Top_Folder();
           add(top, several ? std::vector{top->Name()} : std::vector<std::string>{});
         }
@@ -323,7 +339,7 @@ void Store_Files::Export(wxWindow* parent, const MAPIFolder_Ptr& folder) {
 
 void Store_Files::Compact(wxWindow* parent) {
   wxString text;
-  for (const auto& store : outlook_.Stores()) {
+  for (const auto& store : stores_.Stores_Of<Embedded_Store>()) {
     const wxString name = File_Name(store->Path());
     try {
       Compacted compacted;
@@ -345,7 +361,7 @@ void Store_Files::Compact(wxWindow* parent) {
 
 std::int64_t Store_Files::Unused_Bytes() const {
   std::int64_t bytes = 0;
-  for (const auto& store : outlook_.Stores()) {
+  for (const auto& store : stores_.Stores_Of<Embedded_Store>()) {
     try {
       bytes += store->Unused_Bytes();
     } catch (const Automation_Error&) {
@@ -358,7 +374,7 @@ std::int64_t Store_Files::Unused_Bytes() const {
 std::int64_t Store_Files::File_Bytes() const {
   std::int64_t bytes = 0;
   std::error_code ignored;
-  for (const auto& store : outlook_.Stores()) {
+  for (const auto& store : stores_.Stores_Of<Embedded_Store>()) {
     const auto size = std::filesystem::file_size(store->Path(), ignored);
     if (!ignored) bytes += static_cast<std::int64_t>(size);
   }
@@ -366,9 +382,9 @@ std::int64_t Store_Files::File_Bytes() const {
 }
 
 void Store_Files::Remember() {
-  std::vector<std::filesystem::path> paths;
-  for (const auto& store : outlook_.Stores()) paths.push_back(store->Path());
-  Keep_Last_Stores(registry_, paths);
+  std::vector<Store_Address> addresses;
+  for (const auto& store : stores_.Open_Stores()) addresses.push_back(store->Address());
+  Keep_Last_Stores(registry_, addresses);
 }
 
 }  // namespace tidyfold

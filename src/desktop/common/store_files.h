@@ -1,4 +1,4 @@
-// Commands on store files: opening, making a sample store, importing, compacting.
+// Commands on stores: opening, making a sample store, importing, compacting.
 #pragma once
 
 #include <wx/window.h>
@@ -9,8 +9,9 @@
 #include <vector>
 
 #include "import/import.h"
+#include "outlook/store_session.h"
 #include "settings/registry.h"
-#include "stores/sqlite/embedded_outlook.h"
+#include "stores/sqlite/embedded_store.h"
 
 namespace tidyfold {
 
@@ -18,22 +19,23 @@ namespace tidyfold {
 // the open stores have changed.
 class Store_Files {
  public:
-  Store_Files(Embedded_Outlook& outlook, Registry& registry) : outlook_(outlook), registry_(registry) {}
+  Store_Files(Store_Session& stores, Registry& registry) : stores_(stores), registry_(registry) {}
 
   // Shows the reason if one of the stores cannot be opened.
-  bool Open(wxWindow* parent, const std::vector<std::filesystem::path>& paths);
+  bool Open(wxWindow* parent, const std::vector<Store_Address>& addresses);
   bool Ask_And_Open(wxWindow* parent);
+  bool Ask_And_Open_Maildir(wxWindow* parent);
   bool Make_Sample_Store(wxWindow* parent);
-  // Into the first open store, or into a new one if none is open.
+  // Into the first store file that is open, or into a new one if none is.
   bool Import_Files(wxWindow* parent);
   bool Import_Folder(wxWindow* parent);
   // Opens the stores among the files, and imports the others.
   bool Take_In(wxWindow* parent, const std::vector<std::filesystem::path>& files);
   // Asks where to and in which form, and writes a folder with all below it; null: everything.
   void Export(wxWindow* parent, const MAPIFolder_Ptr& folder);
-  // Gives the unused room of all open stores back and says how much.
+  // Gives the unused room of all open store files back and says how much.
   void Compact(wxWindow* parent);
-  // Bytes of the open stores that nothing uses, and of their files.
+  // Bytes of the open store files that nothing uses, and of the files.
   std::int64_t Unused_Bytes() const;
   std::int64_t File_Bytes() const;
 
@@ -45,7 +47,7 @@ class Store_Files {
   std::filesystem::path Ask_New_Store(wxWindow* parent, const wxString& question, const wxString& name);
   void Remember();
 
-  Embedded_Outlook& outlook_;
+  Store_Session& stores_;
   Registry& registry_;
 };
 

@@ -202,37 +202,38 @@ class Embedded_Folder : public MAPIFolder, Folder_View {
 
 class Embedded_Writer : public Store_Writer {
  public:
-  explicit Embedded_Writer(std::shared_ptr<Store> store) : store_(std::move(store)) {}
-  MAPIFolder_Ptr Top_Folder() override { return Make_Folder(store_, store_->Top().id); }
+  explicit Embedded_Writer(Store& store) : store_(store) {}
+  MAPIFolder_Ptr Top_Folder() override { return Make_Folder(store_.shared_from_this(), store_.Top().id); }
   MAPIFolder_Ptr Add_Folder(MAPIFolder& parent, const std::string& name,
                             std::int32_t default_item_type) override {
-    return Make_Folder(store_, store_->Add_Folder(Number_Of(parent), name, default_item_type));
+    return Make_Folder(store_.shared_from_this(),
+                       store_.Add_Folder(Number_Of(parent), name, default_item_type));
   }
   std::string Add_Item(MAPIFolder& folder, const New_Item& item) override {
-    return Item_Entry_Id(store_->Add_Item(Number_Of(folder), item));
+    return Item_Entry_Id(store_.Add_Item(Number_Of(folder), item));
   }
-  std::int64_t Count_Of(std::int64_t identity) override { return store_->Count_Of(identity); }
+  std::int64_t Count_Of(std::int64_t identity) override { return store_.Count_Of(identity); }
   std::string Fill_Identities(const std::string& after, std::int32_t most,
                               const std::function<std::int64_t(const New_Item&)>& identity_of) override {
     const std::int64_t behind = after.empty() ? 0 : Item_Of_Entry_Id(after).value_or(0);
-    const std::int64_t last = store_->Fill_Identities(behind, most, identity_of);
+    const std::int64_t last = store_.Fill_Identities(behind, most, identity_of);
     return last == 0 ? std::string() : Item_Entry_Id(last);
   }
-  void Begin() override { store_->Begin(); }
-  void Commit() override { store_->Commit(); }
-  void Roll_Back() override { store_->Roll_Back(); }
+  void Begin() override { store_.Begin(); }
+  void Commit() override { store_.Commit(); }
+  void Roll_Back() override { store_.Roll_Back(); }
 
  private:
   // Accepts any object with the identity of one of this store's folders.
   std::int64_t Number_Of(MAPIFolder& folder) const {
     const auto id = Folder_Of_Entry_Id(folder.EntryID());
-    if (!id || folder.StoreID() != store_->StoreID()) {
+    if (!id || folder.StoreID() != store_.StoreID()) {
       Fail(automation_error::not_found, "The folder does not belong to the store.");
     }
     return *id;
   }
 
-  std::shared_ptr<Store> store_;
+  Store& store_;
 };
 
 }  // namespace
@@ -255,8 +256,8 @@ Item_Ptr Find_Item(const std::shared_ptr<Store>& store, const std::string& entry
   return std::make_shared<Embedded_Item>(store, store->Item_By_Id(*id));
 }
 
-std::unique_ptr<Store_Writer> Make_Writer(std::shared_ptr<Store> store) {
-  return std::make_unique<Embedded_Writer>(std::move(store));
+std::unique_ptr<Store_Writer> Make_Writer(Store& store) {
+  return std::make_unique<Embedded_Writer>(store);
 }
 
 }  // namespace tidyfold::sqlite

@@ -16,6 +16,7 @@ MAPIFolder_Ptr Make_Folder(std::shared_ptr<Store> store, std::int64_t id);
 MAPIFolder_Ptr Find_Default_Folder(const std::shared_ptr<Store>& store, std::int32_t type);
 // Throws Automation_Error (not_found), also for text that is not an EntryID.
 Item_Ptr Find_Item(const std::shared_ptr<Store>& store, const std::string& entry_id);
-std::unique_ptr<Store_Writer> Make_Writer(std::shared_ptr<Store> store);
+// The store must outlive the writer.
+std::unique_ptr<Store_Writer> Make_Writer(Store& store);
 
 }  // namespace tidyfold::sqlite

@@ -13,7 +13,6 @@
 #include "outlook/change_groups.h"
 #include "outlook/store_writer.h"
 #include "stores/sqlite/database.h"
-#include "stores/sqlite/displayed_item.h"
 #include "stores/sqlite/embedded_store.h"
 #include "stores/sqlite/folder_tree.h"
 #include "stores/sqlite/log_keeper.h"
@@ -59,6 +58,8 @@ class Store : public std::enable_shared_from_this<Store> {
   void Set_Display(Display_Callback display) { display_ = std::move(display); }
   // Makes the file follow from what is written into it alone.
   void Seed_Log(std::uint64_t seed) { log_keeper_->Seed(seed); }
+  // What others see of the store.
+  Embedded_Store& Face() { return face_; }
   // Hears of this store's groups of changes and of the writer's transactions.
   void Set_Watcher(std::weak_ptr<Group_Watcher> watcher) { watcher_ = std::move(watcher); }
 
@@ -183,6 +184,7 @@ class Store : public std::enable_shared_from_this<Store> {
   int pending_ = 0;  // changes in the open transaction
   bool writing_ = false, spoilt_ = false;
   bool clearing_ = true;  // off after a failure
+  Embedded_Store face_{*this};
 };
 
 }  // namespace tidyfold::sqlite

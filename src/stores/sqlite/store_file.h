@@ -12,8 +12,8 @@
 #include <memory>
 #include <string>
 
+#include "outlook/store_open_error.h"
 #include "stores/sqlite/database.h"
-#include "stores/sqlite/store_open_error.h"
 
 namespace tidyfold::sqlite {
 

@@ -1,5 +1,3 @@
-#include "stores/sqlite/store_open_error.h"
-
 #include "stores/sqlite/store_file.h"
 
 namespace tidyfold::sqlite {
@@ -61,6 +59,11 @@ void Fail_Open(Reason reason, const fs::path& path, const std::string& detail) {
     case Reason::Cannot_Read:
       text = store + "could not be read" + why +
              ". Check the disk or the network share that it lies on, and try again.";
+      break;
+    case Reason::Not_Reached:
+    case Reason::Not_Let_In:
+    case Reason::Not_Supported:
+      text = store + "cannot be opened like a file" + why + ".";
       break;
     case Reason::Cannot_Write:
       text = store + "could not be written" + why + ". Check the folder and the room on its disk.";

@@ -1,13 +1,13 @@
-#include "import/tnef.h"
+#include "mail/tnef.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <utility>
 
-#include "import/charset.h"
-#include "import/compressed_rtf.h"
-#include "import/html_text.h"
-#include "import/rtf_text.h"
+#include "mail/charset.h"
+#include "mail/compressed_rtf.h"
+#include "mail/html_text.h"
+#include "mail/rtf_text.h"
 
 namespace tidyfold {
 namespace {

@@ -1,4 +1,4 @@
-#include "import/kept_fields.h"
+#include "mail/kept_fields.h"
 
 #include <glib.h>
 
@@ -11,12 +11,12 @@
 #include <utility>
 
 #include "base/text.h"
-#include "import/charset.h"
-#include "import/header_text.h"
-#include "import/item_identity.h"
-#include "import/mail_flags.h"
-#include "import/mail_headers.h"
-#include "import/transfer_encoding.h"
+#include "mail/charset.h"
+#include "mail/header_text.h"
+#include "mail/item_identity.h"
+#include "mail/mail_flags.h"
+#include "mail/mail_headers.h"
+#include "mail/transfer_encoding.h"
 
 namespace tidyfold {
 namespace {

@@ -1,4 +1,4 @@
-#include "import/html_text.h"
+#include "mail/html_text.h"
 
 #include <algorithm>
 #include <array>
@@ -6,7 +6,7 @@
 #include <unordered_map>
 #include <utility>
 
-#include "import/charset.h"
+#include "mail/charset.h"
 
 namespace tidyfold {
 namespace {

@@ -1,4 +1,4 @@
-#include "import/header_parameters.h"
+#include "mail/header_parameters.h"
 
 #include <algorithm>
 #include <charconv>
@@ -7,9 +7,9 @@
 #include <utility>
 #include <vector>
 
-#include "import/charset.h"
-#include "import/header_text.h"
-#include "import/mail_headers.h"
+#include "mail/charset.h"
+#include "mail/header_text.h"
+#include "mail/mail_headers.h"
 
 namespace tidyfold {
 namespace {

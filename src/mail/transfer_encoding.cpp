@@ -1,4 +1,4 @@
-#include "import/transfer_encoding.h"
+#include "mail/transfer_encoding.h"
 
 #include <gmime/gmime.h>
 
@@ -6,7 +6,7 @@
 #include <array>
 #include <utility>
 
-#include "import/mail_headers.h"
+#include "mail/mail_headers.h"
 
 namespace tidyfold {
 namespace {

@@ -1,4 +1,4 @@
-#include "import/header_text.h"
+#include "mail/header_text.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -6,9 +6,9 @@
 #include <utility>
 
 #include "base/text.h"
-#include "import/charset.h"
-#include "import/mail_headers.h"
-#include "import/transfer_encoding.h"
+#include "mail/charset.h"
+#include "mail/mail_headers.h"
+#include "mail/transfer_encoding.h"
 
 namespace tidyfold {
 namespace {

@@ -1,4 +1,4 @@
-#include "import/maildir.h"
+#include "mail/maildir.h"
 
 #include <algorithm>
 #include <charconv>
@@ -6,8 +6,8 @@
 #include <system_error>
 #include <utility>
 
-#include "import/charset.h"
-#include "import/local_date.h"
+#include "mail/charset.h"
+#include "mail/local_date.h"
 
 namespace tidyfold {
 namespace {

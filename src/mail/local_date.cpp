@@ -1,4 +1,4 @@
-#include "import/local_date.h"
+#include "mail/local_date.h"
 
 #include "base/local_time.h"
 

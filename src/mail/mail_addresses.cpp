@@ -1,11 +1,11 @@
-#include "import/mail_addresses.h"
+#include "mail/mail_addresses.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <optional>
 #include <utility>
 
-#include "import/header_text.h"
+#include "mail/header_text.h"
 
 namespace tidyfold {
 namespace {

@@ -1,4 +1,4 @@
-#include "import/charset.h"
+#include "mail/charset.h"
 
 #include <gmime/gmime.h>
 
@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "base/text.h"
-#include "import/gmime_ptr.h"
+#include "mail/gmime_ptr.h"
 
 namespace tidyfold {
 namespace {

@@ -1,8 +1,8 @@
-#include "import/mail_flags.h"
+#include "mail/mail_flags.h"
 
 #include <charconv>
 
-#include "import/mail_headers.h"
+#include "mail/mail_headers.h"
 
 namespace tidyfold {
 namespace {

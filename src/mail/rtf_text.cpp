@@ -1,4 +1,4 @@
-#include "import/rtf_text.h"
+#include "mail/rtf_text.h"
 
 #include <algorithm>
 #include <array>
@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "import/charset.h"
+#include "mail/charset.h"
 
 namespace tidyfold {
 namespace {

@@ -1,4 +1,4 @@
-#include "import/meeting.h"
+#include "mail/meeting.h"
 
 #include <algorithm>
 #include <array>

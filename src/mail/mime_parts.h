@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "import/mail_headers.h"
+#include "mail/mail_headers.h"
 
 namespace tidyfold {
 

@@ -1,4 +1,4 @@
-#include "import/compressed_rtf.h"
+#include "mail/compressed_rtf.h"
 
 #include <algorithm>
 #include <array>

@@ -1,10 +1,10 @@
-#include "import/mime_parts.h"
+#include "mail/mime_parts.h"
 
 #include <algorithm>
 #include <utility>
 
-#include "import/header_parameters.h"
-#include "import/header_text.h"
+#include "mail/header_parameters.h"
+#include "mail/header_text.h"
 
 namespace tidyfold {
 namespace {

@@ -1,4 +1,4 @@
-#include "import/mime_message.h"
+#include "mail/mime_message.h"
 
 #include <algorithm>
 #include <memory>
@@ -7,20 +7,20 @@
 #include <utility>
 #include <vector>
 
-#include "import/charset.h"
-#include "import/gmime_ptr.h"
-#include "import/header_parameters.h"
-#include "import/header_text.h"
-#include "import/html_text.h"
-#include "import/kept_fields.h"
-#include "import/local_date.h"
-#include "import/mail_addresses.h"
-#include "import/mail_flags.h"
-#include "import/mail_headers.h"
-#include "import/meeting.h"
-#include "import/mime_parts.h"
-#include "import/tnef.h"
-#include "import/transfer_encoding.h"
+#include "mail/charset.h"
+#include "mail/gmime_ptr.h"
+#include "mail/header_parameters.h"
+#include "mail/header_text.h"
+#include "mail/html_text.h"
+#include "mail/kept_fields.h"
+#include "mail/local_date.h"
+#include "mail/mail_addresses.h"
+#include "mail/mail_flags.h"
+#include "mail/mail_headers.h"
+#include "mail/meeting.h"
+#include "mail/mime_parts.h"
+#include "mail/tnef.h"
+#include "mail/transfer_encoding.h"
 
 namespace tidyfold {
 namespace {

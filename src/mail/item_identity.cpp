@@ -1,4 +1,4 @@
-#include "import/item_identity.h"
+#include "mail/item_identity.h"
 
 #include <glib.h>
 

@@ -1,4 +1,4 @@
-#include "import/mail_headers.h"
+#include "mail/mail_headers.h"
 
 #include <algorithm>
 
