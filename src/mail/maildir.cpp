@@ -6,6 +6,8 @@
 #include <system_error>
 #include <utility>
 
+#include "base/file_path.h"
+#include "base/text.h"
 #include "mail/charset.h"
 #include "mail/local_date.h"
 
@@ -14,8 +16,25 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Decodes modified UTF-7 ("Entw&APw-rfe"); any other name stays as it is.
-std::string Folder_Name(const std::string& name) {
+constexpr std::string_view info_marks[] = {":2,", ";2,", "!2,"};
+
+// Of RFC 3501: base64 with a comma for the slash, without padding.
+std::string Shifted(const std::u16string& units) {
+  constexpr std::string_view digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+,";
+  std::string text = "&";
+  std::uint32_t bits = 0;
+  int count = 0;
+  for (const char16_t unit : units) {
+    bits = (bits << 16) | unit;
+    for (count += 16; count >= 6; count -= 6) text += digits[(bits >> (count - 6)) & 63];
+  }
+  if (count > 0) text += digits[(bits << (6 - count)) & 63];
+  return text + "-";
+}
+
+}  // namespace
+
+std::string From_Maildir_Name(const std::string& name) {
   for (std::size_t at = name.find('&'); at != std::string::npos; at = name.find('&', at + 1)) {
     const std::size_t end = std::min(
         name.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+,", at + 1),
@@ -25,7 +44,40 @@ std::string Folder_Name(const std::string& name) {
   return name.find('&') == std::string::npos ? name : To_Utf8(name, "UTF-7-IMAP");
 }
 
-}  // namespace
+std::string To_Maildir_Name(const std::string& name) {
+  std::string text;
+  std::u16string others;
+  const auto end_others = [&] {
+    if (!others.empty()) text += Shifted(std::exchange(others, {}));
+  };
+  for (const char16_t unit : File_Path(Valid_Utf8(name)).u16string()) {
+    if (unit < ' ' || unit >= 0x7F) {
+      others += unit;
+      continue;
+    }
+    end_others();
+    text += static_cast<char>(unit);
+    if (unit == '&') text += '-';
+  }
+  end_others();
+  return text;
+}
+
+Maildir_Name Split_Maildir_Name(std::string_view name) {
+  // Another character replaces the colon on file systems that do not allow it.
+  for (const std::string_view mark : info_marks) {
+    const std::size_t info = name.rfind(mark);
+    if (info != std::string_view::npos) return {name.substr(0, info), name.substr(info + mark.size())};
+  }
+  return {name, {}};
+}
+
+Date Delivery_In(std::string_view name) {
+  std::int64_t seconds = 0;
+  const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), seconds);
+  const bool is_time = error == std::errc() && end != name.data() + name.size() && *end == '.' && seconds > 0;
+  return is_time ? Local_Date(seconds) : no_date;
+}
 
 fs::path Maildir_Message::Path(const fs::path& maildir) const {
   return maildir / (is_new ? "new" : "cur") / name;
@@ -40,7 +92,7 @@ std::vector<std::string> Names_Of_Maildir(std::string_view directory) {
   std::vector<std::string> names;
   for (std::size_t at = 1; at < directory.size();) {
     const std::size_t end = std::min(directory.find('.', at), directory.size());
-    if (end > at) names.push_back(Folder_Name(std::string(directory.substr(at, end - at))));
+    if (end > at) names.push_back(From_Maildir_Name(std::string(directory.substr(at, end - at))));
     at = end + 1;
   }
   return names;
@@ -49,22 +101,14 @@ std::vector<std::string> Names_Of_Maildir(std::string_view directory) {
 Maildir_Message Read_Maildir_Name(std::string name, bool is_new) {
   Maildir_Message message;
   message.is_new = is_new;
-  // Another character replaces the colon on file systems that do not allow it.
-  for (const std::string_view mark : {":2,", ";2,", "!2,"}) {
-    const std::size_t info = name.rfind(mark);
-    if (info == std::string::npos || is_new) continue;
-    const std::string_view flags = std::string_view(name).substr(info + mark.size());
-    message.seen = flags.find('S') != std::string_view::npos;
-    message.answered = flags.find('R') != std::string_view::npos;
-    message.flagged = flags.find('F') != std::string_view::npos;
-    message.trashed = flags.find('T') != std::string_view::npos;
-    break;
+  if (!is_new) {
+    const std::string_view marks = Split_Maildir_Name(name).marks;
+    message.seen = marks.find('S') != std::string_view::npos;
+    message.answered = marks.find('R') != std::string_view::npos;
+    message.flagged = marks.find('F') != std::string_view::npos;
+    message.trashed = marks.find('T') != std::string_view::npos;
   }
-  std::int64_t seconds = 0;
-  const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), seconds);
-  if (error == std::errc() && end != name.data() + name.size() && *end == '.' && seconds > 0) {
-    message.delivered = Local_Date(seconds);
-  }
+  message.delivered = Delivery_In(name);
   message.name = std::move(name);
   return message;
 }

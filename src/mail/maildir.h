@@ -22,6 +22,16 @@ struct Maildir_Message {
   std::filesystem::path Path(const std::filesystem::path& maildir) const;
 };
 
+// A message's file name: what stays when marks change, and the letters of its marks.
+struct Maildir_Name {
+  std::string_view unique, marks;
+};
+Maildir_Name Split_Maildir_Name(std::string_view name);
+
+// "Entwürfe" as "Entw&APw-rfe", and back; what is not so written stays as it is.
+std::string To_Maildir_Name(const std::string& name);
+std::string From_Maildir_Name(const std::string& name);
+
 // Either of cur/ and new/ may have got lost.
 bool Is_Maildir(const std::filesystem::path& directory);
 
@@ -30,6 +40,9 @@ Maildir_Message Read_Maildir_Name(std::string name, bool is_new);
 
 // Gives a message the marks that its name tells, and its delivery as the date if it names none.
 void Set_Maildir_Marks(const Maildir_Message& message, New_Item& item);
+
+// The local time of delivery that a unique name begins with; no_date if it does not.
+Date Delivery_In(std::string_view name);
 
 // The folder names that ".Parent.Child" stands for, which are in modified UTF-7.
 std::vector<std::string> Names_Of_Maildir(std::string_view directory);

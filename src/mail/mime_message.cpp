@@ -17,6 +17,7 @@
 #include "mail/mail_addresses.h"
 #include "mail/mail_flags.h"
 #include "mail/mail_headers.h"
+#include "mail/mail_summary.h"
 #include "mail/meeting.h"
 #include "mail/mime_parts.h"
 #include "mail/tnef.h"
@@ -71,27 +72,6 @@ std::string Display_Names(const std::vector<Mail_Address>& addresses) {
     names += Display_Name(address);
   }
   return names;
-}
-
-void Read_Sender(const Mail_Headers& headers, std::string_view raw_charset, New_Item& item) {
-  for (const Mail_Field field : {Mail_Field::From, Mail_Field::Sender}) {
-    const std::vector<Mail_Address> senders = Header_Addresses(headers[field], raw_charset);
-    if (senders.empty()) continue;
-    item.sender = Display_Name(senders.front());
-    item.sender_address = senders.front().address;
-    return;
-  }
-}
-
-// A mail has the date of its arrival, which the last server wrote on top.
-Date Received(const Mail_Headers& headers) {
-  const std::string_view received = headers[Mail_Field::Received];
-  const std::size_t semicolon = received.rfind(';');
-  if (semicolon != std::string_view::npos) {
-    const Date date = Parse_Mail_Date(received.substr(semicolon + 1));
-    if (date != no_date) return date;
-  }
-  return Parse_Mail_Date(headers[Mail_Field::Sent]);
 }
 
 struct Body {
@@ -241,17 +221,18 @@ New_Item Read_Mime_Message(std::string raw) {
     const bool empty_header = raw.starts_with('\n') || raw.starts_with("\r\n");
     if (headers.Empty() && !empty_header) throw Message_Error("it has no message headers");
     const std::string raw_charset = Body_Charset(parts);
-    Read_Sender(headers, raw_charset, item);
+    Mail_Summary summary = Summarize(headers, raw_charset);
+    item.sender = std::move(summary.sender);
+    item.sender_address = std::move(summary.sender_address);
+    item.subject = std::move(summary.subject);
+    item.received = item.last_modified = summary.received;
     item.recipients = Display_Names(Header_Addresses(headers[Mail_Field::To], raw_charset));
-    item.subject = Header_Text(headers[Mail_Field::Subject], raw_charset);
     item.message_id = Header_Identity(headers[Mail_Field::Message_Id]);
     item.list_id = Header_Identity(headers[Mail_Field::List_Id]);
     const Mail_Flags flags = Flags_In(headers);
     item.unread = !flags.read;
     item.answered = flags.answered;
     item.flagged = flags.flagged;
-    item.received = Received(headers);
-    item.last_modified = item.received;
     Body_Reader body(parts, raw_charset, !has_own_form);
     body.Read(item);
     item.item_class = parts.front().type == "multipart/report" ? item_class::report : body.Meeting();
