@@ -66,6 +66,7 @@ TEST_P(Store_Contract, Collections_Are_Live_While_Items_Come_And_Go) {
 }
 
 TEST_P(Store_Contract, Items_Of_Every_Class_Keep_Every_Property) {
+  if (!stores_->Is_Own_Store()) GTEST_SKIP() << "holds mail only";
   const auto utils = stores_->Outlook().Create_Mapi_Utils("TidyDll.TidyMAPIUtils");
   const auto folder = Add_Folder(1, "Everything", nullptr, item_type::task);
   const std::int32_t classes[] = {26, 40, 42, 43, 44, 45, 46, 48, 49, 50, 51, 52, 53, 54, 55, 56, 57, 69};
@@ -209,7 +210,8 @@ TEST_P(Store_Contract, A_Moved_Item_Is_The_Last_Of_Its_New_Folder_And_Stays_Itse
 
 TEST_P(Store_Contract, An_Added_Folder_Is_Empty_And_Holds_What_It_Was_Made_For) {
   const Folders_Ptr folders = Add_Folder(1, "Upper")->Folders();
-  for (std::int32_t type = item_type::mail; type <= item_type::note; ++type) {
+  const std::int32_t last = stores_->Is_Own_Store() ? item_type::note : item_type::mail;
+  for (std::int32_t type = item_type::mail; type <= last; ++type) {
     const std::string name = "Folder " + std::to_string(type);
     const auto added = folders->Add(name, type), found = folders->Item(folders->Count());
     EXPECT_EQ(added->EntryID(), found->EntryID());
@@ -217,13 +219,14 @@ TEST_P(Store_Contract, An_Added_Folder_Is_Empty_And_Holds_What_It_Was_Made_For) 
     EXPECT_EQ(found->DefaultItemType(), type);
     EXPECT_EQ(found->Items()->Count() + found->Folders()->Count(), 0);
   }
-  EXPECT_EQ(folders->Count(), 6);
+  EXPECT_EQ(folders->Count(), last + 1);
   EXPECT_NE(Error_Of([&] { session_->Folders()->Add("Store", item_type::mail); }), 0);
   EXPECT_EQ(session_->Folders()->Count(), 2);
 }
 
 // Whoever asks, and whatever other folders have the same name.
 TEST_P(Store_Contract, A_Default_Folder_Is_The_First_Of_Its_Name_On_The_Top_Level) {
+  if (!stores_->Is_Own_Store()) GTEST_SKIP() << "siblings have names of their own";
   const auto first = Add_Folder(1, "Deleted Items"), second = Add_Folder(1, "Deleted Items");
   Add_Folder(1, "deleted items");
   const auto inbox = Add_Folder(1, "Inbox");
@@ -266,7 +269,7 @@ TEST_P(Store_Contract, A_Removed_Folder_Takes_All_Below_It_And_Nothing_Else) {
   // Three of one name; the middle one goes.
   std::vector<std::string> ids;
   for (int number = 1; number <= 3; ++number) {
-    const auto folder = Add_Folder(1, "Twin");
+    const auto folder = Add_Folder(1, stores_->Is_Own_Store() ? "Twin" : "Twin " + std::to_string(number));
     Add_Item(1, folder, "upper" + std::to_string(number));
     ids.push_back(Add_Item(1, Add_Folder(1, "Below", folder), "lower" + std::to_string(number)));
   }
@@ -302,6 +305,7 @@ TEST_P(Store_Contract, A_Removed_Folder_Takes_All_Below_It_And_Nothing_Else) {
 }
 
 TEST_P(Store_Contract, Texts_Come_Back_As_They_Were) {
+  if (!stores_->Is_Own_Store()) GTEST_SKIP() << "texts are those of a header";
   using namespace std::string_literals;
   const std::string texts[] = {""s,          std::string(20000, 'n'),   "'; DROP TABLE items; --\""s,
                                "nul\0byte"s, "line\r\nbreak\ttab \\/"s, "Grüße 日本 😀"s};
@@ -329,15 +333,16 @@ TEST_P(Store_Contract, Texts_Come_Back_As_They_Were) {
 
 TEST_P(Store_Contract, Trees_May_Be_A_Thousand_Deep) {
   auto& writer = stores_->Writer(1);
+  const int deepest = stores_->Deepest();
   writer.Begin();
   auto folder = Add_Folder(1, "1");
-  for (int depth = 2; depth <= 1000; ++depth) folder = Add_Folder(1, std::to_string(depth), folder);
+  for (int depth = 2; depth <= deepest; ++depth) folder = Add_Folder(1, std::to_string(depth), folder);
   const std::string id = Add_Item(1, folder, "deep");
   writer.Commit();
   folder = Open(1);
   int depth = 0;
   for (; folder->Folders()->Count() == 1; ++depth) folder = folder->Folders()->Item(1);
-  EXPECT_EQ(depth, 1000);
+  EXPECT_EQ(depth, deepest);
   EXPECT_EQ(Subjects(folder), "deep");
   for (; folder->Parent() != nullptr; --depth) folder = folder->Parent();
   EXPECT_EQ(depth, 0);
@@ -375,7 +380,7 @@ TEST_P(Store_Contract, Identifiers_Are_Never_Given_Twice) {
   std::set<std::string> ids{Open(1)->EntryID()};
   std::size_t given = 1;
   for (int round = 0; round < 3; ++round) {
-    const auto folder = Add_Folder(1, "Again");
+    const auto folder = Add_Folder(1, stores_->Is_Own_Store() ? "Again" : "Again " + std::to_string(round));
     ids.insert(folder->EntryID());
     ids.insert(Add_Item(1, folder, "one"));
     ids.insert(Add_Item(1, folder, "two"));
@@ -387,6 +392,7 @@ TEST_P(Store_Contract, Identifiers_Are_Never_Given_Twice) {
 }
 
 TEST_P(Store_Contract, A_Transaction_Is_Kept_Or_Lost_As_One) {
+  if (!stores_->Is_Own_Store()) GTEST_SKIP() << "nothing is added in transactions";
   auto& writer = stores_->Writer(1);
   const auto inbox = Add_Folder(1, "Inbox");
   Add_Item(1, inbox, "old");

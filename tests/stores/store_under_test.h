@@ -27,6 +27,11 @@ class Store_Under_Test {
   virtual Store_Writer& Writer(int number) = 0;  // 1 or 2, as in the session's Folders
   // Whether an item's own Size is the real one, as its row's is.
   virtual bool Tells_Sizes() const { return true; }
+  // False for stores of other programs' mail: items are plain mail, siblings have names of their own, texts
+  // are those of a header, identities of folders come back, and nothing is added in transactions.
+  virtual bool Is_Own_Store() const { return true; }
+  // How deep folders may lie.
+  virtual int Deepest() const { return 1000; }
   // The sender's name as the store returns it.
   virtual std::string Sender_As_Kept(const std::string& sender) const { return sender; }
 };
@@ -53,6 +58,8 @@ class Decorated_Store : public Store_Under_Test {
   Automation& Outlook() override { return outlook_; }
   Store_Writer& Writer(int number) override { return inner_->Writer(number); }
   bool Tells_Sizes() const override { return inner_->Tells_Sizes(); }
+  bool Is_Own_Store() const override { return inner_->Is_Own_Store(); }
+  int Deepest() const override { return inner_->Deepest(); }
   std::string Sender_As_Kept(const std::string& sender) const override {
     return inner_->Sender_As_Kept(sender);
   }

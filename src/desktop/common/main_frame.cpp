@@ -159,6 +159,8 @@ void Main_Frame::Build_Menus() {
   auto* const file = new wxMenu;
   Add_File_Entry(*file, "&Open Store...\tCtrl+O", "Open one or more stores in place of those shown",
                  commands_.Open_Store);
+  Add_File_Entry(*file, "Open &Maildir...", "Open a Maildir on this machine in place of the stores shown",
+                 commands_.Open_Maildir);
   Add_File_Entry(*file, "New &Sample Store...", "Make a store of invented items to try the program on",
                  commands_.New_Sample);
   if (commands_.Import_Files) file->AppendSeparator();

@@ -24,7 +24,7 @@ class Options_Panel;
 
 // Commands on store files, which the model does not know. Empty ones get no menu entry.
 struct File_Commands {
-  std::function<void()> Open_Store, New_Sample, Import_Files, Import_Folder, Compact;
+  std::function<void()> Open_Store, Open_Maildir, New_Sample, Import_Files, Import_Folder, Compact;
   // Opens or imports files that are dropped on the window.
   std::function<void(const std::vector<std::filesystem::path>&)> Take_In;
   bool exports = false;  // whether what is in the stores can be exported

@@ -97,6 +97,10 @@ void Program::Build() {
   File_Commands commands;
   if (!system_outlook_) {
     commands.Open_Store = [this] { Change_Stores([this] { return files_->Ask_And_Open(frame_); }); };
+    if (Can_Open(Store_Address::Kind::Maildir))
+      commands.Open_Maildir = [this] {
+        Change_Stores([this] { return files_->Ask_And_Open_Maildir(frame_); });
+      };
     commands.New_Sample = [this] { Change_Stores([this] { return files_->Make_Sample_Store(frame_); }); };
   }
   if (!system_outlook_ && Can_Import()) {

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "base/file_path.h"
@@ -78,8 +79,7 @@ void Bind(sqlite3_stmt& statement, int parameter, std::string_view bytes) {
 
 std::string_view Bytes(sqlite3_stmt& statement, int column) {
   const auto* const bytes = static_cast<const char*>(sqlite3_column_blob(&statement, column));
-  return {bytes == nullptr ? "" : bytes,
-          static_cast<std::size_t>(sqlite3_column_bytes(&statement, column))};
+  return {bytes == nullptr ? "" : bytes, static_cast<std::size_t>(sqlite3_column_bytes(&statement, column))};
 }
 
 // The file and what SQLite keeps beside it.
@@ -144,8 +144,8 @@ bool Header_Cache::Open(const std::string& store) {
     const std::u8string text = file_.u8string();
     return std::string(text.begin(), text.end());
   }();
-  const int opened = sqlite3_open_v2(name.c_str(), &connection,
-                                     SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
+  const int opened = sqlite3_open_v2(
+      name.c_str(), &connection, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
   connection_.reset(connection);
   if (opened != SQLITE_OK) {
     connection_.reset();
@@ -178,7 +178,8 @@ bool Header_Cache::Open(const std::string& store) {
                              "; PRAGMA user_version = " + std::to_string(version);
     if (Step(*name_it) != SQLITE_DONE || !Run(mark.c_str())) return false;
   } else {
-    Statement format = Prepare("SELECT application_id, user_version FROM pragma_application_id, pragma_user_version");
+    Statement format =
+        Prepare("SELECT application_id, user_version FROM pragma_application_id, pragma_user_version");
     const bool same = Bytes(*about, 0) == store && format != nullptr && Step(*format) == SQLITE_ROW &&
                       sqlite3_column_int(format.get(), 0) == application_id &&
                       sqlite3_column_int(format.get(), 1) == version;

@@ -1,15 +1,34 @@
 #include "stores/opening/open_store.h"
 
 #include "base/file_path.h"
+#ifndef _WIN32
+#include "stores/header_cache/header_cache.h"
+#include "stores/maildir/maildir_store.h"
+#endif
 #include "stores/sqlite/embedded_store.h"
 
 namespace tidyfold {
 
 std::shared_ptr<Mail_Store> Open_Store(const Store_Address& address, const Store_Opening& opening) {
   if (address.Is_File()) return Embedded_Store::Open(address.path, opening.mode, opening.progress);
+#ifndef _WIN32
+  if (address.kind == Store_Address::Kind::Maildir) {
+    Maildir_Options options;
+    options.mode = opening.mode;
+    options.cache_folder = Header_Cache_Folder();
+    return Maildir_Store::Open(address, options);
+  }
+#endif
   throw Store_Open_Error(
       Store_Open_Error::Reason::Not_Supported, File_Path(address.Text()),
       "Stores like \"" + address.Text() + "\" cannot be opened on this system. Name a store file.");
+}
+
+bool Can_Open(Store_Address::Kind kind) {
+#ifndef _WIN32
+  if (kind == Store_Address::Kind::Maildir) return true;
+#endif
+  return kind == Store_Address::Kind::File;
 }
 
 }  // namespace tidyfold

@@ -1,0 +1,56 @@
+// The mails of one Maildir, in an order that only grows.
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tidyfold::maildir {
+
+struct Folder;
+
+// A mail, known by its unique name. It is never freed while the store is open.
+struct Mail {
+  std::string name;        // of its file, with its marks
+  bool is_new = false;     // lies in new/
+  bool gone = false;       // deleted, here or by others
+  bool coming = false;     // found, and not yet in its folder's list
+  bool pending = false;    // moved or deleted here, not yet on disk
+  std::uint32_t twin = 0;  // several files have the unique name
+  std::uint32_t slot = 0;  // in its folder's list
+  std::uint64_t inode = 0;
+  Folder* folder = nullptr;
+
+  std::string_view Unique() const;
+  std::string_view Marks() const;
+  bool Has(char mark) const { return !is_new && Marks().find(mark) != std::string_view::npos; }
+  // "cur/NAME" or "new/NAME".
+  std::string File() const { return (is_new ? "new/" : "cur/") + name; }
+};
+
+// Places count from 1, slots from 0; a slot is never used again.
+class Mail_List {
+ public:
+  std::int32_t Count() const { return count_; }
+  Mail& At(std::int32_t place) const;
+  void Append(Mail& mail);
+  void Remove(Mail& mail);
+  // The first mail in this slot or behind it; nullptr if there is none.
+  Mail* From(std::uint32_t slot) const;
+  const std::vector<Mail*>& Slots() const { return slots_; }
+
+  // What the directories looked like when they were last read.
+  std::int64_t cur_changed = -1, new_changed = -1, looked = 0, took = 0;
+
+ private:
+  void Add(std::size_t slot, std::int32_t number);
+
+  std::vector<Mail*> slots_;        // nullptr where one has gone
+  std::vector<std::int32_t> sums_;  // a Fenwick tree over the slots in use
+  std::int32_t count_ = 0;
+};
+
+}  // namespace tidyfold::maildir

@@ -1,0 +1,763 @@
+#include "stores/maildir/maildir_store.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <system_error>
+#include <utility>
+
+#include "base/text.h"
+#include "controls/interaction.h"
+#include "errors/automation_error.h"
+#include "mail/gmime_ptr.h"
+#include "mail/maildir.h"
+#include "mail/mime_message.h"
+#include "outlook/folder_roles.h"
+#include "stores/maildir/maildir_objects.h"
+
+namespace tidyfold {
+
+namespace {
+
+namespace fs = std::filesystem;
+using maildir::Mail_List;
+using Reason = Store_Open_Error::Reason;
+
+// A group of this size ends before the next change.
+constexpr std::size_t changes_per_group = 200;
+// A directory that changes all the time is not read all the time: reading takes no more than this part of it.
+constexpr std::int64_t share_of_reading = 20;
+constexpr std::int64_t quick_reading = 5'000'000;  // nanoseconds
+constexpr int most_readings = 4;
+constexpr std::size_t row_characters = 20;
+
+// Names of wastebaskets and the like, the usual first: of Dovecot, Courier and mail programs.
+struct Role_Names {
+  std::int32_t role;
+  std::array<std::string_view, 6> names;
+};
+constexpr Role_Names role_names[] = {
+    {default_folder_deleted_items,
+     {"Trash", "Deleted Items", "Deleted Messages", "trash", "Deleted", "wastebasket"}},
+    {default_folder_inbox, {"Inbox", "INBOX", "inbox", "", "", ""}},
+    {default_folder_sent, {"Sent", "Sent Items", "Sent Messages", "sent", "sent-mail", "Sent Mail"}},
+    {default_folder_drafts, {"Drafts", "drafts", "Draft", "", "", ""}},
+    {default_folder_junk, {"Junk", "Spam", "Junk Email", "Junk E-mail", "spam", "junk"}},
+    {default_folder_outbox, {"Outbox", "outbox", "", "", "", ""}}};
+constexpr const char* new_trash_name = "Trash";
+
+std::string Message(int error) {
+  return std::generic_category().message(error);
+}
+
+std::string Why(int error) {
+  switch (error) {
+    case ENOSPC:
+    case EDQUOT:
+      return "The disk is full. Make room on it and try again.";
+    case EACCES:
+    case EPERM:
+    case EROFS:
+      return "The Maildir cannot be written (" + Message(error) +
+             "). Change the permissions of its directories, or ask their owner to.";
+    case EEXIST:
+      return "Another mail of the same name lies in the folder that it would go to.";
+    case EXDEV:
+      return "The folder that it would go to lies on another disk. Move the mail with a mail program.";
+    default:
+      return "The Maildir could not be changed (" + Message(error) + ").";
+  }
+}
+
+// Never in place of another file.
+int Rename(const fs::path& from, const fs::path& to) {
+#ifdef RENAME_NOREPLACE
+  if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return 0;
+  if (errno != EINVAL && errno != ENOSYS) return errno;
+#endif
+  // For file systems that cannot do it in one.
+  if (::link(from.c_str(), to.c_str()) == 0) {
+    if (::unlink(from.c_str()) == 0) return 0;
+    const int error = errno;
+    ::unlink(to.c_str());
+    return error;
+  }
+  if (errno != EPERM && errno != ENOTSUP && errno != EMLINK) return errno;
+  struct stat about = {};
+  if (::lstat(to.c_str(), &about) == 0) return EEXIST;
+  return ::rename(from.c_str(), to.c_str()) == 0 ? 0 : errno;
+}
+
+[[noreturn]] void Fail_Open(Reason reason, const Store_Address& address, const std::string& what) {
+  throw Store_Open_Error(reason, address.path, "The Maildir \"" + address.path.string() + "\" " + what);
+}
+
+fs::path Whole_Path(const fs::path& path) {
+  std::error_code error;
+  fs::path whole = fs::weakly_canonical(path, error);
+  if (error) whole = fs::absolute(path).lexically_normal();
+  return whole.has_filename() ? whole : whole.parent_path();
+}
+
+struct Directory_Closer {
+  void operator()(DIR* directory) const { ::closedir(directory); }
+};
+
+}  // namespace
+
+void Maildir_Store::Fail(std::int32_t number, const std::string& text) {
+  throw Automation_Error(number, text, application_title);
+}
+
+Maildir_Store::Maildir_Store(const Store_Address& address, const Maildir_Options& options)
+    : address_(address),
+      options_(options),
+      store_id_("maildir:" + Whole_Path(address.path).string()),
+      tree_(Whole_Path(address.path)),
+      cache_(options.cache_folder, store_id_),
+      cached_(cache_.Folder("", 0)) {}
+
+std::shared_ptr<Maildir_Store> Maildir_Store::Open(const Store_Address& address,
+                                                   const Maildir_Options& options) {
+  Start_Gmime();
+  std::error_code error;
+  const fs::file_status status = fs::status(address.path, error);
+  if (status.type() == fs::file_type::not_found)
+    Fail_Open(Reason::Missing, address, "does not exist. Check its name and the directory that it lies in.");
+  if (error && !fs::status_known(status))
+    Fail_Open(Reason::No_Permission, address,
+              "cannot be reached (" + error.message() + "). Change the permissions, or ask the owner to.");
+  if (!fs::is_directory(status))
+    Fail_Open(Reason::Not_A_Store, address,
+              "is no directory. Name the directory that holds cur, new and tmp.");
+  const auto may = [&](int how) { return ::access(address.path.c_str(), how) == 0; };
+  if (!may(R_OK | X_OK))
+    Fail_Open(Reason::No_Permission, address,
+              "may not be read by you. Change the permissions of its directories, or ask the owner to.");
+  std::shared_ptr<Maildir_Store> store(new Maildir_Store(address, options));
+  try {
+    store->tree_.Look();
+  } catch (const fs::filesystem_error& failed) {
+    Fail_Open(Reason::Cannot_Read, address,
+              "could not be read (" + failed.code().message() + "). Check the disk that it lies on.");
+  }
+  if (store->tree_.All().size() == 1 && !options.may_be_empty)
+    Fail_Open(
+        Reason::Not_A_Store, address,
+        "holds no mail: neither cur and new, nor directories with them. Name the directory of a Maildir.");
+  if (options.mode == Store_Mode::Read_Write && (!may(W_OK) || [&] {
+        const fs::path cur = address.path / "cur";
+        return fs::exists(cur) && ::access(cur.c_str(), W_OK) != 0;
+      }()))
+    Fail_Open(
+        Reason::Read_Only, address,
+        "can only be read, but it must be written. Change the permissions of its directories, or ask the "
+        "owner to.");
+  return store;
+}
+
+Maildir_Store::~Maildir_Store() {
+  try {
+    Commit_Pending();
+  } catch (...) {
+    // Nobody is left to report to.
+  }
+  Forget_What_Has_Gone();
+}
+
+// Only where every folder was read, and it is worth while.
+void Maildir_Store::Forget_What_Has_Gone() {
+  constexpr std::int64_t worth_while = 1000;
+  std::int64_t there = 0;
+  for (const auto& [id, folder] : tree_.All()) {
+    if (folder->has_mail && !folder->to_be_made && folder->mail->looked == 0) return;
+    there += folder->mail->Count();
+  }
+  if (cache_.Count(cached_) < there + there / 4 + worth_while) return;
+  cache_.Forget_Others(cached_, [&](std::string_view id) {
+    const auto found = mails_.find(std::string(id));
+    return found != mails_.end() && !found->second->gone;
+  });
+}
+
+bool Maildir_Store::Is_At(const Store_Address& address) const {
+  return address.kind == Store_Address::Kind::Maildir && Whole_Path(address.path) == tree_.Path();
+}
+
+// A directory that cannot be read is not one without mail.
+void Maildir_Store::Check_Place() const {
+  std::error_code error;
+  if (fs::is_directory(tree_.Path(), error)) return;
+  Fail(automation_error::unavailable, "The Maildir \"" + tree_.Path().string() +
+                                          "\" can no longer be reached. Check the disk or the network share "
+                                          "that it lies on, and open it again.");
+}
+
+void Maildir_Store::Look_At_Tree() {
+  try {
+    tree_.Look();
+  } catch (const fs::filesystem_error& failed) {
+    Check_Place();
+    Fail(automation_error::call_failed, "The Maildir \"" + tree_.Path().string() + "\" could not be read (" +
+                                            failed.code().message() +
+                                            "). Check its permissions and the disk that it lies on.");
+  }
+  // One that does not exist yet is shown all the same, so that there is somewhere to delete to.
+  if (options_.make_trash && options_.mode == Store_Mode::Read_Write &&
+      Role(default_folder_deleted_items) == nullptr)
+    tree_.Add_Unmade(tree_.Top(), new_trash_name);
+}
+
+void Maildir_Store::Look_At(Folder& folder) {
+  if (folder.gone) Fail(automation_error::not_found, "The folder is no longer there.");
+  if (!folder.has_mail || folder.to_be_made) return;
+  Mail_List& list = *folder.mail;
+  const fs::path path = tree_.Path_Of(folder);
+  const std::int64_t cur = maildir::Changed(path / "cur"), fresh = maildir::Changed(path / "new");
+  if (cur == 0 && fresh == 0) {
+    Check_Place();
+    Look_At_Tree();
+    if (folder.gone) Fail(automation_error::not_found, "The folder is no longer there.");
+  }
+  const bool same = cur == list.cur_changed && fresh == list.new_changed;
+  if (same && std::max(cur, fresh) + maildir::moment < list.looked) return;
+  if (list.looked != 0 && list.took > quick_reading &&
+      maildir::Now() - list.looked < share_of_reading * list.took)
+    return;
+  if (!queue_.empty()) Commit_Pending();
+  Read(folder);
+}
+
+void Maildir_Store::Read(Folder& folder) {
+  Mail_List& list = *folder.mail;
+  const fs::path path = tree_.Path_Of(folder);
+  const std::int64_t began = maildir::Now();
+  std::vector<Mail*> came;
+  std::unordered_map<const Mail*, int> seen;
+  // A file that gets other marks meanwhile may be missed.
+  for (int reading = 0; reading < most_readings; ++reading) {
+    list.cur_changed = maildir::Changed(path / "cur");
+    list.new_changed = maildir::Changed(path / "new");
+    seen.clear();
+    // What leaves new/ meanwhile is met again in cur/.
+    const bool whole = Scan(folder, true, came, seen) && Scan(folder, false, came, seen);
+    if (!whole) {
+      Check_Place();
+      Fail(automation_error::call_failed, "The folder \"" + folder.name + "\" could not be read (" +
+                                              Message(errno) + "). Check the permissions of \"" +
+                                              path.string() + "\" and the disk that it lies on.");
+    }
+    if (maildir::Changed(path / "cur") == list.cur_changed &&
+        maildir::Changed(path / "new") == list.new_changed)
+      break;
+  }
+  for (Mail* const mail : std::vector<Mail*>(list.Slots())) {
+    if (mail == nullptr || seen.contains(mail)) continue;
+    list.Remove(*mail);
+    mail->gone = true;
+  }
+  for (Mail* const mail : came) mail->coming = false;
+  std::erase_if(came, [&](const Mail* mail) { return !seen.contains(mail); });
+  std::sort(came.begin(), came.end(),
+            [](const Mail* left, const Mail* right) { return left->name < right->name; });
+  for (Mail* const mail : came) {
+    mail->gone = false;
+    mail->folder = &folder;
+    list.Append(*mail);
+  }
+  list.looked = began;
+  list.took = maildir::Now() - began;
+}
+
+bool Maildir_Store::Scan(Folder& folder, bool is_new, std::vector<Mail*>& came,
+                         std::unordered_map<const Mail*, int>& seen) {
+  const fs::path path = tree_.Path_Of(folder) / (is_new ? "new" : "cur");
+  const std::unique_ptr<DIR, Directory_Closer> directory(::opendir(path.c_str()));
+  if (directory == nullptr) return errno == ENOENT;
+  for (;;) {
+    errno = 0;
+    const dirent* const entry = ::readdir(directory.get());
+    if (entry == nullptr) return errno == 0;
+    const std::string_view name = entry->d_name;
+    if (name.starts_with('.') ||
+        (entry->d_type != DT_REG && entry->d_type != DT_UNKNOWN && entry->d_type != DT_LNK))
+      continue;
+    // Marked as deleted by its mail program, which has only to clear up.
+    if (!is_new && Split_Maildir_Name(name).marks.find('T') != std::string_view::npos) continue;
+    seen.emplace(&Note(folder, std::string(name), is_new, entry->d_ino, came), 0);
+  }
+}
+
+// The mail that a file is. Those that are not in the folder's list yet are added to `came`.
+maildir::Mail& Maildir_Store::Note(Folder& folder, std::string name, bool is_new, std::uint64_t inode,
+                                   std::vector<Mail*>& came) {
+  const std::string id = "M" + std::string(Split_Maildir_Name(name).unique);
+  for (std::uint32_t twin = 0;; ++twin) {
+    std::unique_ptr<Mail>& mail = mails_[twin == 0 ? id : id + "/" + std::to_string(twin + 1)];
+    const bool is_here = mail != nullptr && !mail->gone && mail->folder == &folder;
+    if (mail == nullptr) {
+      mail = std::make_unique<Mail>();
+      mail->twin = twin;
+    } else if (!mail->gone && !is_here) {
+      // Moved by another program, or a copy.
+      if (Is_On_Disk(*mail->folder, *mail)) continue;
+      mail->folder->mail->Remove(*mail);
+    } else if (is_here && mail->name != name && mail->inode != inode && Is_On_Disk(folder, *mail)) {
+      continue;  // two files of one unique name
+    }
+    mail->name = std::move(name);
+    mail->is_new = is_new;
+    mail->inode = inode;
+    if (!is_here && !std::exchange(mail->coming, true)) {
+      mail->folder = &folder;
+      mail->gone = true;  // until it is in the list
+      came.push_back(mail.get());
+    }
+    return *mail;
+  }
+}
+
+bool Maildir_Store::Is_On_Disk(const Folder& folder, const Mail& mail) const {
+  struct stat about = {};
+  return ::lstat((tree_.Path_Of(folder) / mail.File()).c_str(), &about) == 0;
+}
+
+std::string Maildir_Store::Entry_Id(const Mail& mail) const {
+  std::string id = "M" + std::string(mail.Unique());
+  if (mail.twin > 0) id += "/" + std::to_string(mail.twin + 1);
+  return id;
+}
+
+void Maildir_Store::Demand_There(const Mail& mail) const {
+  if (mail.gone || mail.folder->gone) Fail(automation_error::not_found, "The item is no longer there.");
+}
+
+// The file's beginning; its name may have changed since it was read.
+std::string Maildir_Store::Read_File(Mail& mail, std::size_t most, std::int64_t& size) {
+  for (int reading = 0; reading < most_readings; ++reading) {
+    Demand_There(mail);
+    const Folder& folder = *mail.folder;
+    const Folder* holder = &folder;
+    // What is queued to move lies where it was.
+    for (const Change& change : queue_)
+      if (mail.pending && change.mail == &mail) {
+        holder = change.from;
+        break;
+      }
+    const std::string path = (tree_.Path_Of(*holder) / mail.File()).string();
+    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (file < 0 && errno == ENOENT) {
+      Check_Place();
+      if (!queue_.empty()) Commit_Pending();
+      Demand_There(mail);
+      Read(*mail.folder);
+      continue;
+    }
+    if (file < 0)
+      Fail(automation_error::no_access, "The mail \"" + path + "\" cannot be read (" + Message(errno) +
+                                            "). Change its permissions, or ask its owner to.");
+    std::string text;
+    struct stat about = {};
+    int error = ::fstat(file, &about) == 0 ? 0 : errno;
+    if (error == 0 && !S_ISREG(about.st_mode)) error = EINVAL;
+    size = about.st_size;
+    if (error == 0) {
+      text.resize(std::min<std::size_t>(most, static_cast<std::size_t>(about.st_size)));
+      std::size_t got = 0;
+      while (got < text.size()) {
+        const ssize_t part = ::read(file, text.data() + got, text.size() - got);
+        if (part < 0 && errno == EINTR) continue;
+        if (part < 0) error = errno;
+        if (part <= 0) break;
+        got += static_cast<std::size_t>(part);
+      }
+      text.resize(got);
+    }
+    ::close(file);
+    if (error != 0)
+      Fail(automation_error::call_failed, "The mail \"" + path + "\" could not be read (" + Message(error) +
+                                              "). Check the disk that it lies on.");
+    return text;
+  }
+  Fail(automation_error::busy, "Other programs change the mail all the time. Try again.");
+}
+
+Mail_Summary Maildir_Store::Summary(Mail& mail, std::int64_t& size) {
+  std::string beginning = Read_File(mail, summary_bytes, size);
+  // A header that goes on behind it.
+  if (static_cast<std::int64_t>(beginning.size()) < size && beginning.find("\n\n") == std::string::npos &&
+      beginning.find("\r\n\r\n") == std::string::npos)
+    beginning = Read_File(mail, summary_bytes * 64, size);
+  try {
+    Mail_Summary summary = Summarize_Beginning(beginning);
+    if (summary.received == no_date) summary.received = Delivery_In(mail.name);
+    return summary;
+  } catch (const Message_Error& error) {
+    Fail(automation_error::call_failed, "The file \"" + (tree_.Path_Of(*mail.folder) / mail.File()).string() +
+                                            "\" is no mail: " + error.what() +
+                                            ". Move it out of the Maildir, and refresh.");
+  }
+}
+
+Table_Row Maildir_Store::Row(Mail& mail) {
+  Table_Row row;
+  row.EntryID = Entry_Id(mail);
+  row.UnRead = !mail.Has('S');
+  row.FlagStatus = mail.Has('F') ? flag_status::marked : flag_status::none;
+  const auto inode = static_cast<std::int64_t>(mail.inode);
+  std::optional<Cached_Header> header = cache_.Find(cached_, row.EntryID);
+  if (!header || header->stamp != inode) {
+    header.emplace();
+    try {
+      Mail_Summary summary = Summary(mail, header->size);
+      header->stamp = inode;
+      header->item_class = summary.item_class;
+      header->received = summary.received;
+      header->subject = std::move(summary.subject);
+      header->sender = std::move(summary.sender);
+      if (header->item_class != item_class::mail) {
+        std::int64_t size = 0;
+        header->sender = First_Characters(
+            Read_Mime_Message(Read_File(mail, static_cast<std::size_t>(max_message_size), size)).body,
+            row_characters);
+      }
+      cache_.Put(cached_, row.EntryID, *header);
+    } catch (const Automation_Error& error) {
+      if (error.Number() == automation_error::not_found || error.Number() == automation_error::unavailable)
+        throw;
+      // What cannot be read is shown, and counts as flagged, so that no run takes it.
+      header->subject = "(" + mail.name + ": no mail)";
+      row.UnRead = true;
+      row.FlagStatus = flag_status::marked;
+    }
+  }
+  row.Class = header->item_class;
+  row.Subject = std::move(header->subject);
+  row.SenderOrText = std::move(header->sender);
+  row.ReceivedTime = row.LastModificationTime = header->received;
+  row.Size = header->size;
+  return row;
+}
+
+New_Item Maildir_Store::Whole(Mail& mail) {
+  std::int64_t size = 0;
+  std::string text = Read_File(mail, static_cast<std::size_t>(max_message_size), size);
+  if (size > max_message_size)
+    Fail(automation_error::call_failed, "The mail is larger than 512 MB. Open it with a mail program.");
+  std::int64_t ignored = 0;
+  const Mail_Summary summary = Summary(mail, ignored);
+  try {
+    New_Item item = Read_Mime_Message(std::move(text));
+    item.item_class = summary.item_class;
+    item.received = item.last_modified = summary.received;
+    item.unread = !mail.Has('S');
+    item.flagged = mail.Has('F');
+    item.answered = mail.Has('R');
+    return item;
+  } catch (const Message_Error& error) {
+    Fail(automation_error::call_failed, std::string("The file is no mail: ") + error.what() + ".");
+  }
+}
+
+MAPIFolder_Ptr Maildir_Store::Top_Folder() {
+  Look_At_Tree();
+  return maildir::Make_Folder(shared_from_this(), tree_.Top());
+}
+
+// By names on the top level, or below an inbox that the server puts all folders into.
+maildir::Folder* Maildir_Store::Role(std::int32_t type) {
+  if (type == default_folder_inbox)
+    if (Folder* const inbox = tree_.Find("F")) return inbox;
+  for (const Role_Names& role : role_names) {
+    if (role.role != type) continue;
+    std::vector<Folder*> levels{&tree_.Top()};
+    for (Folder* const child : tree_.Top().children)
+      if (child->entry_id == "F" || child->name == "INBOX") levels.push_back(child);
+    for (Folder* const level : levels)
+      for (const std::string_view name : role.names)
+        for (Folder* const child : level->children)
+          if (!name.empty() && child->name == name) return child;
+    for (Folder* const child : tree_.Top().children)
+      if (Role_Of_Name(child->name) == type) return child;
+  }
+  return nullptr;
+}
+
+MAPIFolder_Ptr Maildir_Store::GetDefaultFolder(std::int32_t folder_type) {
+  Look_At_Tree();
+  Folder* const folder = Role(folder_type);
+  if (folder == nullptr) Fail(automation_error::not_found, "The Maildir has no such folder.");
+  return maildir::Make_Folder(shared_from_this(), *folder);
+}
+
+Item_Ptr Maildir_Store::GetItemFromID(const std::string& entry_id) {
+  auto found = mails_.find(entry_id);
+  if (found == mails_.end() || found->second->gone) {
+    // It may have come since, or lie in a folder that nobody has looked at.
+    Look_At_Tree();
+    for (const auto& [id, folder] : tree_.All()) Look_At(*folder);
+    found = mails_.find(entry_id);
+  } else {
+    Look_At(*found->second->folder);
+  }
+  if (found == mails_.end() || found->second->gone)
+    Fail(automation_error::not_found, "The item is no longer there.");
+  return maildir::Make_Item(shared_from_this(), *found->second);
+}
+
+New_Item Maildir_Store::Read_Whole_Item(const std::string& entry_id) {
+  const auto found = mails_.find(entry_id);
+  if (found == mails_.end()) Fail(automation_error::not_found, "The item is no longer there.");
+  return Whole(*found->second);
+}
+
+void Maildir_Store::Demand_Writable() const {
+  if (options_.mode == Store_Mode::Read_Only)
+    Fail(automation_error::no_access, "The Maildir is open for reading only.");
+}
+
+maildir::Folder& Maildir_Store::Trash() {
+  Folder* const trash = Role(default_folder_deleted_items);
+  if (trash == nullptr)
+    Fail(automation_error::not_found,
+         "The Maildir has no folder for deleted items. Make one called \"Trash\".");
+  return *trash;
+}
+
+void Maildir_Store::Queue(Mail& mail, Folder* to) {
+  Demand_Writable();
+  Demand_There(mail);
+  if (queue_.size() >= changes_per_group) Commit_Pending();
+  Demand_There(mail);
+  queue_.push_back({&mail, mail.folder, to});
+  mail.folder->mail->Remove(mail);
+  mail.pending = true;
+  if (to == nullptr) {
+    mail.gone = true;
+  } else {
+    mail.folder = to;
+    to->mail->Append(mail);
+  }
+}
+
+void Maildir_Store::Move(Mail& mail, const std::string& folder_entry_id) {
+  Demand_There(mail);
+  Folder* const to = tree_.Find(folder_entry_id);
+  if (to == nullptr || to->gone) Fail(automation_error::not_found, "The folder is no longer there.");
+  if (to == &tree_.Top()) Fail(automation_error::not_supported, "The top folder of a Maildir holds no mail.");
+  // What lies there already is known before more comes.
+  Look_At(*to);
+  Queue(mail, to);
+}
+
+void Maildir_Store::Delete(Mail& mail) {
+  Demand_There(mail);
+  Folder& trash = Trash();
+  if (mail.folder == &trash) return Queue(mail, nullptr);
+  Look_At(trash);
+  Queue(mail, &trash);
+}
+
+void Maildir_Store::Remove(Mail& mail) {
+  Queue(mail, nullptr);
+}
+
+// Makes one change on the disk. Empty if it has been made, otherwise why not; then the mail is where it was.
+std::string Maildir_Store::Make(const Change& change) {
+  Mail& mail = *change.mail;
+  const bool was_unread = !mail.Has('S'), was_flagged = mail.Has('F');
+  int error = 0;
+  for (int attempt = 0; attempt < most_readings; ++attempt) {
+    const std::string failure = Make_Once(change, error);
+    if (error != ENOENT) return failure;
+    // Other marks, moved by its mail program, or gone.
+    bool found = false;
+    for (const bool is_new : {false, true}) {
+      const fs::path path = tree_.Path_Of(*change.from) / (is_new ? "new" : "cur");
+      std::error_code ignored;
+      for (fs::directory_iterator entry(path, ignored); !ignored && entry != fs::directory_iterator();
+           entry.increment(ignored)) {
+        std::string name = entry->path().filename().string();
+        if (Split_Maildir_Name(name).unique != mail.Unique()) continue;
+        mail.name = std::move(name);
+        mail.is_new = is_new;
+        found = true;
+        break;
+      }
+      if (found) break;
+    }
+    if (!found) return "It was moved or deleted by another program.";
+    if ((!was_unread && !mail.Has('S')) || (!was_flagged && mail.Has('F')))
+      return "It has become unread or flagged while it was deleted.";
+  }
+  return "Other programs change it all the time.";
+}
+
+std::string Maildir_Store::Make_Once(const Change& change, int& error) {
+  Mail& mail = *change.mail;
+  const fs::path file = tree_.Path_Of(*change.from) / mail.File();
+  error = 0;
+  if (change.to == nullptr) {
+    if (::unlink(file.c_str()) != 0) error = errno;
+    return error == 0 ? "" : Why(error);
+  }
+  if (change.to == change.from) return {};
+  try {
+    Make_Directory(*change.to);
+  } catch (const fs::filesystem_error& failed) {
+    error = failed.code().value();
+    if (error == ENOENT) error = EIO;
+    return Why(error);
+  }
+  // What lies in cur/ has been seen by a mail program; whether it was read, its marks say.
+  std::string name = mail.name;
+  if (Split_Maildir_Name(name).unique.size() == name.size()) name += ":2,";
+  error = Rename(file, tree_.Path_Of(*change.to) / "cur" / name);
+  if (error == ENOENT) {
+    std::error_code ignored;
+    if (!fs::is_directory(tree_.Path_Of(*change.to) / "cur", ignored)) {
+      error = EIO;
+      return "The folder that it would go to is no longer there.";
+    }
+  }
+  if (error != 0) return Why(error);
+  mail.name = std::move(name);
+  mail.is_new = false;
+  return {};
+}
+
+// With the mark by which mail servers know a folder beside others.
+void Maildir_Store::Make_Directory(Folder& folder) {
+  if (!folder.to_be_made && folder.has_mail) return;
+  const fs::path path = tree_.Path_Of(folder);
+  std::error_code error;
+  const bool is_new = fs::create_directories(path, error);
+  if (error) throw fs::filesystem_error("", path, error);
+  if (is_new) fs::permissions(path, fs::perms::owner_all, error);
+  for (const char* part : {"cur", "new", "tmp"}) {
+    if (fs::create_directory(path / part, error)) fs::permissions(path / part, fs::perms::owner_all, error);
+    if (error) throw fs::filesystem_error("", path, error);
+  }
+  if (folder.dotted) {
+    const int mark = ::open((path / "maildirfolder").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+    if (mark >= 0) ::close(mark);
+  }
+  folder.to_be_made = false;
+  folder.has_mail = true;
+}
+
+// A later change of the same mail has not been made either.
+void Maildir_Store::Undo(const Change& change) {
+  Mail& mail = *change.mail;
+  if (!mail.gone) mail.folder->mail->Remove(mail);
+  mail.gone = false;
+  mail.folder = change.from;
+  change.from->mail->Append(mail);
+}
+
+void Maildir_Store::Commit_Pending() {
+  if (queue_.empty()) return;
+  const auto watcher = watcher_.lock();
+  if (watcher != nullptr) watcher->Group_Ending();
+  const std::vector<Change> changes = std::exchange(queue_, {});
+  // A mail that only passes through goes straight to where it ends.
+  std::unordered_map<Mail*, Change> last;
+  std::vector<Mail*> order;
+  for (const Change& change : changes) {
+    const auto [found, is_first] = last.emplace(change.mail, change);
+    if (is_first) order.push_back(change.mail);
+    found->second.to = change.to;
+  }
+  std::string first_failure;
+  for (Mail* const mail : order) {
+    const Change& change = last.at(mail);
+    mail->pending = false;
+    const std::string failure = Make(change);
+    if (failure.empty()) continue;
+    if (first_failure.empty()) first_failure = failure;
+    Undo(change);
+    if (watcher != nullptr) watcher->Not_Kept(store_id_, Entry_Id(*mail), failure);
+    // Where it is now is found out with the next look.
+    change.from->mail->looked = 0;
+  }
+  if (watcher != nullptr) watcher->Group_Ended(store_id_, true);
+  if (!first_failure.empty() && watcher == nullptr) Fail(automation_error::call_failed, first_failure);
+}
+
+maildir::Folder& Maildir_Store::Add_Folder(Folder& parent, const std::string& name, std::int32_t item_type) {
+  Demand_Writable();
+  if (parent.gone) Fail(automation_error::not_found, "The folder is no longer there.");
+  if (item_type != item_type::mail)
+    Fail(automation_error::not_supported, "A Maildir holds mail only. Choose a folder for mail.");
+  Look_At_Tree();
+  const std::string directory = tree_.Directory_For(parent, name);
+  if (tree_.Find("F" + directory) != nullptr)
+    Fail(automation_error::call_failed, "There is a folder \"" + name + "\" already. Choose another name.");
+  Folder& folder = tree_.Add_Unmade(parent, name);
+  try {
+    Make_Directory(folder);
+  } catch (const fs::filesystem_error& failed) {
+    tree_.Remove(folder);
+    Fail(automation_error::call_failed, Why(failed.code().value()));
+  }
+  return folder;
+}
+
+// Put aside whole, under a name that no program takes for a folder, and then cleared away.
+void Maildir_Store::Remove_Folder(Folder& folder) {
+  Demand_Writable();
+  if (folder.gone) Fail(automation_error::not_found, "The folder is no longer there.");
+  if (folder.directory.empty())
+    Fail(automation_error::no_access, "The inbox of a Maildir cannot be removed. Its mail can be deleted.");
+  Commit_Pending();
+  Look_At_Tree();
+  if (folder.gone) return;
+  const auto watcher = watcher_.lock();
+  if (watcher != nullptr) watcher->Group_Ending();
+  std::vector<Folder*> all{&folder};
+  for (std::size_t at = 0; at < all.size(); ++at)
+    all.insert(all.end(), all[at]->children.begin(), all[at]->children.end());
+  // Those below first: each of them is whole until it has gone.
+  std::string failure;
+  for (auto each = all.rbegin(); each != all.rend() && failure.empty(); ++each) {
+    Folder& going = **each;
+    const fs::path path = tree_.Path_Of(going);
+    fs::path aside = tree_.Path() / ("..tidyfold-removed-" + std::to_string(::getpid()) + "-" +
+                                     std::to_string(maildir::Now()));
+    struct stat about = {};
+    if (::lstat(path.c_str(), &about) == 0) {
+      if (const int error = Rename(path, aside); error != 0) {
+        failure = Why(error);
+        break;
+      }
+      std::error_code left;
+      fs::remove_all(aside, left);
+    }
+    for (Mail* const mail : going.mail->Slots())
+      if (mail != nullptr) mail->gone = true;
+    tree_.Remove(going);
+  }
+  if (watcher != nullptr) {
+    if (!failure.empty()) watcher->Not_Kept(store_id_, folder.entry_id, failure);
+    watcher->Group_Ended(store_id_, true);
+  }
+  if (!failure.empty()) Fail(automation_error::call_failed, failure);
+}
+
+void Maildir_Store::Display(Mail& mail) {
+  Displayed_Item item;
+  static_cast<New_Item&>(item) = Whole(mail);
+  item.entry_id = Entry_Id(mail);
+  item.store_id = store_id_;
+  item.folder_name = mail.folder->name;
+  if (!display_) Fail(automation_error::not_supported, "There is no window here that could show an item.");
+  display_(item);
+}
+
+}  // namespace tidyfold
