@@ -31,9 +31,10 @@ using Reason = Store_Open_Error::Reason;
 
 // A group of this size ends before the next change.
 constexpr std::size_t changes_per_group = 200;
-// A directory that changes all the time is not read all the time: reading takes no more than this part of it.
+// A large directory that changes all the time is not read all the time: reading takes one part of it in so
+// many.
 constexpr std::int64_t share_of_reading = 20;
-constexpr std::int64_t quick_reading = 5'000'000;  // nanoseconds
+constexpr std::int32_t large_directory = 10'000;  // mails
 constexpr int most_readings = 4;
 constexpr std::size_t row_characters = 20;
 
@@ -227,10 +228,9 @@ void Maildir_Store::Look_At(Folder& folder) {
   }
   const bool same = cur == list.cur_changed && fresh == list.new_changed;
   if (same && std::max(cur, fresh) + maildir::moment < list.looked) return;
-  if (list.looked != 0 && list.took > quick_reading &&
+  if (list.looked != 0 && list.Count() > large_directory &&
       maildir::Now() - list.looked < share_of_reading * list.took)
     return;
-  if (!queue_.empty()) Commit_Pending();
   Read(folder);
 }
 
@@ -258,7 +258,7 @@ void Maildir_Store::Read(Folder& folder) {
       break;
   }
   for (Mail* const mail : std::vector<Mail*>(list.Slots())) {
-    if (mail == nullptr || seen.contains(mail)) continue;
+    if (mail == nullptr || mail->pending || seen.contains(mail)) continue;
     list.Remove(*mail);
     mail->gone = true;
   }
@@ -304,6 +304,8 @@ maildir::Mail& Maildir_Store::Note(Folder& folder, std::string name, bool is_new
     if (mail == nullptr) {
       mail = std::make_unique<Mail>();
       mail->twin = twin;
+    } else if (mail->pending) {
+      return *mail;  // lies where it was until its group ends, and counts no more
     } else if (!mail->gone && !is_here) {
       // Moved by another program, or a copy.
       if (Is_On_Disk(*mail->folder, *mail)) continue;
@@ -354,7 +356,7 @@ std::string Maildir_Store::Read_File(Mail& mail, std::size_t most, std::int64_t&
     const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (file < 0 && errno == ENOENT) {
       Check_Place();
-      if (!queue_.empty()) Commit_Pending();
+      if (mail.pending) Commit_Pending();
       Demand_There(mail);
       Read(*mail.folder);
       continue;

@@ -77,6 +77,10 @@ bool Folder_Tree::Is_Due() const {
 
 void Folder_Tree::Look() {
   if (!Is_Due()) return;
+  // What cannot be read has not gone.
+  std::error_code unreadable;
+  const fs::directory_iterator readable(top_path_, unreadable);
+  if (unreadable) throw fs::filesystem_error("", top_path_, unreadable);
   seen_.clear();
   has_dotted_ = has_nested_ = false;
   for (const auto& [id, folder] : folders_) {
@@ -150,7 +154,6 @@ void Folder_Tree::Read_Directory(Folder& parent, const std::string& directory, i
   const std::int64_t changed = Changed(path);
   std::error_code error;
   const std::vector<std::string> names = Directories_In(path, error);
-  if (error && directory.empty()) throw fs::filesystem_error("", path, error);
   seen_[directory] = {changed, Now()};
   for (const std::string& name : names) {
     if (Is_Part(name) || name.starts_with(being_removed)) continue;

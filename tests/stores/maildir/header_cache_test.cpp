@@ -72,7 +72,8 @@ TEST_F(Header_Cache_Test, DamageIsReadAgain) {
     for (int number = 0; number < 2000; ++number)
       cache.Put(folder, std::to_string(number), Header("subject"));
   }
-  const std::string whole = Bytes_Of(File());
+  const std::filesystem::path file = File();
+  const std::string whole = Bytes_Of(file);
   const std::size_t at = whole.find("subject");
   ASSERT_NE(at, std::string::npos);
   const std::pair<std::size_t, std::string> damages[] = {{at, "SUBJECT"},
@@ -82,7 +83,7 @@ TEST_F(Header_Cache_Test, DamageIsReadAgain) {
   for (const auto& [place, bytes] : damages) {
     std::string damaged = whole;
     damaged.replace(place, bytes.size(), bytes);
-    Write_Bytes(File(), damaged);
+    Write_Bytes(file, damaged);
     Header_Cache cache(directory.Path(), "store");
     const std::int64_t folder = cache.Folder("", 0);
     for (int number = 0; number < 2000; ++number)
