@@ -137,7 +137,9 @@ class Imap_Item : public Item, public Mapi_Object, public std::enable_shared_fro
 
   std::int32_t Class() override { return Row().item_class; }
   std::string Subject() override { return Row().subject; }
+  // Until it has been moved, it goes by the identity that it had.
   std::string EntryID() override {
+    if (moved_ != nullptr && Is_On_Its_Way()) return moved_->entry_id;
     Arrive();
     Demand_There();
     return Text_Of({validity_, uid_, store_->Messages().Describe(mailbox_).wire_name});
@@ -186,10 +188,11 @@ class Imap_Item : public Item, public Mapi_Object, public std::enable_shared_fro
     Row();
     return moved_ != nullptr ? moved_->change.flags : store_->Messages().Flags(mailbox_, uid_);
   }
+  bool Is_On_Its_Way() const { return !moved_->change.is_done && moved_->change.reason.empty(); }
   // Whoever asks for more than the row of a message that is being moved waits until it has been.
   void Arrive() {
     if (moved_ == nullptr) return;
-    if (!moved_->change.is_done && moved_->change.reason.empty()) store_->Commit_Pending();
+    if (Is_On_Its_Way()) store_->Commit_Pending();
     if (!moved_->change.is_done) Fail(automation_error::call_failed, moved_->change.reason);
     if (moved_->change.new_uid == 0)
       Fail(not_found, "The mail server did not say what became of the item.");
@@ -396,7 +399,7 @@ MAPIFolder_Ptr Imap_Item::Parent() {
 
 // What is to be deleted out of the wastebasket while it is still on its way there goes from where it lies.
 void Imap_Item::Delete() {
-  if (moved_ != nullptr && !moved_->change.is_done && moved_->change.reason.empty()) {
+  if (moved_ != nullptr && Is_On_Its_Way()) {
     moved_->change.target = 0;
     is_gone_ = true;
     return;
