@@ -5,8 +5,8 @@
 #include <unordered_map>
 #include <utility>
 
-#include "import/meeting.h"
-#include "import/transfer_encoding.h"
+#include "mail/meeting.h"
+#include "mail/transfer_encoding.h"
 #include "outlook/folder_roles.h"
 #include "stores/imap/mailbox_name.h"
 

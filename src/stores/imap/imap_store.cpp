@@ -9,7 +9,7 @@
 #include "base/text.h"
 #include "controls/interaction.h"
 #include "errors/automation_error.h"
-#include "import/mime_message.h"
+#include "mail/mime_message.h"
 #include "stores/imap/mailbox_name.h"
 
 namespace tidyfold::imap {
@@ -537,10 +537,9 @@ using Reason = Store_Open_Error::Reason;
 }  // namespace
 
 std::shared_ptr<Mail_Store> Open_Account(const Store_Address& address, const Store_Opening& opening,
-                                         Account_Settings settings, const std::filesystem::path& cache,
-                                         std::function<bool()> serve) {
+                                         Account_Settings settings, const std::filesystem::path& cache) {
   auto store = std::make_shared<Imap_Store>(address, opening.mode, std::move(settings), cache);
-  store->Messages().Set_Serving(std::move(serve));
+  store->Messages().Set_Serving(opening.serve);
   try {
     store->Messages().Open();
   } catch (const Connection_Error& error) {
@@ -559,19 +558,22 @@ std::shared_ptr<Mail_Store> Open_Account(const Store_Address& address, const Sto
   return store;
 }
 
-std::shared_ptr<Mail_Store> Open_Account(const Store_Address& address, const Store_Opening& opening,
-                                         const Account_Access& access) {
+std::shared_ptr<Mail_Store> Open_Account(const Store_Address& address, const Store_Opening& opening) {
   Account_Settings settings;
   settings.server.host = address.host;
   settings.server.port = address.port;
+  // Only on this machine can nobody listen.
   const bool here = address.host == "localhost" || address.host.starts_with("127.") || address.host == "::1";
   settings.server.security = address.kind == Store_Address::Kind::Imap_Tls ? Security::Tls
                              : here                                        ? Security::Plain
                                                                            : Security::Start_Tls;
   settings.login.user = address.user;
-  settings.login.mechanism = access.mechanism;
-  settings.login.secret = [address, secret = access.secret] { return secret(address); };
-  return Open_Account(address, opening, std::move(settings), Message_Cache_File(address.Text()), access.serve);
+  if (!opening.password)
+    Fail_To_Open(Reason::Not_Let_In, address, "There is no password for \"" + address.Text() + "\".");
+  // The first is asked for here, where a person can be asked.
+  settings.login.secret = [address, password = opening.password, first = opening.password(address, 0),
+                           asked = 0]() mutable { return asked++ == 0 ? first : password(address, asked - 1); };
+  return Open_Account(address, opening, std::move(settings), Message_Cache_File(address.Text()));
 }
 
 }  // namespace tidyfold::imap

@@ -5,10 +5,10 @@
 #include <utility>
 #include <vector>
 
-#include "import/header_text.h"
-#include "import/mail_addresses.h"
-#include "import/mail_headers.h"
-#include "import/meeting.h"
+#include "mail/header_text.h"
+#include "mail/mail_addresses.h"
+#include "mail/mail_headers.h"
+#include "mail/meeting.h"
 
 namespace tidyfold::imap {
 
