@@ -32,7 +32,7 @@ IN_FRONT = ("desktop", "cli", "companion")
 # What lies behind and may be included from there too: what went out is read back, live stores keep what they
 # read of headers. One place opens stores of every kind, and all may read messages.
 ALLOWED = {("export", "import"), ("stores/maildir", "stores/header_cache"),
-           ("stores/imap", "stores/header_cache")}
+           ("stores/imap", "stores/header_cache"), ("stores/imap", "stores/sqlite")}
 
 # The highest floor that a folder may include, if not the one below its own.
 CEILINGS = {"help": FLOORS["errors"], **{folder: FLOORS["outlook"] for folder in BEHIND}}

@@ -37,6 +37,7 @@ struct Arguments {
   Command command = Command::Check;
   std::vector<Store_Address> stores;
   bool outlook = false;  // what Outlook has open, instead of files
+  std::string password_command;  // writes the password of mail accounts
   Form form = Form::Text;
 
   // runs, undo

@@ -28,6 +28,10 @@
 #include "mail/tnef.h"
 #include "mail/transfer_encoding.h"
 #include "import/vcard.h"
+#include "stores/imap/mailbox_name.h"
+#include "stores/imap/message_data.h"
+#include "stores/imap/response.h"
+#include "stores/imap/uid_set.h"
 
 namespace tidyfold {
 namespace {
@@ -197,10 +201,56 @@ void Run_Series(const std::string& bytes) {
   }
 }
 
+// However the bytes come in, the same responses come out.
+void Run_Imap(const std::string& bytes) {
+  using namespace imap;
+  constexpr Response_Limits limits{1 << 16, 1 << 20, 50};
+  const auto responses = [&](std::size_t at_once) {
+    std::vector<std::string> found;
+    Response_Reader reader(limits);
+    try {
+      for (std::size_t at = 0; at < bytes.size(); at += at_once) {
+        reader.Feed(std::string_view(bytes).substr(at, at_once));
+        while (auto response = reader.Next()) found.push_back(std::move(*response));
+      }
+    } catch (const Protocol_Error&) {
+      found.push_back("refused");
+    }
+    return found;
+  };
+  const std::vector<std::string> all = responses(bytes.size() + 1);
+  Expect(all == responses(7), "the responses depend on how the bytes come in");
+  for (const std::string& text : all) {
+    try {
+      const Response response(text, limits);
+      Expect_Line(response.Text());
+      for (const Value& value : response.Arguments()) {
+        Expect_Text(Decode_Mailbox_Name(value.Text()));
+        try {
+          const std::vector<Uid> uids = Parse_Uid_Set(value.Text().substr(0, 12));
+          if (uids.size() < 1000) Expect(Parse_Uid_Set(Format_Uid_Set(uids)) == uids, "a set is another");
+        } catch (const Protocol_Error&) {
+        }
+      }
+      if (response.Name() == "FETCH") {
+        const Message_Data data = Read_Message_Data(response);
+        Expect_Line(data.subject);
+        Expect_Line(data.sender);
+        Expect(data.size >= 0, "a message has no size");
+      }
+    } catch (const Protocol_Error&) {
+    }
+  }
+  const std::string name = Valid_Utf8(bytes.substr(0, 200));
+  if (name.find('\0') == std::string::npos)
+    Expect(Decode_Mailbox_Name(Encode_Mailbox_Name(name)) == name, "a mailbox's name is another");
+}
+
 constexpr std::array targets = {
     Fuzz_Target{"apple", Run_Apple},       Fuzz_Target{"calendar", Run_Calendar},
     Fuzz_Target{"contacts", Run_Contacts}, Fuzz_Target{"encodings", Run_Encodings},
     Fuzz_Target{"headers", Run_Headers},   Fuzz_Target{"html", Run_Html},
+    Fuzz_Target{"imap", Run_Imap},
     Fuzz_Target{"mbox", Run_Mbox},         Fuzz_Target{"message", Run_Message},
     Fuzz_Target{"msg", Run_Msg},           Fuzz_Target{"rtf", Run_Rtf},
     Fuzz_Target{"series", Run_Series},     Fuzz_Target{"tnef", Run_Tnef},

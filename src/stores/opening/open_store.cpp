@@ -1,11 +1,12 @@
 #include "stores/opening/open_store.h"
 
 #include "base/file_path.h"
+#include "stores/opening/accounts.h"
+#include "stores/sqlite/embedded_store.h"
 #ifndef _WIN32
 #include "stores/header_cache/header_cache.h"
 #include "stores/maildir/maildir_store.h"
 #endif
-#include "stores/sqlite/embedded_store.h"
 
 namespace tidyfold {
 
@@ -19,6 +20,9 @@ std::shared_ptr<Mail_Store> Open_Store(const Store_Address& address, const Store
     return Maildir_Store::Open(address, options);
   }
 #endif
+  if (address.Is_Server()) {
+    if (auto account = Open_Server(address, opening)) return account;
+  }
   throw Store_Open_Error(
       Store_Open_Error::Reason::Not_Supported, File_Path(address.Text()),
       "Stores like \"" + address.Text() + "\" cannot be opened on this system. Name a store file.");
@@ -26,9 +30,11 @@ std::shared_ptr<Mail_Store> Open_Store(const Store_Address& address, const Store
 
 bool Can_Open(Store_Address::Kind kind) {
 #ifndef _WIN32
-  if (kind == Store_Address::Kind::Maildir) return true;
-#endif
+  static_cast<void>(kind);
+  return true;
+#else
   return kind == Store_Address::Kind::File;
+#endif
 }
 
 }  // namespace tidyfold

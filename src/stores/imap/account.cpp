@@ -1,0 +1,608 @@
+#include "stores/imap/account.h"
+
+#include <algorithm>
+#include <deque>
+#include <unordered_map>
+#include <utility>
+
+#include "mail/meeting.h"
+#include "mail/transfer_encoding.h"
+#include "outlook/folder_roles.h"
+#include "stores/imap/mailbox_name.h"
+
+namespace tidyfold::imap {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+// A command at a time takes about so long.
+constexpr auto intended = std::chrono::milliseconds(300);
+constexpr std::size_t least_at_once = 20, most_at_once = 20'000;
+// Behind what is asked for, so much is fetched ahead.
+constexpr int most_attempts = 3;
+
+[[noreturn]] void Fail(std::int32_t number, const std::string& text) {
+  throw Automation_Error(number, text, error_source);
+}
+
+[[noreturn]] void Fail_Gone() {
+  Fail(automation_error::not_found, "The folder is no longer there.");
+}
+
+void Adapt(std::size_t& at_once, std::size_t done, Clock::duration took) {
+  if (done < at_once) return;
+  if (took < intended / 2) at_once = std::min(at_once * 2, most_at_once);
+  if (took > intended) at_once = std::max(at_once / 2, least_at_once);
+}
+
+// Names by which mail programs know the wastebasket where the server does not.
+std::int32_t Role_By_Name(const std::string& name) {
+  for (const char* trash : {"Trash", "Deleted Messages", "Deleted"})
+    if (name == trash) return default_folder_deleted_items;
+  return Role_Of_Name(name);
+}
+
+}  // namespace
+
+Account::Account(Account_Settings settings, const std::filesystem::path& cache)
+    : settings_(std::move(settings)), cache_(cache) {
+  mailboxes_.push_back(std::make_unique<Mailbox>());
+}
+
+Account::~Account() {
+  // The session belongs to the network's thread, which is about to end.
+  try {
+    network_.Call(
+        [this] {
+          if (session_ != nullptr) session_->Client().Send(Command("LOGOUT"));
+          session_.reset();
+        },
+        [] { return false; });
+  } catch (...) {
+  }
+}
+
+void Account::With_Session(const std::function<void(Mail_Session&)>& work) {
+  for (int attempt = 1;; ++attempt) {
+    const bool was_connected = session_ != nullptr;
+    try {
+      if (!was_connected)
+        session_ = std::make_unique<Mail_Session>(settings_, network_.Interrupted_By(), lock_);
+      work(*session_);
+      const std::lock_guard guard(lock_);
+      auto& alerts = session_->Client().alerts;
+      alerts_.insert(alerts_.end(), alerts.begin(), alerts.end());
+      alerts.clear();
+      return;
+    } catch (const Connection_Error&) {
+      // A connection that has dropped is made again; one that cannot be made is not.
+      session_.reset();
+      if (!was_connected || attempt >= most_attempts) throw;
+    } catch (const Protocol_Error&) {
+      session_.reset();
+      throw;
+    } catch (const Interrupted&) {
+      session_.reset();
+      throw;
+    }
+  }
+}
+
+void Account::Do(const std::function<void(Mail_Session&)>& work) {
+  try {
+    network_.Call([&] { With_Session(work); }, serve_);
+  } catch (const Connection_Error& error) {
+    Fail(automation_error::unavailable, error.what());
+  } catch (const Protocol_Error& error) {
+    Fail(automation_error::unavailable,
+         std::string("The mail server cannot be understood. ") + error.what());
+  } catch (const Interrupted& error) {
+    Fail(automation_error::unavailable, error.what());
+  } catch (const Refused& error) {
+    const bool gone = error.Code() == "NONEXISTENT" || error.Code() == "TRYCREATE";
+    const bool denied = error.Code() == "NOPERM";
+    Fail(gone     ? automation_error::not_found
+         : denied ? automation_error::no_access
+                  : automation_error::call_failed,
+         std::string("The mail server refused: ") + error.what());
+  }
+}
+
+void Account::Open() {
+  network_.Call(
+      [this] {
+        With_Session([this](Mail_Session& session) {
+          const std::vector<Listed_Mailbox> listed = session.List();
+          std::vector<Mailbox*> without_status;
+          {
+            const std::lock_guard guard(lock_);
+            for (const Listed_Mailbox& mailbox : listed) {
+              Mailbox& box = *mailboxes_[Add_To_Tree(mailbox)];
+              if (box.can_be_selected && !mailbox.has_status) without_status.push_back(&box);
+            }
+            // A server that tells no roles leaves them to the names.
+            for (std::size_t number = 1; number < mailboxes_.size(); ++number) {
+              Mailbox& box = *mailboxes_[number];
+              const std::int32_t role = box.role == 0 && box.parent == 0 ? Role_By_Name(box.name) : 0;
+              const bool taken = std::any_of(mailboxes_.begin(), mailboxes_.end(),
+                                             [&](const auto& other) { return other->role == role; });
+              if (role != 0 && role != default_folder_inbox && !taken) box.role = role;
+            }
+          }
+          for (Mailbox* const box : without_status) {
+            try {
+              session.Ask_Status(*box);
+            } catch (const Refused&) {
+              const std::lock_guard guard(lock_);
+              box->can_be_selected = false;
+            }
+          }
+        });
+      },
+      serve_);
+}
+
+// Those above a mailbox may come after it, or not at all.
+std::size_t Account::Add_To_Tree(const Listed_Mailbox& listed) {
+  const auto find = [&](const std::string& name) -> std::size_t {
+    for (std::size_t number = 1; number < mailboxes_.size(); ++number)
+      if (mailboxes_[number]->wire_name == name && !mailboxes_[number]->is_gone) return number;
+    return 0;
+  };
+  if (listed.delimiter != '\0') delimiter_ = listed.delimiter;
+  std::size_t parent = 0, number = 0;
+  std::size_t begin = 0;
+  for (;;) {
+    const std::size_t end =
+        listed.delimiter == '\0' ? std::string::npos : listed.wire_name.find(listed.delimiter, begin);
+    const std::string path = listed.wire_name.substr(0, end);
+    number = find(path);
+    if (number == 0) {
+      number = mailboxes_.size();
+      auto box = std::make_unique<Mailbox>();
+      box->wire_name = path;
+      box->name = Decode_Mailbox_Name(path.substr(begin));
+      if (parent == 0 && Same_Ascii(path, "INBOX")) box->name = "Inbox";
+      box->parent = parent;
+      mailboxes_.push_back(std::move(box));
+      mailboxes_[parent]->children.push_back(number);
+    }
+    if (end == std::string::npos || end + 1 >= listed.wire_name.size()) break;
+    parent = number;
+    begin = end + 1;
+  }
+  Mailbox& box = *mailboxes_[number];
+  box.can_be_selected = listed.can_be_selected;
+  box.role = listed.role;
+  box.messages = listed.messages;
+  box.uid_validity = listed.uid_validity;
+  box.looked_at = Clock::now();
+  return number;
+}
+
+std::vector<std::string> Account::Take_Alerts() {
+  const std::lock_guard guard(lock_);
+  return std::exchange(alerts_, {});
+}
+
+std::size_t Account::Count() const {
+  const std::lock_guard guard(lock_);
+  return mailboxes_.size();
+}
+
+Mailbox& Account::Box(std::size_t mailbox) const {
+  return *mailboxes_.at(mailbox);
+}
+
+Mailbox& Account::Existing_Box(std::size_t mailbox) const {
+  const std::lock_guard guard(lock_);
+  Mailbox& box = Box(mailbox);
+  if (box.is_gone) Fail_Gone();
+  return box;
+}
+
+Mailbox Account::Describe(std::size_t mailbox) const {
+  const std::lock_guard guard(lock_);
+  const Mailbox& box = Box(mailbox);
+  Mailbox copy;
+  copy.wire_name = box.wire_name;
+  copy.name = box.name;
+  copy.parent = box.parent;
+  copy.children = box.children;
+  copy.can_be_selected = box.can_be_selected;
+  copy.is_gone = box.is_gone;
+  copy.role = box.role;
+  copy.uid_validity = box.uid_validity;
+  copy.is_read_only = box.is_read_only;
+  return copy;
+}
+
+std::size_t Account::Find(const std::string& wire_name) const {
+  const std::lock_guard guard(lock_);
+  for (std::size_t number = 1; number < mailboxes_.size(); ++number)
+    if (!mailboxes_[number]->is_gone && mailboxes_[number]->wire_name == wire_name) return number;
+  return 0;
+}
+
+std::size_t Account::Find_Role(std::int32_t role) const {
+  const std::lock_guard guard(lock_);
+  for (std::size_t number = 1; number < mailboxes_.size(); ++number)
+    if (!mailboxes_[number]->is_gone && mailboxes_[number]->role == role) return number;
+  return 0;
+}
+
+std::optional<std::size_t> Account::Find(std::uint32_t uid_validity, const std::string& wire_name) const {
+  const std::size_t number = wire_name.empty() ? 0 : Find(wire_name);
+  if (number == 0 || Describe(number).uid_validity != uid_validity) return std::nullopt;
+  return number;
+}
+
+std::size_t Account::Add_Mailbox(std::size_t parent, const std::string& name) {
+  const Mailbox above = Describe(parent);
+  if (above.is_gone) Fail_Gone();
+  const std::string last = Encode_Mailbox_Name(name);
+  if (last.empty() || last.find(delimiter_) != std::string::npos)
+    Fail(automation_error::call_failed, "A mail folder cannot be called \"" + name + "\".");
+  Listed_Mailbox added;
+  added.delimiter = delimiter_;
+  added.wire_name = parent == 0 ? last : above.wire_name + delimiter_ + last;
+  std::size_t number = 0;
+  Do([&](Mail_Session& session) {
+    session.Client().Run(Command("CREATE ").String(added.wire_name));
+    {
+      const std::lock_guard guard(lock_);
+      number = Add_To_Tree(added);
+    }
+    session.Ask_Status(*mailboxes_[number]);
+  });
+  return number;
+}
+
+void Account::Remove_Mailbox(std::size_t mailbox) {
+  Mailbox& box = Existing_Box(mailbox);
+  std::vector<std::size_t> below{mailbox};
+  {
+    const std::lock_guard guard(lock_);
+    for (std::size_t at = 0; at < below.size(); ++at) {
+      const auto& children = Box(below[at]).children;
+      below.insert(below.end(), children.begin(), children.end());
+    }
+  }
+  // The lowest first: a server keeps the name of a folder that holds others.
+  Do([&](Mail_Session& session) {
+    session.Unselect();
+    if (session.Client().Has("UNSELECT")) session.Client().Finish(session.Client().Send(Command("UNSELECT")));
+    for (auto number = below.rbegin(); number != below.rend(); ++number) {
+      Mailbox& gone = Box(*number);
+      if (gone.is_gone) continue;
+      if (gone.can_be_selected) session.Client().Run(Command("DELETE ").String(gone.wire_name));
+      const std::lock_guard guard(lock_);
+      gone.is_gone = true;
+      gone.Forget_Messages();
+    }
+  });
+  const std::lock_guard guard(lock_);
+  std::erase(Box(box.parent).children, mailbox);
+}
+
+// What was told is written down before anyone relies on it.
+void Account::Look_And_Keep(Mail_Session& session, Mailbox& mailbox) {
+  bool load = false;
+  {
+    const std::lock_guard guard(lock_);
+    load = !mailbox.is_listed && mailbox.uids.empty() && mailbox.uid_validity != 0;
+  }
+  if (load) {
+    Mailbox loaded;
+    loaded.wire_name = mailbox.wire_name;
+    loaded.uid_validity = mailbox.uid_validity;
+    cache_.Load(loaded);
+    const std::lock_guard guard(lock_);
+    mailbox.uids = std::move(loaded.uids);
+    mailbox.flags = std::move(loaded.flags);
+    mailbox.mod_seq = loaded.mod_seq;
+  }
+  session.Look(mailbox);
+  cache_.Keep(mailbox, session.Take_Vanished(), session.Take_Changed_Flags());
+}
+
+std::uint32_t Account::Messages(std::size_t mailbox) {
+  Mailbox& box = Existing_Box(mailbox);
+  {
+    const std::lock_guard guard(lock_);
+    if (!box.can_be_selected) return 0;
+    if (Clock::now() - box.looked_at < settings_.trust)
+      return box.is_listed ? static_cast<std::uint32_t>(box.uids.size()) : box.messages;
+  }
+  bool listed = false;
+  {
+    const std::lock_guard guard(lock_);
+    listed = box.is_listed;
+  }
+  Do([&](Mail_Session& session) {
+    if (listed) {
+      Look_And_Keep(session, box);
+    } else {
+      session.Ask_Status(box);
+    }
+  });
+  const std::lock_guard guard(lock_);
+  return box.is_listed ? static_cast<std::uint32_t>(box.uids.size()) : box.messages;
+}
+
+void Account::Look(std::size_t mailbox) {
+  Mailbox& box = Existing_Box(mailbox);
+  {
+    const std::lock_guard guard(lock_);
+    if (!box.can_be_selected) return;
+    if (box.is_listed && Clock::now() - box.looked_at < settings_.trust) return;
+  }
+  Do([&](Mail_Session& session) { Look_And_Keep(session, box); });
+}
+
+std::optional<std::pair<std::uint32_t, Uid>> Account::Message_At(std::size_t mailbox,
+                                                                 std::int32_t index) const {
+  const std::lock_guard guard(lock_);
+  const Mailbox& box = Box(mailbox);
+  if (index < 1 || static_cast<std::size_t>(index) > box.uids.size()) return std::nullopt;
+  return std::pair(box.uid_validity, box.uids[static_cast<std::size_t>(index - 1)]);
+}
+
+bool Account::Has_Message(std::size_t mailbox, std::uint32_t uid_validity, Uid uid) const {
+  const std::lock_guard guard(lock_);
+  const Mailbox& box = Box(mailbox);
+  return !box.is_gone && box.uid_validity == uid_validity && box.Place_Of(uid).has_value();
+}
+
+std::uint8_t Account::Flags(std::size_t mailbox, Uid uid) const {
+  const std::lock_guard guard(lock_);
+  const Mailbox& box = Box(mailbox);
+  const auto place = box.Place_Of(uid);
+  return place ? static_cast<std::uint8_t>(box.flags[*place] & ~Mailbox::has_row) : std::uint8_t{0};
+}
+
+Change Account::Plan_Change(std::size_t mailbox, std::uint32_t uid_validity, Uid uid,
+                            std::size_t target) const {
+  Change change;
+  change.mailbox = mailbox;
+  change.uid_validity = uid_validity;
+  change.uid = uid;
+  change.target = target;
+  change.flags = Flags(mailbox, uid);
+  const std::lock_guard guard(lock_);
+  change.mod_seq = Box(mailbox).mod_seq;
+  return change;
+}
+
+// What an answer to an invitation answers stands in its text alone.
+void Account::Keep_Rows(Mail_Session& session, Mailbox& mailbox) {
+  std::vector<Message_Data> rows = session.Take_Rows();
+  for (Message_Data& row : rows) {
+    if (row.answer_part.empty()) continue;
+    const std::string text = session.Fetch_Body(row.uid, row.answer_part);
+    row.item_class = Meeting_Class(Decode_Transfer(text, row.answer_encoding), "");
+  }
+  cache_.Keep(mailbox, rows);
+  const std::lock_guard guard(lock_);
+  for (const Message_Data& row : rows)
+    if (const auto place = mailbox.Place_Of(row.uid)) mailbox.flags[*place] |= Mailbox::has_row;
+}
+
+// Fetches rows behind a UID; the first portion or, until others wait, all. Two portions are under way at a
+// time, so that neither the server nor we wait.
+void Account::Fetch_Missing(Mail_Session& session, Mailbox& mailbox, Uid after, bool only_first) {
+  const auto next = [&](Uid behind) {
+    std::vector<Uid> missing;
+    const std::lock_guard guard(lock_);
+    auto at = static_cast<std::size_t>(
+        std::upper_bound(mailbox.uids.begin(), mailbox.uids.end(), behind) - mailbox.uids.begin());
+    for (; at < mailbox.uids.size() && missing.size() < fetch_size_; ++at)
+      if ((mailbox.flags[at] & Mailbox::has_row) == 0) missing.push_back(mailbox.uids[at]);
+    return missing;
+  };
+  struct Portion {
+    std::string tag;
+    std::vector<Uid> uids;
+  };
+  std::deque<Portion> under_way;
+  Uid begun = after;
+  auto start = Clock::now();
+  bool stop = false;
+  for (;;) {
+    while (!stop && under_way.size() < 2) {
+      std::vector<Uid> uids = next(begun);
+      if (uids.empty()) break;
+      begun = uids.back();
+      std::string tag = session.Begin_Fetch(uids);
+      under_way.push_back({std::move(tag), std::move(uids)});
+      if (only_first) stop = true;
+    }
+    if (under_way.empty()) return;
+    const Portion portion = std::move(under_way.front());
+    under_way.pop_front();
+    session.Finish_Fetch(portion.tag);
+    Keep_Rows(session, mailbox);
+    const auto now = Clock::now();
+    Adapt(fetch_size_, portion.uids.size(), now - std::exchange(start, now));
+    if (network_.Others_Wait()) stop = true;
+  }
+}
+
+void Account::Go_On_Fetching(std::size_t mailbox, Uid after) {
+  std::uint64_t number = 0;
+  {
+    const std::lock_guard guard(lock_);
+    number = ++fetching_;
+  }
+  network_.Post_Last([this, mailbox, after, number] {
+    Mailbox& box = Box(mailbox);
+    {
+      const std::lock_guard guard(lock_);
+      if (number != fetching_ || box.is_gone) return;
+    }
+    try {
+      With_Session([&](Mail_Session& session) {
+        Look_And_Keep(session, box);
+        Fetch_Missing(session, box, after, false);
+      });
+    } catch (...) {
+      // Whoever needs the rows asks for them, and is told.
+    }
+  });
+}
+
+std::vector<Message_Data> Account::Rows_Behind(std::size_t mailbox, Uid after, std::size_t most) {
+  Mailbox& box = Existing_Box(mailbox);
+  if (!Describe(mailbox).can_be_selected) return {};
+  for (int attempt = 1;; ++attempt) {
+    Uid first = 0, last = 0;
+    bool missing = false;
+    {
+      const std::lock_guard guard(lock_);
+      auto at = static_cast<std::size_t>(std::upper_bound(box.uids.begin(), box.uids.end(), after) -
+                                         box.uids.begin());
+      for (std::size_t count = 0; at < box.uids.size() && count < most; ++at, ++count) {
+        if ((box.flags[at] & Mailbox::has_row) == 0) {
+          missing = count == 0;
+          break;
+        }
+        if (first == 0) first = box.uids[at];
+        last = box.uids[at];
+      }
+    }
+    if (!missing) {
+      if (first == 0) return {};
+      std::vector<Message_Data> rows = cache_.Rows(box, first, last);
+      const std::lock_guard guard(lock_);
+      std::erase_if(rows, [&](const Message_Data& row) { return !box.Place_Of(row.uid); });
+      return rows;
+    }
+    // A message that the server does not describe would be asked for for ever.
+    if (attempt > most_attempts)
+      Fail(automation_error::call_failed, "The mail server does not describe all messages of the folder.");
+    Do([&](Mail_Session& session) {
+      Look_And_Keep(session, box);
+      Fetch_Missing(session, box, after, true);
+    });
+    Go_On_Fetching(mailbox, after);
+  }
+}
+
+Message_Data Account::Row(std::size_t mailbox, Uid uid) {
+  const auto gone = [] { Fail(automation_error::not_found, "The item is no longer there."); };
+  if (uid == 0) gone();
+  std::vector<Message_Data> rows = cache_.Rows(Box(mailbox), uid, uid);
+  if (rows.empty()) {
+    for (Message_Data& row : Rows_Behind(mailbox, uid - 1, 1))
+      if (row.uid == uid) rows.push_back(std::move(row));
+  }
+  if (rows.empty()) gone();
+  return std::move(rows.front());
+}
+
+std::string Account::Body(std::size_t mailbox, Uid uid) {
+  Mailbox& box = Existing_Box(mailbox);
+  std::string body;
+  Do([&](Mail_Session& session) {
+    Look_And_Keep(session, box);
+    body = session.Fetch_Body(uid, "");
+  });
+  if (body.empty()) Fail(automation_error::not_found, "The item is no longer there.");
+  return body;
+}
+
+void Account::Carry_Out(std::vector<Change>& changes) {
+  for (std::size_t begin = 0; begin < changes.size();) {
+    std::vector<Change*> batch;
+    const Change& first = changes[begin];
+    for (; begin < changes.size() && batch.size() < move_size_; ++begin) {
+      Change& change = changes[begin];
+      if (change.mailbox != first.mailbox || change.target != first.target ||
+          change.uid_validity != first.uid_validity)
+        break;
+      batch.push_back(&change);
+    }
+    const auto start = Clock::now();
+    const std::size_t size = batch.size();
+    try {
+      Do([&](Mail_Session& session) { Carry_Out_Batch(session, batch); });
+    } catch (const Automation_Error& error) {
+      for (Change* const change : batch)
+        if (!change->is_done && change->reason.empty()) change->reason = error.Description();
+      if (error.Number() != automation_error::unavailable) continue;
+      for (; begin < changes.size(); ++begin) changes[begin].reason = "The connection was lost before.";
+      throw;
+    }
+    Adapt(move_size_, size, Clock::now() - start);
+  }
+}
+
+// Begun again after a connection that dropped: what is gone by then was done, what is there was not.
+void Account::Carry_Out_Batch(Mail_Session& session, std::vector<Change*>& batch) {
+  const Change& first = *batch.front();
+  Mailbox& box = Box(first.mailbox);
+  Look_And_Keep(session, box);
+  std::uint64_t mod_seq = 0;
+  std::vector<Uid> uids;
+  {
+    const std::lock_guard guard(lock_);
+    const bool same = box.uid_validity == first.uid_validity;
+    mod_seq = box.mod_seq;
+    const auto differs = [&](const Change& change) {
+      constexpr std::uint8_t telling = message_flag::seen | message_flag::flagged;
+      return ((box.flags[*box.Place_Of(change.uid)] ^ change.flags) & telling) != 0;
+    };
+    for (Change* const change : batch) {
+      if (change->is_done || !change->reason.empty()) continue;
+      if (!same) {
+        change->reason = "The server has numbered the folder anew. Refresh it.";
+      } else if (box.is_read_only) {
+        change->reason = "The mail server lets nothing be changed in this folder.";
+      } else if (!box.Place_Of(change->uid)) {
+        if (change->sent) {
+          change->is_done = true;
+        } else {
+          change->reason = "It is no longer there.";
+        }
+      } else if (differs(*change)) {
+        change->reason = "It was changed since it was shown.";
+      } else {
+        if (change->mod_seq != 0) mod_seq = std::min(mod_seq, change->mod_seq);
+        uids.push_back(change->uid);
+        change->sent = true;
+      }
+    }
+  }
+  if (uids.empty()) return;
+  std::string why;
+  std::vector<Moved_Message> moved;
+  if (first.target != 0 && !session.Can_Move()) {
+    why = "The mail server can neither move messages (MOVE) nor delete single ones (UIDPLUS).";
+  } else if (first.target != 0) {
+    why = session.Move(uids, Box(first.target), moved);
+  } else if (!session.Can_Expunge()) {
+    why = "The mail server cannot delete single messages for good (UIDPLUS); nothing was deleted.";
+  } else {
+    why = session.Expunge(uids, mod_seq);
+  }
+  std::unordered_map<Uid, Moved_Message> by_uid;
+  for (const Moved_Message& message : moved) by_uid[message.uid] = message;
+  cache_.Keep(box, session.Take_Vanished(), session.Take_Changed_Flags());
+  const std::lock_guard guard(lock_);
+  if (first.target != 0) Box(first.target).looked_at = {};
+  for (Change* const change : batch) {
+    if (change->is_done || !change->reason.empty()) continue;
+    if (box.Place_Of(change->uid)) {
+      change->reason = why.empty() ? "The mail server left it where it was." : why;
+      continue;
+    }
+    change->is_done = true;
+    if (const auto found = by_uid.find(change->uid); found != by_uid.end()) {
+      change->new_uid = found->second.new_uid;
+      change->new_validity = found->second.new_validity;
+    }
+  }
+}
+
+}  // namespace tidyfold::imap

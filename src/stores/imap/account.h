@@ -1,0 +1,125 @@
+// A mailbox account as the program's thread sees it; the network's thread works for it.
+#pragma once
+
+#include <atomic>
+#include <condition_variable>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "errors/automation_error.h"
+#include "stores/imap/mail_session.h"
+#include "stores/imap/mailbox.h"
+#include "stores/imap/message_cache.h"
+#include "stores/imap/network_thread.h"
+
+namespace tidyfold::imap {
+
+// Automation_Error::Source of all errors from here.
+inline constexpr const char* error_source = "Tidyfold mail account";
+
+// What is to happen to one message.
+struct Change {
+  std::size_t mailbox = 0;
+  std::uint32_t uid_validity = 0;
+  Uid uid = 0;
+  std::size_t target = 0;  // where it is moved; 0: it goes for good
+  // What was known of it when this was decided. It stays where it is when that has changed.
+  std::uint8_t flags = 0;
+  std::uint64_t mod_seq = 0;
+  // What became of it.
+  bool sent = false;
+  bool is_done = false;
+  std::string reason;  // why it is not done
+  Uid new_uid = 0;     // 0: not told
+  std::uint32_t new_validity = 0;
+};
+
+// All calls come from one thread, wait for the server, and throw Automation_Error: unavailable where the
+// connection is lost, cannot be made again or was given up, not_found for what the server no longer has, and
+// call_failed with the server's words where it refuses.
+class Account {
+ public:
+  Account(Account_Settings settings, const std::filesystem::path& cache);
+  Account(const Account&) = delete;
+  Account& operator=(const Account&) = delete;
+  ~Account();
+
+  // Called while a call waits; false gives it up.
+  void Set_Serving(std::function<bool()> serve) { serve_ = std::move(serve); }
+
+  // Logs in and lists the mailboxes. Throws what Mail_Session throws, as no Automation_Error says why.
+  void Open();
+  // What the server wants a person to read; each is told once.
+  std::vector<std::string> Take_Alerts();
+
+  // Mailboxes by number; 0 is the top of the account. Numbers never change; a mailbox may be gone.
+  std::size_t Count() const;
+  // A copy of what is known, without the messages.
+  Mailbox Describe(std::size_t mailbox) const;
+  std::size_t Find(const std::string& wire_name) const;  // 0: none
+  std::size_t Find_Role(std::int32_t role) const;        // 0: none
+  std::optional<std::size_t> Find(std::uint32_t uid_validity, const std::string& wire_name) const;
+  // Returns the number of the new mailbox.
+  std::size_t Add_Mailbox(std::size_t parent, const std::string& name);
+  void Remove_Mailbox(std::size_t mailbox);
+
+  // How many messages there are; asks the server where the last answer is old.
+  std::uint32_t Messages(std::size_t mailbox);
+  // Sees to it that the list of messages is not older than the settings allow.
+  void Look(std::size_t mailbox);
+  // UIDVALIDITY and UID of the message in this place, counted from 1.
+  std::optional<std::pair<std::uint32_t, Uid>> Message_At(std::size_t mailbox, std::int32_t index) const;
+  bool Has_Message(std::size_t mailbox, std::uint32_t uid_validity, Uid uid) const;
+  std::uint8_t Flags(std::size_t mailbox, Uid uid) const;
+  // With what is known of the message now.
+  Change Plan_Change(std::size_t mailbox, std::uint32_t uid_validity, Uid uid, std::size_t target) const;
+  // The rows of the next messages behind a UID, no more than `most`. Rows that were not fetched yet are waited
+  // for, and those behind them fetched meanwhile.
+  std::vector<Message_Data> Rows_Behind(std::size_t mailbox, Uid after, std::size_t most);
+  // Throws not_found.
+  Message_Data Row(std::size_t mailbox, Uid uid);
+  // The whole message. Throws not_found.
+  std::string Body(std::size_t mailbox, Uid uid);
+
+  // Carries changes out, as far as that goes, and says of each what became of it. Throws only where nothing
+  // more can be done with the account; what is not known is then not done, and its reason says so.
+  void Carry_Out(std::vector<Change>& changes);
+
+ private:
+  // On the network's thread.
+  void With_Session(const std::function<void(Mail_Session&)>& work);
+  void Look_And_Keep(Mail_Session& session, Mailbox& mailbox);
+  void Fetch_Missing(Mail_Session& session, Mailbox& mailbox, Uid after, bool only_first);
+  void Keep_Rows(Mail_Session& session, Mailbox& mailbox);
+  void Carry_Out_Batch(Mail_Session& session, std::vector<Change*>& batch);
+  void Go_On_Fetching(std::size_t mailbox, Uid after);
+
+  // On the program's thread.
+  void Do(const std::function<void(Mail_Session&)>& work);
+  Mailbox& Box(std::size_t mailbox) const;
+  Mailbox& Existing_Box(std::size_t mailbox) const;
+  std::size_t Add_To_Tree(const Listed_Mailbox& listed);
+
+  Account_Settings settings_;
+  Message_Cache cache_;
+  std::function<bool()> serve_;
+
+  mutable std::mutex lock_;  // of what both threads know
+  std::vector<std::unique_ptr<Mailbox>> mailboxes_;
+  std::vector<std::string> alerts_;
+  std::uint64_t fetching_ = 0;     // counts what is to be fetched ahead; the latest alone goes on
+
+  char delimiter_ = '/';
+  std::size_t fetch_size_ = 100, move_size_ = 100;  // messages at a time
+  std::unique_ptr<Mail_Session> session_;           // the network's thread's
+  Network_Thread network_;                          // ends first
+};
+
+}  // namespace tidyfold::imap
