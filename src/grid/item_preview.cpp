@@ -32,6 +32,7 @@ void Item_Preview::mnuPreview_Click() {
     window_.txtPreview.Set_Visible(Is_On());
     shown_id_.clear();
     Follow_Row();
+    Show_Text();
   });
 }
 

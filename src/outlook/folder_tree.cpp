@@ -202,7 +202,8 @@ void Folder_Tree::Tell_Stores_Apart() {
   for (const auto& [name, stores] : by_name) {
     if (stores.size() < 2) continue;
     std::set<std::filesystem::path> files;
-    for (const auto& [store, path] : stores) files.insert(path.filename());
+    for (const auto& [store, path] : stores)
+      if (path.has_filename()) files.insert(path.filename());
     for (const auto& [store, path] : stores)
       if (!path.empty()) places_[store] = (files.size() == stores.size() ? path.filename() : path).string();
   }

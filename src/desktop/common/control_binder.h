@@ -29,6 +29,8 @@ class Control_Binder {
 
  protected:
   virtual void Show_Model() {}
+  // Whether the widget shows tips by itself, for parts of it.
+  virtual bool Has_Own_Tips() const { return false; }
 
   // Runs a change that the program makes to the widget.
   template <class Action>

@@ -33,6 +33,7 @@ class Grid_Binder : public Control_Binder, public Late_Widget {
 
  private:
   void Show_Model() override;
+  bool Has_Own_Tips() const override { return true; }
 
   void Show_Columns();
   void Fill_Width();

@@ -146,7 +146,7 @@ void Options_Panel::Add_Filters(wxBoxSizer& group) {
 // The text stands at the beginning of a subject or, with Match Word, is all of it.
 void Options_Panel::Say_How_Subjects_Match(wxStaticText& how, wxTextCtrl& subject) {
   const wxString words = model_.chkMatchWord.Checked() ? "is exactly" : "begins with";
-  if (how.GetLabelText() == words && how.IsEnabled() == model_.chkSelectSubject.Checked()) return;
+  if (how.GetLabelText() == words && how.IsThisEnabled() == model_.chkSelectSubject.Checked()) return;
   how.SetLabelText(words);
   how.Enable(model_.chkSelectSubject.Checked());
   Set_Spoken_Name(subject, "Subject " + words);

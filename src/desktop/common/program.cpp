@@ -18,6 +18,7 @@
 #include "desktop/common/outlook_source.h"
 #include "desktop/common/runs_window.h"
 #include "desktop/common/show_in_front.h"
+#include "desktop/common/system_look.h"
 #include "desktop/common/text_conversion.h"
 #include "desktop/common/welcome_dialog.h"
 #include "desktop/common/window_place.h"
@@ -59,7 +60,7 @@ bool Program::OnInit() {
     unwound ? ExitMainLoop() : End_When_Unwound();
   });
   telling_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) {
-    if (frame_ == nullptr || message_box_.Open_Boxes() == 0 || wxGetActiveWindow() != nullptr) return;
+    if (frame_ == nullptr || message_box_.Open_Boxes() == 0 || Is_Program_In_Front()) return;
     frame_->RequestUserAttention();
     // A desktop that shows no notifications is no failure.
     const wxLogNull quiet;

@@ -24,5 +24,7 @@ long Tool_Bar_Style();
 
 // Whether the window is the one that the person works in.
 bool Is_In_Front(wxFrame& frame);
+// The same of any window of the program, its boxes included.
+bool Is_Program_In_Front();
 
 }  // namespace tidyfold

@@ -70,4 +70,13 @@ bool Is_In_Front(wxFrame& frame) {
   return gtk_window_is_active(GTK_WINDOW(frame.GetHandle())) != FALSE;
 }
 
+bool Is_Program_In_Front() {
+  bool active = false;
+  GList* const windows = gtk_window_list_toplevels();
+  for (const GList* at = windows; at != nullptr; at = at->next)
+    active = active || gtk_window_is_active(GTK_WINDOW(at->data)) != FALSE;
+  g_list_free(windows);
+  return active;
+}
+
 }  // namespace tidyfold

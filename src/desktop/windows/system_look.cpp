@@ -1,5 +1,6 @@
 #include "desktop/common/system_look.h"
 
+#include <wx/msw/wrapwin.h>
 #include <wx/toolbar.h>
 
 namespace tidyfold {
@@ -31,6 +32,12 @@ long Tool_Bar_Style() {
 
 bool Is_In_Front(wxFrame& frame) {
   return frame.IsActive();
+}
+
+bool Is_Program_In_Front() {
+  DWORD process = 0;
+  ::GetWindowThreadProcessId(::GetForegroundWindow(), &process);
+  return process == ::GetCurrentProcessId();
 }
 
 }  // namespace tidyfold
