@@ -1,14 +1,25 @@
 #include "app/app.h"
 
 #include "app/tooltips.h"
+#include "base/text.h"
 #include "cache/item_dates.h"
 #include "runs/run_listing.h"
 
 namespace tidyfold {
 
+namespace {
+
+constexpr std::size_t most_of_title = 120;  // characters
+
+}  // namespace
+
 Answer Window_Message_Box::Show(const std::string& text, Buttons buttons, Icon icon,
                                 const std::string& title) {
   return form_.Loaded() ? message_box_.Show(text, buttons, icon, title) : Safest_Answer(buttons);
+}
+
+void Window_Message_Box::Inform(const std::string& text) {
+  if (form_.Loaded()) message_box_.Inform(text);
 }
 
 Answer Window_Message_Box::Show_Review(const Review& review) {
@@ -42,7 +53,8 @@ App::App(MainWindow& w, const Surroundings& s)
       taking_back(session, s.automation.Groups(), s.log, Get_Item_Date, s.clock, message_box, progress,
                   errors),
       taking_back_commands(w, records, deleted_items, rows, refresh, cache, taking_back, s.limits, phase,
-                           message_box, errors) {
+                           message_box, errors),
+      remembered(w, columns, rows, panes, s.registry, errors) {
   if (s.help_environment != nullptr)
     help = std::make_unique<Help>(window, *s.help_environment, message_box, errors);
   Wire();
@@ -64,6 +76,8 @@ void App::Wire() {
   rows.Wire();
   selection.Wire();
   display.Wire();
+  preview.Wire();
+  search.Wire();
   marking.Wire();
   options.Wire();
   refresh.Wire();
@@ -71,6 +85,7 @@ void App::Wire() {
   cleaning.Wire();
   taking_back_commands.Wire();
   panes.Wire();
+  remembered.Wire();
   if (help) help->Wire();
   window.mnuQuit.Click = [this] { mnuQuit_Click(); };
   // In the middle of a run, closing the window asks as Quit does.
@@ -118,6 +133,8 @@ void App::Form_Load() {
     procedure.Step("Form_Load - Align Current Folder Label");
     panes.Align_Current_Folder_Label();
     panes.Form_Resize();
+    procedure.Step("Form_Load - Restore");
+    remembered.Restore();
     procedure.Step("Form_Load - Load Interface");
     Load_Interface();
   });
@@ -150,7 +167,7 @@ void App::Load_Interface() {
     }
     if (!cache.AllFoldersCached || !window.frmRemoveItems.Loaded()) return;
     panes.Apply_Bars_If_Needed();
-    message_box.Show("All Folders Loaded");
+    message_box.Inform("All Folders Loaded");
   });
 }
 
@@ -174,6 +191,7 @@ bool App::Build_Interface() {
     Form_Unload();
     return false;
   }
+  Name_Window();
   folder_tree.Set_Start_Folder();
   rows.CurrentNodeIndex = window.trvFolders.Selected_Item();
   if (rows.CurrentNodeIndex == 0) folder_tree.Set_Folder_Label(0);
@@ -186,6 +204,14 @@ bool App::Build_Interface() {
   window.frmRemoveItems.Show();
   events.Do_Events();
   return window.frmRemoveItems.Loaded();
+}
+
+// After the stores that are open.
+void App::Name_Window() {
+  std::string title;
+  for (const std::string& name : folder_tree.Store_Names()) title += (title.empty() ? "" : ", ") + name;
+  if (title.size() > most_of_title) title = std::string(First_Characters(title, most_of_title)) + "...";
+  window.frmRemoveItems.Set_Caption(title.empty() ? application_title : title + " - " + application_title);
 }
 
 void App::mnuQuit_Click() {
@@ -213,6 +239,7 @@ void App::End_Without_Store() {
 void App::Form_Unload() {
   errors.Run("Form_Unload", [&] {
     cache.StopCaching = cache.InterruptCaching = true;
+    remembered.Keep();
     phase.Stop_Loading();
     phase.Cancel_Run();
     if (help) help->Unload();

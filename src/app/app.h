@@ -4,11 +4,12 @@
 
 #include <memory>
 
-#include "app/panes.h"
+#include "app/remembered.h"
 #include "base/clock.h"
 #include "clean/cleaning_run.h"
 #include "clean/taking_back_commands.h"
 #include "grid/item_display.h"
+#include "grid/item_search.h"
 #include "grid/row_selection.h"
 #include "help/help.h"
 
@@ -27,6 +28,8 @@ struct Surroundings {
   Help_Environment* help_environment = nullptr;
   // Stores without copies have none.
   Item_Copies* copies = nullptr;
+  // Front ends that remember nothing have none.
+  Registry* registry = nullptr;
 };
 
 // Procedures that are still unwinding when the window has been closed ask nobody any more: every question
@@ -35,6 +38,7 @@ class Window_Message_Box : public Message_Box {
  public:
   Window_Message_Box(const Form& form, Message_Box& message_box) : form_(form), message_box_(message_box) {}
   Answer Show(const std::string& text, Buttons buttons, Icon icon, const std::string& title) override;
+  void Inform(const std::string& text) override;
   Answer Show_Review(const Review& review) override;
   std::optional<std::string> Ask_Directory(const std::string& question, const std::string& now) override;
   std::optional<std::int32_t> Ask_Number(const std::string& question, std::int32_t now, std::int32_t least,
@@ -91,6 +95,8 @@ struct App : private Interface_Loader {
   Item_Cache cache{window, records, folder_tree, session, rows, phase, message_box, events, errors};
   Row_Selection selection{window, protection, deleted_items, rows, enabling, message_box, errors};
   Item_Display display{window, records, session, message_box, errors};
+  Item_Preview preview{window, records, display, errors};
+  Item_Search search{window, records, errors};
   Refresh refresh{window, records, folder_tree, cache, rows, *this, phase, message_box, errors};
   Folder_Marking marking{window, records, protection, folder_tree, deleted_items, rows, message_box, errors};
   Processing_Options options{window,  records,  folder_tree, deleted_items, rows,
@@ -109,6 +115,7 @@ struct App : private Interface_Loader {
   Taking_Back taking_back;
   Taking_Back_Commands taking_back_commands;
   Panes panes{window, columns, errors};
+  Remembered remembered;
   std::unique_ptr<Help> help;
 
  private:
@@ -117,6 +124,7 @@ struct App : private Interface_Loader {
   bool Go_On_Though_Busy();
   void Form_Unload();
   void mnuQuit_Click();
+  void Name_Window();
   bool Build_Interface();
 };
 

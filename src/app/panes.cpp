@@ -124,8 +124,10 @@ void Panes::Form_Resize() {
     for (Control* pane : {static_cast<Control*>(&w.trvFolders), static_cast<Control*>(&w.picSlider),
                           static_cast<Control*>(&w.grdItems), static_cast<Control*>(&w.picSlider2)})
       pane->Set_Height(std::max<Twips>(bottom - pane->Top(), 0));
-    w.cmdRun.Set_Top(bottom - w.cmdRun.Height());
-    w.frmOptions.Set_Height(std::max<Twips>(w.cmdRun.Top() - button_gap - w.frmOptions.Top(), 0));
+    // Clean stands below the options that it acts on, however high the window is.
+    const Twips room = std::max<Twips>(bottom - w.cmdRun.Height() - button_gap - w.frmOptions.Top(), 0);
+    w.frmOptions.Set_Height(w.options_height > 0 ? std::min(w.options_height, room) : room);
+    w.cmdRun.Set_Top(w.frmOptions.Top() + w.frmOptions.Height() + button_gap);
     // The options stay in sight: in a narrow window the tree gives way, down to nothing.
     const Twips wanted_left = w.frmRemoveItems.Width() - margin - w.frmOptions.Width();
     const Twips farthest_grid = std::max(wanted_left - w.picSlider2.Width() - least_grid_width,

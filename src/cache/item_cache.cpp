@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "base/flag_scope.h"
+#include "base/size_text.h"
 #include "base/text.h"
 #include "cache/item_dates.h"
 #include "cache/item_filters.h"
@@ -516,7 +517,7 @@ void Item_Cache::Display_Cache_Status(const std::string& folder_name, std::int32
     std::string text = "Loading Folder \"";
     text.append(Trim(folder_name)).append("\"");
     window_.sbStatusBar.Set_Panel_Text(1, text);
-    window_.sbStatusBar.Set_Panel_Text(2, std::to_string(count));
+    window_.sbStatusBar.Set_Panel_Text(2, Format_Count(count));
     Show_Progress();
     events_.Do_Events();
   });

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/flag_scope.h"
+#include "base/size_text.h"
 
 namespace tidyfold {
 
@@ -129,7 +130,7 @@ void Cleaning_Run::Finish() {
   if (!reason.empty()) message_box_.Show("The run was ended. " + reason, Buttons::OK_Only, Icon::Critical);
   if (not_all_deleted) message_box_.Show("Not all items could be deleted", Buttons::OK_Only, Icon::Critical);
   Say_What_Has_Changed();
-  window_.sbStatusBar.Set_Panel_Text(2, "Total Processed:  " + std::to_string(run_.ProcessedCount));
+  window_.sbStatusBar.Set_Panel_Text(2, "Total Processed:  " + Format_Count(run_.ProcessedCount));
   strategies_.Clear_Gauge();
   message_box_.Show(Summary());
   for (int panel = 1; panel <= StatusBar::panel_count; ++panel) window_.sbStatusBar.Set_Panel_Text(panel, "");
@@ -168,12 +169,13 @@ void Cleaning_Run::Say_What_Has_Changed() {
   if (changed.empty()) return;
   std::string text = changed.size() == 1
                          ? "1 item was kept because it has changed since it was shown:\r\n"
-                         : std::to_string(changed.size()) +
+                         : Format_Count(static_cast<std::int64_t>(changed.size())) +
                                " items were kept because they have changed since they were shown:\r\n";
   constexpr std::size_t most_named = 10;
   for (std::size_t i = 0; i < std::min(changed.size(), most_named); ++i) text += "\r\n" + changed[i];
   if (changed.size() > most_named)
-    text += "\r\nand " + std::to_string(changed.size() - most_named) + " more, which the log of runs names.";
+    text += "\r\nand " + Format_Count(static_cast<std::int64_t>(changed.size() - most_named)) +
+            " more, which the log of runs names.";
   message_box_.Show(text);
 }
 
@@ -185,7 +187,7 @@ std::string Cleaning_Run::Summary() const {
   const bool for_good = plan_.options.permanent || plan_.options.Takes_Everything();
   const auto sentence = [](std::int32_t count, bool deleted) {
     const std::string ending = deleted ? "deleted." : "moved to the \"Deleted Items\" folder.";
-    return count == 1 ? "1 item was " + ending : " " + std::to_string(count) + " items were " + ending;
+    return count == 1 ? "1 item was " + ending : " " + Format_Count(count) + " items were " + ending;
   };
   const std::int32_t moved = run_.MovedInstead, as_asked = run_.ProcessedCount - moved;
   if (moved == 0) return sentence(as_asked, for_good) + copy;

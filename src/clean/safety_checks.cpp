@@ -13,11 +13,11 @@ namespace {
 
 // A number as the run time writes it: positive ones with a blank in front.
 std::string Str(std::int64_t number) {
-  return (number < 0 ? "" : " ") + std::to_string(number);
+  return (number < 0 ? "" : " ") + Format_Count(number);
 }
 
 std::string Counted(std::int64_t count, const char* word) {
-  return std::to_string(count) + word + (count == 1 ? "" : "s");
+  return Format_Count(count) + word + (count == 1 ? "" : "s");
 }
 
 constexpr const char* to_deleted_items = " to \"Deleted Items\" folder?";
@@ -34,7 +34,7 @@ void Add_Row(Review& review, const std::string& folder, const Plan_Stop& stop) {
   std::string where = stop.destination == Destination::For_Good ? "for good" : "to Deleted Items";
   if (stop.way == Way::Whole_Folder) where = stop.folder_goes ? "with its folder, for good" : "stays";
   review.rows.push_back(
-      {folder, more + std::to_string(tally.items), size, Day(tally.oldest), Day(tally.newest), where});
+      {folder, more + Format_Count(tally.items), size, Day(tally.oldest), Day(tally.newest), where});
   std::string line = folder + ": " + more + Counted(tally.items, " item");
   if (!size.empty()) line += ", " + size;
   if (tally.oldest != no_date)

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 
+#include "base/size_text.h"
 #include "base/text.h"
 
 namespace tidyfold {
@@ -13,23 +14,22 @@ void Status_Line::Display_Cleaning_Status(std::string_view folder_name, std::int
     std::string text = "Cleaning Folder \"";
     text.append(Trim(folder_name)).append("\"");
     bar_.Set_Panel_Text(1, text);
-    bar_.Set_Panel_Text(2, "Checked: " + std::to_string(checked) + ", Deleted: Folder - " +
-                               std::to_string(deleted_from_folder) + ", Total - " +
-                               std::to_string(deleted_in_run));
+    bar_.Set_Panel_Text(2, "Checked: " + Format_Count(checked) + ", Deleted: Folder - " +
+                               Format_Count(deleted_from_folder) + ", Total - " +
+                               Format_Count(deleted_in_run));
   });
 }
 
 void Status_Line::Display_Delete_By_Selected_Status(std::int32_t processed, std::int32_t cleaned) {
   errors_.Run("Display_Delete_By_Selected_Status", [&] {
-    bar_.Set_Panel_Text(
-        2, "Processed - " + std::to_string(processed) + ", Cleaned - " + std::to_string(cleaned));
+    bar_.Set_Panel_Text(2, "Processed - " + Format_Count(processed) + ", Cleaned - " + Format_Count(cleaned));
   });
 }
 
 void Status_Line::Display_Copying_Status(std::int64_t done, std::int64_t total) {
   errors_.Run("Display_Copying_Status", [&] {
     bar_.Set_Panel_Text(1, "Keeping a copy");
-    bar_.Set_Panel_Text(2, "Copied: " + std::to_string(done) + " of " + std::to_string(total));
+    bar_.Set_Panel_Text(2, "Copied: " + Format_Count(done) + " of " + Format_Count(total));
     bar_.Set_Gauge(std::min(done, total), total);
   });
 }

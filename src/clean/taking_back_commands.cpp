@@ -2,11 +2,13 @@
 
 #include <limits>
 
+#include "base/size_text.h"
+
 namespace tidyfold {
 
 void Taking_Back_Progress::Do_Events() {
   bar_.Set_Panel_Text(1, "Putting Items Back");
-  bar_.Set_Panel_Text(2, std::to_string(taking_back_.Looked_At()));
+  bar_.Set_Panel_Text(2, Format_Count(taking_back_.Looked_At()));
   bar_.Set_Gauge(taking_back_.Looked_At(), taking_back_.To_Look_At());
   events_.Do_Events();
 }

@@ -36,6 +36,36 @@ void FlexGrid::Count_Marks() {
       std::count_if(rows_.begin(), rows_.end(), [](const GridRow& row) { return row.marked; }));
 }
 
+void FlexGrid::Narrow(std::function<bool(const GridRow&)> filter) {
+  filter_ = std::move(filter);
+  for (GridRow& row : rows_) row.hidden = filter_ && !filter_(row);
+  Rows_Changed();
+}
+
+const std::vector<int>& FlexGrid::Places() const {
+  if (std::exchange(places_version_, row_version_) == row_version_) return places_;
+  places_.clear();
+  for (int row = 1; row < Rows(); ++row)
+    if (!Row_At(row).hidden) places_.push_back(row);
+  return places_;
+}
+
+int FlexGrid::Shown_Rows() const {
+  return filter_ ? static_cast<int>(Places().size()) : Rows() - 1;
+}
+
+int FlexGrid::Row_At_Place(int place) const {
+  return filter_ ? Places().at(static_cast<std::size_t>(place - 1)) : place;
+}
+
+int FlexGrid::Place_Of(int row) const {
+  if (row < 1 || row >= Rows()) return 0;
+  if (!filter_) return row;
+  const std::vector<int>& places = Places();
+  const auto found = std::lower_bound(places.begin(), places.end(), row);
+  return found == places.end() || *found != row ? 0 : static_cast<int>(found - places.begin()) + 1;
+}
+
 void FlexGrid::Columns_Changed() {
   ++column_version_;
   Tell();
@@ -59,6 +89,7 @@ void FlexGrid::Set_Cols(int columns) {
   headers_.resize(static_cast<std::size_t>(columns));
   widths_.resize(headers_.size());
   sort_column_ = 0;
+  picture_column_ = 0;
   in_order_ = 0;
   Columns_Changed();
 }
@@ -87,6 +118,7 @@ bool FlexGrid::Add_Item(const GridRow& row) {
   if (Rows() >= capacity_) return false;
   try {
     rows_.push_back(row);
+    rows_.back().hidden = filter_ && !filter_(row);
   } catch (const std::bad_alloc&) {
     return false;
   }

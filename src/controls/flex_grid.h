@@ -16,8 +16,12 @@ struct GridRow {
   std::int32_t item = 0;  // the item's number in its folder, from 1; negative: the row stands for the folder
   bool marked = false;    // what column 1 shows: "1" or "0"
   bool bold = false;
+  bool hidden = false;  // the list is narrowed and does not show it
   Colour back_colour = system_window_background;
 };
+
+// What stands before a cell's text, or in its place.
+enum class Cell_Picture { None, Goes, Mail, Appointment, Contact, Task, Journal, Note, Other };
 
 // Supplies the texts of the columns from 2 on.
 class Cell_Source {
@@ -26,6 +30,7 @@ class Cell_Source {
   virtual std::string Cell_Text(const GridRow& row, int column) const = 0;
   // The same text for sorting many rows: a view of the text, which may lie in `room`.
   virtual std::string_view Sort_Text(const GridRow& row, int column, std::string& room) const = 0;
+  virtual Cell_Picture Picture(const GridRow& /*row*/, int /*column*/) const { return Cell_Picture::None; }
 };
 
 enum class Sort_Mode { String_Ascending = 7, String_Descending = 8 };
@@ -56,6 +61,11 @@ class FlexGrid : public Control {
   // Twips.
   Twips Column_Width(int column) const { return widths_.at(static_cast<std::size_t>(column)); }
   void Set_Column_Width(int column, Twips width);
+  // The column that stands before all others and shows pictures alone; 0: none.
+  int Picture_Column() const { return picture_column_; }
+  void Set_Picture_Column(int column) {
+    if (std::exchange(picture_column_, column) != column) Columns_Changed();
+  }
   // Moves when columns, headers or widths have changed.
   std::uint64_t Column_Version() const { return column_version_; }
 
@@ -111,6 +121,16 @@ class FlexGrid : public Control {
   // Moves whenever a row came, went, moved or changed its look.
   std::uint64_t Row_Version() const { return row_version_; }
 
+  // Narrows what the front end shows; every row keeps its number, its mark and its place. An empty filter
+  // shows all rows.
+  void Narrow(std::function<bool(const GridRow&)> filter);
+  bool Is_Narrowed() const { return filter_ != nullptr; }
+  // Rows that are shown, and which row stands at a place among them. Places count from 1.
+  int Shown_Rows() const;
+  int Row_At_Place(int place) const;
+  // 0 for a row that is not shown.
+  int Place_Of(int row) const;
+
   // What stands in the grid's place while it has no rows; lines end in CR LF.
   const std::string& Empty_Text() const { return empty_text_; }
   void Set_Empty_Text(std::string_view text) {
@@ -126,6 +146,7 @@ class FlexGrid : public Control {
   // The current cell's row, set by the front end; 0 where there is none.
   int Row() const { return row_; }
   void Set_Row(int row) { row_ = row; }
+  bool Has_Row() const { return row_ >= 1 && row_ < Rows() && !Row_At(row_).hidden; }
   // The row under the mouse, set by the front end before it raises a mouse event; below 1: no data row.
   int MouseRow() const { return mouse_row_; }
   void Set_MouseRow(int row) { mouse_row_ = row; }
@@ -143,6 +164,10 @@ class FlexGrid : public Control {
   std::function<void(int column)> Header_Click;
   // A person has given a column another width.
   std::function<void(int column)> Column_Sized;
+  // The front end shows the rows as they are now, at the pace of repainting.
+  std::function<void()> Row_Shown;
+  // The current row has been the same for a moment.
+  std::function<void()> Row_Rests;
 
   const Cell_Source* cells = nullptr;
 
@@ -150,6 +175,7 @@ class FlexGrid : public Control {
   GridRow& At(int row) { return rows_.at(static_cast<std::size_t>(row - 1)); }
   void Rows_Changed();
   void Count_Marks();
+  const std::vector<int>& Places() const;
   void Columns_Changed();
   void Tell();
   // False where the rows stood in order already.
@@ -164,6 +190,11 @@ class FlexGrid : public Control {
   int marked_rows_ = 0;
   int row_ = 0, mouse_row_ = 0;
   std::string empty_text_;
+  std::function<bool(const GridRow&)> filter_;
+  // The rows that are shown, as of a row version; made when they are asked for.
+  mutable std::vector<int> places_;
+  mutable std::uint64_t places_version_ = ~std::uint64_t{0};
+  int picture_column_ = 0;
   int sort_column_ = 0;
   bool sorted_ascending_ = true;
   std::size_t in_order_ = 0;  // this many rows, from the first, stand as they were sorted

@@ -38,6 +38,8 @@ class Message_Box {
   // Modal: returns when the person has answered. Other handlers may run meanwhile.
   virtual Answer Show(const std::string& text, Buttons buttons = Buttons::OK_Only, Icon icon = Icon::None,
                       const std::string& title = application_title) = 0;
+  // What a person may choose not to be told again.
+  virtual void Inform(const std::string& text) { Show(text); }
   // OK or Cancel. Where there is no sheet with a table, its text.
   virtual Answer Show_Review(const Review& review);
   // A whole number from `least` to `most`; none when the person gives none, or where nobody can be asked.

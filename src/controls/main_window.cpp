@@ -28,7 +28,11 @@ MainWindow::MainWindow() {
   Place(linOptions1, 75, 0, 3690, 15);
   Place(linOptions2, 75, 0, 3690, 15);
 
+  mnuShowSize.Set_Checked(true);
+  mnuShowWillGo.Set_Checked(true);
+
   controls = {&trvFolders,
+              &txtFind,
               &grdItems,
               &chkMarkSubFolders,
               &chkCollapseFolders,
@@ -56,11 +60,18 @@ MainWindow::MainWindow() {
                                    &lblProcessingOptions, &lblFilterOptions, &frmOptions, &mnuRefresh,
                                    &mnuRefreshCurrent, &mnuClean, &mnuQuit, &mnuUnmark, &mnuResetOptions,
                                    &mnuHelp, &mnuWhatsThis, &mnuOnlineHelp, &mnuAbout});
-  controls.insert(controls.end(),
-                  {&mnuStopLoading, &mnuMark, &mnuUnmarkFolder, &mnuMarkBranch, &mnuProtect, &mnuSortReverse,
-                   &mnuResetColumns, &mnuOpenItem, &mnuSelectRow, &mnuSelectAllRows, &mnuCopyRows,
-                   &mnuPutBack, &mnuNextPane, &mnuPreviousPane, &mnuRuns, &mnuTakeBack, &mnuDeletedItemsLimit,
-                   &mnuExport, &mnuExportFolder});
+  controls.insert(controls.end(), {&mnuStopLoading,   &mnuMark,
+                                   &mnuUnmarkFolder,  &mnuMarkBranch,
+                                   &mnuProtect,       &mnuSortReverse,
+                                   &mnuResetColumns,  &mnuShowSize,
+                                   &mnuShowWillGo,    &mnuFind,
+                                   &mnuPreview,       &mnuResetWindow,
+                                   &mnuOpenItem,      &mnuSelectRow,
+                                   &mnuSelectAllRows, &mnuCopyRows,
+                                   &mnuPutBack,       &mnuNextPane,
+                                   &mnuPreviousPane,  &mnuRuns,
+                                   &mnuTakeBack,      &mnuDeletedItemsLimit,
+                                   &mnuExport,        &mnuExportFolder});
   for (MenuItem& field : mnuSortBy) controls.push_back(&field);
 }
 

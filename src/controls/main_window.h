@@ -25,6 +25,9 @@ struct MainWindow {
   TreeView trvFolders{"trvFolders"};
   PictureBox picSlider{"picSlider"};
   FlexGrid grdItems{"grdItems"};
+  TextBox txtFind{"txtFind"};
+  Label lblFound{"lblFound"};
+  TextBox txtPreview{"txtPreview"};
   PictureBox picSlider2{"picSlider2"};
   Label lblCurrentFolder{"lblCurrentFolder", "Current Folder:"};
   StatusBar sbStatusBar{"sbStatusBar"};
@@ -83,11 +86,18 @@ struct MainWindow {
   MenuItem mnuUnmark{"mnuUnmark", "&Unmark All Folders"};
   MenuItem mnuResetOptions{"mnuResetOptions", "&Reset Options"};
   // By the numbers of the grid's logical fields.
-  std::array<MenuItem, 6> mnuSortBy{{MenuItem{"mnuSortBy", "&Folder"}, MenuItem{"mnuSortBy", "&Type"},
+  std::array<MenuItem, 8> mnuSortBy{{MenuItem{"mnuSortBy", "&Folder"}, MenuItem{"mnuSortBy", "&Type"},
                                      MenuItem{"mnuSortBy", "S&ender"}, MenuItem{"mnuSortBy", "&Subject"},
-                                     MenuItem{"mnuSortBy", "E&ntry"}, MenuItem{"mnuSortBy", "&Date"}}};
+                                     MenuItem{"mnuSortBy", "E&ntry"}, MenuItem{"mnuSortBy", "&Date"},
+                                     MenuItem{"mnuSortBy", "Si&ze"}, MenuItem{"mnuSortBy", "&Will Go"}}};
   MenuItem mnuSortReverse{"mnuSortReverse", "&Reverse Order"};
   MenuItem mnuResetColumns{"mnuResetColumns", "Reset Column &Widths"};
+  // Columns that a person may do without: size, and what will go.
+  MenuItem mnuShowSize{"mnuShowSize", "Si&ze Column"};
+  MenuItem mnuShowWillGo{"mnuShowWillGo", "&Will Go Column"};
+  MenuItem mnuFind{"mnuFind", "&Find in List"};
+  MenuItem mnuPreview{"mnuPreview", "&Preview"};
+  MenuItem mnuResetWindow{"mnuResetWindow", "Reset &Window"};
   MenuItem mnuOpenItem{"mnuOpenItem", "&Open Item"};
   MenuItem mnuSelectRow{"mnuSelectRow", "Select &Row"};
   MenuItem mnuSelectAllRows{"mnuSelectAllRows", "Select &All Rows"};
@@ -105,6 +115,9 @@ struct MainWindow {
   Label lblMessage{"lblMessage"};
 
   Form frmAbout{"frmAbout", "About Tidyfold"};
+
+  // The height that all options need, in twips; 0: unknown, and they get all that there is.
+  Twips options_height = 0;
 
   // Puts a text on the clipboard; lines end in CR LF.
   std::function<void(const std::string& text)> Set_Clipboard_Text;

@@ -72,6 +72,8 @@ class TextBox : public Control {
   void Set_Text(std::string_view text) { Assign(text_, text); }
   Colour Back_Colour() const { return back_colour_; }
   void Set_Back_Colour(Colour colour) { Assign(back_colour_, colour); }
+  // A person has typed.
+  std::function<void()> Change;
   std::function<void(int key_code)> KeyPress;
   // The box loses the focus.
   std::function<void()> Validate;

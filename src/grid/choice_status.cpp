@@ -34,7 +34,7 @@ struct Reasons {
   std::string Text() const {
     std::string text;
     const auto line = [&](std::int64_t count, const char* one, const char* many) {
-      if (count > 0) text += "\r\n" + std::to_string(count) + (count == 1 ? one : many);
+      if (count > 0) text += "\r\n" + Format_Count(count) + (count == 1 ? one : many);
     };
     line(not_ticked, " lies in a folder that is not ticked", " lie in a folder that is not ticked");
     line(date, " is later than the date", " are later than the date");
@@ -53,7 +53,7 @@ struct Reasons {
 void Choice_Status::Display_Selected_Items_Total() {
   errors_.Run("Display_Selected_Items_Total", [&] {
     const Clean_Plan plan = planner_.Numbers();
-    std::string text = "Total Selected:  " + std::to_string(plan.total.items);
+    std::string text = "Total Selected:  " + Format_Count(plan.total.items);
     if (plan.total.bytes > 0) text += " (" + Format_Size(plan.total.bytes) + ")";
     window_.sbStatusBar.Set_Panel_Text(3, text);
   });
@@ -64,7 +64,8 @@ void Choice_Status::Display_Empty_Text(int current) {
 }
 
 std::string Choice_Status::Empty_Text(int current) const {
-  if (window_.grdItems.Rows() > 1) return {};
+  if (window_.grdItems.Rows() > 1)
+    return "No row holds what is written in the search box. The search hides rows and changes nothing else.";
   const bool shows_selected = window_.chkShowSelectedItems.Checked();
   if (!shows_selected && !window_.chkShowUnselectedItems.Checked())
     return "Nothing is shown: Show Selected Items and Show Unselected Items are both off.";
@@ -91,11 +92,11 @@ std::string Choice_Status::Empty_Text(int current) const {
                                : one                       ? which + " is not read yet."
                                : reasons.unread_folders == reasons.folders
                                    ? which + " are not read yet."
-                                   : std::to_string(reasons.unread_folders) + " of the ticked folders " +
+                                   : Format_Count(reasons.unread_folders) + " of the ticked folders " +
                                          (reasons.unread_folders == 1 ? "is" : "are") + " not read yet.";
   if (reasons.read == 0)
     return not_read.empty() ? which + (one ? " holds" : " hold") + " no items." : not_read;
-  return "No item to show. Of " + std::to_string(reasons.read) + (reasons.read == 1 ? " item" : " items") +
+  return "No item to show. Of " + Format_Count(reasons.read) + (reasons.read == 1 ? " item" : " items") +
          (all_folders ? one ? " in the ticked folder:" : " in the ticked folders:"
                       : " in the current folder:") +
          reasons.Text() + (not_read.empty() ? "" : "\r\n" + not_read);

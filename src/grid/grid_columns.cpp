@@ -1,9 +1,12 @@
 #include "grid/grid_columns.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <span>
+#include <vector>
 
 #include "base/dates.h"
+#include "base/size_text.h"
 
 namespace tidyfold {
 
@@ -19,10 +22,12 @@ struct Column {
   Twips share;  // of what the fixed rooms leave, in proportion to the others
 };
 
-// The longest name of a type, and a date, in bold.
-constexpr Twips type_width = 2250;
+// The longest name of a type has a picture in front of it.
+constexpr Twips type_width = 2550;
 constexpr Twips date_width = 1500;
-constexpr Twips least_width = 1200;
+constexpr Twips size_width = 1200;
+constexpr Twips picture_width = 720;
+constexpr Twips least_width = 1200, least_subject_width = 2100;
 
 constexpr Column all_folders_view[] = {{Grid_Field::Folder, "Folder", 0, 23},
                                        {Grid_Field::Type_Name, "Type", type_width, 0},
@@ -40,6 +45,15 @@ constexpr Column journal_view[] = {{Grid_Field::Type_Name, "Type", type_width, 0
 constexpr Column other_view[] = {{Grid_Field::Type_Name, "Type", type_width, 0},
                                  {Grid_Field::Subject, "Subject", 0, 100},
                                  {Grid_Field::Item_Date, "Date", date_width, 0}};
+
+// Behind those of the view, so that a view's columns have the same numbers with and without them.
+constexpr Column size_column = {Grid_Field::Size, "Size", size_width, 0};
+constexpr Column will_go_column = {Grid_Field::Will_Go, "Goes", picture_width, 0};
+
+Twips Least_Width(const Column& column) {
+  if (column.field == Grid_Field::Will_Go) return picture_width;
+  return column.field == Grid_Field::Subject ? least_subject_width : least_width;
+}
 
 std::span<const Column> View(bool all_folders, std::int32_t item_type) {
   if (all_folders) return all_folders_view;
@@ -84,18 +98,25 @@ std::string Type_Name(std::int32_t item_class) {
 void Grid_Columns::Set_Grid_Columns() {
   errors_.Run("Set_Grid_Columns", [&] {
     const auto view = View(window_.chkShowAllFolders.Checked(), CurrentGridItemType);
-    grid_.Set_Cols(FlexGrid::first_item_column + static_cast<int>(view.size()));
+    std::vector<Column> shown(view.begin(), view.end());
+    if (Shows_Size()) shown.push_back(size_column);
+    if (Shows_Will_Go()) shown.push_back(will_go_column);
+    grid_.Set_Cols(FlexGrid::first_item_column + static_cast<int>(shown.size()));
     grid_.Set_Header(FlexGrid::key_column, "");
     grid_.Set_Header(FlexGrid::mark_column, "TYPE");
-    for (std::size_t i = 0; i < view.size(); ++i)
-      grid_.Set_Header(FlexGrid::first_item_column + static_cast<int>(i), view[i].header);
+    for (std::size_t i = 0; i < shown.size(); ++i)
+      grid_.Set_Header(FlexGrid::first_item_column + static_cast<int>(i), shown[i].header);
+    if (Shows_Will_Go()) grid_.Set_Picture_Column(grid_.Cols() - 1);
     Set_Column_Widths();
   });
 }
 
 void Grid_Columns::Set_Column_Widths() {
   errors_.Run("Set_Column_Widths", [&] {
-    const auto view = View(window_.chkShowAllFolders.Checked(), CurrentGridItemType);
+    const auto base = View(window_.chkShowAllFolders.Checked(), CurrentGridItemType);
+    std::vector<Column> view(base.begin(), base.end());
+    if (Shows_Size()) view.push_back(size_column);
+    if (Shows_Will_Go()) view.push_back(will_go_column);
     if (grid_.Cols() != FlexGrid::first_item_column + static_cast<int>(view.size())) return;
     Twips shared = grid_.Width() - scroll_bar_width, shares = 0;
     const auto by_hand = [&](const Column& column) {
@@ -112,7 +133,7 @@ void Grid_Columns::Set_Column_Widths() {
       const Column& column = view[i];
       const Twips fair = column.fixed + (shares > 0 ? shared * column.share / shares : 0);
       grid_.Set_Column_Width(FlexGrid::first_item_column + static_cast<int>(i),
-                             by_hand(column) > 0 ? by_hand(column) : std::max(fair, least_width));
+                             by_hand(column) > 0 ? by_hand(column) : std::max(fair, Least_Width(column)));
     }
   });
 }
@@ -128,57 +149,109 @@ void Grid_Columns::Reset_Column_Widths() {
   errors_.Run("Reset_Column_Widths", [&] { Set_Column_Widths(); });
 }
 
+void Grid_Columns::Show_Or_Hide(MenuItem& column) {
+  errors_.Run("mnuShowColumn_Click", [&] {
+    column.Set_Checked(!column.Checked());
+    Set_Grid_Columns();
+    Raise(Columns_Exchanged);
+  });
+}
+
 int Grid_Columns::Get_Sort_Column(Grid_Field field) const {
   const auto view = View(window_.chkShowAllFolders.Checked(), CurrentGridItemType);
   const auto found =
       std::find_if(view.begin(), view.end(), [&](const Column& column) { return column.field == field; });
-  if (found == view.end()) return grid_.Cols();
-  return FlexGrid::first_item_column + static_cast<int>(found - view.begin());
+  if (found != view.end()) return FlexGrid::first_item_column + static_cast<int>(found - view.begin());
+  int behind = FlexGrid::first_item_column + static_cast<int>(view.size());
+  if (field == Grid_Field::Size && Shows_Size()) return behind;
+  behind += Shows_Size() ? 1 : 0;
+  return field == Grid_Field::Will_Go && Shows_Will_Go() ? behind : grid_.Cols();
 }
 
 Grid_Field Grid_Columns::Get_Sort_Field(int column) const {
   const auto view = View(window_.chkShowAllFolders.Checked(), CurrentGridItemType);
-  const int at = column - FlexGrid::first_item_column;
-  if (at < 0 || at >= static_cast<int>(view.size())) return Grid_Field::Type_Name;
-  return view[static_cast<std::size_t>(at)].field;
+  const int at = column - FlexGrid::first_item_column, behind = at - static_cast<int>(view.size());
+  if (at >= 0 && behind < 0) return view[static_cast<std::size_t>(at)].field;
+  if (behind == 0 && Shows_Size()) return Grid_Field::Size;
+  return behind == (Shows_Size() ? 1 : 0) && Shows_Will_Go() ? Grid_Field::Will_Go : Grid_Field::Type_Name;
 }
 
 std::string Grid_Columns::Cell_Text(const GridRow& row, int column) const {
   return Field_Text(row, Get_Sort_Field(column));
 }
 
-std::string Grid_Columns::Field_Text(const GridRow& row, Grid_Field field) const {
+const ItemData* Grid_Columns::Item_Of(const GridRow& row) const {
   const FolderData& record = records_[row.row_data];
-  if (field == Grid_Field::Folder) return record.FolderName;
-  if (row.item < 1 || row.item > record.Cache_Bound()) return {};
-  const ItemData& item = record.Cached(row.item);
+  if (row.item < 1 || row.item > record.Cache_Bound()) return nullptr;
   // While a run goes, the row of an item that it has deleted stands empty.
-  if (item.ItemClass == ItemData::deleted) return {};
+  const ItemData& item = record.Cached(row.item);
+  return item.ItemClass == ItemData::deleted ? nullptr : &item;
+}
+
+std::string Grid_Columns::Field_Text(const GridRow& row, Grid_Field field) const {
+  if (field == Grid_Field::Folder) return records_[row.row_data].FolderName;
+  const ItemData* const item = Item_Of(row);
+  if (item == nullptr) return {};
   switch (field) {
     case Grid_Field::Type_Name:
-      return Type_Name(item.ItemClass);
+      return Type_Name(item->ItemClass);
     case Grid_Field::Subject:
-      return item.Subject;
+      return item->Subject;
     case Grid_Field::Item_Date:
-      return item.ItemDate == no_date ? std::string{} : Format_Date(item.ItemDate);
+      return item->ItemDate == no_date ? std::string{} : Format_Date(item->ItemDate);
+    case Grid_Field::Size:
+      return item->Size > 0 ? Format_Size(item->Size) : std::string{};
+    case Grid_Field::Will_Go:
+      return row.marked ? "will go" : "stays";
     default:
-      return item.SenderOrText;
+      return item->SenderOrText;
   }
 }
 
 std::string_view Grid_Columns::Sort_Text(const GridRow& row, int column, std::string& room) const {
-  const FolderData& record = records_[row.row_data];
   const Grid_Field field = Get_Sort_Field(column);
-  if (field == Grid_Field::Folder) return record.FolderName;
-  if (row.item < 1 || row.item > record.Cache_Bound()) return {};
-  if (const ItemData& item = record.Cached(row.item); item.ItemClass != ItemData::deleted) {
-    if (field == Grid_Field::Subject) return item.Subject;
-    if (field == Grid_Field::Sender || field == Grid_Field::Entry) return item.SenderOrText;
+  if (field == Grid_Field::Folder) return records_[row.row_data].FolderName;
+  if (const ItemData* const item = Item_Of(row)) {
+    if (field == Grid_Field::Subject) return item->Subject;
+    if (field == Grid_Field::Sender || field == Grid_Field::Entry) return item->SenderOrText;
     if (field == Grid_Field::Type_Name)
-      if (const char* name = Fixed_Type_Name(item.ItemClass)) return name;
+      if (const char* name = Fixed_Type_Name(item->ItemClass)) return name;
+    if (field == Grid_Field::Size) {
+      // In the order of numbers.
+      char digits[24];
+      std::snprintf(digits, sizeof digits, "%016llx", static_cast<unsigned long long>(item->Size));
+      return room = digits;
+    }
   }
   room = Field_Text(row, field);
   return room;
+}
+
+Cell_Picture Grid_Columns::Picture(const GridRow& row, int column) const {
+  const Grid_Field field = Get_Sort_Field(column);
+  const ItemData* const item =
+      field == Grid_Field::Type_Name || field == Grid_Field::Will_Go ? Item_Of(row) : nullptr;
+  if (item == nullptr) return Cell_Picture::None;
+  if (field == Grid_Field::Will_Go) return row.marked ? Cell_Picture::Goes : Cell_Picture::None;
+  switch (item->ItemClass) {
+    case item_class::mail:
+      return Cell_Picture::Mail;
+    case item_class::contact:
+    case item_class::distribution_list:
+      return Cell_Picture::Contact;
+    case item_class::journal:
+      return Cell_Picture::Journal;
+    case item_class::note:
+      return Cell_Picture::Note;
+    default:
+      break;
+  }
+  if (item->ItemClass >= item_class::task && item->ItemClass <= item_class::task_request_decline)
+    return Cell_Picture::Task;
+  const bool meeting = item->ItemClass >= item_class::meeting_request &&
+                       item->ItemClass <= item_class::meeting_response_tentative;
+  return meeting || item->ItemClass == item_class::appointment ? Cell_Picture::Appointment
+                                                               : Cell_Picture::Other;
 }
 
 }  // namespace tidyfold

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <string>
 
 #include "controls/main_window.h"
@@ -12,7 +13,16 @@
 namespace tidyfold {
 
 // The logical fields of a row; a view shows some of them, from column 2 on.
-enum class Grid_Field { Folder = 0, Type_Name = 1, Sender = 2, Subject = 3, Entry = 4, Item_Date = 5 };
+enum class Grid_Field {
+  Folder = 0,
+  Type_Name = 1,
+  Sender = 2,
+  Subject = 3,
+  Entry = 4,
+  Item_Date = 5,
+  Size = 6,
+  Will_Go = 7
+};
 
 // The text of the type column for an item class.
 std::string Type_Name(std::int32_t item_class);
@@ -26,6 +36,8 @@ class Grid_Columns : public Cell_Source {
       by_hand_.at(static_cast<std::size_t>(Get_Sort_Field(column))) = grid_.Column_Width(column);
     };
     window_.mnuResetColumns.Click = [this] { mnuResetColumns_Click(); };
+    window_.mnuShowSize.Click = [this] { Show_Or_Hide(window_.mnuShowSize); };
+    window_.mnuShowWillGo.Click = [this] { Show_Or_Hide(window_.mnuShowWillGo); };
   }
 
   // The current folder's default item type; with Show All Folders off it chooses the view.
@@ -39,6 +51,13 @@ class Grid_Columns : public Cell_Source {
   void Reset_Column_Widths();
   // Gives up the widths that a person has set.
   void mnuResetColumns_Click();
+  // The width that a person has given a field's column, in twips; 0: none.
+  Twips Width_By_Hand(Grid_Field field) const { return by_hand_.at(static_cast<std::size_t>(field)); }
+  void Set_Width_By_Hand(Grid_Field field, Twips width) {
+    by_hand_.at(static_cast<std::size_t>(field)) = width;
+  }
+  // Runs when other columns are shown.
+  std::function<void()> Columns_Exchanged;
 
   // The column that shows a field; the column count where the view does not show it.
   int Get_Sort_Column(Grid_Field field) const;
@@ -47,14 +66,21 @@ class Grid_Columns : public Cell_Source {
 
   std::string Cell_Text(const GridRow& row, int column) const override;
   std::string_view Sort_Text(const GridRow& row, int column, std::string& room) const override;
+  Cell_Picture Picture(const GridRow& row, int column) const override;
   std::string Field_Text(const GridRow& row, Grid_Field field) const;
 
  private:
+  void Show_Or_Hide(MenuItem& column);
+  bool Shows_Size() const { return window_.mnuShowSize.Checked(); }
+  bool Shows_Will_Go() const { return window_.mnuShowWillGo.Checked(); }
+  // The item of a row; none where a run has deleted it or nothing has been read.
+  const ItemData* Item_Of(const GridRow& row) const;
+
   MainWindow& window_;
   FlexGrid& grid_;
   FolderData_Array& records_;
   Error_Handler& errors_;
-  std::array<Twips, 6> by_hand_{};  // by field; 0 where nobody has set a width
+  std::array<Twips, 8> by_hand_{};  // by field; 0 where nobody has set a width
 };
 
 }  // namespace tidyfold

@@ -3,6 +3,8 @@
 #include <utility>
 #include <vector>
 
+#include "base/size_text.h"
+
 namespace tidyfold {
 
 Grid_Rows::Grid_Rows(MainWindow& window, FolderData_Array& records, Planner& planner, Grid_Columns& columns,
@@ -27,6 +29,10 @@ void Grid_Rows::Wire() {
   window_.chkShowUnselectedItems.Click = [this] {
     errors_.Run("chkShowUnselectedItems_Click",
                 [&] { Show_Option_Click(window_.chkShowUnselectedItems, false); });
+  };
+  columns_.Columns_Exchanged = [this] {
+    Set_Grid_Order();
+    Display_Sort_Menu();
   };
   grid_.Header_Click = [this](int column) { Header_Click(column); };
   for (std::size_t field = 0; field < window_.mnuSortBy.size(); ++field)
@@ -151,7 +157,12 @@ void Grid_Rows::Change_Folder_Rows(int folder) {
       Remove_Folder_Rows(folder);
       if (In_View(folder)) Add_Folder_Rows(folder, Marker::None);
       const int column = columns_.Get_Sort_Column(SortField);
-      if (column < grid_.Cols()) grid_.Sort_New_Rows(column, Order());
+      // What goes may have changed for rows that stand in order already.
+      if (SortField == Grid_Field::Will_Go) {
+        Set_Grid_Order();
+      } else if (column < grid_.Cols()) {
+        grid_.Sort_New_Rows(column, Order());
+      }
     }
     Follow_Choice();
   });
@@ -162,7 +173,7 @@ void Grid_Rows::Say_What_Was_Let_Go(int picked_before) {
   if (let_go <= 0 || !window_.chkSelectByRow.Checked()) return;
   message_box_.Show(let_go == 1
                         ? "1 item that was picked is let go, as the list no longer shows it."
-                        : std::to_string(let_go) +
+                        : Format_Count(let_go) +
                               " items that were picked are let go, as the list no longer shows them.");
 }
 

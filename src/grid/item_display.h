@@ -27,11 +27,15 @@ class Item_Display {
   // The same for the row that the keyboard is at.
   void mnuOpenItem_Click();
 
+  // The item of a row, or none where the row shows none or the store has it no longer. Reports nothing.
+  Item_Ptr Fetch(const GridRow& row);
+
   // The row that the mouse was last pressed on; Enter opens this one too, wherever the keyboard has moved.
   int CurrentRow = 0;
 
  private:
   void Display_Row(int at);
+  bool Shows_Item(const GridRow& row) const;
 
   MainWindow& window_;
   FlexGrid& grid_;

@@ -99,7 +99,8 @@ void Row_Selection::Mark_And_Unmark_Selected_Range(int first, int last) {
     // A folder is asked once, however many rows it has.
     std::map<std::int32_t, Barrier> folders;
     for (int row = 1; row < grid_.Rows(); ++row) {
-      if (row < first || row > last) {
+      // Nobody picks what the search keeps out of sight.
+      if (row < first || row > last || grid_.Row_At(row).hidden) {
         grid_.Set_Mark(row, false);
       } else if (!grid_.Row_At(row).marked) {
         const auto [folder, unknown] = folders.try_emplace(grid_.RowData(row));

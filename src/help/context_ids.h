@@ -27,6 +27,8 @@ inline constexpr Context_Topic context_topics[] = {
     {"frmOptions", -1, 1007, "controls/frmOptions.html"},
     {"cmdRun", -1, 1008, "controls/cmdRun.html"},
     {"cmddebug", -1, 1009, "controls/cmddebug.html"},
+    {"txtFind", -1, 1010, "controls/txtFind.html"},
+    {"txtPreview", -1, 1011, "controls/txtPreview.html"},
     {"lblScreenOptions", -1, 1100, "controls/lblScreenOptions.html"},
     {"chkMarkSubFolders", -1, 1101, "controls/chkMarkSubFolders.html"},
     {"chkCollapseFolders", -1, 1102, "controls/chkCollapseFolders.html"},
@@ -87,6 +89,11 @@ inline constexpr Context_Topic context_topics[] = {
     {"mnuResetColumns", -1, 1429, "controls/mnuResetColumns.html"},
     {"mnuExport", -1, 1427, "controls/mnuExport.html"},
     {"mnuExportFolder", -1, 1428, "controls/mnuExportFolder.html"},
+    {"mnuFind", -1, 1430, "controls/mnuFind.html"},
+    {"mnuPreview", -1, 1431, "controls/mnuPreview.html"},
+    {"mnuShowSize", -1, 1432, "controls/mnuShowSize.html"},
+    {"mnuShowWillGo", -1, 1433, "controls/mnuShowWillGo.html"},
+    {"mnuResetWindow", -1, 1434, "controls/mnuResetWindow.html"},
 };
 
 // The page of a context identifier; empty for one that no control has.

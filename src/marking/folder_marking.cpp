@@ -202,7 +202,8 @@ void Folder_Marking::mnuUnmark_Click() {
     const int picked = rows_.Picked();
     Unmark_Nodes(1);
     rows_.Remove_All_Rows();
-    rows_.Mark_Or_Unmark_Filtered_Rows();
+    // The current folder stays in view.
+    rows_.Add_All_Folders_Rows(Marker::None);
     rows_.Follow_Choice();
     rows_.Say_What_Was_Let_Go(picked);
   });

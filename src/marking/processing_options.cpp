@@ -3,6 +3,8 @@
 #include <initializer_list>
 #include <utility>
 
+#include "base/size_text.h"
+
 namespace tidyfold {
 
 namespace {
@@ -55,7 +57,7 @@ void Processing_Options::Delete_Folders_Ticked() {
   if (marked > 0) {
     const std::string question = marked == 1
                                      ? "There is currently 1 marked folder that will be deleted.  Unmark it?"
-                                     : "There are currently " + std::to_string(marked) +
+                                     : "There are currently " + Format_Count(marked) +
                                            " marked folders that will be deleted.  Unmark them?";
     if (message_box_.Show(question, Buttons::Yes_No) == Answer::Yes) marking_.mnuUnmark_Click();
     // What ran while the question was open may have ended with the option off.

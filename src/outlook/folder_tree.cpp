@@ -2,10 +2,13 @@
 
 #include <algorithm>
 #include <charconv>
+#include <filesystem>
+#include <set>
 #include <stdexcept>
 #include <utility>
 #include <vector>
 
+#include "base/size_text.h"
 #include "outlook/folder_roles.h"
 
 namespace tidyfold {
@@ -33,6 +36,7 @@ void Folder_Tree::Build_Folder_Tree() {
     window_.grdItems.Set_Rows(1);
     records_.Recreate();
     tree_.Clear();
+    places_.clear();
     adding_failure_reported_ = count_failure_reported_ = protection_failure_reported_ = false;
 
     procedure.Step("Build_Folder_Tree - Get Namespace Folders");
@@ -72,6 +76,7 @@ void Folder_Tree::Build_Folder_Tree() {
 
     Add_Children(*children, root, "Build_Folder_Tree - Process all sub-Folders");
     Assign_Roles();
+    Tell_Stores_Apart();
     for (int node = 1; node <= tree_.Upper_Bound() && !errors_.Store_Gone(); ++node) Set_Node_Text(node);
   });
 }
@@ -183,6 +188,37 @@ void Folder_Tree::Assign_Roles() {
   errors_.error.Clear();
 }
 
+// Stores of one name: by the names of their files, or by the whole paths where those are the same too.
+void Folder_Tree::Tell_Stores_Apart() {
+  if (!TopLevelIsRoot) return;
+  std::map<std::string, std::map<int, std::filesystem::path>> by_name;
+  for (int store = tree_.Child(1); store != 0; store = tree_.Next(store)) {
+    errors_.Try([&] {
+      const MAPIFolder_Ptr top = records_[store].Folder;
+      by_name[top->Name()][store] = session_.Place_Of_Store(top->StoreID());
+    });
+  }
+  errors_.error.Clear();
+  for (const auto& [name, stores] : by_name) {
+    if (stores.size() < 2) continue;
+    std::set<std::filesystem::path> files;
+    for (const auto& [store, path] : stores)
+      if (path.has_filename()) files.insert(path.filename());
+    for (const auto& [store, path] : stores)
+      if (!path.empty()) places_[store] = (files.size() == stores.size() ? path.filename() : path).string();
+  }
+}
+
+std::vector<std::string> Folder_Tree::Store_Names() const {
+  std::vector<std::string> names;
+  for (int store = TopLevelIsRoot ? tree_.Child(1) : 1; store != 0; store = tree_.Next(store)) {
+    if (!tree_.Exists(store) || records_[store].Folder == nullptr) continue;
+    const auto place = places_.find(store);
+    names.push_back(records_[store].FolderName + (place == places_.end() ? "" : " [" + place->second + "]"));
+  }
+  return names;
+}
+
 std::string Folder_Tree::Key_Of(const std::string& entry_id, const std::string& store_id) {
   return "-:::-" + entry_id + "-:::-" + store_id;
 }
@@ -226,7 +262,9 @@ void Folder_Tree::Make_Caption(int node, const std::string& name, Counts counts)
   // The report of a failure lets other handlers run.
   if (!tree_.Exists(node)) return;
   tree_.Set_Bold(node, bold);
-  tree_.Set_Text(node, name + " - (" + std::to_string(count) + ")");
+  const auto place = places_.find(node);
+  tree_.Set_Text(node, name + (place == places_.end() ? "" : " [" + place->second + "]") + " - (" +
+                           Format_Count(count) + ")");
 }
 
 std::int32_t Folder_Tree::Own_Item_Count(int node, Counts counts) {

@@ -1,7 +1,9 @@
 // The tree of folders and the record behind each of its nodes.
 #pragma once
 
+#include <map>
 #include <string>
+#include <vector>
 
 #include "controls/main_window.h"
 #include "errors/procedure.h"
@@ -47,6 +49,8 @@ class Folder_Tree {
   // Writes the current-folder label; 0 for no folder.
   void Set_Folder_Label(int folder);
   void Reset_Folder_Node(int index);
+  // The open stores by name, those of one name told apart by what opens them.
+  std::vector<std::string> Store_Names() const;
   // Takes a deleted folder's node and all below it out of the tree; their records are emptied.
   void Remove_Folder_Node(int node);
 
@@ -61,6 +65,7 @@ class Folder_Tree {
 
   void Add_Children(Folders& children, int parent, Literal step);
   void Assign_Roles();
+  void Tell_Stores_Apart();
   void Make_Caption(int node, const std::string& name, Counts counts);
   std::int32_t Own_Item_Count(int node, Counts counts);
   std::int32_t Branch_Count(int node, bool only_marked, Counts counts);
@@ -73,6 +78,8 @@ class Folder_Tree {
   Message_Box& message_box_;
   Events& events_;
   Error_Handler& errors_;
+  // What follows a store's name in its node's caption, by node.
+  std::map<int, std::string> places_;
   // Until the tree is built anew.
   bool adding_failure_reported_ = false;
   bool count_failure_reported_ = false;

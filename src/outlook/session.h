@@ -23,6 +23,10 @@ class Outlook_Session {
     return automation_.Create_Mapi_Utils("TidyDll.TidyMAPIUtils");
   }
 
+  // See Automation.
+  std::string Place_Of_Store(const std::string& store_id) const {
+    return automation_.Place_Of_Store(store_id);
+  }
   bool Asking_Costs_Calls() const { return automation_.Asking_Costs_Calls(); }
   // Whether two EntryIDs, both of one store, name the same folder. Only texts that differ cost a call. Throws
   // Automation_Error.

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "base/csv.h"
+#include "base/size_text.h"
 #include "outlook/folder_path.h"
 
 namespace tidyfold {
@@ -17,7 +18,7 @@ const char* Yes_No(bool value) {
 }  // namespace
 
 std::string Counted(std::int64_t count, const char* one, const char* many) {
-  return std::to_string(count) + " " + (count == 1 ? one : many);
+  return Format_Count(count) + " " + (count == 1 ? one : many);
 }
 
 std::string Run_Text(const Logged_Run& run) {

@@ -1,80 +1,73 @@
 #include "settings/last_stores.h"
 
+#include <algorithm>
+
+#include "settings/user_values.h"
+
 namespace tidyfold {
 
 namespace {
 
 constexpr const char* last_stores_key = "Software\\Tidyfold\\Last Stores";
+constexpr const char* recent_stores_key = "Software\\Tidyfold\\Recent Stores";
 constexpr const char* copies_key = "Software\\Tidyfold\\Copies";
 constexpr const char* directory_value = "Directory";
+constexpr std::size_t most_recent = 12;
 
 // Values are named 1, 2, ...; the first missing or empty one ends the list.
-std::string Value_Name(std::size_t number) {
-  return std::to_string(number);
+std::vector<std::string> List(const User_Values& values) {
+  std::vector<std::string> texts;
+  for (;;) {
+    std::string text = values.Text(std::to_string(texts.size() + 1));
+    if (text.empty()) return texts;
+    texts.push_back(std::move(text));
+  }
 }
 
-std::string Text(Registry& registry, Registry::Key key, const std::string& name) {
-  std::uint32_t type = registry_type::none, size = 0;
-  if (registry.RegQueryValueExA(key, name, type, nullptr, size) != registry_result::success ||
-      type != registry_type::sz)
-    return {};
-  std::string text(size, '\0');
-  if (registry.RegQueryValueExA(key, name, type, text.data(), size) != registry_result::success) return {};
-  return text.substr(0, text.find('\0'));
-}
-
-bool Set_Text(Registry& registry, Registry::Key key, const std::string& name, const std::string& text) {
-  return registry.RegSetValueExA(key, name, registry_type::sz, text.c_str(),
-                                 static_cast<std::uint32_t>(text.size() + 1)) == registry_result::success;
+bool Keep_List(User_Values& values, const std::vector<std::string>& texts) {
+  for (std::size_t i = 0; i < texts.size(); ++i)
+    if (!values.Set_Text(std::to_string(i + 1), texts[i])) return false;
+  // The registry's interface removes no values; what a longer list left is emptied.
+  for (std::size_t after = texts.size() + 1; !values.Text(std::to_string(after)).empty(); ++after)
+    if (!values.Set_Text(std::to_string(after), "")) return false;
+  return true;
 }
 
 }  // namespace
 
 std::vector<Store_Address> Last_Stores(Registry& registry) {
   std::vector<Store_Address> stores;
-  Registry::Key key = 0;
-  registry.RegOpenKeyA(Registry_Root::Current_User, last_stores_key, key);
-  for (;;) {
-    const std::string text = Text(registry, key, Value_Name(stores.size() + 1));
-    if (text.empty()) break;
-    try {
+  try {
+    for (const std::string& text : List(User_Values(registry, last_stores_key)))
       stores.push_back(Read_Store_Address(text));
-    } catch (const Store_Address_Error&) {
-      break;  // not written by this program
-    }
+  } catch (const Store_Address_Error&) {
+    return stores;  // not written by this program
   }
-  registry.RegCloseKey(key);
   return stores;
 }
 
 bool Keep_Last_Stores(Registry& registry, const std::vector<Store_Address>& stores) {
-  Registry::Key key = 0;
-  registry.RegCreateKeyA(Registry_Root::Current_User, last_stores_key, key);
-  bool kept = key != 0;
-  for (std::size_t i = 0; i < stores.size() && kept; ++i)
-    kept = Set_Text(registry, key, Value_Name(i + 1), stores[i].Lasting_Text());
-  // The registry's interface removes no values; what a longer list left is emptied.
-  for (std::size_t after = stores.size() + 1; kept && !Text(registry, key, Value_Name(after)).empty();
-       ++after)
-    kept = Set_Text(registry, key, Value_Name(after), "");
-  registry.RegCloseKey(key);
-  return kept;
+  std::vector<std::string> texts(stores.size());
+  std::transform(stores.begin(), stores.end(), texts.begin(),
+                 [](const Store_Address& store) { return store.Lasting_Text(); });
+  User_Values last(registry, last_stores_key), recent(registry, recent_stores_key);
+  if (!Keep_List(last, texts)) return false;
+  for (const std::string& before : List(recent))
+    if (std::find(texts.begin(), texts.end(), before) == texts.end()) texts.push_back(before);
+  texts.resize(std::min(texts.size(), most_recent));
+  return Keep_List(recent, texts);
+}
+
+std::vector<std::string> Recent_Stores(Registry& registry) {
+  return List(User_Values(registry, recent_stores_key));
 }
 
 std::string Last_Copy_Directory(Registry& registry) {
-  Registry::Key key = 0;
-  registry.RegOpenKeyA(Registry_Root::Current_User, copies_key, key);
-  const std::string directory = Text(registry, key, directory_value);
-  registry.RegCloseKey(key);
-  return directory;
+  return User_Values(registry, copies_key).Text(directory_value);
 }
 
 bool Keep_Copy_Directory(Registry& registry, const std::string& directory) {
-  Registry::Key key = 0;
-  registry.RegCreateKeyA(Registry_Root::Current_User, copies_key, key);
-  const bool kept = key != 0 && Set_Text(registry, key, directory_value, directory);
-  registry.RegCloseKey(key);
-  return kept;
+  return User_Values(registry, copies_key).Set_Text(directory_value, directory);
 }
 
 }  // namespace tidyfold

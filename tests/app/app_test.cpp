@@ -25,6 +25,45 @@ TEST(App, Panes_Are_Never_Narrower_Than_Nothing) {
   EXPECT_EQ(f.window.lblCurrentFolder.Width(), 0);
 }
 
+TEST(App, Opens_As_It_Was_Left_With_Options_That_Delete_At_Their_Safe_Values) {
+  const auto look = [](Window_Fixture& f) {
+    std::string text = f.On() + " | " + std::to_string(std::lround(f.window.trvFolders.Width())) + " |";
+    for (int column = 2; column < f.grid.Cols(); ++column) text += " " + f.grid.Header(column);
+    return text + " | " + std::to_string(std::lround(f.grid.Column_Width(3))) + " | sorted by " +
+           f.grid.Header(f.grid.Sort_Column()) + (f.grid.Sorted_Ascending() ? " up" : " down") +
+           (f.window.mnuPreview.Checked() ? " | preview" : "");
+  };
+  Window_Fixture first("add Inbox/a; load");
+  const std::string at_first = look(first);
+  first.window.picSlider.Set_Left(4500);
+  first.window.picSlider.MouseUp(0);
+  first.Do(
+      "tick Inbox; set ShowAllFolders PermanentDelete SelectUnread ConfirmItems; unset ShowUnselectedItems");
+  first.window.mnuShowSize.Click();
+  first.grid.Set_Column_Width(3, 3333);
+  first.grid.Column_Sized(3);
+  first.window.mnuSortBy[3].Click();
+  first.window.mnuPreview.Click();
+  first.window.frmRemoveItems.Close();
+
+  Window_Fixture second("add Inbox/a");
+  std::filesystem::copy_file(first.state_folder / "settings.json", second.state_folder / "settings.json");
+  second.Do("load");
+  EXPECT_EQ(look(second),
+            "ShowAllFolders ShowSelectedItems | 4380 | Folder Type Sender Subject Date Goes | 3333 | "
+            "sorted by Subject up | preview");
+  second.window.mnuResetWindow.Click();
+  second.window.mnuResetOptions.Click();
+  EXPECT_EQ(look(second), at_first);
+}
+
+TEST(App, Names_The_Window_And_Tells_Stores_Of_One_Name_Apart) {
+  Window_Fixture one("load");
+  EXPECT_EQ(one.window.frmRemoveItems.Caption(), one.Record(1).FolderName + " - Tidyfold");
+  Window_Fixture two("add 2:Inbox/a; load", 2);
+  EXPECT_TRUE(two.window.frmRemoveItems.Caption().ends_with(", Store 2 - Tidyfold"));
+}
+
 TEST(App, Stop_Loading_Keeps_What_Was_Read) {
   for (const Answer answer : {No, Yes}) {
     Window_Fixture f;

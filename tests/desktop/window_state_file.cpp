@@ -5,6 +5,7 @@
 #include <wx/dialog.h>
 #include <wx/grid.h>
 #include <wx/listctrl.h>
+#include <wx/menu.h>
 #include <wx/textctrl.h>
 #include <wx/utils.h>
 
@@ -18,6 +19,7 @@
 #include <array>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <nlohmann/json.hpp>
 
 #include "desktop/common/text_conversion.h"
@@ -46,6 +48,7 @@ void Describe_Widgets(const wxWindow& window, json& widgets) {
     widget["rectangle"] = Rectangle(*child, child->GetClientRect());
     widget["enabled"] = child->IsEnabled();
     widget["label"] = From_Wx(child->GetLabel());
+    widget["text_width"] = child->GetTextExtent(wxControl::RemoveMnemonics(child->GetLabel())).x;
     if (const auto* const box = dynamic_cast<const wxCheckBox*>(child)) widget["checked"] = box->GetValue();
     if (const auto* const box = dynamic_cast<const wxTextCtrl*>(child))
       widget["text"] = From_Wx(box->GetValue().Left(most_characters));
@@ -56,7 +59,7 @@ void Describe_Widgets(const wxWindow& window, json& widgets) {
 }
 
 // Which window the keyboard writes to.
-std::string Keyboard_Owner(const wxFrame& frame) {
+std::string Keyboard_Owner(const wxFrame* frame) {
   std::string owner;
 #ifdef __WXGTK__
   if (GtkWidget* const grabbing = gtk_grab_get_current(); grabbing != nullptr && GTK_IS_MENU_SHELL(grabbing))
@@ -70,10 +73,10 @@ std::string Keyboard_Owner(const wxFrame& frame) {
           return dialog != nullptr && dialog->IsModal() && dialog->GetHandle() == at->data;
         });
     const bool is_box = GTK_IS_MESSAGE_DIALOG(at->data) || is_dialog;
-    owner = GTK_IS_FILE_CHOOSER(at->data)   ? "files"
-            : is_box                        ? "box"
-            : at->data == frame.GetHandle() ? "window"
-                                            : "other";
+    owner = GTK_IS_FILE_CHOOSER(at->data)                        ? "files"
+            : is_box                                             ? "box"
+            : frame != nullptr && at->data == frame->GetHandle() ? "window"
+                                                                 : "other";
   }
   g_list_free(windows);
 #elif defined(__WXMSW__)
@@ -81,9 +84,9 @@ std::string Keyboard_Owner(const wxFrame& frame) {
   std::array<wchar_t, 16> name{};
   ::GetClassNameW(foreground, name.data(), static_cast<int>(name.size()));
   if (foreground != nullptr)
-    owner = std::wstring(name.data()) == L"#32770" ? "box"
-            : foreground == frame.GetHandle()      ? "window"
-                                                   : "other";
+    owner = std::wstring(name.data()) == L"#32770"                 ? "box"
+            : frame != nullptr && foreground == frame->GetHandle() ? "window"
+                                                                   : "other";
 #endif
   return owner;
 }
@@ -101,10 +104,10 @@ std::string Focus(const wxFrame& frame) {
 }
 
 // The windows beside the main one, by name.
-json Describe_Windows(const wxFrame& frame) {
+json Describe_Windows(const wxFrame* frame) {
   json windows = json::object();
   for (const wxWindow* const window : wxTopLevelWindows) {
-    if (window == &frame || !window->IsShown()) continue;
+    if (window == frame || !window->IsShown()) continue;
     json& described = windows[From_Wx(window->GetName())];
     described["title"] = From_Wx(window->GetLabel());
     described["rectangle"] = Rectangle(*window, window->GetClientRect());
@@ -112,6 +115,25 @@ json Describe_Windows(const wxFrame& frame) {
     Describe_Widgets(*window, described["widgets"]);
   }
   return windows;
+}
+
+// Every entry that has a key: what is written on it, the key, and whether it can be used.
+json Describe_Menus(const wxMenuBar& bar) {
+  json entries = json::array();
+  const std::function<void(const wxMenu&)> describe = [&](const wxMenu& menu) {
+    for (const wxMenuItem* const item : menu.GetMenuItems()) {
+      if (item->IsSubMenu()) {
+        describe(*item->GetSubMenu());
+      } else if (const wxString label = item->GetItemLabel(); label.Contains('\t')) {
+        entries.push_back({{"label", From_Wx(item->GetItemLabelText())},
+                           {"key", From_Wx(label.AfterLast('\t'))},
+                           {"enabled", item->IsEnabled()},
+                           {"checked", item->IsCheckable() && item->IsChecked()}});
+      }
+    }
+  };
+  for (std::size_t at = 0; at < bar.GetMenuCount(); ++at) describe(*bar.GetMenu(at));
+  return entries;
 }
 
 json Describe_Tree(const TreeView& tree, const wxDataViewCtrl& widget) {
@@ -149,6 +171,15 @@ json Describe_Grid(const FlexGrid& grid, const wxGrid& widget) {
 void Window_State_File::Window_Built(wxFrame& frame, const MainWindow& window) {
   frame_ = &frame;
   window_ = &window;
+  // Bound last, it is asked first.
+  frame.Bind(wxEVT_MENU, [this](wxCommandEvent& event) {
+    event.Skip();
+    if (const wxMenuItem* const item = frame_->GetMenuBar()->FindItem(event.GetId()))
+      commands_.push_back(From_Wx(item->GetItemLabelText()));
+  });
+}
+
+void Window_State_File::Program_Started() {
   if (wxString path; wxGetEnv("TIDYFOLD_WINDOW_STATE", &path)) path_ = From_Wx(path);
   timer_ = std::make_unique<wxTimer>();
   timer_->Bind(wxEVT_TIMER, [this](wxTimerEvent&) { Write(); });
@@ -162,16 +193,19 @@ void Window_State_File::Box_Closed() {
 
 std::string Window_State_File::Describe() const {
   json state;
-  state["shown"] = frame_->IsShown();
-  state["title"] = From_Wx(frame_->GetTitle());
   state["boxes"] = boxes_;
   state["boxes_closed"] = boxes_closed_;
-  state["keyboard"] = Keyboard_Owner(*frame_);
+  state["keyboard"] = Keyboard_Owner(frame_);
+  state["beside"] = Describe_Windows(frame_);
+  if (frame_ == nullptr) return state.dump(1, ' ', false, json::error_handler_t::replace);
+  state["menus"] = Describe_Menus(*frame_->GetMenuBar());
+  state["commands"] = commands_;
+  state["shown"] = frame_->IsShown();
+  state["title"] = From_Wx(frame_->GetTitle());
   state["focus"] = Focus(*frame_);
   // A menu that has been closed leaves a text of one zero.
   if (const wxStatusBar* const bar = frame_->GetStatusBar())
     state["said"] = From_Wx(bar->GetStatusText(0).BeforeFirst('\0'));
-  state["beside"] = Describe_Windows(*frame_);
   // The pointer that asks What's This is the only one that the program changes.
   state["pointer_asks"] = wxIsBusy();
   state["captured"] = wxWindow::GetCapture() != nullptr;

@@ -13,10 +13,12 @@ namespace tidyfold {
 
 // The environment variable TIDYFOLD_WINDOW_STATE names a file. It holds, as JSON, every named widget on the
 // screen with its rectangle in screen pixels and whether it is enabled, the texts that are shown, the first
-// nodes of the tree and rows of the grid with their rectangles, how far long work has come, and the message
+// nodes of the tree and rows of the grid, the menus with their keys and which entries have been chosen,
+// all with their rectangles, how far long work has come, and the message
 // boxes and other windows that are open. It is replaced as a whole whenever that has changed.
 class Window_State_File : public Program_Observer {
  public:
+  void Program_Started() override;
   void Window_Built(wxFrame& frame, const MainWindow& window) override;
   void Window_Ends() override { timer_.reset(); }
   void Box_Opened(const std::string& text) override { boxes_.push_back(text); }
@@ -31,6 +33,8 @@ class Window_State_File : public Program_Observer {
   std::string path_, written_;
   std::vector<std::string> boxes_;
   int boxes_closed_ = 0;
+  // The menu's entries that were chosen, by mouse or key.
+  std::vector<std::string> commands_;
   std::unique_ptr<wxTimer> timer_;
 };
 

@@ -10,6 +10,7 @@
 #include "doubles/fixed_clock.h"
 #include "doubles/scripted_message_box.h"
 #include "doubles/temporary_directory.h"
+#include "settings/file_registry.h"
 
 namespace tidyfold {
 
@@ -74,9 +75,10 @@ struct Test_Surroundings {
   Limits_In_Memory limits;
   Protection_In_Memory protection;
   Copies_In_Memory kept_copies;
+  File_Registry registry{state_folder / "settings.json", {}};
 
   Surroundings Around(Automation& automation) {
-    return {automation, box, events, clock, log, limits, protection, nullptr, &kept_copies};
+    return {automation, box, events, clock, log, limits, protection, nullptr, &kept_copies, &registry};
   }
 };
 

@@ -33,6 +33,7 @@ TEST_F(Grid, Shows_In_Each_View_What_Its_Headers_Say) {
   entry.subject = "Subject";
   entry.body = "Text";
   entry.end = 40001;
+  entry.size = 1536;
   store.Add_Item(*store.Folder({"Journal"}), entry);
   Show("Journal", 0);
   Mark("Journal");
@@ -42,15 +43,19 @@ TEST_F(Grid, Shows_In_Each_View_What_Its_Headers_Say) {
     const char *headers, *cells;
   };
   const Case cases[] = {
-      {true, 4, "|Folder|Type|Sender|Subject|Date", "|Journal|Journal Entry|Text|Subject|2009-07-07"},
-      {false, 0, "|Type|Sender|Subject|Date", "|Journal Entry|Text|Subject|2009-07-07"},
-      {false, 4, "|Type|Subject|Entry|Date", "|Journal Entry|Subject|Text|2009-07-07"},
-      {false, 3, "|Type|Subject|Date", "|Journal Entry|Subject|2009-07-07"}};
+      {true, 4, "|Folder|Type|Sender|Subject|Date|Size|Goes",
+       "|Journal|Journal Entry|Text|Subject|2009-07-07|1.5 KB|will go"},
+      {false, 0, "|Type|Sender|Subject|Date|Size|Goes",
+       "|Journal Entry|Text|Subject|2009-07-07|1.5 KB|will go"},
+      {false, 4, "|Type|Subject|Entry|Date|Size|Goes",
+       "|Journal Entry|Subject|Text|2009-07-07|1.5 KB|will go"},
+      {false, 3, "|Type|Subject|Date|Size|Goes", "|Journal Entry|Subject|2009-07-07|1.5 KB|will go"}};
   for (const Case& c : cases) {
     window.chkShowAllFolders.Set_Value(c.all_folders);
     columns.CurrentGridItemType = c.item_type;
     columns.Set_Grid_Columns();
     std::string headers, cells;
+    ASSERT_EQ(grid.Picture_Column(), grid.Cols() - 1);
     for (int column = 2; column < grid.Cols(); ++column) {
       headers += "|" + grid.TextMatrix(0, column);
       cells += "|" + grid.TextMatrix(1, column);
@@ -90,13 +95,81 @@ TEST_F(Grid, Copies_What_Was_Picked_Or_Else_The_Current_Row) {
   window.Set_Clipboard_Text = [&](const std::string& text) { copied = text; };
   grid.Set_Row(2);
   window.mnuCopyRows.Click();
-  EXPECT_EQ(copied, "Mail\t\tof two  lines\t" + grid.TextMatrix(2, 5) + "\r\n");
+  EXPECT_EQ(copied, "Mail\t\tof two  lines\t" + grid.TextMatrix(2, 5) + "\t\tstays\r\n");
   window.chkSelectByRow.Set_Value(1);
   window.mnuSelectAllRows.Click();
   window.mnuSelectRow.Click();
   window.mnuCopyRows.Click();
   EXPECT_EQ(std::count(copied.begin(), copied.end(), '\n'), 2);
   EXPECT_EQ(copied.find("two"), std::string::npos);
+}
+
+// What a run takes, and what a person has picked, is the same whatever the search hides.
+TEST_F(Grid, A_Search_Narrows_What_Is_Shown_And_Never_What_Goes) {
+  Show("Inbox", 12);
+  Record("Inbox").Cached(2).Subject = "Z\u00e4hler offen";
+  Record("Inbox").Cached(5).SenderOrText = "an offer";
+  Mark("Inbox");
+  rows.Change_Filtered_Rows();
+  const auto find = [&](const char* text) {
+    window.txtFind.Set_Text(text);
+    window.txtFind.Change();
+    std::string shown;
+    for (int place = 1; place <= grid.Shown_Rows(); ++place) {
+      EXPECT_EQ(grid.Place_Of(grid.Row_At_Place(place)), place);
+      shown += std::to_string(grid.Row_At(grid.Row_At_Place(place)).item) + " ";
+    }
+    EXPECT_EQ(app.planner.Numbers().total.items, 12) << text;
+    return shown;
+  };
+  const std::pair<const char*, const char*> cases[] = {
+      {"z\u00c4HLER", "2 "}, {"of", "5 2 "}, {"MAIL off", "5 2 "},
+      {"off an", "5 "},      {"nobody", ""}, {"  ", "12 11 10 9 8 7 6 5 4 3 2 1 "}};
+  for (const auto& [text, shown] : cases) EXPECT_EQ(find(text), shown) << text;
+  find("off");
+  EXPECT_EQ(window.lblFound.Caption(), "2 of 12 shown; what will go stays the same");
+  // Rows keep their places when they are sorted, and new ones are looked at.
+  grid.Header_Click(4);
+  EXPECT_EQ(grid.Shown_Rows(), 2);
+  rows.Remove_All_Rows();
+  rows.Add_All_Folders_Rows(Marker::None);
+  EXPECT_EQ(grid.Shown_Rows(), 2);
+  // Nobody picks by hand what is out of sight.
+  window.txtFind.Set_Text("");
+  window.txtFind.Change();
+  window.chkSelectByRow.Set_Value(1);
+  window.txtFind.Set_Text("off");
+  window.txtFind.Change();
+  window.mnuSelectAllRows.Click();
+  EXPECT_EQ(app.planner.Numbers().total.items, 2);
+  window.txtFind.Set_Text("");
+  window.txtFind.Change();
+  EXPECT_EQ(app.planner.Numbers().total.items, 2);
+}
+
+TEST_F(Grid, The_Preview_Shows_What_Is_Known_And_Then_The_Text) {
+  New_Item mail;
+  mail.subject = "Photos";
+  mail.sender = "Anna";
+  mail.body = "Here they are.";
+  store.Add_Item(*store.Folder({"Inbox"}), mail);
+  Show("Inbox", 0);
+  const auto look = [&] { grid.Row_Shown(), grid.Row_Rests(); };
+  grid.Set_Row(1);
+  look();
+  EXPECT_EQ(window.txtPreview.Text(), "") << "it is off";
+  window.mnuPreview.Click();
+  EXPECT_NE(window.txtPreview.Text().find("Photos\r\nMail from Anna"), std::string::npos);
+  EXPECT_NE(window.txtPreview.Text().find("Here they are."), std::string::npos);
+  // An item that cannot be read shows what is known, without a message.
+  window.mnuPreview.Click();
+  Fail("GetItemFromID");
+  window.mnuPreview.Click();
+  EXPECT_TRUE(window.txtPreview.Text().starts_with("Photos"));
+  EXPECT_EQ(window.txtPreview.Text().find("Here they are."), std::string::npos);
+  grid.Set_Row(0);
+  look();
+  EXPECT_TRUE(window.txtPreview.Text().starts_with("No item."));
 }
 
 TEST_F(Grid, Says_Once_That_It_Is_Full) {

@@ -13,16 +13,19 @@ Control_Binder::~Control_Binder() {
   model_.changed = nullptr;
 }
 
-void Control_Binder::Follow_Position(const Scale& scale) {
+void Control_Binder::Follow_Position(const Scale& scale, wxWindow* whole) {
   scale_ = &scale;
+  whole_ = whole;
   Show();
 }
 
 void Control_Binder::Show() {
   From_Program([this] {
     if (widget_.IsThisEnabled() != model_.Enabled()) widget_.Enable(model_.Enabled());
-    if (const wxString tip = To_Lines(model_.Tool_Tip_Text()); tip != widget_.GetToolTipText())
+    if (const wxString tip = To_Lines(model_.Tool_Tip_Text());
+        !Has_Own_Tips() && tip != widget_.GetToolTipText())
       widget_.SetToolTip(tip);
+    wxWindow& placed = whole_ != nullptr ? *whole_ : widget_;
     bool visible = model_.Visible();
     if (scale_ != nullptr) {
       // Converts edges, not widths, so that neighbours meet without a gap.
@@ -30,12 +33,12 @@ void Control_Binder::Show() {
       const int right = scale_->Pixels(model_.Left() + model_.Width());
       const int bottom = scale_->Pixels(model_.Top() + model_.Height());
       if (right > left && bottom > top) {
-        widget_.SetSize(left, top, right - left, bottom - top);
+        placed.SetSize(left, top, right - left, bottom - top);
       } else {
         visible = false;
       }
     }
-    if (widget_.IsShown() != visible) widget_.Show(visible);
+    if (placed.IsShown() != visible) placed.Show(visible);
     Show_Model();
   });
 }

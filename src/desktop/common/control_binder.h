@@ -21,13 +21,16 @@ class Control_Binder {
   Control_Binder& operator=(const Control_Binder&) = delete;
   virtual ~Control_Binder();
 
-  // From now on the widget's position is the model's; otherwise it is that of its sizer.
-  void Follow_Position(const Scale& scale);
+  // From now on the widget's position is the model's; otherwise it is that of its sizer. `whole` is what
+  // stands there in its place: a pane that the widget is part of.
+  void Follow_Position(const Scale& scale, wxWindow* whole = nullptr);
   // Updates the widget from the model.
   void Show();
 
  protected:
   virtual void Show_Model() {}
+  // Whether the widget shows tips by itself, for parts of it.
+  virtual bool Has_Own_Tips() const { return false; }
 
   // Runs a change that the program makes to the widget.
   template <class Action>
@@ -49,6 +52,7 @@ class Control_Binder {
   Control& model_;
   wxWindow& widget_;
   const Scale* scale_ = nullptr;
+  wxWindow* whole_ = nullptr;
   bool showing_ = false;
 };
 

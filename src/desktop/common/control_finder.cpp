@@ -36,7 +36,7 @@ const Control* Control_Finder::Of_Widget(const wxWindow* widget) const {
 
 const Control* Control_Finder::Of_Menu_Entry(const wxString& label) const {
   for (const Control* const control : window_.controls) {
-    const auto* const entry = dynamic_cast<const MenuItem*>(control);
+    const auto* const entry = dynamic_cast<const Captioned*>(control);
     if (entry != nullptr && wxControl::RemoveMnemonics(To_Wx(entry->Caption())) == label) return entry;
   }
   return &window_.frmRemoveItems;

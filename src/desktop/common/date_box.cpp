@@ -10,6 +10,7 @@
 #include <cmath>
 
 #include "base/written_date.h"
+#include "desktop/common/accessibility.h"
 #include "desktop/common/text_conversion.h"
 #include "desktop/common/theme.h"
 
@@ -64,6 +65,14 @@ class Calendar_Popup : public wxPopupTransientWindow {
             this, wxID_ANY, To_Wx_Date(date), wxDefaultPosition, wxDefaultSize,
             wxCAL_SEQUENTIAL_MONTH_SELECTION | First_Day() | wxCAL_SHOW_SURROUNDING_WEEKS | wxBORDER_NONE)) {
     calendar_->SetName("calCutoffDate");
+    // The calendar's own colours suit bright themes alone.
+    const wxColour background = Theme_Background();
+    calendar_->SetBackgroundColour(background);
+    calendar_->SetForegroundColour(Theme_Text());
+    calendar_->SetHeaderColours(Theme_Text(), background);
+    calendar_->SetHighlightColours(Theme_Chosen_Text(), Theme_Chosen_Background());
+    calendar_->SetHolidayColours(Text_Colour(red, background), background);
+    Set_Spoken_Name(*calendar_, "Calendar");
     auto* const sizer = new wxBoxSizer(wxVERTICAL);
     sizer->Add(calendar_, wxSizerFlags(1).Expand());
     SetSizerAndFit(sizer);

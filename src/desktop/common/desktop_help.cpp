@@ -25,7 +25,30 @@ Program_Info This_Program() {
   return info;
 }
 
+// Of a dialog: the book alone.
+class Dialog_Help : public Help_Platform {
+ public:
+  explicit Dialog_Help(wxDialog& dialog) : book_(Make_Help_Book(dialog)) {}
+  std::int32_t Window_Handle() override { return book_->Window_Handle(); }
+  std::intptr_t HtmlHelpA(std::int32_t owner, const std::string& file, std::uint32_t command,
+                          std::uintptr_t data) override {
+    return book_->HtmlHelpA(owner, file, command, data);
+  }
+  const Control* WhatsThisMode() override { return nullptr; }
+
+ private:
+  std::unique_ptr<Help_Book> book_;
+};
+
 }  // namespace
+
+void Show_Help_Over(wxDialog& dialog, Message_Box& message_box) {
+  Program_Info info = This_Program();
+  Dialog_Help platform(dialog);
+  HTML_Help help(info, platform, message_box);
+  help.Set_Help_File();
+  help.Show_Help();
+}
 
 Desktop_Help::Desktop_Help(wxFrame& frame, MainWindow& window, Message_Box& message_box, Registry& registry)
     : environment_{*this, registry, This_Program(), {}, {}},

@@ -1,6 +1,7 @@
 // The part of help that only a desktop can do: its windows and the What's This pointer.
 #pragma once
 
+#include <wx/dialog.h>
 #include <wx/frame.h>
 
 #include <functional>
@@ -43,5 +44,8 @@ class Desktop_Help : public Help_Platform {
   About_Window* about_;
   std::unique_ptr<Help_Book> book_;
 };
+
+// The book at its first page, for a dialog that opens before there is a main window.
+void Show_Help_Over(wxDialog& dialog, Message_Box& message_box);
 
 }  // namespace tidyfold

@@ -4,6 +4,7 @@
 #include <wx/dirdlg.h>
 #include <wx/msgdlg.h>
 #include <wx/numdlg.h>
+#include <wx/richmsgdlg.h>
 #include <wx/stdpaths.h>
 
 #include "desktop/common/review_sheet.h"
@@ -12,6 +13,8 @@
 namespace tidyfold {
 
 namespace {
+
+constexpr const char* silent_value = "Not Shown";
 
 long Style(Buttons buttons, Icon icon) {
   long style = icon == Icon::Critical ? wxICON_ERROR : 0;
@@ -64,6 +67,25 @@ Answer Desktop_Message_Box::Show(const std::string& text, Buttons buttons, Icon 
     if (buttons == Buttons::Retry_Stop) dialog.SetYesNoLabels("&Retry", "&Stop");
     return To_Answer(dialog.ShowModal(), buttons);
   });
+}
+
+void Desktop_Message_Box::Inform(const std::string& text) {
+  // One line for each text.
+  const std::string silent = not_shown_again ? not_shown_again->Text(silent_value) : std::string();
+  if (("\n" + silent).find("\n" + text + "\n") != std::string::npos) return;
+  const bool never_again = Open(text, [&](wxWindow* parent) {
+    wxRichMessageDialog dialog(parent, To_Lines(text), application_title,
+                               wxOK | wxICON_INFORMATION | wxCENTRE);
+    if (not_shown_again) dialog.ShowCheckBox("&Do not show this again");
+    dialog.ShowModal();
+    return dialog.IsCheckBoxChecked();
+  });
+  if (never_again && not_shown_again) not_shown_again->Set_Text(silent_value, silent + text + "\n");
+}
+
+void Desktop_Message_Box::Show_All_Again() {
+  if (not_shown_again && !not_shown_again->Text(silent_value).empty())
+    not_shown_again->Set_Text(silent_value, "");
 }
 
 Answer Desktop_Message_Box::Show_Review(const Review& review) {

@@ -2,9 +2,12 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <optional>
+#include <string>
 
 #include "controls/interaction.h"
+#include "settings/user_values.h"
 
 namespace tidyfold {
 
@@ -17,6 +20,11 @@ class Desktop_Message_Box : public Message_Box {
   std::function<void()> closed;
 
   Answer Show(const std::string& text, Buttons buttons, Icon icon, const std::string& title) override;
+  // With a box to tick by which it is not shown again.
+  void Inform(const std::string& text) override;
+  void Show_All_Again();
+  // Where that is kept; none: it is shown every time.
+  std::unique_ptr<User_Values> not_shown_again;
   Answer Show_Review(const Review& review) override;
   std::optional<std::string> Ask_Directory(const std::string& question, const std::string& now) override;
   std::optional<std::int32_t> Ask_Number(const std::string& question, std::int32_t now, std::int32_t least,

@@ -6,8 +6,11 @@
 #include <algorithm>
 
 #include "controls/widgets.h"
+#include "desktop/common/accessibility.h"
 #include "desktop/common/grid_picture.h"
 #include "desktop/common/grid_table.h"
+#include "desktop/common/row_words.h"
+#include "desktop/common/system_look.h"
 #include "desktop/common/text_conversion.h"
 #include "desktop/common/theme.h"
 
@@ -24,6 +27,9 @@ constexpr int enter_key = 13;
 // Above and below a row's text, together, in unscaled pixels.
 constexpr int row_padding = 8;
 
+// Milliseconds until a row counts as looked at.
+constexpr int rest = 120;
+
 int Shift_State(const wxKeyboardState& keys) {
   if (keys.ShiftDown()) return shift_key;
   return keys.ControlDown() ? control_key : 0;
@@ -38,7 +44,8 @@ Grid_Binder::Grid_Binder(FlexGrid& model, wxGrid& widget, wxStaticText& hint, Re
       hint_(hint),
       schedule_(schedule),
       scale_(widget),
-      table_(new Grid_Table(model)) {
+      table_(new Grid_Table(model)),
+      renderer_(new Grid_Cell_Renderer(*table_)) {
   widget_.SetTable(table_, true, wxGrid::wxGridSelectNone);
   widget_.EnableEditing(false);
   widget_.HideRowLabels();
@@ -47,7 +54,7 @@ Grid_Binder::Grid_Binder(FlexGrid& model, wxGrid& widget, wxStaticText& hint, Re
   widget_.SetCellHighlightROPenWidth(0);
   widget_.DisableDragRowSize();
   widget_.EnableHidingColumns(false);
-  widget_.SetDefaultRenderer(new Grid_Cell_Renderer(*table_));
+  widget_.SetDefaultRenderer(renderer_);
   widget_.SetDefaultCellFont(widget_.GetFont());
   widget_.SetDefaultRowSize(widget_.GetCharHeight() + widget_.FromDIP(row_padding));
   widget_.SetDefaultCellBackgroundColour(Theme_Background());
@@ -71,10 +78,16 @@ Grid_Binder::Grid_Binder(FlexGrid& model, wxGrid& widget, wxStaticText& hint, Re
     area.Bind(focus, [this](wxFocusEvent& event) {
       event.Skip();
       // A person who comes by keyboard sees which row the keys start from.
-      if (event.GetEventType() == wxEVT_SET_FOCUS && model_.Row() < 1 && model_.Rows() > 1) Make_Current(1);
+      if (event.GetEventType() == wxEVT_SET_FOCUS && !model_.Has_Row() && model_.Shown_Rows() > 0)
+        Make_Current(model_.Row_At_Place(1));
       widget_.GetGridWindow()->Refresh();
     });
   }
+  area.Bind(wxEVT_MOTION, [this](wxMouseEvent& event) {
+    event.Skip();
+    Show_Tip(event.GetPosition());
+  });
+  resting_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { Raise(model_.Row_Rests); });
   area.Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
     event.Skip();
     From_Program([this] { Fill_Width(); });
@@ -83,15 +96,15 @@ Grid_Binder::Grid_Binder(FlexGrid& model, wxGrid& widget, wxStaticText& hint, Re
   // The model sorts; the widget must not sort or mark anything itself.
   widget_.Bind(wxEVT_GRID_COL_SORT, [this](wxGridEvent& event) {
     event.Veto();
-    Raise(model_.Header_Click, Grid_Table::Model_Column(event.GetCol()));
+    Raise(model_.Header_Click, table_->Model_Column(event.GetCol()));
   });
   widget_.Bind(wxEVT_GRID_COL_SIZE, [this](wxGridSizeEvent& event) {
     event.Skip();
     const int column = event.GetRowOrCol();
     From_User([&] {
-      if (Grid_Table::Model_Column(column) >= model_.Cols()) return;
-      model_.Set_Column_Width(Grid_Table::Model_Column(column), scale_.To_Twips(widget_.GetColSize(column)));
-      Raise(model_.Column_Sized, Grid_Table::Model_Column(column));
+      if (table_->Model_Column(column) >= model_.Cols()) return;
+      model_.Set_Column_Width(table_->Model_Column(column), scale_.To_Twips(widget_.GetColSize(column)));
+      Raise(model_.Column_Sized, table_->Model_Column(column));
     });
   });
   // The toolkit's own menu would hide columns, which the model does not know.
@@ -115,19 +128,36 @@ void Grid_Binder::Catch_Up() {
   From_Program([this] {
     Show_Row_Count();
     if (shown_columns_ != model_.Column_Version()) Show_Columns();
-    const int sort_column = model_.Sort_Column() - FlexGrid::first_item_column;
-    if (sort_column >= 0 && sort_column < widget_.GetNumberCols())
-      widget_.SetSortingColumn(sort_column, model_.Sorted_Ascending());
+    if (model_.Sort_Column() >= FlexGrid::first_item_column && model_.Sort_Column() < model_.Cols())
+      widget_.SetSortingColumn(table_->Widget_Column(model_.Sort_Column()), model_.Sorted_Ascending());
     if (const std::uint64_t picture = Picture_Of_View(); picture != shown_picture_) {
       shown_picture_ = picture;
       widget_.GetGridWindow()->Refresh();
     }
     Show_Hint();
+    Speak();
   });
+  Raise(model_.Row_Shown);
+  Watch_Row();
+}
+
+// What a screen reader says; its name is that of the window that has the keyboard.
+void Grid_Binder::Speak() {
+  Set_Spoken_Name(*widget_.GetGridWindow(), To_One_Line(Words_Of_List(model_)), Spoken_As::List);
+  if (model_.Cols() > FlexGrid::first_item_column)
+    Set_Spoken_Name(*widget_.GetGridColHeader(), To_One_Line(Words_Of_Header(model_)));
+}
+
+// Tells when the same row has been the current one for a moment.
+void Grid_Binder::Watch_Row() {
+  const GridRow row = model_.Has_Row() ? model_.Row_At(model_.Row()) : GridRow();
+  if (row.row_data == watched_.row_data && row.item == watched_.item) return;
+  watched_ = row;
+  resting_.StartOnce(rest);
 }
 
 void Grid_Binder::Show_Row_Count() {
-  const int rows = model_.Rows() - 1;
+  const int rows = model_.Shown_Rows();
   if (rows != table_->GetNumberRows()) table_->Set_Rows(rows);
 }
 
@@ -136,7 +166,7 @@ void Grid_Binder::Show_Columns() {
   widget_.UnsetSortingColumn();  // the one that bears the mark may go
   table_->Set_Columns(std::max(model_.Cols() - FlexGrid::first_item_column, 0));
   for (int column = 0; column < table_->GetNumberCols(); ++column) {
-    const int width = scale_.Pixels(model_.Column_Width(Grid_Table::Model_Column(column)));
+    const int width = scale_.Pixels(model_.Column_Width(table_->Model_Column(column)));
     widget_.SetColSize(column, std::max(width, widget_.GetColMinimalAcceptableWidth()));
     widget_.SetColLabelValue(column, table_->GetColLabelValue(column));
   }
@@ -153,7 +183,7 @@ void Grid_Binder::Fill_Width() {
   if (last < 0) return;
   int others = 0;
   for (int column = 0; column < last; ++column) others += widget_.GetColSize(column);
-  const int wanted = scale_.Pixels(model_.Column_Width(Grid_Table::Model_Column(last)));
+  const int wanted = scale_.Pixels(model_.Column_Width(table_->Model_Column(last)));
   const int rest = widget_.GetGridWindow()->GetClientSize().x - others;
   if (std::max(wanted, rest) != widget_.GetColSize(last)) widget_.SetColSize(last, std::max(wanted, rest));
 }
@@ -185,12 +215,32 @@ std::uint64_t Grid_Binder::Picture_Of_View() const {
   widget_.CalcUnscrolledPosition(0, 0, &x, &y);
   const int first = y / height;
   const int last =
-      std::min(first + widget_.GetGridWindow()->GetClientSize().y / height + 2, model_.Rows() - 1);
-  std::uint64_t picture =
-      Picture_Of_Rows(model_, Grid_Table::Model_Row(first), Grid_Table::Model_Row(last - 1));
+      std::min(first + widget_.GetGridWindow()->GetClientSize().y / height + 2, model_.Shown_Rows());
+  std::uint64_t picture = Picture_Of_Rows(model_, first + 1, last);
   for (const int value : {first, model_.Row(), static_cast<int>(model_.Enabled())})
     picture = picture * 31 + static_cast<std::uint64_t>(value);
   return picture;
+}
+
+// The full text of a cell that is cut off; the list's own tip where it is empty.
+void Grid_Binder::Show_Tip(const wxPoint& place) {
+  const wxPoint inside = widget_.CalcUnscrolledPosition(place);
+  const int row = widget_.YToRow(inside.y), column = widget_.XToCol(inside.x);
+  if (row == tip_row_ && column == tip_column_) return;
+  tip_row_ = row;
+  tip_column_ = column;
+  wxString text;
+  wxRect cell;
+  if (row == wxNOT_FOUND || column == wxNOT_FOUND) {
+    text = To_Lines(model_.Tool_Tip_Text());
+    cell = widget_.GetGridWindow()->GetClientRect();
+  } else {
+    if (table_->Is_Of_Pictures(column) || renderer_->Cuts(widget_, row, column))
+      text = table_->GetValue(row, column);
+    cell = widget_.CellToRect(row, column);
+    cell.SetPosition(widget_.CalcScrolledPosition(cell.GetPosition()));
+  }
+  Show_Tip_Beside(*widget_.GetGridWindow(), cell, text);
 }
 
 // --- The mouse ------------------------------------------------------------------------------------------
@@ -198,7 +248,7 @@ std::uint64_t Grid_Binder::Picture_Of_View() const {
 // The model's row under a point of the grid's window; 0 where there is none.
 int Grid_Binder::Row_At(const wxPoint& position) const {
   const int row = widget_.YToRow(widget_.CalcUnscrolledPosition(position).y);
-  return row == wxNOT_FOUND || !table_->Has(row, 0) ? 0 : Grid_Table::Model_Row(row);
+  return row == wxNOT_FOUND || !table_->Has(row, 0) ? 0 : table_->Model_Row(row);
 }
 
 void Grid_Binder::Pressed(wxMouseEvent& event) {
@@ -245,7 +295,7 @@ void Grid_Binder::Key_Pressed(wxKeyEvent& event) {
 }
 
 void Grid_Binder::Open_Menu_At_Row() {
-  if (const int row = model_.Row(); row >= 1 && model_.Enabled()) {
+  if (const int row = model_.Place_Of(model_.Row()); row >= 1 && model_.Enabled()) {
     Show_Row_Count();
     widget_.MakeCellVisible(row - 1, 0);
     const wxPoint below =
@@ -263,10 +313,10 @@ void Grid_Binder::Choose(int row, int shift_state) {
 }
 
 bool Grid_Binder::Move_By_Key(const wxKeyEvent& event) {
-  const int last = model_.Rows() - 1;
+  const int last = model_.Shown_Rows();
   if (last < 1) return false;
   const int page = std::max(widget_.GetGridWindow()->GetClientSize().y / widget_.GetDefaultRowSize() - 1, 1);
-  int row = model_.Row();
+  int row = model_.Place_Of(model_.Row());
   switch (event.GetKeyCode()) {
     case WXK_UP:
       row -= 1;
@@ -291,9 +341,9 @@ bool Grid_Binder::Move_By_Key(const wxKeyEvent& event) {
   }
   row = std::clamp(row, 1, last);
   Show_Row_Count();
-  Make_Current(row);
+  Make_Current(model_.Row_At_Place(row));
   widget_.MakeCellVisible(row - 1, -1);
-  if (event.ShiftDown()) Choose(row, shift_key);
+  if (event.ShiftDown()) Choose(model_.Row_At_Place(row), shift_key);
   return true;
 }
 

@@ -3,6 +3,7 @@
 
 #include <wx/grid.h>
 #include <wx/stattext.h>
+#include <wx/timer.h>
 
 #include <cstdint>
 
@@ -14,6 +15,7 @@
 
 namespace tidyfold {
 
+class Grid_Cell_Renderer;
 class Grid_Table;
 
 // Shows the model's columns from FlexGrid::first_item_column on; the columns of row key and mark are hidden.
@@ -31,11 +33,15 @@ class Grid_Binder : public Control_Binder, public Late_Widget {
 
  private:
   void Show_Model() override;
+  bool Has_Own_Tips() const override { return true; }
 
   void Show_Columns();
   void Fill_Width();
   void Show_Row_Count();
   void Show_Hint();
+  void Show_Tip(const wxPoint& place);
+  void Speak();
+  void Watch_Row();
   std::uint64_t Picture_Of_View() const;
 
   int Row_At(const wxPoint& position) const;
@@ -52,11 +58,15 @@ class Grid_Binder : public Control_Binder, public Late_Widget {
   wxStaticText& hint_;
   Repaint_Schedule& schedule_;
   Scale scale_;
-  Grid_Table* table_;  // owned by the widget
+  Grid_Table* table_;             // owned by the widget
+  Grid_Cell_Renderer* renderer_;  // likewise
   std::uint64_t shown_columns_ = ~std::uint64_t{0};
   std::uint64_t shown_picture_ = 0;
   wxString hint_text_;
   int hint_width_ = 0;
+  int tip_row_ = -2, tip_column_ = -2;
+  GridRow watched_;
+  wxTimer resting_;
 };
 
 }  // namespace tidyfold

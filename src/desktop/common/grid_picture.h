@@ -7,7 +7,7 @@
 
 namespace tidyfold {
 
-// A hash of everything that the model's rows `first` to `last` show: texts, marks, weight, colour.
+// A hash of everything that the rows at the places `first` to `last` show: texts, marks, weight, colour.
 std::uint64_t Picture_Of_Rows(const FlexGrid& model, int first, int last);
 
 }  // namespace tidyfold

@@ -5,6 +5,7 @@
 #include <wx/renderer.h>
 #include <wx/settings.h>
 
+#include "desktop/common/cell_pictures.h"
 #include "desktop/common/text_conversion.h"
 #include "desktop/common/theme.h"
 
@@ -38,8 +39,23 @@ void Grid_Table::Set_Columns(int columns) {
   Tell(was, columns, wxGRIDTABLE_NOTIFY_COLS_APPENDED, wxGRIDTABLE_NOTIFY_COLS_DELETED);
 }
 
+int Grid_Table::Model_Column(int column) const {
+  const int picture = model_.Picture_Column();
+  if (picture == 0) return column + FlexGrid::first_item_column;
+  if (column == 0) return picture;
+  const int behind = column - 1 + FlexGrid::first_item_column;
+  return behind < picture ? behind : behind + 1;
+}
+
+int Grid_Table::Widget_Column(int model_column) const {
+  const int picture = model_.Picture_Column();
+  if (picture == 0) return model_column - FlexGrid::first_item_column;
+  if (model_column == picture) return 0;
+  return model_column - FlexGrid::first_item_column + (model_column < picture ? 1 : 0);
+}
+
 bool Grid_Table::Has(int row, int column) const {
-  return row >= 0 && Model_Row(row) < model_.Rows() && column >= 0 && Model_Column(column) < model_.Cols();
+  return row >= 0 && row < model_.Shown_Rows() && column >= 0 && Model_Column(column) < model_.Cols();
 }
 
 wxString Grid_Table::GetValue(int row, int column) {
@@ -54,28 +70,43 @@ wxString Grid_Table::GetColLabelValue(int column) {
 
 void Grid_Cell_Renderer::Draw(wxGrid& grid, wxGridCellAttr& attr, wxDC& dc, const wxRect& rect, int row,
                               int column, bool) {
-  wxColour background = Theme_Background();
+  wxColour background = Theme_Background(), ink = Theme_Text();
   bool bold = false;
   wxString text;
+  Cell_Picture picture = Cell_Picture::None;
   if (table_.Has(row, column)) {
-    const GridRow& model_row = table_.Model().Row_At(Grid_Table::Model_Row(row));
-    if (model_row.back_colour != system_window_background) background = Theme_Chosen_Background();
+    const GridRow& model_row = table_.Model().Row_At(table_.Model_Row(row));
+    if (model_row.back_colour != system_window_background) {
+      background = Theme_Chosen_Background();
+      ink = Theme_Chosen_Text();
+    }
     bold = model_row.bold;
-    text =
-        To_One_Line(table_.Model().TextMatrix(Grid_Table::Model_Row(row), Grid_Table::Model_Column(column)));
+    if (!table_.Is_Of_Pictures(column))
+      text = To_One_Line(table_.Model().TextMatrix(table_.Model_Row(row), table_.Model_Column(column)));
+    if (table_.Model().cells != nullptr)
+      picture = table_.Model().cells->Picture(model_row, table_.Model_Column(column));
   }
+  // IsThisEnabled ignores that a modal box disables the whole window.
+  if (!grid.IsThisEnabled()) ink = Faded(ink, background);
   dc.SetPen(*wxTRANSPARENT_PEN);
   dc.SetBrush(background);
   dc.DrawRectangle(rect);
 
+  const int margin = grid.FromDIP(text_margin);
+  wxRect inside = rect.Deflate(margin, 0);
+  if (picture != Cell_Picture::None) {
+    const int side = grid.FromDIP(cell_picture_side);
+    const bool alone = text.empty();
+    const wxRect square(alone ? rect.x + (rect.width - side) / 2 : inside.x,
+                        rect.y + (rect.height - side) / 2, side, side);
+    if (square.width <= rect.width) Draw_Cell_Picture(dc, picture, square, ink);
+    inside.SetLeft(inside.x + side + margin);
+    inside.width = rect.GetRight() - margin - inside.x + 1;
+  }
   if (!text.empty()) {
-    const int margin = grid.FromDIP(text_margin);
-    const wxRect inside = rect.Deflate(margin, 0);
     if (inside.width > 0) {
       dc.SetFont(bold ? attr.GetFont().Bold() : attr.GetFont());
-      // IsThisEnabled ignores that a modal box disables the whole window.
-      dc.SetTextForeground(grid.IsThisEnabled() ? Text_Colour(0, background)
-                                                : Disabled_Text_Colour(background));
+      dc.SetTextForeground(ink);
       dc.SetBackgroundMode(wxBRUSHSTYLE_TRANSPARENT);
       const wxString shown =
           wxControl::Ellipsize(text, dc, wxELLIPSIZE_END, inside.width, wxELLIPSIZE_FLAGS_NONE);
@@ -85,8 +116,8 @@ void Grid_Cell_Renderer::Draw(wxGrid& grid, wxGridCellAttr& attr, wxDC& dc, cons
 
   // Each cell draws its part of the frame around the current row.
   const bool has_focus = wxWindow::FindFocus() != nullptr && grid.IsDescendant(wxWindow::FindFocus());
-  if (has_focus && Grid_Table::Model_Row(row) == table_.Model().Row()) {
-    dc.SetPen(wxPen(wxSystemSettings::GetColour(wxSYS_COLOUR_HIGHLIGHT)));
+  if (has_focus && table_.Has(row, column) && table_.Model_Row(row) == table_.Model().Row()) {
+    dc.SetPen(wxPen(ink));
     dc.DrawLine(rect.GetLeft(), rect.GetTop(), rect.GetRight() + 1, rect.GetTop());
     dc.DrawLine(rect.GetLeft(), rect.GetBottom(), rect.GetRight() + 1, rect.GetBottom());
     if (column == 0) dc.DrawLine(rect.GetLeft(), rect.GetTop(), rect.GetLeft(), rect.GetBottom() + 1);
@@ -95,12 +126,28 @@ void Grid_Cell_Renderer::Draw(wxGrid& grid, wxGridCellAttr& attr, wxDC& dc, cons
   }
 }
 
+bool Grid_Cell_Renderer::Cuts(wxGrid& grid, int row, int column) const {
+  if (!table_.Has(row, column)) return false;
+  const GridRow& model_row = table_.Model().Row_At(table_.Model_Row(row));
+  const wxFont font = grid.GetDefaultCellFont();
+  int width = 0, height = 0;
+  const wxFont drawn = model_row.bold ? font.Bold() : font;
+  grid.GetTextExtent(
+      To_One_Line(table_.Model().TextMatrix(table_.Model_Row(row), table_.Model_Column(column))), &width,
+      &height, nullptr, nullptr, &drawn);
+  width += 2 * grid.FromDIP(text_margin);
+  if (table_.Model().cells != nullptr &&
+      table_.Model().cells->Picture(model_row, table_.Model_Column(column)) != Cell_Picture::None)
+    width += grid.FromDIP(cell_picture_side + text_margin);
+  return width > grid.GetColSize(column);
+}
+
 wxSize Grid_Cell_Renderer::GetBestSize(wxGrid& grid, wxGridCellAttr& attr, wxDC& dc, int row, int column) {
   dc.SetFont(attr.GetFont());
   wxSize size;
   if (table_.Has(row, column)) {
     size = dc.GetTextExtent(
-        To_One_Line(table_.Model().TextMatrix(Grid_Table::Model_Row(row), Grid_Table::Model_Column(column))));
+        To_One_Line(table_.Model().TextMatrix(table_.Model_Row(row), table_.Model_Column(column))));
   }
   size.IncBy(2 * grid.FromDIP(text_margin), 0);
   return size;

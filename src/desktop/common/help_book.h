@@ -1,7 +1,7 @@
 // The window that shows the compiled help book: the system's viewer or the program's own.
 #pragma once
 
-#include <wx/frame.h>
+#include <wx/toplevel.h>
 
 #include <cstdint>
 #include <memory>
@@ -19,7 +19,8 @@ class Help_Book {
   virtual void Close() {}
 };
 
-// The frame, which must outlive the book, owns the windows that the book opens.
-std::unique_ptr<Help_Book> Make_Help_Book(wxFrame& frame);
+// The window, which must outlive the book, owns those that the book opens. They can be used beside it, also
+// where it is a modal dialog; then HtmlHelpA may return only when they have been closed.
+std::unique_ptr<Help_Book> Make_Help_Book(wxTopLevelWindow& window);
 
 }  // namespace tidyfold

@@ -12,7 +12,7 @@
 
 #include "base/file_path.h"
 #include "desktop/common/application_icon.h"
-#include "desktop/common/grid_binder.h"
+#include "desktop/common/items_pane.h"
 #include "desktop/common/options_panel.h"
 #include "desktop/common/simple_binders.h"
 #include "desktop/common/splitter_bar.h"
@@ -29,7 +29,10 @@ namespace {
 constexpr int reserved_height = 90;
 constexpr int smallest_width = 480, smallest_height = 320;
 // Where the screen has room, the window opens larger than designed; start-up lays the panes out.
-constexpr Twips comfortable_width = 18000, comfortable_height = 11100;
+constexpr Twips comfortable_width = 19800, comfortable_height = 11100;
+
+// Entries of the menu of recent stores.
+constexpr int most_recent = 9;
 
 // Takes files that are dropped on a window.
 class Dropped_Files : public wxFileDropTarget {
@@ -67,14 +70,7 @@ Main_Frame::Main_Frame(MainWindow& model, Repaint_Schedule& schedule, File_Comma
   Set_Tab_Order();
   SetMinClientSize(FromDIP(wxSize(smallest_width, smallest_height)));
 
-  const wxRect screen =
-      wxDisplay(static_cast<unsigned>(std::max(0, wxDisplay::GetFromPoint(wxPoint(0, 0))))).GetClientArea();
-  wxSize size = Client_Size_Of_Model();
-  size.IncTo(wxSize(scale_.Pixels(comfortable_width), scale_.Pixels(comfortable_height)));
-  size.DecTo(wxSize(screen.width, screen.height - FromDIP(reserved_height)));
-  SetClientSize(size);
-  Centre();
-  Tell_Size(size);
+  Take_First_Size();
 
   model_.frmRemoveItems.changed = [this] { Show_Form(); };
   Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
@@ -99,6 +95,17 @@ Main_Frame::Main_Frame(MainWindow& model, Repaint_Schedule& schedule, File_Comma
   Bind(wxEVT_IDLE, &Main_Frame::Idle, this);
 }
 
+void Main_Frame::Take_First_Size() {
+  const wxRect screen =
+      wxDisplay(static_cast<unsigned>(std::max(0, wxDisplay::GetFromPoint(wxPoint(0, 0))))).GetClientArea();
+  wxSize size(scale_.Pixels(comfortable_width), scale_.Pixels(comfortable_height));
+  size.DecTo(wxSize(screen.width, screen.height - FromDIP(reserved_height)));
+  if (IsMaximized()) Maximize(false);
+  SetClientSize(size);
+  Centre();
+  Tell_Size(size);
+}
+
 Main_Frame::~Main_Frame() {
   model_.frmRemoveItems.changed = nullptr;
   menu_binders_.clear();
@@ -121,17 +128,14 @@ void Main_Frame::Build_Panes() {
       Entries({&model_.mnuMark, &model_.mnuUnmarkFolder, &model_.mnuMarkBranch, nullptr, &model_.mnuProtect,
                &model_.mnuExportFolder, nullptr, &model_.mnuRefreshCurrent, &model_.mnuRefresh});
 
-  auto* const grid = new wxGrid(surface_, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxBORDER_NONE);
-  auto* const hint = new wxStaticText(grid->GetGridWindow(), wxID_ANY, wxString(), wxDefaultPosition,
-                                      wxDefaultSize, wxALIGN_CENTRE_HORIZONTAL);
-  hint->SetForegroundColour(wxSystemSettings::GetColour(wxSYS_COLOUR_GRAYTEXT));
-  auto& grid_binder = binders_.Add<Grid_Binder>(model_.grdItems, *grid, *hint, schedule_);
-  grid_binder.Follow_Position(scale_);
+  items_ = new Items_Pane(surface_, model_);
+  auto& grid_binder = items_->Bind_To_Model(binders_, schedule_, scale_);
   grid_binder.context_menu =
       Entries({&model_.mnuOpenItem, nullptr, &model_.mnuSelectRow, &model_.mnuSelectAllRows, nullptr,
                &model_.mnuCopyRows, &model_.mnuPutBack});
   for (const MenuItem& field : model_.mnuSortBy) grid_binder.header_menu.push_back(Entries({&field}).front());
-  for (const auto& entry : Entries({nullptr, &model_.mnuSortReverse, nullptr, &model_.mnuResetColumns}))
+  for (const auto& entry : Entries({nullptr, &model_.mnuSortReverse, nullptr, &model_.mnuShowWillGo,
+                                    &model_.mnuShowSize, &model_.mnuResetColumns}))
     grid_binder.header_menu.push_back(entry);
   model_.Set_Clipboard_Text = [](const std::string& text) {
     const wxClipboardLocker lock;
@@ -156,11 +160,36 @@ void Main_Frame::Build_Panes() {
 }
 
 void Main_Frame::Build_Menus() {
+  auto* const bar = new wxMenuBar;
+  bar->Append(New_File_Menu(), "&File");
+  bar->Append(New_Folders_Menu(), "F&olders");
+  bar->Append(New_Options_Menu(), "Option&s");
+  bar->Append(New_View_Menu(), "&View");
+  auto* const help = new wxMenu;
+  Add_Entry(*help, model_.mnuHelp, "F1", "Show the help");
+  Add_Entry(*help, model_.mnuWhatsThis, "Shift+F1", "Point at something and learn what it is");
+  Add_Entry(*help, model_.mnuOnlineHelp, "Ctrl+H", "Show the help as pages in a window of their own");
+  help->AppendSeparator();
+  Add_Entry(*help, model_.mnuAbout, "", "Show what this program is");
+  bar->Append(help, "&Help");
+  SetMenuBar(bar);
+}
+
+wxMenu* Main_Frame::New_File_Menu() {
   auto* const file = new wxMenu;
   Add_File_Entry(*file, "&Open Store...\tCtrl+O", "Open one or more stores in place of those shown",
                  commands_.Open_Store);
   Add_File_Entry(*file, "Open &Maildir...", "Open a Maildir on this machine in place of the stores shown",
                  commands_.Open_Maildir);
+  if (commands_.Recent_Stores) {
+    recent_ = new wxMenu;
+    file_entries_.push_back(
+        file->AppendSubMenu(recent_, "&Recent Stores", "Open a store that was open before")->GetId());
+    Bind(wxEVT_MENU_OPEN, &Main_Frame::Fill_Recent_Stores, this);
+    Bind(wxEVT_MENU, &Main_Frame::Open_Recent, this, wxID_FILE1, wxID_FILE1 + most_recent - 1);
+  }
+  Add_File_Entry(*file, "Close S&tore\tCtrl+W", "Close the store of the current folder",
+                 commands_.Close_Store);
   Add_File_Entry(*file, "New &Sample Store...", "Make a store of invented items to try the program on",
                  commands_.New_Sample);
   if (commands_.Import_Files) file->AppendSeparator();
@@ -177,7 +206,10 @@ void Main_Frame::Build_Menus() {
   Add_Entry(*file, model_.mnuRuns, "Ctrl+L", "Look at what earlier runs have done");
   file->AppendSeparator();
   Add_Entry(*file, model_.mnuQuit, "Ctrl+Q", "Leave Tidyfold");
+  return file;
+}
 
+wxMenu* Main_Frame::New_Folders_Menu() {
   auto* const folders = new wxMenu;
   Add_Entry(*folders, model_.mnuRefresh, "F5", "Read all folders and their items again");
   Add_Entry(*folders, model_.mnuRefreshCurrent, "Ctrl+F5", "Read the current folder again");
@@ -187,6 +219,9 @@ void Main_Frame::Build_Menus() {
   Add_Entry(*folders, model_.mnuUnmarkFolder, "Ctrl+Shift+M", "Take the tick off the current folder");
   Add_Entry(*folders, model_.mnuMarkBranch, "Ctrl+B", "Tick the current folder and all folders below it");
   Add_Entry(*folders, model_.mnuUnmark, "Ctrl+U", "Take the ticks off all folders");
+  folders->AppendSeparator();
+  Add_Option(*folders, model_.chkMarkSubFolders);
+  Add_Option(*folders, model_.chkCollapseFolders);
   if (commands_.exports) {
     folders->AppendSeparator();
     Add_Entry(*folders, model_.mnuExportFolder, "Ctrl+Shift+E",
@@ -198,43 +233,105 @@ void Main_Frame::Build_Menus() {
   folders->AppendSeparator();
   Add_Entry(*folders, model_.mnuTakeBack, "Ctrl+Shift+Z",
             "Put back what the last run moved to Deleted Items");
+  return folders;
+}
 
+wxMenu* Main_Frame::New_Options_Menu() {
   auto* const options = new wxMenu;
   Add_Entry(*options, model_.mnuClean, "Ctrl+Return", "Start cleaning what is selected");
+  options->AppendSeparator();
+  for (CheckBox* const option : {&model_.chkTurbo, &model_.chkPermanentDelete, &model_.chkConfirmFolders,
+                                 &model_.chkConfirmItems, &model_.chkDeleteFolders})
+    Add_Option(*options, *option);
+  if (commands_.exports) Add_Option(*options, model_.chkKeepCopy);
+  options->AppendSeparator();
+  for (CheckBox* const option :
+       {&model_.chkSelectUnread, &model_.chkSelectFlagged, &model_.chkSelectDate, &model_.chkSelectSubject,
+        &model_.chkMatchCase, &model_.chkMatchWord, &model_.chkSelectType})
+    Add_Option(*options, *option);
+  auto* const types = new wxMenu;
+  for (TypeBox& type : model_.chkType) Add_Option(*types, type.box);
+  options->AppendSubMenu(types, "T&ypes", "Choose the types of items that Select By Type takes");
   options->AppendSeparator();
   Add_Entry(*options, model_.mnuResetOptions, "Ctrl+R", "Put all options back to their safe values");
   options->AppendSeparator();
   Add_Entry(*options, model_.mnuDeletedItemsLimit, "",
             "Choose how many items Deleted Items may hold after a run");
+  return options;
+}
 
-  auto* const help = new wxMenu;
-  Add_Entry(*help, model_.mnuHelp, "F1", "Show the help");
-  Add_Entry(*help, model_.mnuWhatsThis, "Shift+F1", "Point at something and learn what it is");
-  Add_Entry(*help, model_.mnuOnlineHelp, "Ctrl+H", "Show the help as pages in a window of their own");
-  help->AppendSeparator();
-  Add_Entry(*help, model_.mnuAbout, "", "Show what this program is");
+void Main_Frame::Add_Option(wxMenu& menu, CheckBox& model) {
+  const wxString caption = To_Wx(model.Caption());
+  const int mark = caption.Find('&');
+  const wxString key = mark == wxNOT_FOUND
+                           ? wxString()
+                           : "\tAlt+" + wxString(caption[static_cast<std::size_t>(mark) + 1]).Upper();
+  const int id = menu.AppendCheckItem(wxID_ANY, caption + key, To_Lines(model.Tool_Tip_Text()))->GetId();
+  Bind(
+      wxEVT_MENU,
+      [&model](wxCommandEvent&) {
+        if (model.Enabled()) model.Set_Value(model.Checked() ? 0 : 1);
+      },
+      id);
+  Bind(
+      wxEVT_UPDATE_UI,
+      [&model](wxUpdateUIEvent& event) {
+        event.Enable(model.Enabled());
+        event.Check(model.Checked());
+      },
+      id);
+}
 
-  auto* const bar = new wxMenuBar;
-  bar->Append(file, "&File");
-  bar->Append(folders, "F&olders");
-  bar->Append(options, "Option&s");
-  bar->Append(New_View_Menu(), "&View");
-  bar->Append(help, "&Help");
-  SetMenuBar(bar);
+void Main_Frame::Fill_Recent_Stores(wxMenuEvent& event) {
+  event.Skip();
+  std::vector<std::string> stores = commands_.Recent_Stores();
+  if (stores == recent_stores_) return;
+  recent_stores_ = std::move(stores);
+  while (recent_->GetMenuItemCount() > 0) recent_->Destroy(recent_->FindItemByPosition(0));
+  int number = 0;
+  for (const std::string& store : recent_stores_) {
+    if (number == most_recent) break;
+    wxString text = To_Wx(store);
+    text.Replace("&", "&&");
+    recent_->Append(wxID_FILE1 + number, wxString::Format("&%d ", number + 1) + text);
+    ++number;
+  }
+}
+
+void Main_Frame::Open_Recent(wxCommandEvent& event) {
+  const auto number = static_cast<std::size_t>(event.GetId() - wxID_FILE1);
+  // A copy: opening a store changes the list.
+  if (number < recent_stores_.size() && model_.mnuRefresh.Enabled())
+    commands_.Open_Recent(std::string(recent_stores_[number]));
 }
 
 wxMenu* Main_Frame::New_View_Menu() {
   auto* const order = new wxMenu;
-  constexpr const char* fields[] = {"folder", "type", "sender", "subject", "entry", "date"};
+  constexpr const char* fields[] = {"their folder", "their type", "their sender", "their subject",
+                                    "their entry",  "their date", "their size",   "what will go"};
   for (std::size_t field = 0; field < model_.mnuSortBy.size(); ++field)
     Add_Entry(*order, model_.mnuSortBy[field], wxString::Format("Ctrl+%d", static_cast<int>(field) + 1),
-              wxString("Put the rows in the order of their ") + fields[field], wxITEM_RADIO);
+              wxString("Put the rows in the order of ") + fields[field], wxITEM_RADIO);
   order->AppendSeparator();
   Add_Entry(*order, model_.mnuSortReverse, "Ctrl+0", "Show the last row first", wxITEM_CHECK);
 
   auto* const view = new wxMenu;
+  Add_Entry(*view, model_.mnuFind, "Ctrl+F", "Narrow what the list shows; what will go stays the same");
+  Add_Entry(*view, model_.mnuPreview, "F9", "Show the item of the current row below the list", wxITEM_CHECK);
+  view->AppendSeparator();
+  for (CheckBox* const option : {&model_.chkShowAllFolders, &model_.chkShowSelectedItems,
+                                 &model_.chkShowUnselectedItems, &model_.chkSelectByRow})
+    Add_Option(*view, *option);
+  view->AppendSeparator();
   view->AppendSubMenu(order, "&Sort By", "Choose the order of the rows");
-  Add_Entry(*view, model_.mnuResetColumns, "", "Give all columns the width that fits the list");
+  auto* const columns = new wxMenu;
+  Add_Entry(*columns, model_.mnuShowWillGo, "", "Show which items will go", wxITEM_CHECK);
+  Add_Entry(*columns, model_.mnuShowSize, "", "Show how large the items are", wxITEM_CHECK);
+  columns->AppendSeparator();
+  Add_Entry(*columns, model_.mnuResetColumns, "", "Give all columns the width that fits the list");
+  view->AppendSubMenu(columns, "&Columns", "Choose the columns of the list");
+  Add_Entry(*view, model_.mnuResetWindow, "",
+            "Put window, panes, columns and order back to what they were at first");
   view->AppendSeparator();
   Add_Entry(*view, model_.mnuOpenItem, "Alt+Return", "Open the item of the current row");
   Add_Entry(*view, model_.mnuSelectRow, "Ctrl+Space", "Select the current row, or take it out");
@@ -244,6 +341,7 @@ wxMenu* Main_Frame::New_View_Menu() {
   view->AppendSeparator();
   Add_Entry(*view, model_.mnuNextPane, "F6", "Go to the next part of the window");
   Add_Entry(*view, model_.mnuPreviousPane, "Shift+F6", "Go to the part of the window before");
+  model_.mnuFind.Click = [this] { items_->Go_To_Search(); };
   model_.mnuNextPane.Click = [this] { Go_To_Pane(1); };
   model_.mnuPreviousPane.Click = [this] { Go_To_Pane(-1); };
   return view;
@@ -308,8 +406,9 @@ void Main_Frame::Add_File_Entry(wxMenu& menu, const wxString& label, const wxStr
 void Main_Frame::Set_Tab_Order() {
   wxWindow* before = nullptr;
   for (const Control* const control : model_.controls) {
-    wxWindow* const widget = FindWindowByName(To_Wx(control->Name()), surface_);
-    if (widget == nullptr || widget->GetParent() != surface_) continue;
+    wxWindow* widget = FindWindowByName(To_Wx(control->Name()), surface_);
+    while (widget != nullptr && widget->GetParent() != surface_) widget = widget->GetParent();
+    if (widget == nullptr || widget == before) continue;
     if (before != nullptr) widget->MoveAfterInTabOrder(before);
     before = widget;
   }
@@ -325,6 +424,7 @@ void Main_Frame::Show_Form() {
   const Form& form = model_.frmRemoveItems;
   if (!form.Loaded()) {
     if (was_loaded_) {
+      if (leaving) leaving();
       Hide();
       unloaded_();
     }

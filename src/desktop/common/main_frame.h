@@ -20,11 +20,15 @@
 
 namespace tidyfold {
 
+class Items_Pane;
 class Options_Panel;
 
 // Commands on store files, which the model does not know. Empty ones get no menu entry.
 struct File_Commands {
-  std::function<void()> Open_Store, Open_Maildir, New_Sample, Import_Files, Import_Folder, Compact;
+  std::function<void()> Open_Store, Open_Maildir, New_Sample, Import_Files, Import_Folder, Compact, Close_Store;
+  // What opens stores that were open before, the last ones first, and what does so.
+  std::function<std::vector<std::string>()> Recent_Stores;
+  std::function<void(const std::string&)> Open_Recent;
   // Opens or imports files that are dropped on the window.
   std::function<void(const std::vector<std::filesystem::path>&)> Take_In;
   bool exports = false;  // whether what is in the stores can be exported
@@ -38,13 +42,27 @@ class Main_Frame : public wxFrame {
              std::function<void()> unloaded);
   ~Main_Frame() override;
 
+  // The window has got another size from outside before it is shown.
+  void Take_Over_Size() { Tell_Size(GetClientSize()); }
+  // The size and place that it has when nothing is remembered.
+  void Take_First_Size();
+  // Runs before the window is hidden for good.
+  std::function<void()> leaving;
+
  private:
   void Build_Panes();
   void Build_Menus();
   void Set_Tab_Order();
   void Add_Entry(wxMenu& menu, MenuItem& model, const wxString& key, const wxString& help,
                  wxItemKind kind = wxITEM_NORMAL);
+  wxMenu* New_File_Menu();
+  wxMenu* New_Folders_Menu();
+  wxMenu* New_Options_Menu();
   wxMenu* New_View_Menu();
+  // An option's entry, with the key of its check box.
+  void Add_Option(wxMenu& menu, CheckBox& model);
+  void Fill_Recent_Stores(wxMenuEvent& event);
+  void Open_Recent(wxCommandEvent& event);
   // The menu bar's entries for these models, as far as it has them; null stands for a separator.
   Context_Menu Entries(std::initializer_list<const MenuItem*> models) const;
   void Go_To_Pane(int step);
@@ -77,6 +95,9 @@ class Main_Frame : public wxFrame {
 
   wxPanel* surface_;
   Options_Panel* options_ = nullptr;
+  Items_Pane* items_ = nullptr;
+  wxMenu* recent_ = nullptr;
+  std::vector<std::string> recent_stores_;
   std::vector<int> file_entries_;
   Binders binders_;
   std::vector<std::unique_ptr<Menu_Binder>> menu_binders_;

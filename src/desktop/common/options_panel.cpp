@@ -2,6 +2,8 @@
 
 #include <wx/statline.h>
 
+#include "desktop/common/accessibility.h"
+#include "desktop/common/scale.h"
 #include "desktop/common/system_look.h"
 #include "desktop/common/text_conversion.h"
 
@@ -48,6 +50,7 @@ void Options_Panel::Bind_To_Model(Binders& binders) {
   frame->Add(column_, wxSizerFlags(1).Expand().Border(wxLEFT | wxRIGHT, FromDIP(margin)));
   SetSizer(frame);
   FitInside();
+  model_.options_height = Scale(*this).To_Twips(frame->GetMinSize().y);
 }
 
 bool Options_Panel::Settle() {
@@ -98,16 +101,26 @@ void Options_Panel::Add_Filters(wxBoxSizer& group) {
   opener->SetMinSize(wxSize(height, height));
   auto* const complaint = new wxStaticText(this, wxID_ANY, wxString());
   cutoff_date_ = &binders_->Add<Date_Box_Binder>(model_.dtpCutoffDate, *date, *opener, *complaint);
+  Set_Spoken_Name(*date, "Cut-off date");
+  Set_Spoken_Name(*opener, "Calendar");
   date_line->Add(date, wxSizerFlags().CentreVertical());
   date_line->Add(opener, wxSizerFlags().CentreVertical());
   group.Add(date_line, wxSizerFlags().Expand());
   group.Add(complaint, below_option);
 
   Add_Option(group, model_.chkSelectSubject);
+  auto* const how = new wxStaticText(this, wxID_ANY, wxString());
+  how->SetName("lblHow");
   auto* const subject = new wxTextCtrl(this, wxID_ANY);
   subject->SetMinSize(wxSize(-1, subject->GetCharHeight() + FromDIP(text_box_padding)));
   subject_ = &binders_->Add<Text_Box_Binder>(model_.txtSelectSubject, *subject);
-  group.Add(subject, below_option);
+  how->Bind(wxEVT_UPDATE_UI,
+            [this, how, subject](wxUpdateUIEvent&) { Say_How_Subjects_Match(*how, *subject); });
+  Say_How_Subjects_Match(*how, *subject);
+  auto* const subject_line = new wxBoxSizer(wxHORIZONTAL);
+  subject_line->Add(how, wxSizerFlags().CentreVertical().Border(wxRIGHT, FromDIP(6)));
+  subject_line->Add(subject, wxSizerFlags(1).CentreVertical());
+  group.Add(subject_line, below_option);
   group.AddSpacer(FromDIP(Check_Box_Gap()));
   auto* const match = new wxFlexGridSizer(2, FromDIP(wxSize(8, Check_Box_Gap())));
   match->AddGrowableCol(0);
@@ -128,6 +141,16 @@ void Options_Panel::Add_Filters(wxBoxSizer& group) {
     types->Add(box);
   }
   group.Add(types, below_option);
+}
+
+// The text stands at the beginning of a subject or, with Match Word, is all of it.
+void Options_Panel::Say_How_Subjects_Match(wxStaticText& how, wxTextCtrl& subject) {
+  const wxString words = model_.chkMatchWord.Checked() ? "is exactly" : "begins with";
+  if (how.GetLabelText() == words && how.IsThisEnabled() == model_.chkSelectSubject.Checked()) return;
+  how.SetLabelText(words);
+  how.Enable(model_.chkSelectSubject.Checked());
+  Set_Spoken_Name(subject, "Subject " + words);
+  Layout();
 }
 
 }  // namespace tidyfold

@@ -32,6 +32,7 @@ class Options_Panel : public wxScrolledWindow {
   wxCheckBox* New_Check_Box(CheckBox& model);
   void Add_Option(wxBoxSizer& group, CheckBox& model);
   void Add_Filters(wxBoxSizer& group);
+  void Say_How_Subjects_Match(wxStaticText& how, wxTextCtrl& subject);
 
   MainWindow& model_;
   bool keeps_copies_;

@@ -1,6 +1,8 @@
 #include "desktop/common/program.h"
 
 #include <wx/evtloop.h>
+#include <wx/log.h>
+#include <wx/notifmsg.h>
 #include <wx/uilocale.h>
 #include <wx/utils.h>
 
@@ -16,8 +18,10 @@
 #include "desktop/common/outlook_source.h"
 #include "desktop/common/runs_window.h"
 #include "desktop/common/show_in_front.h"
+#include "desktop/common/system_look.h"
 #include "desktop/common/text_conversion.h"
 #include "desktop/common/welcome_dialog.h"
+#include "desktop/common/window_place.h"
 #include "export/export.h"
 #include "import/import.h"
 #include "settings/last_stores.h"
@@ -55,6 +59,13 @@ bool Program::OnInit() {
                          wxEventLoopBase::GetActive() == GetMainLoop();
     unwound ? ExitMainLoop() : End_When_Unwound();
   });
+  telling_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) {
+    if (frame_ == nullptr || message_box_.Open_Boxes() == 0 || Is_Program_In_Front()) return;
+    frame_->RequestUserAttention();
+    // A desktop that shows no notifications is no failure.
+    const wxLogNull quiet;
+    wxNotificationMessage(application_title, To_Lines(to_tell_).Trim(false), frame_).Show();
+  });
   CallAfter([this] { Start(); });
   return true;
 }
@@ -63,6 +74,7 @@ void Program::Start() {
   registry_ = Make_System_Registry([this](const std::string& text) {
     message_box_.Show(text, Buttons::OK_Only, Icon::None, application_title);
   });
+  if (observer_ != nullptr) observer_->Program_Started();
   files_ = std::make_unique<Store_Files>(stores_, *registry_);
   stored_protection_ = std::make_unique<Stored_Protection>(*registry_);
   stores_.Keep_Marks_In(stored_protection_.get());
@@ -81,7 +93,7 @@ bool Program::Open_First_Stores() {
     if (first_stores_.empty()) first_stores_ = Last_Stores(*registry_);
     if (!first_stores_.empty()) files_->Open(nullptr, first_stores_);
     if (files_->Take_In(nullptr, first_files_) || !stores_.Open_Stores().empty()) return true;
-    return Welcome_Dialog(*files_).ShowModal() == wxID_OK;
+    return Welcome_Dialog(*files_, message_box_).ShowModal() == wxID_OK;
   }
   if (first_stores_.empty()) {
     system_outlook_ = Make_Outlook_Source();
@@ -89,7 +101,7 @@ bool Program::Open_First_Stores() {
     first_stores_ = Last_Stores(*registry_);
   }
   if (!first_stores_.empty() && files_->Open(nullptr, first_stores_)) return true;
-  return Welcome_Dialog(*files_).ShowModal() == wxID_OK;
+  return Welcome_Dialog(*files_, message_box_).ShowModal() == wxID_OK;
 }
 
 void Program::Build() {
@@ -101,6 +113,11 @@ void Program::Build() {
       commands.Open_Maildir = [this] {
         Change_Stores([this] { return files_->Ask_And_Open_Maildir(frame_); });
       };
+    commands.Recent_Stores = [this] { return files_->Recent(); };
+    commands.Open_Recent = [this](const std::string& store) {
+      Change_Stores([&] { return files_->Open(frame_, {Read_Store_Address(store)}); });
+    };
+    commands.Close_Store = [this] { Close_Store(); };
     commands.New_Sample = [this] { Change_Stores([this] { return files_->Make_Sample_Store(frame_); }); };
   }
   if (!system_outlook_ && Can_Import()) {
@@ -118,6 +135,8 @@ void Program::Build() {
     help_->Close_Book();
     End_When_Unwound();
   });
+  if (Restore_Place(*frame_, *registry_)) frame_->Take_Over_Size();
+  frame_->leaving = [this] { Keep_Place(*frame_, *registry_); };
   SetTopWindow(frame_);
   message_window_ = new Message_Window(window_);
   if (observer_ != nullptr) observer_->Window_Built(*frame_, window_);
@@ -133,7 +152,9 @@ void Program::Build() {
   message_box_.opening = [this](const std::string& text) {
     schedule_->Flush();
     if (observer_ != nullptr) observer_->Box_Opened(text);
+    Tell_Desktop(text);
   };
+  message_box_.not_shown_again = std::make_unique<User_Values>(*registry_, "Software\\Tidyfold\\Window");
   message_box_.closed = [this] {
     if (observer_ != nullptr) observer_->Box_Closed();
   };
@@ -147,8 +168,20 @@ void Program::Build() {
   Folder_Protection& protection =
       system_outlook_ ? static_cast<Folder_Protection&>(*stored_protection_) : stores_;
   app_ = std::make_unique<App>(
-      window_, Surroundings{outlook, message_box_, events_, clock_, log_, *limits_, protection,
-                            &help_->Environment(), system_outlook_ || !Can_Export() ? nullptr : &copies_});
+      window_,
+      Surroundings{outlook, message_box_, events_, clock_, log_, *limits_, protection, &help_->Environment(),
+                   system_outlook_ || !Can_Export() ? nullptr : &copies_, registry_.get()});
+  for (auto* const reset : {&window_.mnuResetWindow.Click, &window_.mnuResetOptions.Click}) {
+    *reset = [this, first = std::move(*reset)] {
+      first();
+      message_box_.Show_All_Again();
+    };
+  }
+  window_.mnuResetWindow.Click = [this, first = std::move(window_.mnuResetWindow.Click)] {
+    frame_->Take_First_Size();
+    Raise(window_.frmRemoveItems.Resize);
+    first();
+  };
   Remember_Copy_Directory();
   if (!system_outlook_)
     for (auto* const command : {&window_.cmdRun.Click, &window_.mnuClean.Click})
@@ -180,6 +213,34 @@ void Program::Show_Runs() {
   runs_window_->Show();
   runs_window_->Restore();
   runs_window_->Raise();
+}
+
+// The store of the current folder. Of the last one nothing may be in use any more when another is opened.
+void Program::Close_Store() {
+  const int folder = window_.trvFolders.Selected_Item();
+  if (stores_.Open_Stores().empty()) return;
+  std::string store_id = stores_.Open_Stores().front()->StoreID();
+  if (app_->records.Has(folder) && app_->records[folder].Folder != nullptr)
+    store_id = app_->records[folder].Folder->StoreID();
+  if (!files_->Close(frame_, store_id)) return;
+  if (!stores_.Open_Stores().empty()) return Raise(window_.mnuRefresh.Click);
+  window_.grdItems.Set_Rows(1);
+  app_->records.Recreate();
+  window_.trvFolders.Clear();
+  app_->rows.CurrentNodeIndex = 0;
+  if (Welcome_Dialog(*files_, message_box_).ShowModal() == wxID_OK) {
+    Raise(window_.mnuRefresh.Click);
+  } else {
+    Raise(window_.frmRemoveItems.Close);
+  }
+}
+
+// A box that opens in the course of a run, when the person has been looking at something else for a while.
+void Program::Tell_Desktop(const std::string& text) {
+  if (app_ == nullptr || !app_->phase.Is_Run()) return;
+  constexpr int a_while = 700;  // milliseconds
+  to_tell_ = text.substr(0, text.find('\r'));
+  telling_.StartOnce(a_while);
 }
 
 void Program::Compact() {

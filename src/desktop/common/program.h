@@ -53,6 +53,8 @@ class Program : public wxApp {
   void Export(const MAPIFolder_Ptr& folder);
   void Remember_Copy_Directory();
   void Compact();
+  void Close_Store();
+  void Tell_Desktop(const std::string& text);
   void Offer_To_Compact_After(std::function<void()>& command);
   void Change_Stores(const std::function<bool()>& change);
   void End_When_Unwound();
@@ -88,6 +90,9 @@ class Program : public wxApp {
 
   bool loading_ = false;
   wxTimer ending_;
+  // What a box of a run says, for a person who looks at another window.
+  wxTimer telling_;
+  std::string to_tell_;
 };
 
 }  // namespace tidyfold

@@ -12,6 +12,8 @@ namespace tidyfold {
 class Program_Observer {
  public:
   virtual ~Program_Observer() = default;
+  // Windows may open from now on, before the main one is built.
+  virtual void Program_Started() {}
   // The frame and the model live until Window_Ends returns.
   virtual void Window_Built(wxFrame& frame, const MainWindow& window) = 0;
   virtual void Window_Ends() = 0;

@@ -1,5 +1,6 @@
 #include "desktop/common/simple_binders.h"
 
+#include "desktop/common/system_look.h"
 #include "desktop/common/text_conversion.h"
 
 namespace tidyfold {
@@ -32,7 +33,11 @@ void Check_Box_Binder::Show_Model() {
 }
 
 Button_Binder::Button_Binder(CommandButton& model, wxButton& widget, std::function<bool()> settle)
-    : Control_Binder(model, widget), model_(model), widget_(widget), settle_(std::move(settle)) {
+    : Control_Binder(model, widget),
+      model_(model),
+      widget_(widget),
+      dangerous_caption_(model.Caption()),
+      settle_(std::move(settle)) {
   widget_.Bind(wxEVT_BUTTON, [this](wxCommandEvent&) {
     From_User([&] {
       if (settle_()) Raise(model_.Click);
@@ -42,6 +47,8 @@ Button_Binder::Button_Binder(CommandButton& model, wxButton& widget, std::functi
 }
 
 void Button_Binder::Show_Model() {
+  // As Cancel it harms nothing.
+  Look_Dangerous(widget_, model_.Caption() == dangerous_caption_);
   if (const wxString label = To_Wx(model_.Caption()); label != widget_.GetLabel()) widget_.SetLabel(label);
 }
 
@@ -62,6 +69,7 @@ Text_Box_Binder::Text_Box_Binder(TextBox& model, wxTextCtrl& widget)
     From_User([&] {
       model_.Set_Text(From_Wx(widget_.GetValue()));
       edited_ = true;
+      Raise(model_.Change);
     });
   });
   widget_.Bind(wxEVT_CHAR_HOOK, [this](wxKeyEvent& event) {

@@ -6,6 +6,8 @@
 #include <wx/stattext.h>
 #include <wx/textctrl.h>
 
+#include <string>
+
 #include "controls/widgets.h"
 #include "desktop/common/control_binder.h"
 
@@ -21,6 +23,7 @@ class Check_Box_Binder : public Control_Binder {
   wxCheckBox& widget_;
 };
 
+// The button that deletes: it looks like one while it bears its first caption.
 class Button_Binder : public Control_Binder {
  public:
   // `settle` runs before every click; where it says no, the click does nothing.
@@ -30,6 +33,7 @@ class Button_Binder : public Control_Binder {
   void Show_Model() override;
   CommandButton& model_;
   wxButton& widget_;
+  std::string dangerous_caption_;
   std::function<bool()> settle_;
 };
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "desktop/common/accessibility.h"
 #include "desktop/common/text_conversion.h"
 
 namespace tidyfold {
@@ -49,6 +50,11 @@ void Status_Bar_Binder::Catch_Up() {
     if (text != widget_.GetStatusText(panel - 1)) widget_.SetStatusText(text, panel - 1);
   }
   Show_Gauge();
+  wxString words;
+  for (int panel = 1; panel <= StatusBar::panel_count; ++panel)
+    if (const wxString text = To_One_Line(model_.Panel_Text(panel)); !text.empty())
+      words += (words.empty() ? "" : "; ") + text;
+  Set_Spoken_Name(widget_, words.empty() ? wxString("Status") : words, Spoken_As::Status);
 }
 
 void Status_Bar_Binder::Show_Gauge() {

@@ -198,6 +198,27 @@ bool Store_Files::Ask_And_Open_Maildir(wxWindow* parent) {
   return false;
 }
 
+std::vector<std::string> Store_Files::Recent() const {
+  std::vector<std::string> texts = Recent_Stores(registry_);
+  for (const auto& store : stores_.Open_Stores()) std::erase(texts, store->Address().Lasting_Text());
+  return texts;
+}
+
+bool Store_Files::Close(wxWindow* parent, const std::string& store_id) {
+  try {
+    std::vector<Store_Address> left;
+    for (const auto& store : stores_.Open_Stores())
+      if (store->StoreID() != store_id) left.push_back(store->Address());
+    if (left.size() == stores_.Open_Stores().size()) return false;
+    stores_.Replace(left);
+  } catch (const std::exception& error) {
+    Show_Error(parent, error.what());
+    return false;
+  }
+  if (!stores_.Open_Stores().empty()) Remember();
+  return true;
+}
+
 std::filesystem::path Store_Files::Ask_New_Store(wxWindow* parent, const wxString& question,
                                                  const wxString& name) {
   wxFileDialog dialog(parent, question, wxStandardPaths::Get().GetDocumentsDir(), name + ".tidyfold",

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <string>
 #include <vector>
 
 #include "import/import.h"
@@ -25,6 +26,10 @@ class Store_Files {
   bool Open(wxWindow* parent, const std::vector<Store_Address>& addresses);
   bool Ask_And_Open(wxWindow* parent);
   bool Ask_And_Open_Maildir(wxWindow* parent);
+  // What opens stores that were open before, the last ones first, without those that are open.
+  std::vector<std::string> Recent() const;
+  // Takes a store out of the open ones.
+  bool Close(wxWindow* parent, const std::string& store_id);
   bool Make_Sample_Store(wxWindow* parent);
   // Into the first store file that is open, or into a new one if none is.
   bool Import_Files(wxWindow* parent);

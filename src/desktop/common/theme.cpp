@@ -43,22 +43,42 @@ wxColour Theme_Text() {
   return wxSystemSettings::GetColour(wxSYS_COLOUR_LISTBOXTEXT);
 }
 
+// Black or white, whichever can be read better.
+wxColour Theme_Chosen_Text() {
+  const wxColour background = Theme_Chosen_Background();
+  return Contrast(background, *wxWHITE) >= readable_contrast ? *wxWHITE : *wxBLACK;
+}
+
 wxColour Theme_Chosen_Background() {
   const wxColour background = Theme_Background();
   const wxColour highlight = wxSystemSettings::GetColour(wxSYS_COLOUR_HIGHLIGHT);
-  for (double share = 0.45; share > 0.1; share -= 0.05) {
-    const wxColour thinned = Blend(background, highlight, share);
-    if (Contrast(thinned, Theme_Text()) >= readable_contrast) return thinned;
+  const auto fits = [&](const wxColour& colour) {
+    return Contrast(colour, background) >= discernible_contrast &&
+           std::max(Contrast(colour, *wxWHITE), Contrast(colour, *wxBLACK)) >= readable_contrast;
+  };
+  // White text if a small step towards black allows it.
+  for (double share = 0; share < 0.4; share += 0.05) {
+    const wxColour darker = Blend(highlight, *wxBLACK, share);
+    if (fits(darker) && Contrast(darker, *wxWHITE) >= readable_contrast) return darker;
   }
-  return Blend(background, highlight, 0.1);
+  const wxColour& away = Luminance(background) > 0.2 ? *wxBLACK : *wxWHITE;
+  for (double share = 0; share < 1; share += 0.05) {
+    const wxColour moved = Blend(highlight, away, share);
+    if (fits(moved)) return moved;
+  }
+  return away;
+}
+
+wxColour Faded(const wxColour& text, const wxColour& background) {
+  for (double share = 0.6; share > 0; share -= 0.05) {
+    const wxColour faded = Blend(text, background, share);
+    if (Contrast(faded, background) >= readable_contrast) return faded;
+  }
+  return text;
 }
 
 wxColour Disabled_Text_Colour(const wxColour& background) {
-  for (double share = 0.6; share > 0; share -= 0.05) {
-    const wxColour faded = Blend(Theme_Text(), background, share);
-    if (Contrast(faded, background) >= discernible_contrast) return faded;
-  }
-  return Theme_Text();
+  return Faded(Theme_Text(), background);
 }
 
 wxColour Text_Colour(Colour colour, const wxColour& background) {

@@ -9,12 +9,13 @@
 
 #include "controls/interaction.h"
 #include "desktop/common/application_icon.h"
+#include "desktop/common/desktop_help.h"
 #include "desktop/common/store_files.h"
 #include "import/import.h"
 
 namespace tidyfold {
 
-Welcome_Dialog::Welcome_Dialog(Store_Files& files)
+Welcome_Dialog::Welcome_Dialog(Store_Files& files, Message_Box& message_box)
     : wxDialog(nullptr, wxID_ANY, application_title, wxDefaultPosition, wxDefaultSize,
                wxDEFAULT_DIALOG_STYLE) {
   SetName("frmWelcome");
@@ -62,6 +63,9 @@ Welcome_Dialog::Welcome_Dialog(Store_Files& files)
   column->Add(offers, wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT, gap * 2));
   column->Add(new wxButton(this, wxID_CANCEL, "&Quit"), wxSizerFlags().Right().Border(wxALL, gap * 2));
   SetSizerAndFit(column);
+  Bind(wxEVT_CHAR_HOOK, [this, &message_box](wxKeyEvent& event) {
+    event.GetKeyCode() == WXK_F1 ? Show_Help_Over(*this, message_box) : event.Skip();
+  });
   Centre();
 }
 

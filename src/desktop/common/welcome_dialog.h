@@ -11,7 +11,7 @@ class Store_Files;
 // returns wxID_OK when a store is open.
 class Welcome_Dialog : public wxDialog {
  public:
-  explicit Welcome_Dialog(Store_Files& files);
+  explicit Welcome_Dialog(Store_Files& files, Message_Box& message_box);
 };
 
 }  // namespace tidyfold

@@ -1,5 +1,7 @@
 #include "desktop/common/help_book.h"
 
+#include <wx/dialog.h>
+
 #include <string_view>
 
 #include "desktop/gtk/help_viewer.h"
@@ -10,9 +12,10 @@ namespace {
 
 class Own_Help_Book : public Help_Book {
  public:
-  explicit Own_Help_Book(wxFrame& frame) : frame_(frame) {}
+  explicit Own_Help_Book(wxTopLevelWindow& window)
+      : window_(window), viewer_(dynamic_cast<wxDialog*>(&window)) {}
 
-  std::int32_t Window_Handle() override { return frame_.GetId(); }
+  std::int32_t Window_Handle() override { return window_.GetId(); }
 
   // The file is "BOOK::/PAGE", or the book alone.
   std::intptr_t HtmlHelpA(std::int32_t owner, const std::string& file, std::uint32_t,
@@ -26,14 +29,14 @@ class Own_Help_Book : public Help_Book {
   void Close() override { viewer_.Close(); }
 
  private:
-  wxFrame& frame_;
+  wxTopLevelWindow& window_;
   Help_Viewer viewer_;
 };
 
 }  // namespace
 
-std::unique_ptr<Help_Book> Make_Help_Book(wxFrame& frame) {
-  return std::make_unique<Own_Help_Book>(frame);
+std::unique_ptr<Help_Book> Make_Help_Book(wxTopLevelWindow& window) {
+  return std::make_unique<Own_Help_Book>(window);
 }
 
 }  // namespace tidyfold

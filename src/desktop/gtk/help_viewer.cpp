@@ -2,6 +2,7 @@
 
 #include <wx/display.h>
 #include <wx/filesys.h>
+#include <wx/html/helpdlg.h>
 #include <wx/html/helpfrm.h>
 #include <wx/html/helpwnd.h>
 #include <wx/html/htmlwin.h>
@@ -63,7 +64,7 @@ class Book_Files : public wxFileSystemHandler {
 };
 
 // By default the window opens small, in a corner, with its lists cut off.
-void Prepare(wxHtmlHelpFrame& frame) {
+void Prepare(wxTopLevelWindow& frame) {
   frame.SetName(window_name);
   frame.SetIcons(Application_Icons());
   wxSize size = frame.FromDIP(wxSize(wide, high));
@@ -84,7 +85,7 @@ void Prepare(wxHtmlHelpFrame& frame) {
 
 }  // namespace
 
-Help_Viewer::Help_Viewer() {
+Help_Viewer::Help_Viewer(wxDialog* dialog) : dialog_(dialog) {
   // The book's pictures.
   if (wxImage::FindHandler(wxBITMAP_TYPE_PNG) == nullptr) wxImage::AddHandler(new wxPNGHandler);
   // wxFileSystem keeps handlers until the program ends; one is enough.
@@ -99,8 +100,10 @@ bool Help_Viewer::Take_Book(const std::string& file) {
   if (controller_ != nullptr && file == file_) return true;
   Close();
   const wxLogNull quiet;  // the caller reports failures
-  auto controller = std::make_unique<wxHtmlHelpController>(wxHF_TOOLBAR | wxHF_CONTENTS | wxHF_INDEX |
-                                                           wxHF_SEARCH | wxHF_FRAME);
+  auto controller =
+      std::make_unique<wxHtmlHelpController>(wxHF_TOOLBAR | wxHF_CONTENTS | wxHF_INDEX | wxHF_SEARCH |
+                                                 (dialog_ != nullptr ? wxHF_DIALOG | wxHF_MODAL : wxHF_FRAME),
+                                             dialog_);
   controller->SetTitleFormat("Help: %s");
   controller->SetShouldPreventAppExit(false);
   const wxString book = wxFileName::FileNameToURL(wxFileName(To_Wx(file)));
@@ -114,7 +117,13 @@ bool Help_Viewer::Open(const std::string& file, const std::string& page) {
   try {
     const Chm_Book book(file);
     if (!Take_Book(file)) return false;
+    // A modal one is prepared once its loop runs, and closed when this returns.
+    if (dialog_ != nullptr)
+      dialog_->CallAfter([this] {
+        if (wxHtmlHelpDialog* const shown = controller_->GetDialog()) Prepare(*shown);
+      });
     if (!controller_->Display(To_Wx(page.empty() ? book.Default_Page() : page))) return false;
+    if (dialog_ != nullptr) return true;
   } catch (const Chm_Error&) {
     return false;
   }

@@ -1,6 +1,7 @@
 // A viewer of compiled help books, for systems without one.
 #pragma once
 
+#include <wx/dialog.h>
 #include <wx/html/helpctrl.h>
 
 #include <memory>
@@ -8,10 +9,12 @@
 
 namespace tidyfold {
 
-// One window, not modal, with contents, index and search.
+// One window with contents, index and search. Over a modal dialog it is one, too, as nothing else could be
+// used.
 class Help_Viewer {
  public:
-  Help_Viewer();
+  // `dialog` may be null.
+  explicit Help_Viewer(wxDialog* dialog);
   ~Help_Viewer();
 
   // Shows a page of the book, or its first page if `page` is empty. False if the book cannot be opened or has
@@ -22,6 +25,7 @@ class Help_Viewer {
  private:
   bool Take_Book(const std::string& file);
 
+  wxDialog* dialog_;
   std::string file_;
   std::unique_ptr<wxHtmlHelpController> controller_;
 };

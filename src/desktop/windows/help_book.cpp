@@ -8,10 +8,10 @@ namespace {
 
 class System_Help_Book : public Help_Book {
  public:
-  explicit System_Help_Book(wxFrame& frame) : frame_(frame) {}
+  explicit System_Help_Book(wxTopLevelWindow& window) : window_(window) {}
 
   std::int32_t Window_Handle() override {
-    return static_cast<std::int32_t>(reinterpret_cast<std::intptr_t>(frame_.GetHandle()));
+    return static_cast<std::int32_t>(reinterpret_cast<std::intptr_t>(window_.GetHandle()));
   }
   std::intptr_t HtmlHelpA(std::int32_t owner, const std::string& file, std::uint32_t command,
                           std::uintptr_t data) override {
@@ -19,13 +19,13 @@ class System_Help_Book : public Help_Book {
   }
 
  private:
-  wxFrame& frame_;
+  wxTopLevelWindow& window_;
 };
 
 }  // namespace
 
-std::unique_ptr<Help_Book> Make_Help_Book(wxFrame& frame) {
-  return std::make_unique<System_Help_Book>(frame);
+std::unique_ptr<Help_Book> Make_Help_Book(wxTopLevelWindow& window) {
+  return std::make_unique<System_Help_Book>(window);
 }
 
 }  // namespace tidyfold
