@@ -35,7 +35,7 @@ App::App(MainWindow& w, const Surroundings& s)
       clock(s.clock),
       window_message_box(w.frmRemoveItems, s.message_box),
       session(s.automation, w, message_box, errors),
-      protection(w, records, s.protection),
+      protection(w, records, session, s.protection),
       checks(w, records, deleted_items, s.limits, run, message_box, s.clock, errors),
       journal(s.automation, s.log, records, run, s.clock, message_box),
       copy_first(w, records, s.copies, status, run, phase, message_box, events, errors),
@@ -75,6 +75,7 @@ void App::Wire() {
   window.mnuQuit.Click = [this] { mnuQuit_Click(); };
   // In the middle of a run, closing the window asks as Quit does.
   window.frmRemoveItems.Close = [this] { phase.Is_Run() ? mnuQuit_Click() : Form_Unload(); };
+  window.frmRemoveItems.System_Ends = [this] { Form_Unload(); };
 }
 
 void App::Form_Load() {

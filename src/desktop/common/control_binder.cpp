@@ -21,8 +21,8 @@ void Control_Binder::Follow_Position(const Scale& scale) {
 void Control_Binder::Show() {
   From_Program([this] {
     if (widget_.IsThisEnabled() != model_.Enabled()) widget_.Enable(model_.Enabled());
-    if (const wxString tip = To_Lines(model_.Tool_Tip_Text()); tip != widget_.GetToolTipText())
-      widget_.SetToolTip(tip);
+    if (const wxString tip = To_Lines(model_.Tool_Tip_Text()); tip != shown_tip_)
+      Tip_Area().SetToolTip(shown_tip_ = tip);
     bool visible = model_.Visible();
     if (scale_ != nullptr) {
       // Converts edges, not widths, so that neighbours meet without a gap.

@@ -28,6 +28,8 @@ class Control_Binder {
 
  protected:
   virtual void Show_Model() {}
+  // The part of the widget that the pointer is over: only there does Windows show a tooltip.
+  virtual wxWindow& Tip_Area() { return widget_; }
 
   // Runs a change that the program makes to the widget.
   template <class Action>
@@ -49,6 +51,7 @@ class Control_Binder {
   Control& model_;
   wxWindow& widget_;
   const Scale* scale_ = nullptr;
+  wxString shown_tip_;
   bool showing_ = false;
 };
 

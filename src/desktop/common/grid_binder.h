@@ -24,6 +24,7 @@ class Grid_Binder : public Control_Binder, public Late_Widget {
   ~Grid_Binder() override;
 
   void Catch_Up() override;
+  void Follow_Density(int dots_per_inch);
   // Opened by a right click, the menu key and Shift+F10.
   Context_Menu context_menu;
   // Opened by a right click on the header.
@@ -31,7 +32,9 @@ class Grid_Binder : public Control_Binder, public Late_Widget {
 
  private:
   void Show_Model() override;
+  wxWindow& Tip_Area() override { return *widget_.GetGridWindow(); }
 
+  void Set_Row_Height();
   void Show_Columns();
   void Fill_Width();
   void Show_Row_Count();
