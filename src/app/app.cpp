@@ -75,7 +75,6 @@ void App::Wire() {
   window.mnuQuit.Click = [this] { mnuQuit_Click(); };
   // In the middle of a run, closing the window asks as Quit does.
   window.frmRemoveItems.Close = [this] { phase.Is_Run() ? mnuQuit_Click() : Form_Unload(); };
-  window.frmRemoveItems.System_Ends = [this] { Form_Unload(); };
 }
 
 void App::Form_Load() {
@@ -208,6 +207,10 @@ void App::End_Without_Store() {
   cache.StopCaching = cache.InterruptCaching = true;
   if (phase.Processing()) run.NotAllDeleted = true;
   phase.Lose_Store();
+}
+
+void App::End_With_System() {
+  Form_Unload();
 }
 
 // They do so at their next yield here as well.

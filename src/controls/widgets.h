@@ -170,9 +170,6 @@ class Form : public Captioned {
   bool AutoRedraw = false;
   // The user closes the window; the handler unloads it.
   std::function<void()> Close;
-  // The system ends, for whatever reason: nothing can be asked any more, and the program may be gone as soon
-  // as the handler returns.
-  std::function<void()> System_Ends;
   // The window's size has changed.
   std::function<void()> Resize;
 

@@ -12,6 +12,8 @@
 #include <gtk/gtk.h>
 #elif defined(__WXMSW__)
 #include <windows.h>
+// After it.
+#include <commctrl.h>
 #endif
 
 #include <algorithm>
@@ -87,6 +89,24 @@ std::string Keyboard_Owner(const wxFrame& frame) {
 #endif
   return owner;
 }
+
+#ifdef __WXMSW__
+// The tooltip on the screen.
+std::string Tooltip() {
+  for (HWND tip = nullptr; (tip = FindWindowExW(nullptr, tip, TOOLTIPS_CLASSW, nullptr)) != nullptr;) {
+    DWORD process = 0;
+    GetWindowThreadProcessId(tip, &process);
+    if (process != GetCurrentProcessId() || !IsWindowVisible(tip)) continue;
+    std::array<wchar_t, 200> text{};
+    TOOLINFOW tool{};
+    tool.cbSize = sizeof tool;
+    tool.lpszText = text.data();
+    if (SendMessageW(tip, TTM_GETCURRENTTOOLW, 0, reinterpret_cast<LPARAM>(&tool)) != 0)
+      return From_Wx(text.data());
+  }
+  return {};
+}
+#endif
 
 // The named widget that has the keyboard; of a compound one, as a whole.
 std::string Focus(const wxFrame& frame) {
@@ -174,6 +194,9 @@ std::string Window_State_File::Describe() const {
   state["beside"] = Describe_Windows(*frame_);
   // The pointer that asks What's This is the only one that the program changes.
   state["pointer_asks"] = wxIsBusy();
+#ifdef __WXMSW__
+  state["tooltip"] = Tooltip();
+#endif
   state["captured"] = wxWindow::GetCapture() != nullptr;
   json widgets = json::object();
   Describe_Widgets(*frame_, widgets);

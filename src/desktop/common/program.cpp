@@ -224,9 +224,9 @@ void Program::Commit() {
 
 // The system may end the program as soon as this returns, and nobody can be told anything.
 void Program::Session_Ends() {
-  Raise(window_.frmRemoveItems.System_Ends);
+  if (app_) app_->End_With_System();
   try {
-    outlook_.Commit_Pending();
+    stores_.Commit_Pending();
   } catch (const std::exception&) {
     // What is not kept is still in the store, and the log says so.
     return;
