@@ -15,7 +15,8 @@ void Write_Text(std::FILE* stream, std::string_view text);
 void Catch_Interrupt();
 bool Interrupt_Caught();
 
-// A byte of standard input, which is UTF-8 where a terminal is typed at; -1 at its end, and on Ctrl-C where the system lets a read be interrupted.
+// A byte of standard input, which is UTF-8 where a terminal is typed at; -1 at its end, and on Ctrl-C where
+// the system lets a read be interrupted.
 int Read_Byte();
 
 }  // namespace tidyfold::cli

@@ -43,7 +43,8 @@ class Protected_Folders {
   void Say_Why(int node);
 
   // The last look before something is removed: asks again where the marks are kept, for the folder and for
-  // each above it, in the tree and where it lies now. Throws Automation_Error (no_access) for a protected one.
+  // each above it, in the tree and where it lies now. Throws Automation_Error (no_access) for a protected
+  // one.
   void Demand_Unprotected(int node) const;
 
  private:

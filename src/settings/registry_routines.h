@@ -38,8 +38,8 @@ class Registry_Routines {
   // Of the user's own key, or else of the machine's. A number comes back as its decimal text; an unknown
   // identifier as empty text.
   std::string Get_Setting(std::int16_t identifier);
-  // For the machine; for the user alone who may not write that. Does nothing for an unknown identifier; throws
-  // like Registry_Set_Value.
+  // For the machine; for the user alone who may not write that. Does nothing for an unknown identifier;
+  // throws like Registry_Set_Value.
   void Save_Setting(std::int16_t identifier, const New_Value& value);
 
   // 0: the most recent registry call succeeded.

@@ -138,10 +138,9 @@ TEST(Faults, Commands_That_Come_In_Between_Wait_Or_End_The_Run_At_Once) {
         Kind_Run f(way);
         met = 0;
         std::size_t boxes = 0;
-        const std::function<void()> commands[] = {f.window.cmdRun.Click, f.window.mnuRefresh.Click,
-                                                  f.window.mnuRefreshCurrent.Click, f.window.mnuQuit.Click,
-                                                  f.window.frmRemoveItems.Close,
-                                                  [&] { f.app.End_With_System(); }};
+        const std::function<void()> commands[] = {
+            f.window.cmdRun.Click,  f.window.mnuRefresh.Click,     f.window.mnuRefreshCurrent.Click,
+            f.window.mnuQuit.Click, f.window.frmRemoveItems.Close, [&] { f.app.End_With_System(); }};
         const auto act = [&] {
           if (std::exchange(met, 1) == 1) return;
           const bool counted = f.box.Boxes().size() > 0 &&

@@ -108,6 +108,23 @@ std::string Tooltip() {
 }
 #endif
 
+#ifdef __WXMSW__
+// As when the window is moved to a monitor of another density, which a file tells in dots per inch.
+void Follow_Density(wxFrame& frame, const std::filesystem::path& told) {
+  int density = 0;
+  if (!(std::ifstream(told) >> density)) return;
+  std::filesystem::remove(told);
+  static int density_now = frame.GetDPI().x;
+  RECT place{};
+  GetWindowRect(frame.GetHandle(), &place);
+  place.right = place.left + (place.right - place.left) * density / density_now;
+  place.bottom = place.top + (place.bottom - place.top) * density / density_now;
+  density_now = density;
+  SendMessageW(frame.GetHandle(), WM_DPICHANGED, MAKEWPARAM(density, density),
+               reinterpret_cast<LPARAM>(&place));
+}
+#endif
+
 // The named widget that has the keyboard; of a compound one, as a whole.
 std::string Focus(const wxFrame& frame) {
   const wxWindow* widget = wxWindow::FindFocus();
@@ -171,7 +188,12 @@ void Window_State_File::Window_Built(wxFrame& frame, const MainWindow& window) {
   window_ = &window;
   if (wxString path; wxGetEnv("TIDYFOLD_WINDOW_STATE", &path)) path_ = From_Wx(path);
   timer_ = std::make_unique<wxTimer>();
-  timer_->Bind(wxEVT_TIMER, [this](wxTimerEvent&) { Write(); });
+  timer_->Bind(wxEVT_TIMER, [this](wxTimerEvent&) {
+#ifdef __WXMSW__
+    Follow_Density(*frame_, path_ + ".density");
+#endif
+    Write();
+  });
   timer_->Start(pace);
 }
 

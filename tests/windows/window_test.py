@@ -43,6 +43,30 @@ def point_for_tooltips(window):
         window.wait(f"the tooltip of {part}", lambda state: state["tooltip"].startswith(tip))
 
 
+def move_to_another_monitor(window):
+    """Panes, and the rows of the list, keep their place in the window at another density, and come back with the first."""
+    def shape(state):
+        return {name: state["widgets"][name]["rectangle"] for name in
+                ("trvFolders", "grdItems", "frmOptions", "cmdRun", "picSlider")} | {"row": state["grid"][0]["rectangle"]}
+
+    at_first = shape(window.state())
+    corner = window.state()["widgets"]["panel"]["rectangle"]
+    for density in (72, 96):
+        draft = window.folder / "density"
+        draft.write_text(str(density))
+        draft.rename(str(window.state_file) + ".density")
+
+        def follows(state):
+            now, origin = shape(state), state["widgets"]["panel"]["rectangle"]
+            return all(abs((now[name][side] - origin[side % 2] * (side < 2)) * 96 / density -
+                           (at_first[name][side] - corner[side % 2] * (side < 2))) <= 12
+                       for name in at_first for side in range(4) if name != "row") and \
+                abs(now["row"][3] * 96 / density - at_first["row"][3]) <= 4
+        window.wait(f"the window at {density} dots per inch", follows)
+        if density == 72:
+            window.picture("another-density")
+
+
 def ask_about_menus(window):
     """Entries of menus, those that cannot be chosen now too, by keys and by mouse, and none of them does anything."""
     def topics():
@@ -114,6 +138,7 @@ def main():
             window.wait("rest", lambda state: not state["boxes"] and state["focus"] == "trvFolders" and
                         state["widgets"]["cmdRun"]["label"] == "&Clean")
             window.picture("cleaned")
+            move_to_another_monitor(window)
             point_for_tooltips(window)
             ask_about_menus(window)
             ask_for_help(window, browsed)

@@ -387,7 +387,8 @@ std::string Memory_Store::New_Entry_Id() {
 }
 
 Stored_Folder_Ptr Memory_Store::Find_Folder(MAPIFolder& folder) const {
-  const auto found = folder.StoreID() == store_id_ ? folders_.find(First_Text(folder.EntryID())) : folders_.end();
+  const auto found =
+      folder.StoreID() == store_id_ ? folders_.find(First_Text(folder.EntryID())) : folders_.end();
   if (found == folders_.end() || found->second->store == nullptr) Fail_Not_Found("The folder");
   return found->second;
 }
