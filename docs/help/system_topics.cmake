@@ -55,6 +55,14 @@ if(NOT DEFINED CMAKE_SCRIPT_MODE_FILE OR NOT CMAKE_SCRIPT_MODE_FILE STREQUAL CMA
   return()
 endif()
 
+# Topics that are no longer there.
+file(GLOB_RECURSE there RELATIVE ${TO} ${TO}/*.html)
+foreach(topic IN LISTS there)
+  if(NOT topic IN_LIST TOPICS)
+    file(REMOVE ${TO}/${topic})
+  endif()
+endforeach()
+
 set(mine ${SYSTEM})
 if(SYSTEM STREQUAL "windows")
   set(others others)
