@@ -86,6 +86,7 @@ for_windows=(
   wine64
   fonts-wine           # fonts that Windows has
   nsis                 # the installer
+  osslsigncode         # signs it, where there is a key
   libwxgtk3.2-dev
   libsqlite3-dev
   libzstd-dev

@@ -46,7 +46,7 @@ App::App(MainWindow& w, const Surroundings& s)
       clock(s.clock),
       window_message_box(w.frmRemoveItems, s.message_box),
       session(s.automation, w, message_box, errors),
-      protection(w, records, s.protection),
+      protection(w, records, session, s.protection),
       checks(w, records, deleted_items, s.limits, run, message_box, s.clock, errors),
       journal(s.automation, s.log, records, run, s.clock, message_box),
       copy_first(w, records, s.copies, status, run, phase, message_box, events, errors),
@@ -233,6 +233,10 @@ void App::End_Without_Store() {
   cache.StopCaching = cache.InterruptCaching = true;
   if (phase.Processing()) run.NotAllDeleted = true;
   phase.Lose_Store();
+}
+
+void App::End_With_System() {
+  Form_Unload();
 }
 
 // They do so at their next yield here as well.

@@ -69,6 +69,9 @@ struct App : private Interface_Loader {
   // Once for each run that ended with its process. For a front end whose person sees message boxes while the
   // window opens.
   void Tell_Killed_Runs();
+  // The session ends. Unloads the window as closing it does, but asks nothing; the program may be gone as
+  // soon as this returns.
+  void End_With_System();
 
   MainWindow& window;
   Automation& automation;

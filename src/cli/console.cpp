@@ -28,6 +28,10 @@ bool Is_Terminal(std::FILE* stream) {
   return isatty(fileno(stream)) != 0;
 }
 
+void Write_Text(std::FILE* stream, std::string_view text) {
+  std::fwrite(text.data(), 1, text.size(), stream);
+}
+
 void Catch_Interrupt() {
   interrupted = 0;
   if (wake_up[0] < 0 && pipe(wake_up.data()) == 0)

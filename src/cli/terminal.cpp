@@ -16,7 +16,6 @@ constexpr auto before_progress = 1s;
 constexpr auto between_progress = 100ms;
 // Longer lines would wrap, and a wrapped line cannot be overwritten.
 constexpr std::size_t progress_width = 79;
-constexpr const char* clear_line = "\r\x1B[K";
 
 bool Steers_Terminal(char32_t character) {
   return (character < 0x20 && character != '\t' && character != '\n') ||
@@ -67,7 +66,7 @@ Terminal::Terminal()
 
 void Terminal::Write(std::string_view text) {
   End_Progress();
-  std::fwrite(text.data(), 1, text.size(), stdout);
+  Write_Text(stdout, text);
 }
 
 void Terminal::Flush() {
@@ -85,7 +84,7 @@ void Terminal::Write_Aside(std::string_view text) {
   End_Progress();
   // Keeps the order of the two streams.
   std::fflush(stdout);
-  std::fwrite(text.data(), 1, text.size(), stderr);
+  Write_Text(stderr, text);
 }
 
 void Terminal::Write_Error(std::string_view text) {
@@ -110,16 +109,21 @@ void Terminal::Progress(std::string_view text) {
   if (!Progress_Due()) return;
   next_progress_ = Clock::now() + between_progress;
   const std::string line = Printable_Line(text);
-  const std::string_view shown = First_Characters(line, progress_width);
-  std::fprintf(stderr, "%s%.*s", clear_line, static_cast<int>(shown.size()), shown.data());
+  Clear_Line();
+  Write_Text(stderr, First_Characters(line, progress_width));
   std::fflush(stderr);
   progress_shown_ = true;
 }
 
 void Terminal::End_Progress() {
   if (!progress_shown_) return;
-  std::fputs(clear_line, stderr);
+  Clear_Line();
   progress_shown_ = false;
+}
+
+// With blanks: not every terminal knows a sequence that clears.
+void Terminal::Clear_Line() {
+  if (progress_shown_) Write_Text(stderr, '\r' + std::string(progress_width, ' ') + '\r');
 }
 
 bool Terminal::Interrupted() const {

@@ -51,6 +51,8 @@ class Terminal {
  private:
   using Clock = std::chrono::steady_clock;
 
+  void Clear_Line();
+
   bool can_ask_ = false;
   bool output_is_terminal_ = false;
   bool error_is_terminal_ = false;

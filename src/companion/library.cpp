@@ -24,6 +24,12 @@ class Counted_Factory : public com::Class_Factory {
 
 Counted_Factory factory([] { return Make_Mapi_Utils(); });
 
+HRESULT With_Own_Path(HRESULT (*work)(const std::wstring& path)) {
+  std::array<wchar_t, 32768> path{};
+  const DWORD length = GetModuleFileNameW(this_library, path.data(), static_cast<DWORD>(path.size()));
+  return length == 0 ? HRESULT_FROM_WIN32(GetLastError()) : work(path.data());
+}
+
 }  // namespace
 }  // namespace tidyfold::companion
 
@@ -44,12 +50,15 @@ STDAPI DllCanUnloadNow() {
 }
 
 STDAPI DllRegisterServer() {
-  std::array<wchar_t, 32768> path{};
-  const DWORD length = GetModuleFileNameW(this_library, path.data(), static_cast<DWORD>(path.size()));
-  if (length == 0) return HRESULT_FROM_WIN32(GetLastError());
-  return Register(path.data());
+  return With_Own_Path(Register);
 }
 
 STDAPI DllUnregisterServer() {
   return Unregister();
+}
+
+// "user", from regsvr32 /n /i:user: for the current user alone, whatever the rights.
+STDAPI DllInstall(BOOL install, LPCWSTR for_whom) {
+  if (for_whom == nullptr || lstrcmpiW(for_whom, L"user") != 0) return E_INVALIDARG;
+  return install ? With_Own_Path(Register_For_User) : Unregister_For_User();
 }

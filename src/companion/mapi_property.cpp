@@ -38,11 +38,20 @@ struct Mapi_Free {
   }
 };
 
+// The system's code page. CP_ACP is that of this process, which may have chosen UTF-8.
+UINT Code_Page_Of_System() {
+  DWORD page = 0;
+  GetLocaleInfoEx(LOCALE_NAME_SYSTEM_DEFAULT, LOCALE_IDEFAULTANSICODEPAGE | LOCALE_RETURN_NUMBER,
+                  reinterpret_cast<wchar_t*>(&page), sizeof page / sizeof(wchar_t));
+  return page == 0 ? CP_ACP : page;
+}
+
 std::wstring From_Code_Page(const char* text) {
-  const int length = MultiByteToWideChar(CP_ACP, 0, text, -1, nullptr, 0);
+  static const UINT page = Code_Page_Of_System();
+  const int length = MultiByteToWideChar(page, 0, text, -1, nullptr, 0);
   if (length <= 1) return {};
   std::wstring wide(static_cast<std::size_t>(length), L'\0');
-  MultiByteToWideChar(CP_ACP, 0, text, -1, wide.data(), length);
+  MultiByteToWideChar(page, 0, text, -1, wide.data(), length);
   wide.pop_back();
   return wide;
 }

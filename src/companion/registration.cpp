@@ -57,14 +57,23 @@ LSTATUS Remove_All(HKEY root) {
 }  // namespace
 
 HRESULT Register(const std::wstring& library_path) {
-  LSTATUS status = Write_All(HKEY_LOCAL_MACHINE, library_path);
-  if (status == ERROR_ACCESS_DENIED) status = Write_All(HKEY_CURRENT_USER, library_path);
+  const LSTATUS status = Write_All(HKEY_LOCAL_MACHINE, library_path);
+  if (status == ERROR_ACCESS_DENIED) return Register_For_User(library_path);
   return HRESULT_FROM_WIN32(static_cast<DWORD>(status));
 }
 
+HRESULT Register_For_User(const std::wstring& library_path) {
+  return HRESULT_FROM_WIN32(static_cast<DWORD>(Write_All(HKEY_CURRENT_USER, library_path)));
+}
+
 HRESULT Unregister() {
-  const LSTATUS user = Remove_All(HKEY_CURRENT_USER), machine = Remove_All(HKEY_LOCAL_MACHINE);
-  return HRESULT_FROM_WIN32(static_cast<DWORD>(machine != ERROR_SUCCESS ? machine : user));
+  const LSTATUS machine = Remove_All(HKEY_LOCAL_MACHINE);
+  const HRESULT user = Unregister_For_User();
+  return machine != ERROR_SUCCESS ? HRESULT_FROM_WIN32(static_cast<DWORD>(machine)) : user;
+}
+
+HRESULT Unregister_For_User() {
+  return HRESULT_FROM_WIN32(static_cast<DWORD>(Remove_All(HKEY_CURRENT_USER)));
 }
 
 }  // namespace tidyfold::companion

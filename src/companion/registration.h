@@ -14,7 +14,9 @@ inline constexpr const wchar_t* program_id = L"TidyDll.TidyMAPIUtils";
 
 // For all users of the machine, or for the current user if the rights are missing.
 HRESULT Register(const std::wstring& library_path);
+HRESULT Register_For_User(const std::wstring& library_path);
 // Removes both.
 HRESULT Unregister();
+HRESULT Unregister_For_User();
 
 }  // namespace tidyfold::companion

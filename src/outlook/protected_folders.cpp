@@ -1,5 +1,6 @@
 #include "outlook/protected_folders.h"
 
+#include <algorithm>
 #include <vector>
 
 #include "controls/interaction.h"
@@ -85,10 +86,29 @@ void Protected_Folders::Say_Why(int node) {
   said_ = reason;
 }
 
+bool Protected_Folders::Is_Marked(MAPIFolder& folder) const {
+  return marks_.Is_Protected(folder.StoreID(), folder.EntryID());
+}
+
+bool Protected_Folders::Is_One_Of(const std::vector<int>& nodes, MAPIFolder& folder) const {
+  return std::any_of(nodes.begin(), nodes.end(), [&](int node) {
+    MAPIFolder& known = *records_[node].Folder;
+    return known.StoreID() == folder.StoreID() && session_.Same_Folder(known.EntryID(), folder.EntryID());
+  });
+}
+
 void Protected_Folders::Demand_Unprotected(int node) const {
   bool is_protected = records_[node].Protected;
-  for (MAPIFolder_Ptr at = records_[node].Folder; !is_protected && at != nullptr; at = at->Parent())
-    is_protected = marks_.Is_Protected(at->StoreID(), at->EntryID());
+  for (int at = node; !is_protected && at != 0 && records_[at].Folder != nullptr; at = tree_.Parent(at))
+    is_protected = Is_Marked(*records_[at].Folder);
+  // On the way up a store may tell other texts for its folders than those that marks are kept by.
+  std::vector<int> known;
+  for (int at = 1; at <= tree_.Upper_Bound(); ++at)
+    if (Is_Protected_Itself(at) && records_[at].Folder != nullptr) known.push_back(at);
+  const MAPIFolder_Ptr folder = records_[node].Folder;
+  for (MAPIFolder_Ptr above = folder == nullptr ? nullptr : folder->Parent();
+       !is_protected && above != nullptr; above = above->Parent())
+    is_protected = Is_Marked(*above) || Is_One_Of(known, *above);
   if (is_protected)
     throw Automation_Error(automation_error::no_access,
                            "The folder " + Quoted(records_[node]) + " is protected.", application_title);

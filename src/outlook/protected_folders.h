@@ -3,17 +3,20 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "controls/main_window.h"
 #include "outlook/folder_data.h"
 #include "outlook/folder_protection.h"
+#include "outlook/session.h"
 
 namespace tidyfold {
 
 class Protected_Folders {
  public:
-  Protected_Folders(MainWindow& window, FolderData_Array& records, Folder_Protection& marks)
-      : window_(window), tree_(window.trvFolders), records_(records), marks_(marks) {}
+  Protected_Folders(MainWindow& window, FolderData_Array& records, Outlook_Session& session,
+                    Folder_Protection& marks)
+      : window_(window), tree_(window.trvFolders), records_(records), session_(session), marks_(marks) {}
 
   // Reads the mark of a folder whose node has just been added below one that was read before. A folder that
   // does not tell its identifiers counts as protected, and so does one whose mark cannot be read, for which
@@ -40,15 +43,19 @@ class Protected_Folders {
   void Say_Why(int node);
 
   // The last look before something is removed: asks again where the marks are kept, for the folder and for
-  // each above it where it lies now. Throws Automation_Error (no_access) for a protected one.
+  // each above it, in the tree and where it lies now. Throws Automation_Error (no_access) for a protected
+  // one.
   void Demand_Unprotected(int node) const;
 
  private:
   void Note(int node, bool itself);
+  bool Is_Marked(MAPIFolder& folder) const;
+  bool Is_One_Of(const std::vector<int>& nodes, MAPIFolder& folder) const;
 
   MainWindow& window_;
   TreeView& tree_;
   FolderData_Array& records_;
+  Outlook_Session& session_;
   Folder_Protection& marks_;
   std::string said_;  // as the status bar was given it last
 };

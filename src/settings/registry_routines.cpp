@@ -11,7 +11,6 @@ namespace tidyfold {
 
 namespace {
 
-constexpr Registry_Root settings_root = Registry_Root::Local_Machine;
 constexpr const char* settings_key = "Software\\Tidyfold";
 
 struct Setting {
@@ -68,7 +67,7 @@ Registry_Routines::Value Registry_Routines::Registry_Get_Value(Registry_Root roo
   return value;
 }
 
-void Registry_Routines::Registry_Set_Value(Registry_Root root, const std::string& sub_key,
+bool Registry_Routines::Registry_Set_Value(Registry_Root root, const std::string& sub_key,
                                            const std::string& name, const New_Value& value) {
   const std::string* const text = std::get_if<std::string>(&value);
   const std::optional<double> numeric =
@@ -76,6 +75,7 @@ void Registry_Routines::Registry_Set_Value(Registry_Root root, const std::string
   const std::int32_t number = numeric ? Rounded<std::int32_t>(*numeric) : 0;
   Registry::Key key = 0;
   last_registry_result_ = registry_.RegCreateKeyA(root, sub_key, key);
+  const bool opened = last_registry_result_ == registry_result::success;
   if (numeric) {
     last_registry_result_ = registry_.RegSetValueExA(key, name, registry_type::dword, &number, sizeof number);
   } else {
@@ -84,7 +84,9 @@ void Registry_Routines::Registry_Set_Value(Registry_Root root, const std::string
     last_registry_result_ = registry_.RegSetValueExA(key, name, registry_type::sz, trimmed.c_str(),
                                                      static_cast<std::uint32_t>(trimmed.size() + 1));
   }
+  const bool written = opened && last_registry_result_ == registry_result::success;
   last_registry_result_ = registry_.RegCloseKey(key);
+  return written;
 }
 
 void Registry_Routines::Registry_Create_Key(Registry_Root root, const std::string& sub_key) {
@@ -96,14 +98,21 @@ void Registry_Routines::Registry_Create_Key(Registry_Root root, const std::strin
 std::string Registry_Routines::Get_Setting(std::int16_t identifier) {
   const char* const name = Value_Name(identifier);
   if (name == nullptr) return {};
-  const Value value = Registry_Get_Value(settings_root, settings_key, name);
-  if (const auto* number = std::get_if<std::int32_t>(&value)) return std::to_string(*number);
-  return std::get<std::string>(value);
+  for (const Registry_Root root : {Registry_Root::Current_User, Registry_Root::Local_Machine}) {
+    const Value value = Registry_Get_Value(root, settings_key, name);
+    if (const auto* number = std::get_if<std::int32_t>(&value)) return std::to_string(*number);
+    if (const auto& text = std::get<std::string>(value); !text.empty()) return text;
+  }
+  return {};
 }
 
 void Registry_Routines::Save_Setting(std::int16_t identifier, const New_Value& value) {
-  if (const char* const name = Value_Name(identifier))
-    Registry_Set_Value(settings_root, settings_key, name, value);
+  const char* const name = Value_Name(identifier);
+  if (name == nullptr) return;
+  const bool written = Registry_Set_Value(Registry_Root::Local_Machine, settings_key, name, value);
+  // What the user's own key holds is read first, and must not be left behind.
+  if (!written || Registry_Get_Value(Registry_Root::Current_User, settings_key, name) != Value())
+    Registry_Set_Value(Registry_Root::Current_User, settings_key, name, value);
 }
 
 std::string Get_Parameter(std::string& name, std::string& parameters) {

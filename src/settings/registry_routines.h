@@ -18,7 +18,7 @@ inline constexpr std::int16_t home_dir = 3, main_screen_height = 300, main_scree
 }
 
 // A failed registry call is not an error: a value that cannot be read is an empty text, and one that cannot
-// be written is dropped. Last_Registry_Result holds the result of the latest call.
+// be written anywhere is dropped. Last_Registry_Result holds the result of the latest call.
 class Registry_Routines {
  public:
   using Value = std::variant<std::string, std::int32_t>;
@@ -30,14 +30,16 @@ class Registry_Routines {
   // Also an empty text for a value that is neither text nor a 32-bit number.
   Value Registry_Get_Value(Registry_Root root, const std::string& sub_key, const std::string& name);
   // A text that is a number in the user's locale is stored as a number. Numbers are rounded to 32 bits;
-  // throws std::overflow_error for one that does not fit, and writes nothing.
-  void Registry_Set_Value(Registry_Root root, const std::string& sub_key, const std::string& name,
+  // throws std::overflow_error for one that does not fit, and writes nothing. False where it was refused.
+  bool Registry_Set_Value(Registry_Root root, const std::string& sub_key, const std::string& name,
                           const New_Value& value);
   void Registry_Create_Key(Registry_Root root, const std::string& sub_key);
 
-  // A number comes back as its decimal text; an unknown identifier as empty text.
+  // Of the user's own key, or else of the machine's. A number comes back as its decimal text; an unknown
+  // identifier as empty text.
   std::string Get_Setting(std::int16_t identifier);
-  // Does nothing for an unknown identifier; throws like Registry_Set_Value.
+  // For the machine; for the user alone who may not write that. Does nothing for an unknown identifier;
+  // throws like Registry_Set_Value.
   void Save_Setting(std::int16_t identifier, const New_Value& value);
 
   // 0: the most recent registry call succeeded.

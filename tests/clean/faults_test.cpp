@@ -128,9 +128,9 @@ TEST(Faults, Another_Program_In_The_Same_Store_Never_Costs_A_Neighbour) {
 
 // In every yield and box of loading, of the run, and of loading afterwards.
 TEST(Faults, Commands_That_Come_In_Between_Wait_Or_End_The_Run_At_Once) {
-  enum Command { Clean, Refresh, Refresh_Current, Quit, Close };
+  enum Command { Clean, Refresh, Refresh_Current, Quit, Close, System_Ends };
   for (const Kind_Of_Run& way : ways)
-    for (int place = 0; place < 10; ++place)
+    for (int place = 0; place < 12; ++place)
       for (int number = 1, met = 1; met == 1 && !HasFailure(); ++number) {
         const bool in_box = place % 2 == 1;
         SCOPED_TRACE(way.name + (in_box ? " box " : " yield ") + std::to_string(place / 2) + " at " +
@@ -138,9 +138,9 @@ TEST(Faults, Commands_That_Come_In_Between_Wait_Or_End_The_Run_At_Once) {
         Kind_Run f(way);
         met = 0;
         std::size_t boxes = 0;
-        const std::function<void()> commands[] = {f.window.cmdRun.Click, f.window.mnuRefresh.Click,
-                                                  f.window.mnuRefreshCurrent.Click, f.window.mnuQuit.Click,
-                                                  f.window.frmRemoveItems.Close};
+        const std::function<void()> commands[] = {
+            f.window.cmdRun.Click,  f.window.mnuRefresh.Click,     f.window.mnuRefreshCurrent.Click,
+            f.window.mnuQuit.Click, f.window.frmRemoveItems.Close, [&] { f.app.End_With_System(); }};
         const auto act = [&] {
           if (std::exchange(met, 1) == 1) return;
           const bool counted = f.box.Boxes().size() > 0 &&
@@ -149,7 +149,9 @@ TEST(Faults, Commands_That_Come_In_Between_Wait_Or_End_The_Run_At_Once) {
           // What only Refresh Current can bring into the grid.
           if (place / 2 == Refresh_Current && way == "cached" && f.tree.Selected_Item() > 1)
             f.Add(f.Path(f.tree.Selected_Item()).substr(1), "unread");
+          const std::size_t asked = f.box.Boxes().size();
           commands[place / 2]();
+          EXPECT_TRUE(place / 2 != System_Ends || f.box.Boxes().size() == asked) << "asked at the very end";
           EXPECT_TRUE(!in_box || !counted || f.box.Count(" identified for ") == runs)
               << "a run in a run's question";
           // Nothing goes any more once the run is cancelled or the window closed.

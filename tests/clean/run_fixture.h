@@ -67,7 +67,7 @@ struct Run_Fixture : Window_Fixture {
 };
 
 inline const char* const behaviours[] = {"new ids", "local names", "no Deleted Items",
-                                         "moves what is removed"};
+                                         "moves what is removed", "two texts"};
 
 // One run of each kind over a small store.
 struct Kind_Of_Run {

@@ -82,6 +82,19 @@ TEST(Strategies, A_Folder_That_Was_Protected_Meanwhile_Is_Kept_And_Named) {
   }
 }
 
+TEST(Strategies, A_Folder_That_Lies_Below_A_Protected_One_Now_Is_Kept) {
+  for (const std::string behaviour : {"", "two texts"}) {
+    Window_Fixture f("add Old/a; protected Inbox; load; tick Old");
+    f.outlook.Store(1).Behave(behaviour);
+    f.outlook.Store(1).Move_Folder(*f.Folder("Old"), *f.Folder("Inbox"));
+    const auto before = f.Everything();
+    f.box.Answer_Anything();
+    f.window.cmdRun.Click();
+    EXPECT_EQ(f.Everything(), before) << behaviour;
+    EXPECT_GT(f.box.Count("is protected."), 0) << behaviour;
+  }
+}
+
 TEST(Strategies, Confirmations_Name_What_Goes_And_Are_Obeyed) {
   Window_Fixture f(
       "add Inbox/a; add Inbox/b; add Old/c; load; set ConfirmFolders ConfirmItems; tick Old; tick Inbox");

@@ -13,6 +13,8 @@
 #include <gtk/gtk.h>
 #elif defined(__WXMSW__)
 #include <windows.h>
+// After it.
+#include <commctrl.h>
 #endif
 
 #include <algorithm>
@@ -90,6 +92,41 @@ std::string Keyboard_Owner(const wxFrame* frame) {
 #endif
   return owner;
 }
+
+#ifdef __WXMSW__
+// The tooltip on the screen.
+std::string Tooltip() {
+  for (HWND tip = nullptr; (tip = FindWindowExW(nullptr, tip, TOOLTIPS_CLASSW, nullptr)) != nullptr;) {
+    DWORD process = 0;
+    GetWindowThreadProcessId(tip, &process);
+    if (process != GetCurrentProcessId() || !IsWindowVisible(tip)) continue;
+    std::array<wchar_t, 200> text{};
+    TOOLINFOW tool{};
+    tool.cbSize = sizeof tool;
+    tool.lpszText = text.data();
+    if (SendMessageW(tip, TTM_GETCURRENTTOOLW, 0, reinterpret_cast<LPARAM>(&tool)) != 0)
+      return From_Wx(text.data());
+  }
+  return {};
+}
+#endif
+
+#ifdef __WXMSW__
+// As when the window is moved to a monitor of another density, which a file tells in dots per inch.
+void Follow_Density(wxFrame& frame, const std::filesystem::path& told) {
+  int density = 0;
+  if (!(std::ifstream(told) >> density)) return;
+  std::filesystem::remove(told);
+  static int density_now = frame.GetDPI().x;
+  RECT place{};
+  GetWindowRect(frame.GetHandle(), &place);
+  place.right = place.left + (place.right - place.left) * density / density_now;
+  place.bottom = place.top + (place.bottom - place.top) * density / density_now;
+  density_now = density;
+  SendMessageW(frame.GetHandle(), WM_DPICHANGED, MAKEWPARAM(density, density),
+               reinterpret_cast<LPARAM>(&place));
+}
+#endif
 
 // The named widget that has the keyboard; of a compound one, as a whole.
 std::string Focus(const wxFrame& frame) {
@@ -182,7 +219,12 @@ void Window_State_File::Window_Built(wxFrame& frame, const MainWindow& window) {
 void Window_State_File::Program_Started() {
   if (wxString path; wxGetEnv("TIDYFOLD_WINDOW_STATE", &path)) path_ = From_Wx(path);
   timer_ = std::make_unique<wxTimer>();
-  timer_->Bind(wxEVT_TIMER, [this](wxTimerEvent&) { Write(); });
+  timer_->Bind(wxEVT_TIMER, [this](wxTimerEvent&) {
+#ifdef __WXMSW__
+    Follow_Density(*frame_, path_ + ".density");
+#endif
+    Write();
+  });
   timer_->Start(pace);
 }
 
@@ -208,6 +250,9 @@ std::string Window_State_File::Describe() const {
     state["said"] = From_Wx(bar->GetStatusText(0).BeforeFirst('\0'));
   // The pointer that asks What's This is the only one that the program changes.
   state["pointer_asks"] = wxIsBusy();
+#ifdef __WXMSW__
+  state["tooltip"] = Tooltip();
+#endif
   state["captured"] = wxWindow::GetCapture() != nullptr;
   json widgets = json::object();
   Describe_Widgets(*frame_, widgets);

@@ -29,7 +29,7 @@ TEST(Book, Every_Topic_Is_There_As_Written_And_Every_Link_Leads_Somewhere) {
     if (path.extension() != ".html") continue;
     pages.insert(file);
     const std::string text = book.Read(file).value();
-    EXPECT_EQ(text, File_Text(TIDYFOLD_HELP_SOURCES "/" + file)) << file;
+    EXPECT_EQ(text, File_Text(TIDYFOLD_HELP_TOPICS "/" + file)) << file;
     for (const std::string& link : Found(text, "href=\"([^\"]+)")) {
       const auto mark = std::min(link.find('#'), link.size());
       const fs::path target = mark == 0 ? path : path.parent_path() / link.substr(0, mark);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <map>
 #include <stdexcept>
 
 namespace tidyfold {
@@ -92,6 +93,52 @@ TEST(Registry_Routines, Reads_Whatever_Others_Have_Stored) {
     EXPECT_EQ(Registry_Routines(registry).Get_Setting(setting::help_screen_width), c.read);
     EXPECT_EQ(registry.open, 0);
   }
+}
+
+// One value for each root; that of the machine may be closed to writing.
+struct Value_By_Root : Registry {
+  std::map<Key, std::int32_t> values;
+  bool machine_may_be_written = true;
+
+  std::int32_t RegOpenKeyA(Registry_Root root, const std::string&, Key& key) override {
+    key = static_cast<Key>(root);
+    return registry_result::success;
+  }
+  std::int32_t RegCreateKeyA(Registry_Root root, const std::string& sub_key, Key& key) override {
+    if (machine_may_be_written || root != Registry_Root::Local_Machine)
+      return RegOpenKeyA(root, sub_key, key);
+    return registry_result::access_denied;
+  }
+  std::int32_t RegQueryValueExA(Key key, const std::string&, std::uint32_t& type, void* data,
+                                std::uint32_t& size) override {
+    if (!values.contains(key)) return registry_result::file_not_found;
+    type = registry_type::dword;
+    if (data != nullptr) std::memcpy(data, &values[key], size);
+    return registry_result::success;
+  }
+  std::int32_t RegSetValueExA(Key key, const std::string&, std::uint32_t, const void* data,
+                              std::uint32_t size) override {
+    if (key == 0) return registry_result::invalid_handle;
+    std::memcpy(&values[key], data, size);
+    return registry_result::success;
+  }
+  std::int32_t RegCloseKey(Key) override { return registry_result::success; }
+};
+
+TEST(Registry_Routines, A_Setting_That_The_Machine_Refuses_Is_The_Users_And_What_Is_The_Users_Counts) {
+  Value_By_Root registry;
+  Registry_Routines routines(registry);
+  const auto save = [&](double height) {
+    routines.Save_Setting(setting::help_screen_height, height);
+    return routines.Get_Setting(setting::help_screen_height);
+  };
+  EXPECT_EQ(save(6000), "6000");
+  EXPECT_EQ(registry.values.size(), 1u) << "of the machine, where that can be written";
+  registry.machine_may_be_written = false;
+  EXPECT_EQ(save(7000), "7000");
+  EXPECT_EQ(registry.values[static_cast<Registry::Key>(Registry_Root::Local_Machine)], 6000);
+  registry.machine_may_be_written = true;
+  EXPECT_EQ(save(8000), "8000") << "an older value of the user's hides none";
 }
 
 TEST(Numeric_Value, Follows_The_Locale) {

@@ -21,6 +21,8 @@ for program in sys.argv[1:]:
     assert needed, f"{program}: no imports were found"
     assert needed <= SYSTEM, f"{program} needs {needed - SYSTEM}"
     if program.endswith(".exe"):
+        stack = re.search(r"SizeOfStackReserve\s+([0-9a-f]+)", output_of("x86_64-w64-mingw32-objdump", "-p", program))
+        assert int(stack[1], 16) >= 64 << 20, f"{program} has too small a stack for deep folders: {stack[0]}"
         found = output_of("x86_64-w64-mingw32-windres", program) + open(program, "rb").read().decode("latin-1")
         wanted = RESOURCES | ({"RT_GROUP_ICON"} if program.endswith("tidyfold.exe") else set())
         missing = {resource for resource in wanted if resource not in found}

@@ -3,10 +3,12 @@
 
 import json
 import pathlib
+import re
 import subprocess
 import sys
 import tempfile
 
+from window_session import PATIENCE
 from wine_window import Wine_Window, windows_path
 
 SITE = "http://help.invalid"
@@ -32,6 +34,70 @@ def ask_for_help(window, browsed):
     window.keyboard("window")
 
 
+def point_for_tooltips(window):
+    """Windows shows the tip of what is right below the pointer, which in the tree and in the list is a part of it."""
+    for part, tip in (("trvFolders", "Folder Tree - "), ("grdItems", "Items List - "), ("chkSelectUnread", "Remove unread")):
+        x, y, width, height = window.usable(part)["rectangle"]
+        window.move_to(x + width // 2, y + height - 12, part)
+        window.xdotool("mousemove_relative", "1", "1")
+        window.wait(f"the tooltip of {part}", lambda state: state["tooltip"].startswith(tip))
+
+
+def move_to_another_monitor(window):
+    """Panes, and the rows of the list, keep their place in the window at another density, and come back with the first."""
+    def shape(state):
+        return {name: state["widgets"][name]["rectangle"] for name in
+                ("trvFolders", "grdItems", "frmOptions", "cmdRun", "picSlider")} | {"row": state["grid"][0]["rectangle"]}
+
+    at_first = shape(window.state())
+    corner = window.state()["widgets"]["panel"]["rectangle"]
+    for density in (72, 96):
+        draft = window.folder / "density"
+        draft.write_text(str(density))
+        draft.rename(str(window.state_file) + ".density")
+
+        def follows(state):
+            now, origin = shape(state), state["widgets"]["panel"]["rectangle"]
+            return all(abs((now[name][side] - origin[side % 2] * (side < 2)) * 96 / density -
+                           (at_first[name][side] - corner[side % 2] * (side < 2))) <= 12
+                       for name in at_first for side in range(4) if name != "row") and \
+                abs(now["row"][3] * 96 / density - at_first["row"][3]) <= 4
+        window.wait(f"the window at {density} dots per inch", follows)
+        if density == 72:
+            window.picture("another-density")
+
+
+def ask_about_menus(window):
+    """Entries of menus, those that cannot be chosen now too, by keys and by mouse, and none of them does anything."""
+    def topics():
+        return re.findall(r"::/controls/(\w+)\.html", (window.folder / "output.txt").read_text(errors="replace"))
+
+    for way, highlighted, topic in (("keys", "Tick the current folder and all", "mnuMarkBranch"),
+                                    ("mouse", "Stop reading items", "mnuStopLoading")):
+        before = window.state()["tree"]
+        window.key("shift+F1")
+        window.wait("the pointer that asks", lambda state: state["pointer_asks"] and state["captured"])
+        if way == "keys":
+            window.xdotool("key", "alt+o")
+        else:
+            x, y, *_ = window.state()["widgets"]["panel"]["rectangle"]
+            window.xdotool("mousemove", x + 55, y - 10, "click", 1)
+        for _ in range(10):
+            if highlighted in (window.state() or {}).get("said", ""):
+                break
+            window.xdotool("key", "Down", "sleep", "0.2")
+        window.wait(highlighted, lambda state: highlighted in state["said"])
+        if way == "mouse":
+            window.picture("whats-this-menu")
+        window.xdotool("key", "Return")
+        window.wait("the topic of " + topic, lambda _: topic in topics())
+        window.keyboard("other")
+        window.key("alt+F4", "other")
+        window.keyboard("window")
+        assert window.state()["tree"] == before
+    assert topics() == ["mnuMarkBranch", "mnuStopLoading"], topics()
+
+
 def main():
     wine, programs, screenshots = sys.argv[1], pathlib.Path(sys.argv[2]), sys.argv[3]
 
@@ -53,6 +119,7 @@ def main():
 
         def begin(window):
             window.environment["TIDYFOLD_SITE"] = SITE
+            window.environment["WINEDEBUG"] = "-all,trace+htmlhelp"
             window.run("reg", "add", r"HKCU\Software\Wine\WineBrowser", "/v", "Browsers", "/d", browser, "/f")
 
         with Wine_Window(wine, programs / "tidyfold-driven.exe", [store], screenshots, begin) as window:
@@ -71,8 +138,16 @@ def main():
             window.wait("rest", lambda state: not state["boxes"] and state["focus"] == "trvFolders" and
                         state["widgets"]["cmdRun"]["label"] == "&Clean")
             window.picture("cleaned")
+            move_to_another_monitor(window)
+            point_for_tooltips(window)
+            ask_about_menus(window)
             ask_for_help(window, browsed)
-            window.quit()
+            # The session ends in the middle of a question, and nobody is asked anything more.
+            window.tick_folder("Archive")
+            window.click("cmdRun")
+            window.box("identified for cleaning")
+            window.run("wineboot", "--end-session")
+            window.program.wait(PATIENCE)
             # The window and the command line share one log of runs.
             assert list(window.folder.glob("wine/drive_c/users/*/AppData/Local/Tidyfold/runs.sqlite"))
             logged = json.loads(window.run(programs / "tidyfold-cli.exe", "runs", "--json"))

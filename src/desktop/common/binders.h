@@ -18,6 +18,10 @@ class Binders {
     binders_.push_back(std::move(binder));
     return added;
   }
+  // Updates all widgets from their models.
+  void Show() {
+    for (const auto& binder : binders_) binder->Show();
+  }
   void Clear() { binders_.clear(); }
 
  private:

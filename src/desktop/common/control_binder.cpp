@@ -22,9 +22,8 @@ void Control_Binder::Follow_Position(const Scale& scale, wxWindow* whole) {
 void Control_Binder::Show() {
   From_Program([this] {
     if (widget_.IsThisEnabled() != model_.Enabled()) widget_.Enable(model_.Enabled());
-    if (const wxString tip = To_Lines(model_.Tool_Tip_Text());
-        !Has_Own_Tips() && tip != widget_.GetToolTipText())
-      widget_.SetToolTip(tip);
+    if (const wxString tip = To_Lines(model_.Tool_Tip_Text()); !Has_Own_Tips() && tip != shown_tip_)
+      Tip_Area().SetToolTip(shown_tip_ = tip);
     wxWindow& placed = whole_ != nullptr ? *whole_ : widget_;
     bool visible = model_.Visible();
     if (scale_ != nullptr) {

@@ -31,6 +31,8 @@ class Control_Binder {
   virtual void Show_Model() {}
   // Whether the widget shows tips by itself, for parts of it.
   virtual bool Has_Own_Tips() const { return false; }
+  // The part of the widget that the pointer is over: only there does Windows show a tooltip.
+  virtual wxWindow& Tip_Area() { return widget_; }
 
   // Runs a change that the program makes to the widget.
   template <class Action>
@@ -53,6 +55,7 @@ class Control_Binder {
   wxWindow& widget_;
   const Scale* scale_ = nullptr;
   wxWindow* whole_ = nullptr;
+  wxString shown_tip_;
   bool showing_ = false;
 };
 

@@ -17,17 +17,17 @@ namespace {
 constexpr const char* silent_value = "Not Shown";
 
 long Style(Buttons buttons, Icon icon) {
-  long style = icon == Icon::Critical ? wxICON_ERROR : 0;
+  const long style = icon == Icon::Critical ? wxICON_ERROR : wxICON_NONE;
   switch (buttons) {
     case Buttons::OK_Only:
-      return style | wxOK | (icon == Icon::None ? wxICON_INFORMATION : 0);
+      break;
     case Buttons::OK_Cancel:
-      return style | wxOK | wxCANCEL | wxCANCEL_DEFAULT | (icon == Icon::None ? wxICON_QUESTION : 0);
+      return style | wxOK | wxCANCEL | wxCANCEL_DEFAULT;
     case Buttons::Yes_No_Cancel:
-      return style | wxYES_NO | wxCANCEL | wxCANCEL_DEFAULT | (icon == Icon::None ? wxICON_QUESTION : 0);
+      return style | wxYES_NO | wxCANCEL | wxCANCEL_DEFAULT;
     case Buttons::Yes_No:
     case Buttons::Retry_Stop:
-      return style | wxYES_NO | wxNO_DEFAULT | (icon == Icon::None ? wxICON_QUESTION : 0);
+      return style | wxYES_NO | wxNO_DEFAULT;
   }
   return style | wxOK;
 }

@@ -56,7 +56,7 @@ Grid_Binder::Grid_Binder(FlexGrid& model, wxGrid& widget, wxStaticText& hint, Re
   widget_.EnableHidingColumns(false);
   widget_.SetDefaultRenderer(renderer_);
   widget_.SetDefaultCellFont(widget_.GetFont());
-  widget_.SetDefaultRowSize(widget_.GetCharHeight() + widget_.FromDIP(row_padding));
+  Set_Row_Height();
   widget_.SetDefaultCellBackgroundColour(Theme_Background());
   widget_.SetLabelFont(widget_.GetFont());
   widget_.SetColLabelAlignment(wxALIGN_LEFT, wxALIGN_CENTRE);
@@ -154,6 +154,17 @@ void Grid_Binder::Watch_Row() {
   if (row.row_data == watched_.row_data && row.item == watched_.item) return;
   watched_ = row;
   resting_.StartOnce(rest);
+}
+
+void Grid_Binder::Set_Row_Height() {
+  widget_.SetDefaultRowSize(widget_.GetCharHeight() + widget_.FromDIP(row_padding), true);
+}
+
+void Grid_Binder::Follow_Density(int dots_per_inch) {
+  scale_.Follow_Density(dots_per_inch);
+  Set_Row_Height();
+  shown_columns_ = ~std::uint64_t{0};
+  schedule_.Mark(*this);
 }
 
 void Grid_Binder::Show_Row_Count() {

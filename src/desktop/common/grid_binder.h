@@ -26,6 +26,7 @@ class Grid_Binder : public Control_Binder, public Late_Widget {
   ~Grid_Binder() override;
 
   void Catch_Up() override;
+  void Follow_Density(int dots_per_inch);
   // Opened by a right click, the menu key and Shift+F10.
   Context_Menu context_menu;
   // Opened by a right click on the header.
@@ -35,6 +36,7 @@ class Grid_Binder : public Control_Binder, public Late_Widget {
   void Show_Model() override;
   bool Has_Own_Tips() const override { return true; }
 
+  void Set_Row_Height();
   void Show_Columns();
   void Fill_Width();
   void Show_Row_Count();

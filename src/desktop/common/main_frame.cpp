@@ -133,6 +133,13 @@ void Main_Frame::Build_Panes() {
   grid_binder.context_menu =
       Entries({&model_.mnuOpenItem, nullptr, &model_.mnuSelectRow, &model_.mnuSelectAllRows, nullptr,
                &model_.mnuCopyRows, &model_.mnuPutBack});
+  // The window was moved to another screen. Its widgets have followed; the panes' places follow the models.
+  Bind(wxEVT_DPI_CHANGED, [this, &grid_binder](wxDPIChangedEvent& event) {
+    event.Skip();
+    scale_.Follow_Density(event.GetNewDPI().x);
+    grid_binder.Follow_Density(event.GetNewDPI().x);
+    binders_.Show();
+  });
   for (const MenuItem& field : model_.mnuSortBy) grid_binder.header_menu.push_back(Entries({&field}).front());
   for (const auto& entry : Entries({nullptr, &model_.mnuSortReverse, nullptr, &model_.mnuShowWillGo,
                                     &model_.mnuShowSize, &model_.mnuResetColumns}))

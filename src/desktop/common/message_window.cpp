@@ -10,6 +10,16 @@
 
 namespace tidyfold {
 
+namespace {
+
+// What follows keeps the program busy, and a paint event would be handled only afterwards.
+void Paint_Now(wxWindow& window) {
+  window.Update();
+  for (wxWindow* const child : window.GetChildren()) Paint_Now(*child);
+}
+
+}  // namespace
+
 Message_Window::Message_Window(MainWindow& model)
     : wxFrame(nullptr, wxID_ANY, To_Wx(model.frmMessageBox.Caption()), wxDefaultPosition, wxDefaultSize,
               wxBORDER_SIMPLE | wxFRAME_NO_TASKBAR),
@@ -39,7 +49,10 @@ Message_Window::~Message_Window() {
 }
 
 void Message_Window::Show_Form() {
-  if (const bool visible = model_.frmMessageBox.Visible(); visible != IsShown()) Show(visible);
+  const bool visible = model_.frmMessageBox.Visible();
+  if (visible == IsShown()) return;
+  Show(visible);
+  if (visible) Paint_Now(*this);
 }
 
 }  // namespace tidyfold

@@ -53,6 +53,9 @@ bool Program::OnInit() {
   wxUILocale::UseDefault();
   // The window may close before the last handler has returned; End_When_Unwound ends the event loop.
   SetExitOnFrameDelete(false);
+  // Nothing holds up the end of the session.
+  Bind(wxEVT_QUERY_END_SESSION, [](wxCloseEvent&) {});
+  Bind(wxEVT_END_SESSION, [this](wxCloseEvent&) { Session_Ends(); });
   ending_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) {
     // True when the main loop itself dispatches this timer, not a yield, a box or a dialog inside it.
     const bool unwound = !loading_ && message_box_.Open_Boxes() == 0 && !GetMainLoop()->IsYielding() &&
@@ -281,6 +284,17 @@ void Program::Commit() {
     stores_.Commit_Pending();
   } catch (const std::exception& error) {
     message_box_.Show(error.what(), Buttons::OK_Only, Icon::Critical, application_title);
+  }
+}
+
+// The system may end the program as soon as this returns, and nobody can be told anything.
+void Program::Session_Ends() {
+  if (app_) app_->End_With_System();
+  try {
+    stores_.Commit_Pending();
+  } catch (const std::exception&) {
+    // What is not kept is still in the store, and the log says so.
+    return;
   }
 }
 

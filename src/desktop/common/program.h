@@ -57,6 +57,7 @@ class Program : public wxApp {
   void Tell_Desktop(const std::string& text);
   void Offer_To_Compact_After(std::function<void()>& command);
   void Change_Stores(const std::function<bool()>& change);
+  void Session_Ends();
   void End_When_Unwound();
   void Commit();
 

@@ -11,6 +11,8 @@ namespace tidyfold {
 class Scale {
  public:
   explicit Scale(const wxWindow& window);
+  // The window has come to a screen of another density.
+  void Follow_Density(int dots_per_inch);
 
   int Pixels(Twips twips) const;
   Twips To_Twips(int pixels) const;

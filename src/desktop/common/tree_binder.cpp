@@ -345,7 +345,7 @@ void Tree_Binder::Show_Tip(const wxPoint& place) {
   const int node = Node_Of(item);
   if (node == std::exchange(tip_node_, node)) return;
   const bool own = node != 0 && model_.Exists(node) && !model_.Node_Tip(node).empty();
-  widget_.SetToolTip(To_Lines(own ? model_.Node_Tip(node) : model_.Tool_Tip_Text()));
+  Tip_Area().SetToolTip(To_Lines(own ? model_.Node_Tip(node) : model_.Tool_Tip_Text()));
 }
 
 void Tree_Binder::Open_Menu_That_Is_Due() {

@@ -31,6 +31,7 @@ class Tree_Binder : public Control_Binder,
 
  private:
   void Show_Model() override;
+  wxWindow& Tip_Area() override { return *widget_.GetMainWindow(); }
 
   void Node_Added(int index) override;
   void Node_Changed(int index) override;

@@ -106,7 +106,11 @@ class Automation_Item : public Item {
   MAPIFolder_Ptr Parent() override { return Make_Folder(session_, Object_In(Get(Member::Parent))); }
   void Delete() override { Call(Member::Delete); }
   Item_Ptr Move(MAPIFolder& folder) override;
-  void Display() override { Call(Member::Display); }
+  void Display() override {
+    // Only the program in front may let another one come to the front.
+    CoAllowSetForegroundWindow(object_.Get(), nullptr);
+    Call(Member::Display);
+  }
 
  private:
   Variant Get(Member member) { return Invoke(member, DISPATCH_PROPERTYGET); }

@@ -56,8 +56,8 @@ TEST(Automation, Every_Kind_Of_Run_Takes_What_Was_Chosen) {
 // In stores that behave as Memory_Store::Behave says, or refuse the table or one of its columns: the numbers
 // of calls are printed, for a look at what a run costs in each.
 TEST(Automation, Every_Kind_Of_Run_Keeps_To_It_In_Every_Kind_Of_Store) {
-  for (const std::string behaviour :
-       {"new ids", "local names", "no Deleted Items", "moves what is removed", "no table", "no column"})
+  for (const std::string behaviour : {"new ids", "local names", "no Deleted Items", "moves what is removed",
+                                      "two texts", "no table", "no column"})
     for (const Kind_Of_Run& way : ways) {
       SCOPED_TRACE(behaviour + ", " + way.name);
       Served_Store store;

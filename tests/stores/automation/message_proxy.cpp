@@ -20,6 +20,9 @@ const IID& tidyfold::com::Id_Of<IMAPIProp>() {
 
 namespace {
 
+// The system's code page under Wine. That of the program is UTF-8.
+constexpr UINT western = 1252;
+
 // Free with MAPIFreeBuffer.
 void* Allocate(std::size_t size) {
   using Function = SCODE(WINAPI*)(ULONG, void**);
@@ -65,7 +68,7 @@ class Message_Proxy : public tidyfold::com::Com_Object<IMAPIProp, IMarshal> {
     auto* wide_text = reinterpret_cast<wchar_t*>(all + tags->cValues);
     auto* narrow_text = reinterpret_cast<char*>(wide_text) + wide_size;
     std::memcpy(wide_text, wide.c_str(), wide_size);
-    WideCharToMultiByte(CP_ACP, 0, wide.c_str(), -1, narrow_text, static_cast<int>(narrow_size), nullptr,
+    WideCharToMultiByte(western, 0, wide.c_str(), -1, narrow_text, static_cast<int>(narrow_size), nullptr,
                         nullptr);
     HRESULT outcome = S_OK;
     for (ULONG i = 0; i < tags->cValues; ++i) {

@@ -22,6 +22,14 @@ namespace {
   throw Automation_Error(number, description, "Memory store");
 }
 
+// What the second text of an EntryID ends in.
+constexpr std::string_view other_text = "-too";
+
+std::string First_Text(std::string_view entry_id) {
+  if (entry_id.ends_with(other_text)) entry_id.remove_suffix(other_text.size());
+  return std::string(entry_id);
+}
+
 [[noreturn]] void Fail_Not_Found(const std::string& what) {
   Fail(automation_error::not_found, what + " is no longer there.");
 }
@@ -50,7 +58,9 @@ struct Stored_Folder : MAPIFolder, tidyfold::Store, std::enable_shared_from_this
     return *this;
   }
   Stored_Folder_Ptr Shared() { return Alive().shared_from_this(); }
-  MAPIFolder_Ptr Parent() override { return Alive().parent == nullptr ? nullptr : parent->Shared(); }
+  // As what is asked for the folder gets it; Folders leads to the folder itself.
+  MAPIFolder_Ptr Reached();
+  MAPIFolder_Ptr Parent() override { return Alive().parent == nullptr ? nullptr : parent->Reached(); }
   std::int32_t DefaultItemType() override { return Alive().default_item_type; }
   std::string EntryID() override { return Alive().entry_id; }
   std::string StoreID() override { return Alive().store->store_id_; }
@@ -60,7 +70,7 @@ struct Stored_Folder : MAPIFolder, tidyfold::Store, std::enable_shared_from_this
   Table_Ptr GetTable() override;
   Store_Ptr Store() override { return Alive().store->top_; }
   MAPIFolder_Ptr GetDefaultFolder(std::int32_t folder_type) override {
-    return Default_Folder_Below(folder_type);
+    return Default_Folder_Below(folder_type)->Reached();
   }
   Stored_Folder_Ptr Default_Folder_Below(std::int32_t type) {
     const Default_Folder* wanted = Find_Default_Folder(type);
@@ -78,6 +88,26 @@ struct Stored_Folder : MAPIFolder, tidyfold::Store, std::enable_shared_from_this
   // Without recursion: trees may be deep.
   void Remove_For_Good();
 };
+
+// The same folder under another text.
+struct Other_Text : MAPIFolder {
+  explicit Other_Text(Stored_Folder_Ptr named) : folder(std::move(named)) {}
+  MAPIFolder_Ptr Parent() override { return folder->Parent(); }
+  std::int32_t DefaultItemType() override { return folder->DefaultItemType(); }
+  std::string EntryID() override { return folder->EntryID() + std::string(other_text); }
+  std::string StoreID() override { return folder->StoreID(); }
+  std::string Name() override { return folder->Name(); }
+  Folders_Ptr Folders() override { return folder->Folders(); }
+  Items_Ptr Items() override { return folder->Items(); }
+  Table_Ptr GetTable() override { return folder->GetTable(); }
+  Store_Ptr Store() override { return folder->Store(); }
+  Stored_Folder_Ptr folder;
+};
+
+MAPIFolder_Ptr Stored_Folder::Reached() {
+  if (!Alive().store->two_texts_) return Shared();
+  return std::make_shared<Other_Text>(Shared());
+}
 
 struct Stored_Item : tidyfold::Item, Mapi_Object, std::enable_shared_from_this<Stored_Item> {
   std::string entry_id;
@@ -115,7 +145,7 @@ struct Stored_Item : tidyfold::Item, Mapi_Object, std::enable_shared_from_this<S
     return Alive().data.flagged ? flag_status::marked : flag_status::none;
   }
   std::int64_t Size() override { return Alive().data.size; }
-  MAPIFolder_Ptr Parent() override { return Alive().folder->Shared(); }
+  MAPIFolder_Ptr Parent() override { return Alive().folder->Reached(); }
   void Delete() override {
     if (Alive().folder->store->deletes_for_good_) return Lie_In(nullptr);
     const auto deleted = Alive().folder->store->top_->Default_Folder_Below(default_folder_deleted_items);
@@ -329,6 +359,7 @@ void Memory_Store::Change_Item(const std::string& entry_id, const std::function<
 void Memory_Store::Behave(std::string_view way) {
   new_ids_ = new_ids_ || way == "new ids";
   removing_moves_ = removing_moves_ || way == "moves what is removed";
+  two_texts_ = two_texts_ || way == "two texts";
   if (way == "no Deleted Items") {
     deletes_for_good_ = true;
     top_->Default_Folder_Below(default_folder_deleted_items)->Remove_For_Good();
@@ -356,7 +387,8 @@ std::string Memory_Store::New_Entry_Id() {
 }
 
 Stored_Folder_Ptr Memory_Store::Find_Folder(MAPIFolder& folder) const {
-  const auto found = folder.StoreID() == store_id_ ? folders_.find(folder.EntryID()) : folders_.end();
+  const auto found =
+      folder.StoreID() == store_id_ ? folders_.find(First_Text(folder.EntryID())) : folders_.end();
   if (found == folders_.end() || found->second->store == nullptr) Fail_Not_Found("The folder");
   return found->second;
 }
@@ -385,6 +417,10 @@ std::shared_ptr<Application> Memory_Outlook::GetObject(const std::string& path, 
 MAPIFolder_Ptr Memory_Outlook::GetDefaultFolder(std::int32_t folder_type) {
   if (stores_.empty()) Fail(automation_error::not_found, "No store is open.");
   return stores_.front()->Top_Folder()->Store()->GetDefaultFolder(folder_type);
+}
+
+bool Memory_Outlook::CompareEntryIDs(const std::string& one, const std::string& other) {
+  return First_Text(one) == First_Text(other);
 }
 
 Item_Ptr Memory_Outlook::GetItemFromID(const std::string& entry_id, const std::string& store_id) {

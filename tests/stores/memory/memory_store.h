@@ -60,7 +60,8 @@ class Memory_Store : public Store_Writer {
   //   new ids: what is moved gets another EntryID;
   //   local names: Deleted Items and others bear the names of another language, and are known by identity;
   //   no Deleted Items: there is no such folder, and what is deleted is gone;
-  //   moves what is removed: Items.Remove puts into Deleted Items.
+  //   moves what is removed: Items.Remove puts into Deleted Items;
+  //   two texts: a folder that is no element of Folders has another EntryID than as one of these.
   void Behave(std::string_view way);
 
  private:
@@ -75,7 +76,7 @@ class Memory_Store : public Store_Writer {
   Memory_Outlook& outlook_;
   std::string store_id_;
   int last_id_ = 0;
-  bool new_ids_ = false, deletes_for_good_ = false, removing_moves_ = false;
+  bool new_ids_ = false, deletes_for_good_ = false, removing_moves_ = false, two_texts_ = false;
   std::map<std::int32_t, memory::Stored_Folder_Ptr> roles_;  // of folders whose names do not tell them
   // Removed ones included: an EntryID is never used again.
   std::unordered_map<std::string, memory::Stored_Folder_Ptr> folders_;
@@ -115,6 +116,7 @@ class Memory_Outlook : public Automation, Application, NameSpace, Folders, Mapi_
   Folders_Ptr Folders() override { return Borrowed<tidyfold::Folders>(); }
   MAPIFolder_Ptr GetDefaultFolder(std::int32_t folder_type) override;
   Item_Ptr GetItemFromID(const std::string& entry_id, const std::string& store_id) override;
+  bool CompareEntryIDs(const std::string& one, const std::string& other) override;
   std::int32_t Count() override { return static_cast<std::int32_t>(stores_.size()); }
   MAPIFolder_Ptr Item(std::int32_t index) override;
   MAPIFolder_Ptr Add(const std::string& name, std::int32_t default_item_type) override;
