@@ -126,7 +126,8 @@ TEST(Maildir_Cleaning, Turbo_And_Whole_Folders) {
   f.events.Forget_Waiting();
   f.outlook.Commit_Pending();
   EXPECT_EQ(f.app.run.ProcessedCount, 150);
-  for (const auto& [mail, folder] : f.lay_in) EXPECT_EQ(f.Folder_Of(mail), folder == ".Old" ? "gone" : folder);
+  for (const auto& [mail, folder] : f.lay_in)
+    EXPECT_EQ(f.Folder_Of(mail), folder == ".Old" ? "gone" : folder);
   EXPECT_EQ(f.Folder_Of(late), ".Old");
   f.window.chkDeleteFolders.Set_Value(1);
   tree.Tick(f.Node("Old"), true), tree.MouseUp();
