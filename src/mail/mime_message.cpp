@@ -229,8 +229,8 @@ std::optional<std::int64_t> Plain_Mail_Date(std::string_view text) {
   const std::chrono::year_month_day day{std::chrono::year(number(12, 4)),
                                         std::chrono::month(static_cast<unsigned>(month / 3 + 1)),
                                         std::chrono::day(static_cast<unsigned>(number(5, 2)))};
-  if (!day.ok() || number(17, 2) > 23 || number(20, 2) > 59 || number(23, 2) > 59 || number(27, 2) > 14 ||
-      number(29, 2) > 59)
+  if (!day.ok() || number(12, 4) < 1970 || number(17, 2) > 23 || number(20, 2) > 59 || number(23, 2) > 59 ||
+      number(27, 2) > 14 || number(29, 2) > 59)
     return std::nullopt;
   const std::int64_t days = std::chrono::sys_days(day).time_since_epoch().count();
   const std::int64_t zone = (number(27, 2) * 60 + number(29, 2)) * (text[26] == '-' ? -60 : 60);
