@@ -69,9 +69,8 @@ TEST(Rtf, Becomes_What_A_Reader_Sees) {
 TEST(Mail_Date, The_Usual_Form_Means_What_It_Means_In_Any_Other) {
   To_Utf8("", "latin1");  // starts GMime
   for (const std::string zone : {"+0000", "-0000", "+0530", "-0930", "+1400", "+0200 (CEST)"}) {
-    for (const std::string moment :
-         {"Tue, 14 Nov 2023 12:00:00 ", "Fri, 1 Mar 2024 00:00:00 ", "Thu, 29 Feb 2024 23:59:59 ",
-          "Thu, 31 Dec 1969 23:59:59 ", "Mon, 31 Dec 1900 05:06:07 "}) {
+    for (const std::string moment : {"Tue, 14 Nov 2023 12:00:00 ", "Fri, 1 Mar 2024 00:00:00 ",
+                                     "Thu, 29 Feb 2024 23:59:59 ", "Thu, 31 Dec 1969 23:59:59 "}) {
       const Date usual = Parse_Mail_Date(" " + moment + zone);
       EXPECT_NE(usual, no_date) << moment << zone;
       EXPECT_EQ(usual, Parse_Mail_Date(moment.substr(0, 4) + " " + moment.substr(4) + zone))

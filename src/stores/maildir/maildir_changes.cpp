@@ -101,7 +101,7 @@ void Maildir_Store::Move(Mail& mail, const std::string& folder_entry_id) {
   if (to == nullptr || to->gone) Fail(automation_error::not_found, "The folder is no longer there.");
   if (to == &tree_.Top()) Fail(automation_error::not_supported, "The top folder of a Maildir holds no mail.");
   // What lies there already is known before more comes.
-  Look_At(*to);
+  if (to->mail->looked == 0) Look_At(*to);
   Queue(mail, to);
 }
 
@@ -109,7 +109,7 @@ void Maildir_Store::Delete(Mail& mail) {
   Demand_There(mail);
   Folder& trash = Trash();
   if (mail.folder == &trash) return Queue(mail, nullptr);
-  Look_At(trash);
+  if (trash.mail->looked == 0) Look_At(trash);
   Queue(mail, &trash);
 }
 

@@ -176,7 +176,7 @@ void Maildir_Store::Look_At_Tree() {
     tree_.Add_Unmade(tree_.Top(), new_trash_name);
 }
 
-void Maildir_Store::Look_At(Folder& folder) {
+void Maildir_Store::Look_At(Folder& folder, Look look) {
   if (folder.gone) Fail(automation_error::not_found, "The folder is no longer there.");
   if (!folder.has_mail || folder.to_be_made) return;
   Mail_List& list = *folder.mail;
@@ -188,7 +188,7 @@ void Maildir_Store::Look_At(Folder& folder) {
     if (folder.gone) Fail(automation_error::not_found, "The folder is no longer there.");
   }
   const bool same = cur == list.cur_changed && fresh == list.new_changed;
-  if (same && std::max(cur, fresh) + maildir::moment < list.looked) return;
+  if (same && (look == Look::By_Times || std::max(cur, fresh) + maildir::moment < list.looked)) return;
   if (list.looked != 0 && list.Count() > large_directory &&
       maildir::Now() - list.looked < share_of_reading * list.took)
     return;
@@ -465,7 +465,8 @@ Item_Ptr Maildir_Store::GetItemFromID(const std::string& entry_id) {
     for (const auto& [id, folder] : tree_.All()) Look_At(*folder);
     found = mails_.find(entry_id);
   } else {
-    Look_At(*found->second->folder);
+    // Who changes it goes by its name, and misses if that is another by now.
+    Look_At(*found->second->folder, Look::By_Times);
   }
   if (found == mails_.end() || found->second->gone)
     Fail(automation_error::not_found, "The item is no longer there.");

@@ -49,8 +49,10 @@ class Maildir_Store : public Mail_Store, public std::enable_shared_from_this<Mai
   // For the objects. All throw Automation_Error.
   using Folder = maildir::Folder;
   using Mail = maildir::Mail;
-  // Sees to it that the folder is known as it is now. Throws not_found for one that has gone.
-  void Look_At(Folder& folder);
+  // Sees to it that the folder is known as it is now, or at least as the times of its directories tell.
+  // Throws not_found for one that has gone.
+  enum class Look { Closely, By_Times };
+  void Look_At(Folder& folder, Look look = Look::Closely);
   void Look_At_Tree();
   std::string Entry_Id(const Mail& mail) const;
   // What the mail's file says now. Throws call_failed for a file that is no mail.
