@@ -1,6 +1,7 @@
 #include "mail/mime_message.h"
 
 #include <algorithm>
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <string>
@@ -197,9 +198,50 @@ class Body_Reader {
   std::vector<Uuencoded_File> uuencoded_;
 };
 
+// "Tue, 14 Nov 2023 12:00:00 +0100", as nearly all mail has it, in seconds since 1970; nothing for any other
+// form.
+std::optional<std::int64_t> Plain_Mail_Date(std::string_view text) {
+  constexpr std::string_view months = "JanFebMarAprMayJunJulAugSepOctNovDec",
+                             usual = "Mon, 01 Jan 2000 00:00:00 +0000";
+  text = text.substr(std::min(text.find_first_not_of(" \t\r\n"), text.size()));
+  std::string padded;
+  if (text.size() > 6 && text[3] == ',' && text[6] == ' ') {  // a day of one digit
+    padded = std::string(text.substr(0, 5)) + "0" + std::string(text.substr(5, usual.size() - 6));
+    text = padded;
+  }
+  if (text.size() < usual.size() ||
+      (text.size() > usual.size() && text[usual.size()] != ' ' && text[usual.size()] != '\r'))
+    return std::nullopt;
+  text = text.substr(0, usual.size());
+  for (std::size_t at = 0; at < usual.size(); ++at) {
+    const bool digit = text[at] >= '0' && text[at] <= '9', wanted = usual[at] >= '0' && usual[at] <= '9';
+    const bool sign = usual[at] == '+' && (text[at] == '+' || text[at] == '-');
+    const bool letter = at < 3 || (at >= 8 && at < 11);
+    if (wanted ? !digit : !letter && !sign && text[at] != usual[at]) return std::nullopt;
+  }
+  const auto number = [&](std::size_t at, std::size_t length) {
+    int value = 0;
+    for (const char digit : text.substr(at, length)) value = value * 10 + (digit - '0');
+    return value;
+  };
+  const std::size_t month = months.find(text.substr(8, 3));
+  if (month == std::string_view::npos || month % 3 != 0) return std::nullopt;
+  const std::chrono::year_month_day day{std::chrono::year(number(12, 4)),
+                                        std::chrono::month(static_cast<unsigned>(month / 3 + 1)),
+                                        std::chrono::day(static_cast<unsigned>(number(5, 2)))};
+  if (!day.ok() || number(12, 4) < 1970 || number(17, 2) > 23 || number(20, 2) > 59 || number(23, 2) > 59 ||
+      number(27, 2) > 14 || number(29, 2) > 59)
+    return std::nullopt;
+  const std::int64_t days = std::chrono::sys_days(day).time_since_epoch().count();
+  const std::int64_t zone = (number(27, 2) * 60 + number(29, 2)) * (text[26] == '-' ? -60 : 60);
+  return days * 86400 + number(17, 2) * 3600 + number(20, 2) * 60 + number(23, 2) - zone;
+}
+
 }  // namespace
 
 Date Parse_Mail_Date(std::string_view text, bool as_written) {
+  if (!as_written)
+    if (const auto seconds = Plain_Mail_Date(text)) return Local_Date(*seconds);
   constexpr std::size_t longest = 256;
   const std::string terminated(text.substr(0, longest));
   const std::unique_ptr<GDateTime, decltype(&g_date_time_unref)> date(

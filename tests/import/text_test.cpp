@@ -1,8 +1,9 @@
 // Charsets, HTML, RTF and dates.
+#include "import/import_fixture.h"
 #include "mail/charset.h"
 #include "mail/html_text.h"
-#include "import/import_fixture.h"
 #include "mail/local_date.h"
+#include "mail/mime_message.h"
 #include "mail/rtf_text.h"
 
 namespace tidyfold {
@@ -62,6 +63,23 @@ TEST(Rtf, Becomes_What_A_Reader_Sees) {
       {R"(}}}no groups\)", "no groups"},
   };
   for (const auto& [rtf, text] : cases) EXPECT_EQ(Rtf_To_Text(rtf), text) << rtf;
+}
+
+// The usual form is read by itself; a second blank sends it to the reader of all other forms.
+TEST(Mail_Date, The_Usual_Form_Means_What_It_Means_In_Any_Other) {
+  To_Utf8("", "latin1");  // starts GMime
+  for (const std::string zone : {"+0000", "-0000", "+0530", "-0930", "+1400", "+0200 (CEST)"}) {
+    for (const std::string moment : {"Tue, 14 Nov 2023 12:00:00 ", "Fri, 1 Mar 2024 00:00:00 ",
+                                     "Thu, 29 Feb 2024 23:59:59 ", "Thu, 31 Dec 1969 23:59:59 "}) {
+      const Date usual = Parse_Mail_Date(" " + moment + zone);
+      EXPECT_NE(usual, no_date) << moment << zone;
+      EXPECT_EQ(usual, Parse_Mail_Date(moment.substr(0, 4) + " " + moment.substr(4) + zone))
+          << moment << zone;
+    }
+  }
+  for (const char* none :
+       {"Tue, 31 Feb 2023 12:00:00 +0000", "Tue, 14 Nov 2023 24:00:00 +0000", "Tue, 14 Nov", ""})
+    EXPECT_EQ(Parse_Mail_Date(none), Parse_Mail_Date(std::string(none) + " ")) << none;
 }
 
 TEST(Local_Date, Follows_The_Zone_And_Knows_No_Date) {

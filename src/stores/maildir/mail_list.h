@@ -21,6 +21,7 @@ struct Mail {
   bool pending = false;    // moved or deleted here, not yet on disk
   std::uint32_t twin = 0;  // several files have the unique name
   std::uint32_t slot = 0;  // in its folder's list
+  std::uint32_t seen = 0;  // in the reading of this number
   std::uint64_t inode = 0;
   Folder* folder = nullptr;
 

@@ -49,8 +49,10 @@ class Maildir_Store : public Mail_Store, public std::enable_shared_from_this<Mai
   // For the objects. All throw Automation_Error.
   using Folder = maildir::Folder;
   using Mail = maildir::Mail;
-  // Sees to it that the folder is known as it is now. Throws not_found for one that has gone.
-  void Look_At(Folder& folder);
+  // Sees to it that the folder is known as it is now, or at least as the times of its directories tell.
+  // Throws not_found for one that has gone.
+  enum class Look { Closely, By_Times };
+  void Look_At(Folder& folder, Look look = Look::Closely);
   void Look_At_Tree();
   std::string Entry_Id(const Mail& mail) const;
   // What the mail's file says now. Throws call_failed for a file that is no mail.
@@ -77,8 +79,7 @@ class Maildir_Store : public Mail_Store, public std::enable_shared_from_this<Mai
   Maildir_Store(const Store_Address& address, const Maildir_Options& options);
   void Check_Place() const;
   void Read(Folder& folder);
-  bool Scan(Folder& folder, bool is_new, std::vector<Mail*>& came,
-            std::unordered_map<const Mail*, int>& seen);
+  bool Scan(Folder& folder, bool is_new, std::vector<Mail*>& came);
   Mail& Note(Folder& folder, std::string name, bool is_new, std::uint64_t inode, std::vector<Mail*>& came);
   bool Is_On_Disk(const Folder& folder, const Mail& mail) const;
   std::string Read_File(Mail& mail, std::size_t most, std::int64_t& size);
@@ -99,6 +100,7 @@ class Maildir_Store : public Mail_Store, public std::enable_shared_from_this<Mai
   maildir::Folder_Tree tree_;
   Header_Cache cache_;
   std::int64_t cached_ = 0;
+  std::uint32_t reading_ = 0;                                     // of a directory, counted
   std::unordered_map<std::string, std::unique_ptr<Mail>> mails_;  // by EntryID
   std::vector<Change> queue_;
   std::weak_ptr<Group_Watcher> watcher_;

@@ -20,6 +20,7 @@ namespace fs = std::filesystem;
 
 // Deeper than any tree that a path can name.
 constexpr int deepest = 200;
+constexpr int most_searches = 5000;
 constexpr const char* inbox_name = "Inbox";
 constexpr const char* top_id = "T";
 // What is being removed, here or by mail servers.
@@ -44,19 +45,9 @@ std::vector<std::string> Directories_In(const fs::path& directory, std::error_co
   return names;
 }
 
-// A Maildir, or a directory with one somewhere below.
-bool Leads_To_Mail(const fs::path& directory, int depth) {
-  if (Is_Maildir(directory)) return true;
-  if (depth >= deepest) return false;
-  std::error_code error;
-  for (const std::string& name : Directories_In(directory, error))
-    if (!name.starts_with('.') && Leads_To_Mail(directory / name, depth + 1)) return true;
-  return false;
-}
-
 }  // namespace
 
-std::int64_t Changed(const fs::path& directory) {
+std::int64_t Changed(const std::string& directory) {
   struct stat about = {};
   if (::stat(directory.c_str(), &about) != 0) return 0;
   return std::int64_t{about.st_mtim.tv_sec} * 1'000'000'000 + about.st_mtim.tv_nsec;
@@ -70,7 +61,7 @@ std::int64_t Now() {
 
 bool Folder_Tree::Is_Due() const {
   return seen_.empty() || std::any_of(seen_.begin(), seen_.end(), [&](const auto& seen) {
-           const std::int64_t changed = Changed(top_path_ / seen.first);
+           const std::int64_t changed = Changed((top_path_ / seen.first).native());
            return changed != seen.second.changed || changed + moment >= seen.second.looked;
          });
 }
@@ -82,6 +73,8 @@ void Folder_Tree::Look() {
   const fs::directory_iterator readable(top_path_, unreadable);
   if (unreadable) throw fs::filesystem_error("", top_path_, unreadable);
   seen_.clear();
+  listed_.clear();
+  searches_left_ = most_searches;
   has_dotted_ = has_nested_ = false;
   for (const auto& [id, folder] : folders_) {
     folder->children.clear();
@@ -149,9 +142,25 @@ void Folder_Tree::Make_Maildir(Folder& folder, const std::string& directory, boo
   folder.to_be_made = false;
 }
 
+// A Maildir, or a directory with one somewhere below.
+bool Folder_Tree::Leads_To_Mail(const fs::path& directory, int depth) {
+  if (Is_Maildir(directory)) return true;
+  if (depth >= deepest || --searches_left_ < 0) return false;
+  std::error_code error;
+  for (const std::string& name : Directories_In(directory, error))
+    if (!name.starts_with('.') && Leads_To_Mail(directory / name, depth + 1)) return true;
+  return false;
+}
+
+bool Folder_Tree::Is_Listed_First(const fs::path& directory) {
+  struct stat about = {};
+  return ::stat(directory.c_str(), &about) == 0 && listed_.emplace(about.st_dev, about.st_ino).second;
+}
+
 void Folder_Tree::Read_Directory(Folder& parent, const std::string& directory, int depth) {
   const fs::path path = top_path_ / directory;
-  const std::int64_t changed = Changed(path);
+  if (!Is_Listed_First(path)) return;
+  const std::int64_t changed = Changed(path.native());
   std::error_code error;
   const std::vector<std::string> names = Directories_In(path, error);
   seen_[directory] = {changed, Now()};
@@ -163,6 +172,9 @@ void Folder_Tree::Read_Directory(Folder& parent, const std::string& directory, i
       continue;
     }
     if (depth >= deepest || !Leads_To_Mail(path / name, depth)) continue;
+    struct stat about = {};
+    if (::stat((path / name).c_str(), &about) != 0 || listed_.contains({about.st_dev, about.st_ino}))
+      continue;
     has_nested_ = true;
     Folder& folder = Put(parent, "F" + below, From_Maildir_Name(name));
     folder.directory = below;

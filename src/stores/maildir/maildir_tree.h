@@ -7,7 +7,9 @@
 #include <filesystem>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "stores/maildir/mail_list.h"
@@ -42,6 +44,10 @@ class Folder_Tree {
   Folder* Find(const std::string& entry_id) const;
   const std::filesystem::path& Path() const { return top_path_; }
   std::filesystem::path Path_Of(const Folder& folder) const { return top_path_ / folder.directory; }
+  // The same as text, which costs less.
+  std::string Text_Of(const Folder& folder) const {
+    return folder.directory.empty() ? top_path_.native() : top_path_.native() + "/" + folder.directory;
+  }
   // Where a new folder lies. Throws Automation_Error for a name that no such folder can have.
   std::string Directory_For(const Folder& parent, const std::string& name) const;
   // Adds a folder that has no directory yet.
@@ -57,6 +63,8 @@ class Folder_Tree {
   };
   bool Is_Due() const;
   void Read_Directory(Folder& parent, const std::string& directory, int depth);
+  bool Leads_To_Mail(const std::filesystem::path& directory, int depth);
+  bool Is_Listed_First(const std::filesystem::path& directory);
   void Add_Dotted(const std::string& directory);
   Folder& Put(Folder& parent, const std::string& entry_id, const std::string& name);
   void Make_Maildir(Folder& folder, const std::string& directory, bool dotted);
@@ -67,11 +75,14 @@ class Folder_Tree {
   std::map<std::string, std::unique_ptr<Folder>> folders_;  // by EntryID, without those that have gone
   std::vector<std::unique_ptr<Folder>> gone_;
   std::map<std::string, Seen> seen_;  // the directories that were listed
+  // Of one look: links may form cycles, and whoever names a home directory has many that hold no mail.
+  std::set<std::pair<std::uint64_t, std::uint64_t>> listed_;  // device and inode
+  int searches_left_ = 0;
   bool has_dotted_ = false, has_nested_ = false;
 };
 
 // When a directory was last changed, in nanoseconds since 1970; 0 where there is none.
-std::int64_t Changed(const std::filesystem::path& directory);
+std::int64_t Changed(const std::string& directory);
 std::int64_t Now();
 // A change may share its moment with one that came after the look.
 constexpr std::int64_t moment = 50'000'000;

@@ -74,6 +74,7 @@ TEST_F(Maildir_Test, ShowsTheFoldersOfEveryForm) {
     program.Make_Folder(folder);
   std::filesystem::create_directory(program.Top() / "no mail");
   std::filesystem::create_directory(program.Top() / ".hidden");
+  std::filesystem::create_directory_symlink("..", program.Top() / "Nested" / "cycle");
   program.Deliver("", "one");
   program.Deliver("", "new", "new");
   program.Deliver("", "marked as deleted", "ST");
