@@ -95,8 +95,7 @@ void Account::Do(const std::function<void(Mail_Session&)>& work) {
   } catch (const Connection_Error& error) {
     Fail(automation_error::unavailable, error.what());
   } catch (const Protocol_Error& error) {
-    Fail(automation_error::unavailable,
-         std::string("The mail server cannot be understood. ") + error.what());
+    Fail(automation_error::unavailable, std::string("The mail server cannot be understood. ") + error.what());
   } catch (const Interrupted& error) {
     Fail(automation_error::unavailable, error.what());
   } catch (const Refused& error) {
@@ -395,8 +394,8 @@ void Account::Fetch_Missing(Mail_Session& session, Mailbox& mailbox, Uid after, 
   const auto next = [&](Uid behind) {
     std::vector<Uid> missing;
     const std::lock_guard guard(lock_);
-    auto at = static_cast<std::size_t>(
-        std::upper_bound(mailbox.uids.begin(), mailbox.uids.end(), behind) - mailbox.uids.begin());
+    auto at = static_cast<std::size_t>(std::upper_bound(mailbox.uids.begin(), mailbox.uids.end(), behind) -
+                                       mailbox.uids.begin());
     for (; at < mailbox.uids.size() && missing.size() < fetch_size_; ++at)
       if ((mailbox.flags[at] & Mailbox::has_row) == 0) missing.push_back(mailbox.uids[at]);
     return missing;
@@ -544,7 +543,7 @@ void Account::Carry_Out_Batch(Mail_Session& session, std::vector<Change*>& batch
   Mailbox& box = Box(first.mailbox);
   Look_And_Keep(session, box);
   std::uint64_t mod_seq = 0;
-  std::vector<Uid> uids;
+  std::vector<Uid> uids, marked;
   {
     const std::lock_guard guard(lock_);
     const bool same = box.uid_validity == first.uid_validity;
@@ -567,6 +566,10 @@ void Account::Carry_Out_Batch(Mail_Session& session, std::vector<Change*>& batch
         }
       } else if (differs(*change)) {
         change->reason = "It was changed since it was shown.";
+      } else if (change->sent && change->target == 0 &&
+                 (box.flags[*box.Place_Of(change->uid)] & message_flag::deleted) != 0) {
+        // The connection dropped between the two steps.
+        marked.push_back(change->uid);
       } else {
         if (change->mod_seq != 0) mod_seq = std::min(mod_seq, change->mod_seq);
         uids.push_back(change->uid);
@@ -574,7 +577,7 @@ void Account::Carry_Out_Batch(Mail_Session& session, std::vector<Change*>& batch
       }
     }
   }
-  if (uids.empty()) return;
+  if (uids.empty() && marked.empty()) return;
   std::string why;
   std::vector<Moved_Message> moved;
   if (first.target != 0 && !session.Can_Move()) {
@@ -584,7 +587,8 @@ void Account::Carry_Out_Batch(Mail_Session& session, std::vector<Change*>& batch
   } else if (!session.Can_Expunge()) {
     why = "The mail server cannot delete single messages for good (UIDPLUS); nothing was deleted.";
   } else {
-    why = session.Expunge(uids, mod_seq);
+    if (!marked.empty()) why = session.Expunge_Marked(marked);
+    if (!uids.empty()) why = session.Expunge(uids, mod_seq);
   }
   std::unordered_map<Uid, Moved_Message> by_uid;
   for (const Moved_Message& message : moved) by_uid[message.uid] = message;

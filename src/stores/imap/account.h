@@ -80,8 +80,8 @@ class Account {
   std::uint8_t Flags(std::size_t mailbox, Uid uid) const;
   // With what is known of the message now.
   Change Plan_Change(std::size_t mailbox, std::uint32_t uid_validity, Uid uid, std::size_t target) const;
-  // The rows of the next messages behind a UID, no more than `most`. Rows that were not fetched yet are waited
-  // for, and those behind them fetched meanwhile.
+  // The rows of the next messages behind a UID, no more than `most`. Rows that were not fetched yet are
+  // waited for, and those behind them fetched meanwhile.
   std::vector<Message_Data> Rows_Behind(std::size_t mailbox, Uid after, std::size_t most);
   // Throws not_found.
   Message_Data Row(std::size_t mailbox, Uid uid);
@@ -114,7 +114,7 @@ class Account {
   mutable std::mutex lock_;  // of what both threads know
   std::vector<std::unique_ptr<Mailbox>> mailboxes_;
   std::vector<std::string> alerts_;
-  std::uint64_t fetching_ = 0;     // counts what is to be fetched ahead; the latest alone goes on
+  std::uint64_t fetching_ = 0;  // counts what is to be fetched ahead; the latest alone goes on
 
   char delimiter_ = '/';
   std::size_t fetch_size_ = 100, move_size_ = 100;  // messages at a time

@@ -25,10 +25,10 @@ std::int32_t Role_Of(const Value& attribute) {
 
 }  // namespace
 
-Mail_Session::Mail_Session(const Account_Settings& settings, const Interruption& interruption, std::mutex& lock)
+Mail_Session::Mail_Session(const Account_Settings& settings, const Interruption& interruption,
+                           std::mutex& lock)
     : settings_(settings), lock_(lock) {
-  auto transport =
-      settings.connect ? settings.connect(interruption) : Connect(settings.server, interruption);
+  auto transport = settings.connect ? settings.connect(interruption) : Connect(settings.server, interruption);
   client_ = std::make_unique<imap::Client>(std::move(transport), interruption, settings.patience);
   client_->on_untagged = [this](const Response& response) { Take(response); };
   if (!client_->Greet()) Log_In(*client_, settings.login, settings.server);
@@ -86,21 +86,21 @@ std::vector<Listed_Mailbox> Mail_Session::List() {
 }
 
 void Mail_Session::Ask_Status(Mailbox& mailbox) {
-  client_->Run(
-      Command("STATUS ").String(mailbox.wire_name).Raw(" (MESSAGES UIDVALIDITY)"), [&](const Response& response) {
-        const auto arguments = response.Arguments();
-        if (response.Name() != "STATUS" || arguments.size() < 2) return;
-        const auto values = arguments[1].List();
-        const std::lock_guard guard(lock_);
-        for (std::size_t at = 0; at + 1 < values.size(); at += 2) {
-          const auto number = values[at + 1].Number_32();
-          if (values[at].Is("MESSAGES")) mailbox.messages = number.value_or(mailbox.messages);
-          if (!values[at].Is("UIDVALIDITY") || !number || *number == mailbox.uid_validity) continue;
-          mailbox.uid_validity = *number;
-          mailbox.Forget_Messages();
-        }
-        mailbox.looked_at = std::chrono::steady_clock::now();
-      });
+  client_->Run(Command("STATUS ").String(mailbox.wire_name).Raw(" (MESSAGES UIDVALIDITY)"),
+               [&](const Response& response) {
+                 const auto arguments = response.Arguments();
+                 if (response.Name() != "STATUS" || arguments.size() < 2) return;
+                 const auto values = arguments[1].List();
+                 const std::lock_guard guard(lock_);
+                 for (std::size_t at = 0; at + 1 < values.size(); at += 2) {
+                   const auto number = values[at + 1].Number_32();
+                   if (values[at].Is("MESSAGES")) mailbox.messages = number.value_or(mailbox.messages);
+                   if (!values[at].Is("UIDVALIDITY") || !number || *number == mailbox.uid_validity) continue;
+                   mailbox.uid_validity = *number;
+                   mailbox.Forget_Messages();
+                 }
+                 mailbox.looked_at = std::chrono::steady_clock::now();
+               });
 }
 
 void Mail_Session::Unselect() {
@@ -318,8 +318,8 @@ std::string Mail_Session::Move(const std::vector<Uid>& uids, const Mailbox& targ
   const bool at_once = client_->Has("MOVE");
   Command command(at_once ? "UID MOVE " : "UID COPY ");
   command.Raw(set).Raw(" ").String(target.wire_name);
-  const auto answer = client_->Finish(
-      client_->Send(command), [&](const Response& response) { Take_Copied(response, moved); });
+  const auto answer = client_->Finish(client_->Send(command),
+                                      [&](const Response& response) { Take_Copied(response, moved); });
   Take_Copied(*answer, moved);
   if (answer->Name() != "OK") return answer->Text().empty() ? "The server refused." : answer->Text();
   if (at_once) return {};
@@ -348,10 +348,14 @@ std::string Mail_Session::Expunge(const std::vector<Uid>& uids, std::uint64_t mo
   } else if (answer->Name() != "OK") {
     return answer->Text().empty() ? "The server refused." : answer->Text();
   }
-  if (left.empty()) return why;
-  const auto expunged = client_->Finish(client_->Send(Command("UID EXPUNGE " + Format_Uid_Set(left))));
-  if (expunged->Name() != "OK") return expunged->Text();
-  return why;
+  const std::string refused = left.empty() ? std::string() : Expunge_Marked(left);
+  return refused.empty() ? why : refused;
+}
+
+std::string Mail_Session::Expunge_Marked(const std::vector<Uid>& uids) {
+  const auto answer = client_->Finish(client_->Send(Command("UID EXPUNGE " + Format_Uid_Set(uids))));
+  if (answer->Name() == "OK") return {};
+  return answer->Text().empty() ? "The server refused." : answer->Text();
 }
 
 }  // namespace tidyfold::imap

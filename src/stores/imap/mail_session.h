@@ -75,6 +75,8 @@ class Mail_Session {
   std::string Move(const std::vector<Uid>& uids, const Mailbox& target, std::vector<Moved_Message>& moved);
   // For good; only those that are as they were when the mailbox was looked at with this `mod_seq`.
   std::string Expunge(const std::vector<Uid>& uids, std::uint64_t mod_seq);
+  // The same of messages that are marked as deleted already.
+  std::string Expunge_Marked(const std::vector<Uid>& uids);
 
   imap::Client& Client() { return *client_; }
   // The mailbox was renamed or deleted.
