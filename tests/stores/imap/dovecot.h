@@ -24,6 +24,7 @@ inline constexpr const char* dovecot_program = "/usr/lib/dovecot/imap";
 struct Wire {
   std::vector<std::string> hidden;  // capabilities that the server does not seem to have
   std::int64_t bytes_left = -1;     // then the connection drops; -1: it does not
+  std::int64_t and_again = -1;      // what `bytes_left` is then
   int connections = 0;
 };
 
@@ -53,7 +54,7 @@ class Wired_Transport : public Transport {
   std::size_t Allowed(std::size_t size) {
     if (wire_.bytes_left < 0) return size;
     if (wire_.bytes_left == 0) {
-      wire_.bytes_left = -1;
+      wire_.bytes_left = wire_.and_again;
       throw Connection_Error("The connection to the mail server was lost.");
     }
     return std::min(size, static_cast<std::size_t>(wire_.bytes_left));
@@ -110,6 +111,15 @@ class Other_Client {
   void Append(const std::string& mailbox, const std::string& message, const std::string& flags = "",
               const std::string& date = "17-Jul-2020 12:44:25 +0000") {
     client_.Run(Command("APPEND ").String(mailbox).Raw(" (" + flags + ") \"" + date + "\" ").String(message));
+  }
+  // How many messages have a property.
+  std::size_t Count(const std::string& mailbox, const std::string& property) {
+    std::size_t count = 0;
+    client_.Run(Command("SELECT ").String(mailbox));
+    client_.Run(Command("SEARCH " + property), [&](const Response& response) {
+      if (response.Name() == "SEARCH") count = response.Arguments().size();
+    });
+    return count;
   }
   void Empty(const std::string& mailbox) {
     if (Subjects(mailbox).empty()) return;
