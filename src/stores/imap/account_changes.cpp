@@ -120,7 +120,12 @@ void Account::Carry_Out_Batch(Mail_Session& session, std::vector<Change*>& batch
   const Change& first = *batch.front();
   Mailbox& box = Box(first.mailbox);
   Mailbox& target = Box(first.target);
-  Look_And_Keep(session, box);
+  bool is_fresh = false;
+  {
+    const std::lock_guard guard(lock_);
+    is_fresh = session.Has_Selected(box) && Clock::now() - box.looked_at < settings_.trust;
+  }
+  if (!is_fresh) Look_And_Keep(session, box);
   Steps steps;
   std::unordered_map<Uid, Change*> by_uid;
   {

@@ -570,7 +570,9 @@ std::shared_ptr<Mail_Store> Open_Account(const Store_Address& address, const Sto
                                                                            : Security::Start_Tls;
   settings.login.user = address.user;
   if (!opening.password)
-    Fail_To_Open(Reason::Not_Let_In, address, "There is no password for \"" + address.Text() + "\".");
+    Fail_To_Open(
+        Reason::Not_Supported, address,
+        "Mail accounts are opened on the command line: tidyfold-cli --store " + address.Text() + " ...");
   // The first is asked for here, where a person can be asked.
   settings.login.secret = [address, password = opening.password, first = opening.password(address, 0),
                            asked = 0]() mutable {

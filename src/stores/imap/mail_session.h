@@ -56,6 +56,7 @@ class Mail_Session {
   // Selects it where it is not, and looks what has come, gone and changed. Afterwards it is listed. Where its
   // UIDVALIDITY is another, all that was known of its messages is forgotten.
   void Look(Mailbox& mailbox);
+  bool Has_Selected(const Mailbox& mailbox) const { return selected_ == &mailbox; }
 
   // What the server has told of messages of the selected mailbox since it was last asked for; rows only as
   // far as they were fetched.
