@@ -33,7 +33,7 @@ TEST(Arguments, lists_may_be_given_at_once_or_one_by_one) {
   const Arguments one_by_one = Read_Arguments(
       {"items", "--store=a", "--folder=[Gmail]", "--csv", "--folder", "folders", "--store", "b"});
   for (const Arguments& arguments : {at_once, one_by_one}) {
-    EXPECT_EQ(arguments.stores, (std::vector<std::filesystem::path>{"a", "b"}));
+    EXPECT_EQ(Store_Files(arguments), (std::vector<std::filesystem::path>{"a", "b"}));
     EXPECT_EQ(arguments.folders, (Words{"[Gmail]", "folders"}));
     EXPECT_EQ(arguments.form, Form::Csv);
   }
@@ -58,7 +58,7 @@ TEST_F(Interrupt, cancels_a_run_as_the_button_does) {
   Make_Sample();
   Terminal terminal;
   Arguments arguments;
-  arguments.stores = {store_};
+  arguments.stores = {std::filesystem::path(store_)};
   Session session(arguments, Store_Mode::Read_Write, terminal, Answering::Agree, true);
   session.Load();
   Choice(session).Mark(Find_Folder(session.Folders(), "Inbox"));

@@ -1,5 +1,6 @@
 #include "settings/file_registry.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "doubles/temporary_directory.h"
@@ -107,22 +108,27 @@ TEST_F(File_Registry_Test, Takes_Over_The_Two_Files_Of_Earlier_Versions_Once) {
   const auto take_over = [&] {
     File_Registry registry(file_, nullptr);
     Take_Over_Old_Settings(folder, registry);
-    return Last_Stores(registry);
+    std::vector<std::string> texts;
+    for (const Store_Address& store : Last_Stores(registry)) texts.push_back(store.Text());
+    return texts;
   };
   std::ofstream(folder / "registry.json") << R"({"HKEY_LOCAL_MACHINE": {"Software\\Tidyfold": {)"
                                           << R"("HelpScreenHeight": {"type": "REG_DWORD", "data": 5000}}}})";
   std::ofstream(folder / "tidyfold.conf") << "2=/not/of/the/group\n[Stores]\n1=/a b/my \\\\ store\n"
                                           << "2=/Privé\n[Other]\n4=/x\n";
-  const std::vector<std::filesystem::path> stores{"/a b/my \\ store", "/Privé"};
+  const std::vector<std::string> stores{"/a b/my \\ store", "/Privé"};
   EXPECT_EQ(take_over(), stores);
   EXPECT_EQ(Setting(setting::help_screen_height), "5000");
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 1);
   // What is kept now is newer than a file that comes back.
   File_Registry registry(file_, nullptr);
-  ASSERT_TRUE(Keep_Last_Stores(registry, {"/new", "2"}));
-  ASSERT_TRUE(Keep_Last_Stores(registry, {"/newer"}));
+  const std::string addresses[] = {"maildir:/mail", "imaps://me%40example.org@host:1993/", "/newer"};
+  ASSERT_TRUE(Keep_Last_Stores(registry, {Read_Store_Address("/new"), Read_Store_Address("2"),
+                                          Store_Address("/3"), Store_Address("/4")}));
+  ASSERT_TRUE(Keep_Last_Stores(registry, {Read_Store_Address(addresses[0]), Read_Store_Address(addresses[1]),
+                                          Read_Store_Address(addresses[2])}));
   std::ofstream(folder / "tidyfold.conf") << "[Stores]\n1=/old\n";
-  EXPECT_EQ(take_over(), std::vector<std::filesystem::path>{"/newer"});
+  EXPECT_THAT(take_over(), testing::ElementsAreArray(addresses));
   EXPECT_FALSE(std::filesystem::exists(folder / "tidyfold.conf"));
 }
 #endif
