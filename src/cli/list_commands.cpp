@@ -2,6 +2,7 @@
 #include "cli/choice.h"
 #include "cli/commands.h"
 #include "cli/listing.h"
+#include "stores/sqlite/embedded_store.h"
 
 namespace tidyfold::cli {
 
