@@ -90,6 +90,7 @@ for_windows=(
   fonts-wine           # fonts that Windows has
   nsis                 # the installer
   osslsigncode         # signs it, where there is a key
+  openssl              # a key to try that with
   libwxgtk3.2-dev
   libsqlite3-dev
   libzstd-dev
