@@ -1,7 +1,7 @@
 // Charsets, HTML, RTF and dates.
+#include "import/import_fixture.h"
 #include "mail/charset.h"
 #include "mail/html_text.h"
-#include "import/import_fixture.h"
 #include "mail/local_date.h"
 #include "mail/rtf_text.h"
 
