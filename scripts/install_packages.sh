@@ -28,6 +28,8 @@ to_build=(
   libical-dev          # iCalendar
   libgsf-1-dev         # MSG
   libutf8proc-dev      # case mapping
+  libcurl4-openssl-dev # connections to mail servers
+  libsecret-1-dev      # the desktop's keyring; can be left out
   libcli11-dev         # the command line
   nlohmann-json3-dev
   libchm-dev           # the help book
@@ -53,6 +55,7 @@ to_test=(
   python3-gi
   mutt                 # reads what was exported
   mblaze
+  dovecot-imapd        # a mail server
 )
 to_check=(
   clang-format         # layout of the sources
@@ -87,6 +90,7 @@ for_windows=(
   fonts-wine           # fonts that Windows has
   nsis                 # the installer
   osslsigncode         # signs it, where there is a key
+  openssl              # a key to try that with
   libwxgtk3.2-dev
   libsqlite3-dev
   libzstd-dev

@@ -42,8 +42,11 @@ class Pictures:
         window = Session(self.programs / "tidyfold-driven", [store], screen=screen, folder=HOME,
                          environment=environment)
         window.answer("All Folders Loaded")
+        window.wait("the keyboard", lambda state: state["keyboard"] == "window" and state["focus"])
         if maximize:
-            window.xdotool("getactivewindow", "windowsize", "100%", "100%")
+            wide, high = map(int, screen.split("x"))
+            # The frame around it takes some.
+            window.xdotool("getactivewindow", "windowsize", wide - 2, high - 24)
             window.xdotool("getactivewindow", "windowmove", "0", "0")
             time.sleep(0.5)
         return window
@@ -60,7 +63,8 @@ class Pictures:
     def choose(self, window, folder="Inbox", preview=True):
         """A folder ticked, filters set, the frame on a row that goes."""
         window.tick_folder(folder)
-        window.tick("chkSelectDate")
+        window.key("alt+t")
+        window.wait("the date filter", lambda state: state["widgets"]["chkSelectDate"]["checked"])
         state = window.wait("rows", lambda state: state["rows"] > 5)
         goes = next((at for at, row in enumerate(state["grid"], 1) if row["texts"][1] == "1"), 2)
         window.click_row(goes)

@@ -19,8 +19,8 @@
 
 #include "import/import.h"
 #include "import/mbox_reader.h"
-#include "mail/mime_message.h"
 #include "import/source_file.h"
+#include "mail/mime_message.h"
 #include "stores/sqlite/embedded_store.h"
 
 namespace tidyfold {

@@ -9,7 +9,7 @@ namespace {
 
 constexpr Twips margin = 120;
 constexpr Twips button_gap = 60;
-constexpr Twips least_grid_width = 1200;
+constexpr Twips least_grid_width = 2700;
 
 }  // namespace
 

@@ -302,10 +302,12 @@ Arguments Read_Arguments(std::vector<std::string> given) {
   app.set_version_flag("--version", "tidyfold-cli " TIDYFOLD_VERSION);
   app.require_subcommand(1);
   app.fallthrough();
-  Add_List(app, "--store", raw.stores, "A store: a file, maildir:DIRECTORY or imaps://USER@HOST/; repeat it for several stores")
+  Add_List(app, "--store", raw.stores,
+           "A store: a file, maildir:DIRECTORY or imaps://USER@HOST/; repeat it for several stores")
       ->type_name("STORE");
-  app.add_option("--password-command", arguments.password_command,
-                 "A command that writes the password of a mail account, instead of the keyring or the terminal")
+  app.add_option(
+         "--password-command", arguments.password_command,
+         "A command that writes the password of a mail account, instead of the keyring or the terminal")
       ->type_name("COMMAND");
   app.add_flag("--outlook", arguments.outlook, "What Outlook has open, on Windows");
   Add_Store_Commands(app, arguments, raw);

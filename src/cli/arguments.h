@@ -36,7 +36,7 @@ struct Options {
 struct Arguments {
   Command command = Command::Check;
   std::vector<Store_Address> stores;
-  bool outlook = false;  // what Outlook has open, instead of files
+  bool outlook = false;          // what Outlook has open, instead of files
   std::string password_command;  // writes the password of mail accounts
   Form form = Form::Text;
 

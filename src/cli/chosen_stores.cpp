@@ -2,8 +2,16 @@
 
 #include "cli/failure.h"
 #include "errors/automation_error.h"
+#include "stores/opening/accounts.h"
 
 namespace tidyfold::cli {
+
+Store_Opening Opening_For(const Arguments& arguments, Store_Mode mode, Terminal& terminal) {
+  Store_Opening opening(mode, Told_On(terminal, "Bringing the store up to date"));
+  opening.password = Account_Passwords(arguments.password_command);
+  opening.serve = [&terminal] { return !terminal.Interrupted(); };
+  return opening;
+}
 
 Chosen_Stores::Chosen_Stores(const Arguments& arguments) {
   if (!arguments.outlook) return;

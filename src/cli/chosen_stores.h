@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "cli/arguments.h"
+#include "cli/terminal.h"
 #include "outlook/object_model.h"
 #include "outlook/store_session.h"
 #include "stores/opening/open_store.h"
@@ -14,6 +15,10 @@ namespace tidyfold::cli {
 
 // Null on systems without Outlook. Throws Automation_Error if the system's automation is not available.
 std::unique_ptr<Automation> Make_Outlook();
+
+// How the stores of the command line are opened: with progress, passwords, and Ctrl-C. The terminal must
+// outlive the stores.
+Store_Opening Opening_For(const Arguments& arguments, Store_Mode mode, Terminal& terminal);
 
 class Chosen_Stores {
  public:

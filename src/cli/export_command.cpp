@@ -5,6 +5,7 @@
 #include <iterator>
 #include <utility>
 
+#include "cli/chosen_stores.h"
 #include "cli/commands.h"
 #include "cli/listing.h"
 #include "cli/store_folders.h"
@@ -42,7 +43,7 @@ class Export_Command {
  public:
   Export_Command(const Arguments& arguments, Terminal& terminal)
       : arguments_(arguments), terminal_(terminal) {
-    stores_.Open(arguments.stores, Store_Mode::Read_Only);
+    stores_.Open(arguments.stores, Opening_For(arguments, Store_Mode::Read_Only, terminal_));
   }
 
   Exit_Status Run() {

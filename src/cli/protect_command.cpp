@@ -1,4 +1,5 @@
 // The command that protects folders.
+#include "cli/chosen_stores.h"
 #include "cli/commands.h"
 #include "cli/folder_path.h"
 #include "cli/store_folders.h"
@@ -26,7 +27,7 @@ Exit_Status Protect(const Arguments& arguments, Terminal& terminal) {
   Stored_Protection marks(*registry);
   Store_Session stores(&Open_Store);
   stores.Keep_Marks_In(&marks);
-  stores.Open(arguments.stores, {Store_Mode::Read_Write, Told_On(terminal, "Bringing the store up to date")});
+  stores.Open(arguments.stores, Opening_For(arguments, Store_Mode::Read_Write, terminal));
   const std::vector<Store_Folder> all = List_Folders(stores);
   std::vector<Store_Folder> folders;
   // Every path is looked up before anything is changed.

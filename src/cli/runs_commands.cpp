@@ -153,7 +153,8 @@ class Undo_Command {
     if (arguments_.outlook) {
       stores_.Name_Space();
     } else if (run) {
-      stores_.Open(arguments_.stores.empty() ? Places(*run) : arguments_.stores, Store_Mode::Read_Write);
+      stores_.Open(arguments_.stores.empty() ? Places(*run) : arguments_.stores,
+                   Opening_For(arguments_, Store_Mode::Read_Write, terminal_));
     }
     session_.Start_Outlook();
     const Taking_Back_Report report =

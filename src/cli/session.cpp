@@ -5,7 +5,6 @@
 
 #include "cli/failure.h"
 #include "controls/widgets.h"
-#include "stores/opening/accounts.h"
 
 namespace tidyfold::cli {
 
@@ -34,10 +33,7 @@ Session::Session(const Arguments& arguments, Store_Mode mode, Terminal& terminal
       stored_protection_(*registry_),
       app_(window_, {stores_.Source(), message_box_, events_, clock_, log_, limits_, Marks(protection),
                      nullptr, arguments.outlook ? nullptr : &copies_}) {
-  Store_Opening opening(mode, Told_On(terminal, "Bringing the store up to date"));
-  opening.password = Account_Passwords(arguments.password_command);
-  opening.serve = [&terminal] { return !terminal.Interrupted(); };
-  stores_.Open(arguments.stores, opening);
+  stores_.Open(arguments.stores, Opening_For(arguments, mode, terminal));
   folders_ = List_Folders(*stores_.Name_Space(), stores_.Names());
   events_.due = [this] { Events_Due(); };
   events_.urgent = [this] { return !interrupt_handled_ && terminal_.Interrupted(); };

@@ -7,9 +7,9 @@
 #include <utility>
 
 #include "export/item_form.h"
+#include "import/message_parts.h"
 #include "mail/charset.h"
 #include "mail/item_identity.h"
-#include "import/message_parts.h"
 
 namespace tidyfold {
 namespace {

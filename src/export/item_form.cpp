@@ -12,13 +12,13 @@
 #include "base/text.h"
 #include "export/form_builders.h"
 #include "import/calendar_item.h"
+#include "import/mbox_reader.h"
+#include "import/source_kind.h"
+#include "import/vcard.h"
 #include "mail/item_identity.h"
 #include "mail/kept_fields.h"
 #include "mail/mail_headers.h"
-#include "import/mbox_reader.h"
 #include "mail/mime_message.h"
-#include "import/source_kind.h"
-#include "import/vcard.h"
 
 namespace tidyfold {
 namespace {

@@ -7,8 +7,8 @@
 
 #include "errors/automation_error.h"
 #include "import/import_run.h"
-#include "mail/item_identity.h"
 #include "import/mail_tree.h"
+#include "mail/item_identity.h"
 
 namespace tidyfold {
 namespace {

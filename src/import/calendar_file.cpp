@@ -7,8 +7,8 @@
 
 #include "import/calendar_item.h"
 #include "import/calendar_text.h"
-#include "mail/mime_message.h"
 #include "import/source_file.h"
+#include "mail/mime_message.h"
 
 namespace tidyfold {
 namespace {

@@ -9,10 +9,10 @@
 #include <vector>
 
 #include "base/text.h"
+#include "import/recurrence.h"
 #include "mail/charset.h"
 #include "mail/kept_fields.h"
 #include "mail/mime_message.h"
-#include "import/recurrence.h"
 
 namespace tidyfold {
 namespace {

@@ -4,9 +4,9 @@
 #include <string_view>
 #include <vector>
 
-#include "mail/mime_message.h"
 #include "import/source_file.h"
 #include "import/vcard.h"
+#include "mail/mime_message.h"
 
 namespace tidyfold {
 namespace {

@@ -4,16 +4,16 @@
 #include "errors/automation_error.h"
 #include "import/calendar_file.h"
 #include "import/contact_file.h"
-#include "mail/gmime_ptr.h"
 #include "import/import_run.h"
-#include "mail/item_identity.h"
 #include "import/mail_files.h"
 #include "import/mail_tree.h"
-#include "mail/mime_message.h"
 #include "import/msg_file.h"
 #include "import/pst.h"
 #include "import/source_file.h"
 #include "import/source_kind.h"
+#include "mail/gmime_ptr.h"
+#include "mail/item_identity.h"
+#include "mail/mime_message.h"
 
 namespace tidyfold {
 namespace {

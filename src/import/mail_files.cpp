@@ -5,12 +5,12 @@
 #include <utility>
 
 #include "import/apple_message.h"
-#include "mail/kept_fields.h"
-#include "mail/mail_flags.h"
 #include "import/mbox_reader.h"
-#include "mail/mime_message.h"
 #include "import/source_file.h"
 #include "import/source_kind.h"
+#include "mail/kept_fields.h"
+#include "mail/mail_flags.h"
+#include "mail/mime_message.h"
 
 namespace tidyfold {
 namespace {

@@ -12,15 +12,15 @@
 #include <vector>
 
 #include "import/calendar_file.h"
-#include "mail/charset.h"
 #include "import/contact_file.h"
 #include "import/folder_note.h"
 #include "import/mail_files.h"
-#include "mail/maildir.h"
-#include "mail/mime_message.h"
 #include "import/msg_file.h"
 #include "import/pst.h"
 #include "import/source_kind.h"
+#include "mail/charset.h"
+#include "mail/maildir.h"
+#include "mail/mime_message.h"
 #include "outlook/default_folders.h"
 
 namespace tidyfold {

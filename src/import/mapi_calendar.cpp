@@ -12,10 +12,10 @@
 #include <utility>
 
 #include "import/calendar_item.h"
-#include "mail/charset.h"
-#include "mail/local_date.h"
 #include "import/mapi_recurrence.h"
 #include "import/mapi_time_zone.h"
+#include "mail/charset.h"
+#include "mail/local_date.h"
 
 namespace tidyfold {
 namespace {

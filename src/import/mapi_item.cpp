@@ -5,13 +5,13 @@
 #include <utility>
 
 #include "base/text.h"
+#include "import/mapi_calendar.h"
+#include "import/mapi_contact.h"
+#include "import/mapi_message.h"
 #include "mail/charset.h"
 #include "mail/html_text.h"
 #include "mail/item_identity.h"
 #include "mail/local_date.h"
-#include "import/mapi_calendar.h"
-#include "import/mapi_contact.h"
-#include "import/mapi_message.h"
 #include "mail/mime_message.h"
 #include "mail/rtf_text.h"
 

@@ -9,12 +9,12 @@
 #include <utility>
 
 #include "base/text.h"
+#include "import/message_parts.h"
 #include "mail/charset.h"
 #include "mail/gmime_ptr.h"
 #include "mail/header_parameters.h"
 #include "mail/mail_addresses.h"
 #include "mail/mail_headers.h"
-#include "import/message_parts.h"
 #include "mail/mime_message.h"
 #include "mail/rtf_text.h"
 

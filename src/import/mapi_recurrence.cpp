@@ -5,8 +5,8 @@
 #include <stdexcept>
 #include <utility>
 
-#include "mail/charset.h"
 #include "import/mapi.h"
+#include "mail/charset.h"
 
 namespace tidyfold {
 namespace {

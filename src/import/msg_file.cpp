@@ -4,9 +4,9 @@
 #include <utility>
 
 #include "import/mapi_item.h"
-#include "mail/mime_message.h"
 #include "import/msg_object.h"
 #include "import/source_file.h"
+#include "mail/mime_message.h"
 
 namespace tidyfold {
 namespace {

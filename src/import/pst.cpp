@@ -10,9 +10,9 @@
 #include <vector>
 
 #include "import/mapi_item.h"
-#include "mail/mime_message.h"
 #include "import/pst_object.h"
 #include "import/source_file.h"
+#include "mail/mime_message.h"
 
 namespace tidyfold {
 namespace {

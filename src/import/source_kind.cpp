@@ -3,10 +3,10 @@
 #include <string_view>
 
 #include "base/text.h"
-#include "mail/kept_fields.h"
-#include "mail/mail_headers.h"
 #include "import/mbox_reader.h"
 #include "import/source_file.h"
+#include "mail/kept_fields.h"
+#include "mail/mail_headers.h"
 
 namespace tidyfold {
 namespace {

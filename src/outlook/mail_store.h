@@ -68,8 +68,8 @@ struct Store_Opening {
   Store_Mode mode;
   Store_Progress progress;  // where opening takes long; may be empty
 
-  // Of mailboxes on servers. The password or token of one; asked for at each login, with how often it has been
-  // asked for before. Throws Store_Open_Error (Not_Let_In) where there is none.
+  // Of mailboxes on servers. The password or token of one; asked for at each login, with how often it has
+  // been asked for before. Throws Store_Open_Error (Not_Let_In) where there is none.
   std::function<std::string(const Store_Address& address, int before)> password;
   // Called every few milliseconds while the program waits for a server; must not call the store. Once it
   // returns false, the wait ends within a second.

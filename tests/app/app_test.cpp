@@ -48,7 +48,7 @@ TEST(App, Opens_As_It_Was_Left_With_Options_That_Delete_At_Their_Safe_Values) {
 
   Window_Fixture second("add Inbox/a");
   std::filesystem::copy_file(first.state_folder / "settings.json", second.state_folder / "settings.json");
-  second.Do("load");
+  second.Do("load; tick Inbox");
   EXPECT_EQ(look(second),
             "ShowAllFolders ShowSelectedItems | 4380 | Folder Type Sender Subject Date Goes | 3333 | "
             "sorted by Subject up | preview");

@@ -30,6 +30,8 @@ def under_way(state):
 
 
 class Window_Case(unittest.TestCase):
+    silent = True  # whether the toolkit has to be
+
     def setUp(self):
         for tool in ("Xvfb", "openbox", "xdotool"):
             if not shutil.which(tool):
@@ -43,6 +45,8 @@ class Window_Case(unittest.TestCase):
 
     def check_output(self):
         """The toolkit has nothing to complain of."""
+        if not self.silent:
+            return
         output = self.folder / "output.txt"
         said = output.read_text(errors="replace").splitlines() if output.exists() else []
         self.assertEqual([line for line in said if COMPLAINT.search(line)], [])

@@ -11,23 +11,23 @@
 #include "import/apple_message.h"
 #include "import/calendar_item.h"
 #include "import/calendar_text.h"
+#include "import/import.h"
+#include "import/mapi_recurrence.h"
+#include "import/mbox_reader.h"
+#include "import/msg_file.h"
+#include "import/source_file.h"
+#include "import/vcard.h"
 #include "mail/charset.h"
 #include "mail/compressed_rtf.h"
 #include "mail/header_parameters.h"
 #include "mail/header_text.h"
 #include "mail/html_text.h"
-#include "import/import.h"
 #include "mail/kept_fields.h"
 #include "mail/mail_addresses.h"
-#include "import/mapi_recurrence.h"
-#include "import/mbox_reader.h"
 #include "mail/mime_message.h"
-#include "import/msg_file.h"
 #include "mail/rtf_text.h"
-#include "import/source_file.h"
 #include "mail/tnef.h"
 #include "mail/transfer_encoding.h"
-#include "import/vcard.h"
 #include "stores/imap/mailbox_name.h"
 #include "stores/imap/message_data.h"
 #include "stores/imap/response.h"
@@ -250,10 +250,10 @@ constexpr std::array targets = {
     Fuzz_Target{"apple", Run_Apple},       Fuzz_Target{"calendar", Run_Calendar},
     Fuzz_Target{"contacts", Run_Contacts}, Fuzz_Target{"encodings", Run_Encodings},
     Fuzz_Target{"headers", Run_Headers},   Fuzz_Target{"html", Run_Html},
-    Fuzz_Target{"imap", Run_Imap},
-    Fuzz_Target{"mbox", Run_Mbox},         Fuzz_Target{"message", Run_Message},
-    Fuzz_Target{"msg", Run_Msg},           Fuzz_Target{"rtf", Run_Rtf},
-    Fuzz_Target{"series", Run_Series},     Fuzz_Target{"tnef", Run_Tnef},
+    Fuzz_Target{"imap", Run_Imap},         Fuzz_Target{"mbox", Run_Mbox},
+    Fuzz_Target{"message", Run_Message},   Fuzz_Target{"msg", Run_Msg},
+    Fuzz_Target{"rtf", Run_Rtf},           Fuzz_Target{"series", Run_Series},
+    Fuzz_Target{"tnef", Run_Tnef},
 };
 
 }  // namespace

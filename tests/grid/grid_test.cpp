@@ -163,7 +163,7 @@ TEST_F(Grid, The_Preview_Shows_What_Is_Known_And_Then_The_Text) {
   EXPECT_NE(window.txtPreview.Text().find("Here they are."), std::string::npos);
   // An item that cannot be read shows what is known, without a message.
   window.mnuPreview.Click();
-  Fail("GetItemFromID");
+  Fail("NameSpace.GetItemFromID");
   window.mnuPreview.Click();
   EXPECT_TRUE(window.txtPreview.Text().starts_with("Photos"));
   EXPECT_EQ(window.txtPreview.Text().find("Here they are."), std::string::npos);

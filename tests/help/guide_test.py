@@ -67,7 +67,7 @@ def words_of(text):
 
 def pieces(statement):
     """The texts that it puts together, without what stands between them."""
-    joined = re.sub(r'"\s*"', "", statement)
+    joined = re.sub(r'(?<!\\)"\s*"', "", statement)
     for literal in re.findall(r'"((?:[^"\\]|\\.)*)"', joined):
         for line in re.split(r"\\r\\n|\\n", literal.replace('\\"', '"').replace("\\t", " ")):
             if len(words_of(line)) >= 3:

@@ -36,6 +36,8 @@ def ask_for_help(window, browsed):
 
 def point_for_tooltips(window):
     """Windows shows the tip of what is right below the pointer, which in the tree and in the list is a part of it."""
+    window.click_at(window.node("Outbox")["rectangle"], 50)
+    window.wait("a list that leaves room", lambda state: 0 < len(state["grid"]) < 5)
     for part, tip in (("trvFolders", "Folder Tree - "), ("grdItems", "Items List - "), ("chkSelectUnread", "Remove unread")):
         x, y, width, height = window.usable(part)["rectangle"]
         window.move_to(x + width // 2, y + height - 12, part)

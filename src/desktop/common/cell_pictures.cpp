@@ -11,6 +11,8 @@ namespace tidyfold {
 
 namespace {
 
+constexpr int units = 14;
+
 // Draws in a square of 14 units, whatever its size in pixels.
 class Sketch {
  public:
@@ -19,7 +21,7 @@ class Sketch {
   }
 
   void Draw_Lines() {
-    dc_.SetPen(wxPen(ink_, std::max(1, square_.width / cell_picture_side)));
+    dc_.SetPen(wxPen(ink_, std::max(1, square_.width / units)));
     dc_.SetBrush(*wxTRANSPARENT_BRUSH);
   }
   void Fill() { dc_.SetBrush(ink_); }
@@ -32,14 +34,11 @@ class Sketch {
     const wxPoint corner = At({left, top}), end = At({right, bottom});
     dc_.DrawRectangle(corner.x, corner.y, end.x - corner.x + 1, end.y - corner.y + 1);
   }
-  void Circle(int x, int y, int radius) {
-    dc_.DrawCircle(At({x, y}), radius * square_.width / cell_picture_side);
-  }
+  void Circle(int x, int y, int radius) { dc_.DrawCircle(At({x, y}), radius * square_.width / units); }
 
  private:
   wxPoint At(const wxPoint& unit) const {
-    return {square_.x + unit.x * square_.width / cell_picture_side,
-            square_.y + unit.y * square_.height / cell_picture_side};
+    return {square_.x + unit.x * square_.width / units, square_.y + unit.y * square_.height / units};
   }
 
   wxDC& dc_;
@@ -48,6 +47,10 @@ class Sketch {
 };
 
 }  // namespace
+
+int Cell_Picture_Side(int character_height) {
+  return std::max(units, character_height * 4 / 5);
+}
 
 void Draw_Cell_Picture(wxDC& dc, Cell_Picture picture, const wxRect& square, const wxColour& ink) {
   Sketch sketch(dc, square, ink);

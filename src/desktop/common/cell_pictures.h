@@ -8,8 +8,8 @@
 
 namespace tidyfold {
 
-// Unscaled pixels.
-inline constexpr int cell_picture_side = 14;
+// A picture is as high as the text beside it, in pixels of the device.
+int Cell_Picture_Side(int character_height);
 
 // Fills the square; lines and areas are of one colour.
 void Draw_Cell_Picture(wxDC& dc, Cell_Picture picture, const wxRect& square, const wxColour& ink);

@@ -74,8 +74,7 @@ void Desktop_Message_Box::Inform(const std::string& text) {
   const std::string silent = not_shown_again ? not_shown_again->Text(silent_value) : std::string();
   if (("\n" + silent).find("\n" + text + "\n") != std::string::npos) return;
   const bool never_again = Open(text, [&](wxWindow* parent) {
-    wxRichMessageDialog dialog(parent, To_Lines(text), application_title,
-                               wxOK | wxICON_INFORMATION | wxCENTRE);
+    wxRichMessageDialog dialog(parent, To_Lines(text), application_title, wxOK | wxICON_NONE | wxCENTRE);
     if (not_shown_again) dialog.ShowCheckBox("&Do not show this again");
     dialog.ShowModal();
     return dialog.IsCheckBoxChecked();

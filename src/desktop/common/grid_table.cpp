@@ -95,7 +95,7 @@ void Grid_Cell_Renderer::Draw(wxGrid& grid, wxGridCellAttr& attr, wxDC& dc, cons
   const int margin = grid.FromDIP(text_margin);
   wxRect inside = rect.Deflate(margin, 0);
   if (picture != Cell_Picture::None) {
-    const int side = grid.FromDIP(cell_picture_side);
+    const int side = Cell_Picture_Side(grid.GetCharHeight());
     const bool alone = text.empty();
     const wxRect square(alone ? rect.x + (rect.width - side) / 2 : inside.x,
                         rect.y + (rect.height - side) / 2, side, side);
@@ -138,7 +138,7 @@ bool Grid_Cell_Renderer::Cuts(wxGrid& grid, int row, int column) const {
   width += 2 * grid.FromDIP(text_margin);
   if (table_.Model().cells != nullptr &&
       table_.Model().cells->Picture(model_row, table_.Model_Column(column)) != Cell_Picture::None)
-    width += grid.FromDIP(cell_picture_side + text_margin);
+    width += Cell_Picture_Side(grid.GetCharHeight()) + grid.FromDIP(text_margin);
   return width > grid.GetColSize(column);
 }
 

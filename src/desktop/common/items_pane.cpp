@@ -11,8 +11,11 @@ namespace tidyfold {
 
 namespace {
 
+constexpr const char* hint = "Find in list (Ctrl+F)";
+
 // Unscaled pixels.
-constexpr int search_width = 220;
+constexpr int search_padding = 60;
+constexpr int text_box_padding = 12;
 constexpr int gap = 6;
 // A pane that is lower than this has no room for a preview.
 constexpr int least_height_with_preview = 320;
@@ -56,9 +59,9 @@ Items_Pane::Items_Pane(wxWindow* parent, MainWindow& model)
                               wxST_ELLIPSIZE_END | wxST_NO_AUTORESIZE)),
       grid_(new wxGrid(this, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxBORDER_NONE)),
       preview_(new wxTextCtrl(this, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize,
-                              wxTE_MULTILINE | wxTE_READONLY | wxTE_RICH2 | wxBORDER_NONE)) {
+                              wxTE_MULTILINE | wxTE_READONLY | wxTE_RICH2 | wxBORDER_THEME)) {
   SetName("pnlItems");
-  search_->SetHint("Find in list (Ctrl+F)");
+  search_->SetHint(hint);
   Set_Spoken_Name(*search_, "Find in list; narrows what is shown, never what will go");
   Set_Spoken_Name(*preview_, "Preview of the current row");
   preview_->Hide();
@@ -69,10 +72,10 @@ Items_Pane::Items_Pane(wxWindow* parent, MainWindow& model)
 }
 
 Grid_Binder& Items_Pane::Bind_To_Model(Binders& binders, Repaint_Schedule& schedule, const Scale& scale) {
-  auto* const hint = new wxStaticText(grid_->GetGridWindow(), wxID_ANY, wxString(), wxDefaultPosition,
-                                      wxDefaultSize, wxALIGN_CENTRE_HORIZONTAL);
-  hint->SetForegroundColour(Disabled_Text_Colour(Theme_Background()));
-  auto& grid = binders.Add<Grid_Binder>(model_.grdItems, *grid_, *hint, schedule);
+  auto* const empty = new wxStaticText(grid_->GetGridWindow(), wxID_ANY, wxString(), wxDefaultPosition,
+                                       wxDefaultSize, wxALIGN_CENTRE_HORIZONTAL);
+  empty->SetForegroundColour(Disabled_Text_Colour(Theme_Background()));
+  auto& grid = binders.Add<Grid_Binder>(model_.grdItems, *grid_, *empty, schedule);
   grid.Follow_Position(scale, this);
   binders.Add<Text_Box_Binder>(model_.txtFind, *search_);
   search_->Bind(wxEVT_CHAR_HOOK, &Items_Pane::Search_Key, this);
@@ -102,8 +105,8 @@ void Items_Pane::Search_Key(wxKeyEvent& event) {
 // By hand, as the list must never wait for a sizer: its height decides what a person sees of a run.
 void Items_Pane::Lay_Out() {
   const wxSize size = GetClientSize();
-  const int space = FromDIP(gap), line = search_->GetBestSize().y;
-  const int box = std::min(FromDIP(search_width), size.x);
+  const int space = FromDIP(gap), line = search_->GetCharHeight() + FromDIP(text_box_padding);
+  const int box = std::min(search_->GetTextExtent(hint).x + FromDIP(search_padding), size.x);
   search_->SetSize(0, 0, box, line);
   const int words = found_->GetCharHeight();
   found_->SetSize(box + space, (line - words) / 2, std::max(size.x - box - space, 0), words);
@@ -112,7 +115,7 @@ void Items_Pane::Lay_Out() {
   const int below = preview ? rest * 2 / 5 : 0;
   grid_->SetSize(0, top, size.x, rest - below);
   if (preview_->IsShown() != preview) preview_->Show(preview);
-  if (preview) preview_->SetSize(0, top + rest - below + space, size.x, below - space);
+  if (preview) preview_->SetSize(0, top + rest - below + space, size.x, std::max(below - space, 0));
 }
 
 }  // namespace tidyfold

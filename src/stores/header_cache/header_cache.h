@@ -1,5 +1,5 @@
-// What live stores have read of their items' headers, kept for the next time in the user's cache folder. It is
-// a cache and nothing else: what is missing, damaged or held by another program is read again, and no call
+// What live stores have read of their items' headers, kept for the next time in the user's cache folder. It
+// is a cache and nothing else: what is missing, damaged or held by another program is read again, and no call
 // fails.
 #pragma once
 
@@ -18,8 +18,8 @@
 namespace tidyfold {
 
 struct Cached_Header {
-  // By which the store knows that the item is still the one that was read, such as a file's inode; 0 where its
-  // identity says that alone.
+  // By which the store knows that the item is still the one that was read, such as a file's inode; 0 where
+  // its identity says that alone.
   std::int64_t stamp = 0;
   std::int32_t item_class = item_class::mail;
   Date received = no_date;

@@ -16,10 +16,6 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// A command at a time takes about so long.
-constexpr auto intended = std::chrono::milliseconds(300);
-constexpr std::size_t least_at_once = 20, most_at_once = 20'000;
-// Behind what is asked for, so much is fetched ahead.
 constexpr int most_attempts = 3;
 
 [[noreturn]] void Fail(std::int32_t number, const std::string& text) {
@@ -28,12 +24,6 @@ constexpr int most_attempts = 3;
 
 [[noreturn]] void Fail_Gone() {
   Fail(automation_error::not_found, "The folder is no longer there.");
-}
-
-void Adapt(std::size_t& at_once, std::size_t done, Clock::duration took) {
-  if (done < at_once) return;
-  if (took < intended / 2) at_once = std::min(at_once * 2, most_at_once);
-  if (took > intended) at_once = std::max(at_once / 2, least_at_once);
 }
 
 // Names by which mail programs know the wastebasket where the server does not.
@@ -95,8 +85,7 @@ void Account::Do(const std::function<void(Mail_Session&)>& work) {
   } catch (const Connection_Error& error) {
     Fail(automation_error::unavailable, error.what());
   } catch (const Protocol_Error& error) {
-    Fail(automation_error::unavailable,
-         std::string("The mail server cannot be understood. ") + error.what());
+    Fail(automation_error::unavailable, std::string("The mail server cannot be understood. ") + error.what());
   } catch (const Interrupted& error) {
     Fail(automation_error::unavailable, error.what());
   } catch (const Refused& error) {
@@ -304,6 +293,7 @@ void Account::Look_And_Keep(Mail_Session& session, Mailbox& mailbox) {
     mailbox.mod_seq = loaded.mod_seq;
   }
   session.Look(mailbox);
+  Take_Marks_Off(session, mailbox);
   cache_.Keep(mailbox, session.Take_Vanished(), session.Take_Changed_Flags());
 }
 
@@ -362,19 +352,6 @@ std::uint8_t Account::Flags(std::size_t mailbox, Uid uid) const {
   return place ? static_cast<std::uint8_t>(box.flags[*place] & ~Mailbox::has_row) : std::uint8_t{0};
 }
 
-Change Account::Plan_Change(std::size_t mailbox, std::uint32_t uid_validity, Uid uid,
-                            std::size_t target) const {
-  Change change;
-  change.mailbox = mailbox;
-  change.uid_validity = uid_validity;
-  change.uid = uid;
-  change.target = target;
-  change.flags = Flags(mailbox, uid);
-  const std::lock_guard guard(lock_);
-  change.mod_seq = Box(mailbox).mod_seq;
-  return change;
-}
-
 // What an answer to an invitation answers stands in its text alone.
 void Account::Keep_Rows(Mail_Session& session, Mailbox& mailbox) {
   std::vector<Message_Data> rows = session.Take_Rows();
@@ -395,8 +372,8 @@ void Account::Fetch_Missing(Mail_Session& session, Mailbox& mailbox, Uid after, 
   const auto next = [&](Uid behind) {
     std::vector<Uid> missing;
     const std::lock_guard guard(lock_);
-    auto at = static_cast<std::size_t>(
-        std::upper_bound(mailbox.uids.begin(), mailbox.uids.end(), behind) - mailbox.uids.begin());
+    auto at = static_cast<std::size_t>(std::upper_bound(mailbox.uids.begin(), mailbox.uids.end(), behind) -
+                                       mailbox.uids.begin());
     for (; at < mailbox.uids.size() && missing.size() < fetch_size_; ++at)
       if ((mailbox.flags[at] & Mailbox::has_row) == 0) missing.push_back(mailbox.uids[at]);
     return missing;
@@ -424,7 +401,7 @@ void Account::Fetch_Missing(Mail_Session& session, Mailbox& mailbox, Uid after, 
     session.Finish_Fetch(portion.tag);
     Keep_Rows(session, mailbox);
     const auto now = Clock::now();
-    Adapt(fetch_size_, portion.uids.size(), now - std::exchange(start, now));
+    Adapt_Size(fetch_size_, portion.uids.size(), now - std::exchange(start, now));
     if (network_.Others_Wait()) stop = true;
   }
 }
@@ -510,99 +487,6 @@ std::string Account::Body(std::size_t mailbox, Uid uid) {
   });
   if (body.empty()) Fail(automation_error::not_found, "The item is no longer there.");
   return body;
-}
-
-void Account::Carry_Out(std::vector<Change>& changes) {
-  for (std::size_t begin = 0; begin < changes.size();) {
-    std::vector<Change*> batch;
-    const Change& first = changes[begin];
-    for (; begin < changes.size() && batch.size() < move_size_; ++begin) {
-      Change& change = changes[begin];
-      if (change.mailbox != first.mailbox || change.target != first.target ||
-          change.uid_validity != first.uid_validity)
-        break;
-      batch.push_back(&change);
-    }
-    const auto start = Clock::now();
-    const std::size_t size = batch.size();
-    try {
-      Do([&](Mail_Session& session) { Carry_Out_Batch(session, batch); });
-    } catch (const Automation_Error& error) {
-      for (Change* const change : batch)
-        if (!change->is_done && change->reason.empty()) change->reason = error.Description();
-      if (error.Number() != automation_error::unavailable) continue;
-      for (; begin < changes.size(); ++begin) changes[begin].reason = "The connection was lost before.";
-      throw;
-    }
-    Adapt(move_size_, size, Clock::now() - start);
-  }
-}
-
-// Begun again after a connection that dropped: what is gone by then was done, what is there was not.
-void Account::Carry_Out_Batch(Mail_Session& session, std::vector<Change*>& batch) {
-  const Change& first = *batch.front();
-  Mailbox& box = Box(first.mailbox);
-  Look_And_Keep(session, box);
-  std::uint64_t mod_seq = 0;
-  std::vector<Uid> uids;
-  {
-    const std::lock_guard guard(lock_);
-    const bool same = box.uid_validity == first.uid_validity;
-    mod_seq = box.mod_seq;
-    const auto differs = [&](const Change& change) {
-      constexpr std::uint8_t telling = message_flag::seen | message_flag::flagged;
-      return ((box.flags[*box.Place_Of(change.uid)] ^ change.flags) & telling) != 0;
-    };
-    for (Change* const change : batch) {
-      if (change->is_done || !change->reason.empty()) continue;
-      if (!same) {
-        change->reason = "The server has numbered the folder anew. Refresh it.";
-      } else if (box.is_read_only) {
-        change->reason = "The mail server lets nothing be changed in this folder.";
-      } else if (!box.Place_Of(change->uid)) {
-        if (change->sent) {
-          change->is_done = true;
-        } else {
-          change->reason = "It is no longer there.";
-        }
-      } else if (differs(*change)) {
-        change->reason = "It was changed since it was shown.";
-      } else {
-        if (change->mod_seq != 0) mod_seq = std::min(mod_seq, change->mod_seq);
-        uids.push_back(change->uid);
-        change->sent = true;
-      }
-    }
-  }
-  if (uids.empty()) return;
-  std::string why;
-  std::vector<Moved_Message> moved;
-  if (first.target != 0 && !session.Can_Move()) {
-    why = "The mail server can neither move messages (MOVE) nor delete single ones (UIDPLUS).";
-  } else if (first.target != 0) {
-    why = session.Move(uids, Box(first.target), moved);
-  } else if (!session.Can_Expunge()) {
-    why = "The mail server cannot delete single messages for good (UIDPLUS); nothing was deleted.";
-  } else {
-    why = session.Expunge(uids, mod_seq);
-  }
-  std::unordered_map<Uid, Moved_Message> by_uid;
-  for (const Moved_Message& message : moved) by_uid[message.uid] = message;
-  cache_.Keep(box, session.Take_Vanished(), session.Take_Changed_Flags());
-  const std::lock_guard guard(lock_);
-  if (first.target != 0) Box(first.target).looked_at = {};
-  for (Change* const change : batch) {
-    if (change->is_done || !change->reason.empty()) continue;
-    if (box.Place_Of(change->uid)) {
-      change->reason = why.empty() ? "The mail server left it where it was." : why;
-      continue;
-    }
-    change->is_done = true;
-    if (const auto found = by_uid.find(change->uid); found != by_uid.end()) {
-      change->new_uid = found->second.new_uid;
-      change->new_validity = found->second.new_validity;
-    }
-  }
 }
 
 }  // namespace tidyfold::imap

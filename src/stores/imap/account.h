@@ -1,11 +1,11 @@
 // A mailbox account as the program's thread sees it; the network's thread works for it.
 #pragma once
 
-#include <atomic>
-#include <condition_variable>
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -33,13 +33,17 @@ struct Change {
   // What was known of it when this was decided. It stays where it is when that has changed.
   std::uint8_t flags = 0;
   std::uint64_t mod_seq = 0;
+  // How far it has got, so that it can be gone on with when the connection has dropped.
+  bool is_sent = false, is_copied = false;
   // What became of it.
-  bool sent = false;
   bool is_done = false;
   std::string reason;  // why it is not done
   Uid new_uid = 0;     // 0: not told
   std::uint32_t new_validity = 0;
 };
+
+// A command at a time is meant to take about 0.3 s: how many messages the next one is for.
+void Adapt_Size(std::size_t& at_once, std::size_t done, std::chrono::steady_clock::duration took);
 
 // All calls come from one thread, wait for the server, and throw Automation_Error: unavailable where the
 // connection is lost, cannot be made again or was given up, not_found for what the server no longer has, and
@@ -80,8 +84,8 @@ class Account {
   std::uint8_t Flags(std::size_t mailbox, Uid uid) const;
   // With what is known of the message now.
   Change Plan_Change(std::size_t mailbox, std::uint32_t uid_validity, Uid uid, std::size_t target) const;
-  // The rows of the next messages behind a UID, no more than `most`. Rows that were not fetched yet are waited
-  // for, and those behind them fetched meanwhile.
+  // The rows of the next messages behind a UID, no more than `most`. Rows that were not fetched yet are
+  // waited for, and those behind them fetched meanwhile.
   std::vector<Message_Data> Rows_Behind(std::size_t mailbox, Uid after, std::size_t most);
   // Throws not_found.
   Message_Data Row(std::size_t mailbox, Uid uid);
@@ -99,6 +103,9 @@ class Account {
   void Fetch_Missing(Mail_Session& session, Mailbox& mailbox, Uid after, bool only_first);
   void Keep_Rows(Mail_Session& session, Mailbox& mailbox);
   void Carry_Out_Batch(Mail_Session& session, std::vector<Change*>& batch);
+  struct Steps;
+  Steps Sort_Out(const Mailbox& mailbox, std::vector<Change*>& batch) const;
+  void Take_Marks_Off(Mail_Session& session, Mailbox& mailbox);
   void Go_On_Fetching(std::size_t mailbox, Uid after);
 
   // On the program's thread.
@@ -114,7 +121,9 @@ class Account {
   mutable std::mutex lock_;  // of what both threads know
   std::vector<std::unique_ptr<Mailbox>> mailboxes_;
   std::vector<std::string> alerts_;
-  std::uint64_t fetching_ = 0;     // counts what is to be fetched ahead; the latest alone goes on
+  // Messages that we have marked as deleted, and that are to stay after all.
+  std::map<const Mailbox*, std::vector<Uid>> marked_;
+  std::uint64_t fetching_ = 0;  // counts what is to be fetched ahead; the latest alone goes on
 
   char delimiter_ = '/';
   std::size_t fetch_size_ = 100, move_size_ = 100;  // messages at a time

@@ -16,9 +16,9 @@ constexpr std::size_t most_alerts = 10;
 
 bool Fits_Quotes(std::string_view text) {
   return text.size() <= longest_quoted && std::all_of(text.begin(), text.end(), [](char c) {
-    const auto byte = static_cast<unsigned char>(c);
-    return byte >= 0x20 && byte < 0x7F;
-  });
+           const auto byte = static_cast<unsigned char>(c);
+           return byte >= 0x20 && byte < 0x7F;
+         });
 }
 
 }  // namespace

@@ -49,8 +49,8 @@ class Client {
   using Handler = std::function<void(const Response&)>;
 
   // Every wait for the server ends with Connection_Error after `patience` of silence.
-  Client(std::unique_ptr<Transport> transport, const Interruption& interruption, std::chrono::seconds patience,
-         const Response_Limits& limits = {});
+  Client(std::unique_ptr<Transport> transport, const Interruption& interruption,
+         std::chrono::seconds patience, const Response_Limits& limits = {});
   Client(const Client&) = delete;
   Client& operator=(const Client&) = delete;
   ~Client();

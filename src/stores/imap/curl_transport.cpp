@@ -27,7 +27,9 @@ class Curl_Transport : public Transport {
     if (curl_ == nullptr) throw Connection_Error("The network library cannot be started.");
     const bool tls = address.security == Security::Tls;
     const bool literal = address.host.find(':') != std::string::npos;
-    const std::string url = (tls ? "https://" : starts_tls_ ? "imap://" : "http://") +
+    const std::string url = (tls           ? "https://"
+                             : starts_tls_ ? "imap://"
+                                           : "http://") +
                             (literal ? "[" + address.host + "]" : address.host) + ":" +
                             std::to_string(address.port) + "/";
     char words[CURL_ERROR_SIZE] = "";
@@ -94,8 +96,7 @@ class Curl_Transport : public Transport {
 
   static std::string Why(const Server_Address& address, CURLcode code, const char* words) {
     const std::string server = "The mail server \"" + address.host + "\"";
-    const std::string detail =
-        std::string(" (") + (*words != '\0' ? words : curl_easy_strerror(code)) + ")";
+    const std::string detail = std::string(" (") + (*words != '\0' ? words : curl_easy_strerror(code)) + ")";
     switch (code) {
       case CURLE_COULDNT_RESOLVE_HOST:
         return server + " is not known. Check its name" + detail + ".";

@@ -194,8 +194,7 @@ class Imap_Item : public Item, public Mapi_Object, public std::enable_shared_fro
     if (moved_ == nullptr) return;
     if (Is_On_Its_Way()) store_->Commit_Pending();
     if (!moved_->change.is_done) Fail(automation_error::call_failed, moved_->change.reason);
-    if (moved_->change.new_uid == 0)
-      Fail(not_found, "The mail server did not say what became of the item.");
+    if (moved_->change.new_uid == 0) Fail(not_found, "The mail server did not say what became of the item.");
     uid_ = moved_->change.new_uid;
     validity_ = moved_->change.new_validity;
     moved_.reset();
@@ -248,7 +247,8 @@ class Imap_Items : public Items {
     Account& account = store_->Messages();
     account.Look(mailbox_);
     const auto found = account.Message_At(mailbox_, index);
-    if (!found) Fail(automation_error::bad_index, "There is no item " + std::to_string(index) + " in the folder.");
+    if (!found)
+      Fail(automation_error::bad_index, "There is no item " + std::to_string(index) + " in the folder.");
     return *found;
   }
   Store_Ptr_ store_;
@@ -514,7 +514,8 @@ void Imap_Store::Commit_Pending() {
   }
   for (std::size_t at = 0; at < group.size(); ++at) {
     Change& change = group[at]->change = changes[at];
-    if (!change.is_done && change.reason.empty()) change.reason = "It is not known whether the mail server did it.";
+    if (!change.is_done && change.reason.empty())
+      change.reason = "It is not known whether the mail server did it.";
     if (watcher == nullptr) continue;
     if (!change.is_done) {
       watcher->Not_Kept(store_id_, group[at]->entry_id, change.reason);
@@ -569,10 +570,14 @@ std::shared_ptr<Mail_Store> Open_Account(const Store_Address& address, const Sto
                                                                            : Security::Start_Tls;
   settings.login.user = address.user;
   if (!opening.password)
-    Fail_To_Open(Reason::Not_Let_In, address, "There is no password for \"" + address.Text() + "\".");
+    Fail_To_Open(
+        Reason::Not_Supported, address,
+        "Mail accounts are opened on the command line: tidyfold-cli --store " + address.Text() + " ...");
   // The first is asked for here, where a person can be asked.
   settings.login.secret = [address, password = opening.password, first = opening.password(address, 0),
-                           asked = 0]() mutable { return asked++ == 0 ? first : password(address, asked - 1); };
+                           asked = 0]() mutable {
+    return asked++ == 0 ? first : password(address, asked - 1);
+  };
   return Open_Account(address, opening, std::move(settings), Message_Cache_File(address.Text()));
 }
 

@@ -1,7 +1,7 @@
 // A mailbox account on a server (IMAP) behind the object model.
 //
-// A message is known by mailbox, UIDVALIDITY and UID, and by nothing else. What is done to messages waits until
-// the group of changes ends, and is then sent together; what the server names as done is done. A moved
+// A message is known by mailbox, UIDVALIDITY and UID, and by nothing else. What is done to messages waits
+// until the group of changes ends, and is then sent together; what the server names as done is done. A moved
 // message's new identity is known from then on.
 #pragma once
 

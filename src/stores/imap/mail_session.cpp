@@ -25,10 +25,10 @@ std::int32_t Role_Of(const Value& attribute) {
 
 }  // namespace
 
-Mail_Session::Mail_Session(const Account_Settings& settings, const Interruption& interruption, std::mutex& lock)
+Mail_Session::Mail_Session(const Account_Settings& settings, const Interruption& interruption,
+                           std::mutex& lock)
     : settings_(settings), lock_(lock) {
-  auto transport =
-      settings.connect ? settings.connect(interruption) : Connect(settings.server, interruption);
+  auto transport = settings.connect ? settings.connect(interruption) : Connect(settings.server, interruption);
   client_ = std::make_unique<imap::Client>(std::move(transport), interruption, settings.patience);
   client_->on_untagged = [this](const Response& response) { Take(response); };
   if (!client_->Greet()) Log_In(*client_, settings.login, settings.server);
@@ -86,21 +86,21 @@ std::vector<Listed_Mailbox> Mail_Session::List() {
 }
 
 void Mail_Session::Ask_Status(Mailbox& mailbox) {
-  client_->Run(
-      Command("STATUS ").String(mailbox.wire_name).Raw(" (MESSAGES UIDVALIDITY)"), [&](const Response& response) {
-        const auto arguments = response.Arguments();
-        if (response.Name() != "STATUS" || arguments.size() < 2) return;
-        const auto values = arguments[1].List();
-        const std::lock_guard guard(lock_);
-        for (std::size_t at = 0; at + 1 < values.size(); at += 2) {
-          const auto number = values[at + 1].Number_32();
-          if (values[at].Is("MESSAGES")) mailbox.messages = number.value_or(mailbox.messages);
-          if (!values[at].Is("UIDVALIDITY") || !number || *number == mailbox.uid_validity) continue;
-          mailbox.uid_validity = *number;
-          mailbox.Forget_Messages();
-        }
-        mailbox.looked_at = std::chrono::steady_clock::now();
-      });
+  client_->Run(Command("STATUS ").String(mailbox.wire_name).Raw(" (MESSAGES UIDVALIDITY)"),
+               [&](const Response& response) {
+                 const auto arguments = response.Arguments();
+                 if (response.Name() != "STATUS" || arguments.size() < 2) return;
+                 const auto values = arguments[1].List();
+                 const std::lock_guard guard(lock_);
+                 for (std::size_t at = 0; at + 1 < values.size(); at += 2) {
+                   const auto number = values[at + 1].Number_32();
+                   if (values[at].Is("MESSAGES")) mailbox.messages = number.value_or(mailbox.messages);
+                   if (!values[at].Is("UIDVALIDITY") || !number || *number == mailbox.uid_validity) continue;
+                   mailbox.uid_validity = *number;
+                   mailbox.Forget_Messages();
+                 }
+                 mailbox.looked_at = std::chrono::steady_clock::now();
+               });
 }
 
 void Mail_Session::Unselect() {
@@ -302,7 +302,10 @@ std::string Mail_Session::Fetch_Body(Uid uid, const std::string& part) {
   return body;
 }
 
-void Mail_Session::Take_Copied(const Response& response, std::vector<Moved_Message>& moved) {
+namespace {
+
+// RFC 4315.
+void Take_Copied(const Response& response, std::vector<Moved_Message>& moved) {
   if (response.Code() != "COPYUID") return;
   const auto arguments = response.Arguments();
   if (arguments.size() < 3) return;
@@ -312,46 +315,64 @@ void Mail_Session::Take_Copied(const Response& response, std::vector<Moved_Messa
   for (std::size_t at = 0; at < from.size(); ++at) moved.push_back({from[at], to[at], *validity});
 }
 
-std::string Mail_Session::Move(const std::vector<Uid>& uids, const Mailbox& target,
-                               std::vector<Moved_Message>& moved) {
-  const std::string set = Format_Uid_Set(uids);
-  const bool at_once = client_->Has("MOVE");
-  Command command(at_once ? "UID MOVE " : "UID COPY ");
-  command.Raw(set).Raw(" ").String(target.wire_name);
-  const auto answer = client_->Finish(
-      client_->Send(command), [&](const Response& response) { Take_Copied(response, moved); });
-  Take_Copied(*answer, moved);
-  if (answer->Name() != "OK") return answer->Text().empty() ? "The server refused." : answer->Text();
-  if (at_once) return {};
-  // What was copied goes here; where nobody says what was, nothing does.
-  std::vector<Uid> copied;
-  for (const Moved_Message& message : moved) copied.push_back(message.uid);
-  if (copied.empty()) return "The server did not say which messages it copied.";
-  return Expunge(copied, 0);
+std::string Why_Refused(const Response& answer) {
+  if (answer.Name() == "OK") return {};
+  return answer.Text().empty() ? "The mail server refused." : answer.Text();
 }
 
-std::string Mail_Session::Expunge(const std::vector<Uid>& uids, std::uint64_t mod_seq) {
-  const std::string set = Format_Uid_Set(uids);
-  Command store("UID STORE " + set + " ");
+}  // namespace
+
+std::string Mail_Session::Transfer(const char* command, const std::vector<Uid>& uids, const Mailbox& target,
+                                   std::vector<Moved_Message>& moved) {
+  const std::string tag = client_->Send(
+      Command(std::string(command) + " " + Format_Uid_Set(uids) + " ").String(target.wire_name));
+  const auto answer = client_->Finish(tag, [&](const Response& response) { Take_Copied(response, moved); });
+  Take_Copied(*answer, moved);
+  return Why_Refused(*answer);
+}
+
+std::string Mail_Session::Move(const std::vector<Uid>& uids, const Mailbox& target,
+                               std::vector<Moved_Message>& moved) {
+  return Transfer("UID MOVE", uids, target, moved);
+}
+
+std::string Mail_Session::Copy(const std::vector<Uid>& uids, const Mailbox& target,
+                               std::vector<Moved_Message>& copied) {
+  return Transfer("UID COPY", uids, target, copied);
+}
+
+std::string Mail_Session::Expunge(const std::vector<Uid>& uids, std::uint64_t mod_seq,
+                                  std::vector<Uid>& marked) {
+  Command store("UID STORE " + Format_Uid_Set(uids) + " ");
   if (mod_seq > 0) store.Raw("(UNCHANGEDSINCE " + std::to_string(mod_seq) + ") ");
   store.Raw("+FLAGS.SILENT (\\Deleted)");
   const auto answer = client_->Finish(client_->Send(store));
   std::string why;
-  std::vector<Uid> left = uids;
+  std::set<Uid> modified;
   if (answer->Code() == "MODIFIED") {
     // It names messages that have changed since, and are not marked.
     const auto arguments = answer->Arguments();
-    const auto changed = arguments.empty() ? std::vector<Uid>() : Parse_Uid_Set(arguments.front().Text());
-    const std::set<Uid> modified(changed.begin(), changed.end());
-    std::erase_if(left, [&](Uid uid) { return modified.contains(uid); });
+    const auto changed = arguments.empty() ? uids : Parse_Uid_Set(arguments.front().Text());
+    modified.insert(changed.begin(), changed.end());
     why = "It was changed since it was shown.";
   } else if (answer->Name() != "OK") {
-    return answer->Text().empty() ? "The server refused." : answer->Text();
+    return Why_Refused(*answer);
   }
+  std::vector<Uid> left;
+  std::copy_if(uids.begin(), uids.end(), std::back_inserter(left),
+               [&](Uid uid) { return !modified.contains(uid); });
   if (left.empty()) return why;
-  const auto expunged = client_->Finish(client_->Send(Command("UID EXPUNGE " + Format_Uid_Set(left))));
-  if (expunged->Name() != "OK") return expunged->Text();
-  return why;
+  marked.insert(marked.end(), left.begin(), left.end());
+  const std::string refused = Expunge_Marked(left);
+  return refused.empty() ? why : refused;
+}
+
+std::string Mail_Session::Expunge_Marked(const std::vector<Uid>& uids) {
+  return Why_Refused(*client_->Finish(client_->Send(Command("UID EXPUNGE " + Format_Uid_Set(uids)))));
+}
+
+void Mail_Session::Unmark(const std::vector<Uid>& uids) {
+  client_->Finish(client_->Send(Command("UID STORE " + Format_Uid_Set(uids) + " -FLAGS.SILENT (\\Deleted)")));
 }
 
 }  // namespace tidyfold::imap

@@ -56,6 +56,7 @@ class Mail_Session {
   // Selects it where it is not, and looks what has come, gone and changed. Afterwards it is listed. Where its
   // UIDVALIDITY is another, all that was known of its messages is forgotten.
   void Look(Mailbox& mailbox);
+  bool Has_Selected(const Mailbox& mailbox) const { return selected_ == &mailbox; }
 
   // What the server has told of messages of the selected mailbox since it was last asked for; rows only as
   // far as they were fetched.
@@ -69,12 +70,17 @@ class Mail_Session {
   // One message, or a part of it. Empty where it has gone.
   std::string Fetch_Body(Uid uid, const std::string& part);
 
-  bool Can_Move() { return client_->Has("MOVE") || client_->Has("UIDPLUS"); }
+  bool Can_Move() { return client_->Has("MOVE"); }
   bool Can_Expunge() { return client_->Has("UIDPLUS"); }
-  // Why messages stay where they are, where the server has said so; empty otherwise.
+  // These say why messages stay where they are, where the server has said so; empty otherwise. What was moved
+  // or copied is what the server names.
   std::string Move(const std::vector<Uid>& uids, const Mailbox& target, std::vector<Moved_Message>& moved);
-  // For good; only those that are as they were when the mailbox was looked at with this `mod_seq`.
-  std::string Expunge(const std::vector<Uid>& uids, std::uint64_t mod_seq);
+  std::string Copy(const std::vector<Uid>& uids, const Mailbox& target, std::vector<Moved_Message>& copied);
+  // Marks messages as deleted and expunges them; only those that have not changed since `mod_seq`, if that is
+  // not 0. `marked` is added to as soon as the server has marked them.
+  std::string Expunge(const std::vector<Uid>& uids, std::uint64_t mod_seq, std::vector<Uid>& marked);
+  std::string Expunge_Marked(const std::vector<Uid>& uids);
+  void Unmark(const std::vector<Uid>& uids);
 
   imap::Client& Client() { return *client_; }
   // The mailbox was renamed or deleted.
@@ -88,7 +94,8 @@ class Mail_Session {
   void List_Messages();
   void Learn_Flags(Uid after);
   std::vector<Uid> Search(const std::string& what);
-  void Take_Copied(const Response& response, std::vector<Moved_Message>& moved);
+  std::string Transfer(const char* command, const std::vector<Uid>& uids, const Mailbox& target,
+                       std::vector<Moved_Message>& moved);
 
   const Account_Settings& settings_;
   std::mutex& lock_;

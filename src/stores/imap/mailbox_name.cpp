@@ -112,8 +112,7 @@ std::string Encode_Mailbox_Name(std::string_view utf8) {
     }
     const std::size_t length = lead < 0x80 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
     std::uint32_t c = length == 1 ? lead : lead & (0x7FU >> length);
-    for (std::size_t i = 1; i < length; ++i)
-      c = c << 6 | (static_cast<unsigned char>(valid[at + i]) & 0x3F);
+    for (std::size_t i = 1; i < length; ++i) c = c << 6 | (static_cast<unsigned char>(valid[at + i]) & 0x3F);
     at += length;
     if (!shifted) text += '&';
     shifted = true;

@@ -38,9 +38,17 @@ sqlite3* Open(const std::string& name) {
 
 }  // namespace
 
-struct Message_Cache::Connection {
-  Connection(sqlite3* opened, const std::string& name) : database(opened, name) { database.Execute(schema); }
+namespace {
+
+struct Opened {
+  Opened(sqlite3* opened, const std::string& name) : database(opened, name) { database.Execute(schema); }
   Database database;
+};
+
+}  // namespace
+
+struct Message_Cache::Connection : Opened {
+  using Opened::Opened;
   Statement find{database, "SELECT id, uid_validity, mod_seq FROM mailboxes WHERE name = ?1"};
   Statement add{database, "INSERT INTO mailboxes (name, uid_validity, mod_seq) VALUES (?1, ?2, ?3)"};
   Statement set{database, "UPDATE mailboxes SET uid_validity = ?2, mod_seq = ?3 WHERE id = ?1"};
@@ -98,7 +106,10 @@ std::int64_t Message_Cache::Number_Of(const Mailbox& mailbox) {
     }
   }
   if (id == 0) {
-    c.add.Bind(1, mailbox.wire_name).Bind(2, std::int64_t{mailbox.uid_validity}).Bind(3, std::int64_t{0}).Run();
+    c.add.Bind(1, mailbox.wire_name)
+        .Bind(2, std::int64_t{mailbox.uid_validity})
+        .Bind(3, std::int64_t{0})
+        .Run();
     id = sqlite3_last_insert_rowid(c.database.Connection());
   } else if (validity != mailbox.uid_validity) {
     c.clear.Bind(1, id).Run();
@@ -213,8 +224,8 @@ std::filesystem::path Message_Cache_File(const std::string& account) {
                                                                : std::string("/nonexistent");
   std::string name;
   for (const char c : account) {
-    const bool plain = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '.' ||
-                       c == '-' || c == '@';
+    const bool plain = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+                       c == '.' || c == '-' || c == '@';
     if (plain) {
       name += c;
     } else {

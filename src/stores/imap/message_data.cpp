@@ -83,7 +83,8 @@ void Read_Structure(const Value& structure, Message_Data& data) {
         below.push_back({fields[at], prefix + std::to_string(at + 1), false});
       }
       if (part.root && Same_Ascii(Text_At(fields, at), "REPORT")) data.item_class = item_class::report;
-      parts.insert(parts.end(), std::make_move_iterator(below.rbegin()), std::make_move_iterator(below.rend()));
+      parts.insert(parts.end(), std::make_move_iterator(below.rbegin()),
+                   std::make_move_iterator(below.rend()));
       continue;
     }
     const std::string_view type = Text_At(fields, 0), subtype = Text_At(fields, 1);
@@ -117,7 +118,8 @@ std::optional<std::int64_t> Read_Internal_Date(std::string_view text) {
   const std::chrono::year_month_day day{std::chrono::year(number(7, 4)), std::chrono::month(month + 1),
                                         std::chrono::day(static_cast<unsigned>(number(0, 2)))};
   const int hour = number(12, 2), minute = number(15, 2), second = number(18, 2), zone = number(22, 4);
-  if (!day.ok() || hour < 0 || hour > 23 || minute < 0 || minute > 59 || second < 0 || second > 60 || zone < 0)
+  if (!day.ok() || hour < 0 || hour > 23 || minute < 0 || minute > 59 || second < 0 || second > 60 ||
+      zone < 0)
     return std::nullopt;
   const std::int64_t days = std::chrono::sys_days(day).time_since_epoch().count();
   const int east = (text[21] == '-' ? -1 : 1) * (zone / 100 * 60 + zone % 100);

@@ -24,7 +24,7 @@ struct Message_Data {
   Uid uid = 0;                        // 0: not told
   std::optional<std::uint8_t> flags;  // message_flag bits
   std::uint64_t modseq = 0;
-  bool has_row = false;  // the rest is told
+  bool has_row = false;                  // the rest is told
   std::optional<std::int64_t> received;  // seconds since 1970 in UTC
   std::int64_t size = 0;
   std::int32_t item_class = item_class::mail;

@@ -89,7 +89,8 @@ std::unique_ptr<Transport> Start_Program(const std::vector<std::string>& words) 
   posix_spawn_file_actions_adddup2(&actions, ends[1], STDIN_FILENO);
   posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
   pid_t process = 0;
-  const int failure = posix_spawn(&process, words.at(0).c_str(), &actions, nullptr, arguments.data(), environ);
+  const int failure =
+      posix_spawn(&process, words.at(0).c_str(), &actions, nullptr, arguments.data(), environ);
   posix_spawn_file_actions_destroy(&actions);
   close(ends[1]);
   if (failure != 0) {

@@ -48,9 +48,10 @@ std::string Upper_Ascii(std::string_view text) {
 }
 
 bool Same_Ascii(std::string_view text, std::string_view upper_case) {
-  return std::equal(text.begin(), text.end(), upper_case.begin(), upper_case.end(), [](char left, char right) {
-    return (left >= 'a' && left <= 'z' ? static_cast<char>(left - 'a' + 'A') : left) == right;
-  });
+  return std::equal(
+      text.begin(), text.end(), upper_case.begin(), upper_case.end(), [](char left, char right) {
+        return (left >= 'a' && left <= 'z' ? static_cast<char>(left - 'a' + 'A') : left) == right;
+      });
 }
 
 std::optional<std::uint64_t> Parse_Number(std::string_view digits) {
@@ -77,10 +78,10 @@ void Response_Reader::Feed(std::string_view bytes) {
 
 std::optional<std::string> Response_Reader::Next() {
   for (;;) {
-    const char* const found =
-        scanned_ >= buffer_.size()
-            ? nullptr
-            : static_cast<const char*>(std::memchr(buffer_.data() + scanned_, '\n', buffer_.size() - scanned_));
+    const char* const found = scanned_ >= buffer_.size()
+                                  ? nullptr
+                                  : static_cast<const char*>(std::memchr(buffer_.data() + scanned_, '\n',
+                                                                         buffer_.size() - scanned_));
     if (found == nullptr) {
       // A literal that is still coming in has been measured already.
       if (scanned_ <= buffer_.size() && buffer_.size() - begin_ > limits_.line + literals_)

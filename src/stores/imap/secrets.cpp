@@ -49,9 +49,17 @@ std::optional<std::string> Secret_From_Keyring(const Store_Address& address) {
                                        {"server", SECRET_SCHEMA_ATTRIBUTE_STRING},
                                        {"user", SECRET_SCHEMA_ATTRIBUTE_STRING},
                                        {nullptr, SECRET_SCHEMA_ATTRIBUTE_STRING}},
-                                      0, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr};
-  gchar* const found = secret_password_lookup_sync(&schema, nullptr, nullptr, "protocol", "imap", "server",
-                                                   address.host.c_str(), "user", address.user.c_str(), nullptr);
+                                      0,
+                                      nullptr,
+                                      nullptr,
+                                      nullptr,
+                                      nullptr,
+                                      nullptr,
+                                      nullptr,
+                                      nullptr};
+  gchar* const found =
+      secret_password_lookup_sync(&schema, nullptr, nullptr, "protocol", "imap", "server",
+                                  address.host.c_str(), "user", address.user.c_str(), nullptr);
   if (found == nullptr) return std::nullopt;
   std::string secret = found;
   secret_password_free(found);

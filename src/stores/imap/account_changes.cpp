@@ -1,0 +1,209 @@
+// What an account does to messages.
+#include <algorithm>
+#include <iterator>
+#include <unordered_map>
+#include <utility>
+
+#include "stores/imap/account.h"
+
+namespace tidyfold::imap {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr auto intended = std::chrono::milliseconds(300);
+constexpr std::size_t least_at_once = 20, most_at_once = 20'000;
+
+}  // namespace
+
+void Adapt_Size(std::size_t& at_once, std::size_t done, Clock::duration took) {
+  if (done < at_once) return;
+  if (took < intended / 2) at_once = std::min(at_once * 2, most_at_once);
+  if (took > intended) at_once = std::max(at_once / 2, least_at_once);
+}
+
+Change Account::Plan_Change(std::size_t mailbox, std::uint32_t uid_validity, Uid uid,
+                            std::size_t target) const {
+  Change change;
+  change.mailbox = mailbox;
+  change.uid_validity = uid_validity;
+  change.uid = uid;
+  change.target = target;
+  change.flags = Flags(mailbox, uid);
+  const std::lock_guard guard(lock_);
+  change.mod_seq = Box(mailbox).mod_seq;
+  return change;
+}
+
+void Account::Carry_Out(std::vector<Change>& changes) {
+  for (std::size_t begin = 0; begin < changes.size();) {
+    std::vector<Change*> batch;
+    const Change& first = changes[begin];
+    for (; begin < changes.size() && batch.size() < move_size_; ++begin) {
+      Change& change = changes[begin];
+      if (change.mailbox != first.mailbox || change.target != first.target ||
+          change.uid_validity != first.uid_validity)
+        break;
+      batch.push_back(&change);
+    }
+    const auto start = Clock::now();
+    const std::size_t size = batch.size();
+    try {
+      Do([&](Mail_Session& session) { Carry_Out_Batch(session, batch); });
+    } catch (const Automation_Error& error) {
+      {
+        const std::lock_guard guard(lock_);
+        for (Change* const change : batch) {
+          if (change->is_done || !change->reason.empty()) continue;
+          change->reason = error.Description();
+          const bool may_be_marked = change->is_sent && (change->target == 0 || change->is_copied) &&
+                                     (change->flags & message_flag::deleted) == 0;
+          if (may_be_marked) marked_[&Box(change->mailbox)].push_back(change->uid);
+        }
+      }
+      if (error.Number() != automation_error::unavailable) continue;
+      for (; begin < changes.size(); ++begin) changes[begin].reason = "The connection was lost before.";
+      throw;
+    }
+    Adapt_Size(move_size_, size, Clock::now() - start);
+  }
+}
+
+// What is still to be done with the messages of a batch.
+struct Account::Steps {
+  std::vector<Uid> begin;          // nothing was done yet
+  std::vector<Uid> copied;         // still to be expunged
+  std::vector<Uid> marked;         // likewise, and marked as deleted by us
+  std::vector<Uid> marked_before;  // by others
+  std::uint64_t mod_seq = 0;
+};
+
+// Begun again after a connection that dropped: what is gone by then was done, and what we have marked as
+// deleted was left on the way.
+Account::Steps Account::Sort_Out(const Mailbox& mailbox, std::vector<Change*>& batch) const {
+  constexpr std::uint8_t telling = message_flag::seen | message_flag::flagged;
+  Steps steps;
+  steps.mod_seq = mailbox.mod_seq;
+  const bool same = mailbox.uid_validity == batch.front()->uid_validity;
+  for (Change* const change : batch) {
+    if (change->is_done || !change->reason.empty()) continue;
+    const auto place = mailbox.Place_Of(change->uid);
+    if (!same) {
+      change->reason = "The server has numbered the folder anew. Refresh it.";
+    } else if (mailbox.is_read_only) {
+      change->reason = "The mail server lets nothing be changed in this folder.";
+    } else if (!place && change->is_sent) {
+      change->is_done = true;
+    } else if (!place) {
+      change->reason = "It is no longer there.";
+    } else if (((mailbox.flags[*place] ^ change->flags) & telling) != 0) {
+      change->reason = "It was changed since it was shown.";
+    } else {
+      const bool is_marked = (mailbox.flags[*place] & message_flag::deleted) != 0;
+      const bool by_others = (change->flags & message_flag::deleted) != 0 || !change->is_sent;
+      if (is_marked && by_others) steps.marked_before.push_back(change->uid);
+      if (is_marked && !by_others && (change->target == 0 || change->is_copied)) {
+        steps.marked.push_back(change->uid);
+      } else if (change->is_copied) {
+        steps.copied.push_back(change->uid);
+      } else {
+        if (change->mod_seq != 0) steps.mod_seq = std::min(steps.mod_seq, change->mod_seq);
+        steps.begin.push_back(change->uid);
+      }
+    }
+  }
+  return steps;
+}
+
+void Account::Carry_Out_Batch(Mail_Session& session, std::vector<Change*>& batch) {
+  const Change& first = *batch.front();
+  Mailbox& box = Box(first.mailbox);
+  Mailbox& target = Box(first.target);
+  bool is_fresh = false;
+  {
+    const std::lock_guard guard(lock_);
+    is_fresh = session.Has_Selected(box) && Clock::now() - box.looked_at < settings_.trust;
+  }
+  if (!is_fresh) Look_And_Keep(session, box);
+  Steps steps;
+  std::unordered_map<Uid, Change*> by_uid;
+  {
+    const std::lock_guard guard(lock_);
+    const bool copies = first.target != 0 && !session.Can_Move();
+    for (Change* const change : batch) {
+      // Whether a copy was made cannot be told; a second one would be too many.
+      if (copies && change->is_sent && !change->is_copied && !change->is_done && change->reason.empty())
+        change->reason =
+            "The connection was lost while it was copied. It is where it was; a copy may lie in \"" +
+            target.name + "\".";
+      by_uid[change->uid] = change;
+    }
+    steps = Sort_Out(box, batch);
+    for (const Uid uid : steps.begin) by_uid[uid]->is_sent = true;
+  }
+  std::string why;
+  const auto arrived = [&](const std::vector<Moved_Message>& messages, bool copied) {
+    for (const Moved_Message& message : messages) {
+      const auto found = by_uid.find(message.uid);
+      if (found == by_uid.end()) continue;
+      found->second->is_copied = copied;
+      found->second->new_uid = message.new_uid;
+      found->second->new_validity = message.new_validity;
+      if (copied) steps.copied.push_back(message.uid);
+    }
+  };
+  std::vector<Moved_Message> moved;
+  if (first.target != 0 && session.Can_Move()) {
+    if (!steps.begin.empty()) why = session.Move(steps.begin, target, moved);
+    arrived(moved, false);
+  } else if (!session.Can_Expunge()) {
+    why = first.target != 0
+              ? "The mail server can neither move messages (MOVE) nor delete single ones (UIDPLUS)."
+              : "The mail server cannot delete single messages for good (UIDPLUS); nothing was deleted.";
+  } else {
+    if (first.target != 0) {
+      if (!steps.begin.empty()) why = session.Copy(steps.begin, target, moved);
+      arrived(moved, true);
+      steps.begin = std::move(steps.copied);
+      steps.mod_seq = 0;
+    }
+    const auto keep = [&](const std::string& reason) {
+      if (!reason.empty()) why = reason;
+    };
+    if (!steps.marked.empty()) keep(session.Expunge_Marked(steps.marked));
+    if (!steps.begin.empty()) keep(session.Expunge(steps.begin, steps.mod_seq, steps.marked));
+    const std::lock_guard guard(lock_);
+    for (const Uid uid : steps.marked) {
+      const bool by_us =
+          std::find(steps.marked_before.begin(), steps.marked_before.end(), uid) == steps.marked_before.end();
+      if (by_us && box.Place_Of(uid)) marked_[&box].push_back(uid);
+    }
+  }
+  Take_Marks_Off(session, box);
+  cache_.Keep(box, session.Take_Vanished(), session.Take_Changed_Flags());
+  const std::lock_guard guard(lock_);
+  target.looked_at = {};
+  for (Change* const change : batch) {
+    if (change->is_done || !change->reason.empty()) continue;
+    change->is_done = !box.Place_Of(change->uid);
+    if (!change->is_done) change->reason = why.empty() ? "The mail server left it where it was." : why;
+  }
+}
+
+// What stays must not go with the next expunge of whoever.
+void Account::Take_Marks_Off(Mail_Session& session, Mailbox& mailbox) {
+  std::vector<Uid> uids;
+  {
+    const std::lock_guard guard(lock_);
+    const auto found = marked_.find(&mailbox);
+    if (found == marked_.end()) return;
+    std::copy_if(found->second.begin(), found->second.end(), std::back_inserter(uids),
+                 [&](Uid uid) { return mailbox.Place_Of(uid).has_value(); });
+  }
+  if (!uids.empty()) session.Unmark(uids);
+  const std::lock_guard guard(lock_);
+  marked_.erase(&mailbox);
+}
+
+}  // namespace tidyfold::imap
