@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Prints what a screen reader is told by a program on this session bus: one line per object, indented, with its
-role, its name and its states. With --toggle NAME, does the first action of the tick cell before the text NAME instead.
+role, its name and its states. With --toggle NAME, ticks the row whose text
+begins with NAME by its tick cell's own action instead.
 
     accessibility_tree.py PROGRAM [--toggle NAME] [--json]
 """
@@ -8,12 +9,14 @@ role, its name and its states. With --toggle NAME, does the first action of the 
 import argparse
 import json
 import sys
+import warnings
 
 import gi
 
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi  # noqa: E402
 
+warnings.simplefilter("ignore", DeprecationWarning)
 TOLD = {Atspi.StateType.FOCUSED: "focused", Atspi.StateType.CHECKED: "checked", Atspi.StateType.EXPANDED: "expanded",
         Atspi.StateType.SELECTED: "selected", Atspi.StateType.ACTIVE: "active", Atspi.StateType.MODAL: "modal"}
 MOST_CHILDREN = 60  # of one object; a list may have a million
@@ -64,14 +67,16 @@ def lines(described, depth=0):
 
 
 def toggle(accessible, name):
-    """The tick cell that is named after its folder."""
-    if accessible.get_name() == name:
-        actions = accessible.get_action_iface()
-        for at in range(actions.get_n_actions() if actions else 0):
-            if Atspi.Action.get_action_name(actions, at) == "toggle":
-                return Atspi.Action.do_action(actions, at)
-    return any(toggle(child, name) for child in (
-        accessible.get_child_at_index(at) for at in range(accessible.get_child_count())) if child is not None)
+    """The tick cell of the row whose text begins with the name."""
+    children = [child for child in (accessible.get_child_at_index(at) for at in range(
+        min(accessible.get_child_count(), MOST_CHILDREN))) if child is not None]
+    if any((child.get_name() or "").startswith(name + " ") for child in children):
+        for cell in children:
+            actions = cell.get_action_iface()
+            for at in range(actions.get_n_actions() if actions else 0):
+                if Atspi.Action.get_action_name(actions, at) == "toggle":
+                    return Atspi.Action.do_action(actions, at)
+    return any(toggle(child, name) for child in children)
 
 
 def main():

@@ -2,7 +2,7 @@
 
 import unittest
 
-from window_case import Window_Case, ticked
+from window_case import Window_Case, options_on, ticked
 from window_session import PATIENCE
 
 # As xdotool has them.
@@ -24,11 +24,12 @@ class Keys(Window_Case):
         window = self.window
 
         def at_rest(state):
-            return (state["keyboard"] == "window" and state["focus"] and not state["boxes"] and not state["pointer_asks"] and
+            return (state["keyboard"] == "window" and state["focus"] and not state["boxes"] and
+                    not state["beside"] and not state["commands_under_way"] and not state["pointer_asks"] and
                     state["widgets"]["cmdRun"]["label"] == "&Clean" and not state["to_do"])
         for _ in range(20):
-            state = window.wait("a rest or something to leave", lambda state: at_rest(state) or state["boxes"] or
-                                state["pointer_asks"] or state["keyboard"] not in ("window", ""))
+            state = window.wait("a rest or something to leave", lambda state: at_rest(state) or
+                                state["pointer_asks"] or state["keyboard"] in ("box", "files", "other", "menu"))
             if at_rest(state):
                 return
             window.xdotool("key", "Escape")
@@ -50,6 +51,9 @@ class Keys(Window_Case):
                 if (key in EDITING and pane.startswith("txt")) or key in ("Esc", "Ctrl+W"):
                     continue
                 self.go_to(pane)
+                if label == "Mark Folder":
+                    window.key("ctrl+shift+m")
+                    window.wait("no tick", lambda state: not ticked(state) and not state["commands_under_way"])
                 now = {at["key"]: at for at in window.state()["menus"]}[key]
                 if not now["enabled"]:
                     continue
@@ -71,13 +75,20 @@ class Keys(Window_Case):
     def go_to(self, pane):
         """With the Inbox current and ticked, subjects to filter by, and a row that has the frame."""
         window = self.window
-        if window.state()["focus"] == pane and pane != "txtSelectSubject":
-            state = window.state()
-            if ticked(state) and state["row"]:
-                return
+        if options_on(window.state()) - {"SelectSubject"} != {"ShowSelectedItems", "ShowUnselectedItems"}:
+            window.key("ctrl+r")
+            window.wait("the first options", lambda state: options_on(state) == {
+                "ShowSelectedItems", "ShowUnselectedItems"} and not state["commands_under_way"])
+        state = window.state()
+        if state["focus"] == pane and any(text.startswith("Inbox ") for text in ticked(state)) and state["row"] and (
+                pane != "txtSelectSubject" or state["widgets"]["chkSelectSubject"]["checked"]):
+            return
         if not window.state()["widgets"]["lblCurrentFolder"]["label"].endswith(" Inbox"):
             window.click_at(window.node("Inbox")["rectangle"])
             window.wait("the Inbox", lambda state: state["widgets"]["lblCurrentFolder"]["label"].endswith(" Inbox"))
+        if any(node["lock"] for node in window.state()["tree"]):
+            window.key("ctrl+k")
+            window.wait("no lock", lambda state: not any(node["lock"] for node in state["tree"]))
         if not any(text.startswith("Inbox ") for text in ticked(window.state())):
             window.tick_folder("Inbox")
         if pane == "txtSelectSubject" and not window.state()["widgets"]["chkSelectSubject"]["checked"]:
@@ -113,6 +124,7 @@ class Keys(Window_Case):
         window.answer("All Folders Loaded")
         self.wait_for_rest()
         waits("the store's name", lambda state: state["title"] == "sample - Tidyfold")
+        waits("the keyboard in the window", lambda state: state["keyboard"] == "window" and state["focus"])
         while window.state()["focus"] != "trvFolders":
             before = window.state()["focus"]
             window.key("Tab")
@@ -138,7 +150,8 @@ class Keys(Window_Case):
         # As it was left; the box is not shown again.
         window = self.open(named=False, wait=False)
         state = window.wait("the window", lambda state: state["shown"] and not state["to_do"] and
-                            state["widgets"]["cmdRun"]["label"] == "&Clean" and "txtPreview" in state["widgets"])
+                            state["widgets"]["cmdRun"]["label"] == "&Clean" and "txtPreview" in state["widgets"] and
+                            state["focus"] and state["keyboard"] == "window")
         self.assertEqual(state["boxes_closed"], 0)
         self.quit()
 

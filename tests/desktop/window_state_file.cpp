@@ -210,9 +210,14 @@ void Window_State_File::Window_Built(wxFrame& frame, const MainWindow& window) {
   window_ = &window;
   // Bound last, it is asked first.
   frame.Bind(wxEVT_MENU, [this](wxCommandEvent& event) {
-    event.Skip();
+    // Passed on from here, so that the end of the command is known too.
+    if (std::exchange(passing_on_, false)) return event.Skip();
     if (const wxMenuItem* const item = frame_->GetMenuBar()->FindItem(event.GetId()))
       commands_.push_back(From_Wx(item->GetItemLabelText()));
+    ++under_way_;
+    passing_on_ = true;
+    frame_->ProcessWindowEvent(event);
+    --under_way_;
   });
 }
 
@@ -242,6 +247,7 @@ std::string Window_State_File::Describe() const {
   if (frame_ == nullptr) return state.dump(1, ' ', false, json::error_handler_t::replace);
   state["menus"] = Describe_Menus(*frame_->GetMenuBar());
   state["commands"] = commands_;
+  state["commands_under_way"] = under_way_;
   state["shown"] = frame_->IsShown();
   state["title"] = From_Wx(frame_->GetTitle());
   state["focus"] = Focus(*frame_);

@@ -35,6 +35,8 @@ class Window_State_File : public Program_Observer {
   int boxes_closed_ = 0;
   // The menu's entries that were chosen, by mouse or key.
   std::vector<std::string> commands_;
+  int under_way_ = 0;
+  bool passing_on_ = false;
   std::unique_ptr<wxTimer> timer_;
 };
 

@@ -19,6 +19,7 @@ constexpr int text_box_padding = 12;
 constexpr int gap = 6;
 // A pane that is lower than this has no room for a preview.
 constexpr int least_height_with_preview = 320;
+constexpr int least_width = 60, least_height = 120;
 
 // Shows a text whose first line is a heading.
 class Preview_Binder : public Control_Binder {
@@ -105,6 +106,8 @@ void Items_Pane::Search_Key(wxKeyEvent& event) {
 // By hand, as the list must never wait for a sizer: its height decides what a person sees of a run.
 void Items_Pane::Lay_Out() {
   const wxSize size = GetClientSize();
+  // While a bar is dragged the pane may be next to nothing; what is in it is cut off then.
+  if (size.x < FromDIP(least_width) || size.y < FromDIP(least_height)) return;
   const int space = FromDIP(gap), line = search_->GetCharHeight() + FromDIP(text_box_padding);
   const int box = std::min(search_->GetTextExtent(hint).x + FromDIP(search_padding), size.x);
   search_->SetSize(0, 0, box, line);
