@@ -23,14 +23,6 @@ For i = 1 To 12
     received, received, never, never, never
 Next
 """
-DEPTH = 1000
-DEEP = f"""
-Set control = CreateObject("Tidyfold.TestOutlook")
-Set folder = control.TopFolder(1)
-For i = 1 To {DEPTH}
-  Set folder = control.AddFolder(1, folder.StoreID, folder.EntryID, "Deep", 0)
-Next
-"""
 COUNT = """
 Set top = CreateObject("Outlook.Application").GetNamespace("MAPI").Folders.Item(1)
 For i = 1 To top.Folders.Count
@@ -77,10 +69,6 @@ def main():
         assert cleaned["processed"] == 1, cleaned
         items = json.loads(cli("items", "--folder", "Inbox", "--json"))
         assert sorted(item["sender"] for item in items) == sorted(f"Sender {i}" for i in range(2, 10)), items
-        # Each level of the walk is a call to the other program.
-        script(window, DEEP)
-        assert sum(folder["name"] == "Deep" for folder in json.loads(cli("folders", "--json"))) == DEPTH
-
 
 
 if __name__ == "__main__":
