@@ -229,8 +229,10 @@ void Window_State_File::Program_Started() {
     Follow_Density(*frame_, path_ + ".density");
 #endif
     Write();
+    // Not periodic: where writing takes longer than the pace, a yield of the program would never end.
+    timer_->StartOnce(pace);
   });
-  timer_->Start(pace);
+  timer_->StartOnce(pace);
 }
 
 void Window_State_File::Box_Closed() {
