@@ -86,8 +86,12 @@ TEST_F(Header_Cache_Test, DamageIsReadAgain) {
     Write_Bytes(file, damaged);
     Header_Cache cache(directory.Path(), "store");
     const std::int64_t folder = cache.Folder("", 0);
-    for (int number = 0; number < 2000; ++number)
-      if (const auto found = cache.Find(folder, std::to_string(number))) ASSERT_EQ(found->subject, "subject");
+    for (int number = 0; number < 2000; ++number) {
+      const auto found = cache.Find(folder, std::to_string(number));
+      if (found) {
+        ASSERT_EQ(found->subject, "subject");
+      }
+    }
     cache.Put(folder, "new", Header("new"));
     cache.Keep();
   }
