@@ -1,9 +1,8 @@
 #!/usr/bin/env python3
 """Prints what a screen reader is told by a program on this session bus: one line per object, indented, with its
-role, its name and its states. With --toggle NAME, ticks the row whose text
-begins with NAME by its tick cell's own action instead.
+role, its name and its states.
 
-    accessibility_tree.py PROGRAM [--toggle NAME] [--json]
+    accessibility_tree.py PROGRAM [--json]
 """
 
 import argparse
@@ -37,12 +36,6 @@ def describe(accessible):
                  "states": [word for state, word in TOLD.items() if states.contains(state)], "children": []}
     if not states.contains(Atspi.StateType.ENABLED):
         described["states"].append("disabled")
-    try:
-        actions = accessible.get_action_iface()
-        described["actions"] = [Atspi.Action.get_action_name(actions, at)
-                                for at in range(actions.get_n_actions())] if actions else []
-    except gi.repository.GLib.Error:
-        described["actions"] = []
     return described
 
 
@@ -66,30 +59,14 @@ def lines(described, depth=0):
         yield from lines(child, depth + 1)
 
 
-def toggle(accessible, name):
-    """The tick cell of the row whose text begins with the name."""
-    children = [child for child in (accessible.get_child_at_index(at) for at in range(
-        min(accessible.get_child_count(), MOST_CHILDREN))) if child is not None]
-    if any((child.get_name() or "").startswith(name + " ") for child in children):
-        for cell in children:
-            actions = cell.get_action_iface()
-            for at in range(actions.get_n_actions() if actions else 0):
-                if Atspi.Action.get_action_name(actions, at) == "toggle":
-                    return Atspi.Action.do_action(actions, at)
-    return any(toggle(child, name) for child in children)
-
-
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("program")
-    parser.add_argument("--toggle")
     parser.add_argument("--json", action="store_true")
     arguments = parser.parse_args()
     program = find_program(arguments.program)
     if program is None:
         sys.exit(f"No program {arguments.program} is told of on this bus.")
-    if arguments.toggle:
-        sys.exit(0 if toggle(program, arguments.toggle) else "There is no such tick cell.")
     tree = walk(program)
     print(json.dumps(tree) if arguments.json else "\n".join(lines(tree)))
 

@@ -26,8 +26,6 @@ class Pages(http.server.SimpleHTTPRequestHandler):
 
 
 class Help_Window(Window_Case):
-    silent = False  # the book's window is the toolkit's own, and it complains
-
     def serve(self, folder):
         """Returns the server and its address."""
         server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), functools.partial(Pages, directory=str(folder)))

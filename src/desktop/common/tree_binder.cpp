@@ -114,14 +114,8 @@ Tree_Binder::Tree_Binder(TreeView& model, wxDataViewCtrl& widget, Repaint_Schedu
                [this](wxDataViewEvent& event) { Expansion_Turned(Node_Of(event.GetItem()), false); });
   widget_.Bind(wxEVT_DATAVIEW_ITEM_ACTIVATED, [this](wxDataViewEvent& event) {
     // Two quick clicks on the check box are not a double click on the name.
-    const int node = Node_Of(event.GetItem());
-    if (!model_.Exists(node) || press_ticked_) return;
-    if (tree_.Is_Activated_By_Input()) {
+    if (const int node = Node_Of(event.GetItem()); model_.Exists(node) && !press_ticked_)
       model_.Set_Expanded(node, !model_.Expanded(node));
-    } else if (model_.Enabled()) {
-      // The action of a tick's accessible, which nothing else tells of.
-      Tick_By_Key(node);
-    }
   });
   widget_.Bind(wxEVT_DATAVIEW_ITEM_CONTEXT_MENU, [this](wxDataViewEvent& event) {
     // After wxWidgets has handled the click. GTK tells of the press, and a menu that opens then closes with

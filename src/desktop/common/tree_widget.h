@@ -37,8 +37,6 @@ class Tree_Widget {
   void Set_Scroll_Position(double position);
   // Typing finds nodes by the first letters of their texts, where the system does not do that by itself.
   void Search_By_Typing();
-  // False where a screen reader or the like has activated a row.
-  bool Is_Activated_By_Input() const;
 
  private:
   wxDataViewCtrl& widget_;

@@ -75,12 +75,6 @@ void Tree_Widget::Set_Scroll_Position(double position) {
   gtk_adjustment_set_value(Scroll_Bar(widget_), position);
 }
 
-bool Tree_Widget::Is_Activated_By_Input() const {
-  GdkEvent* const event = gtk_get_current_event();
-  if (event != nullptr) gdk_event_free(event);
-  return event != nullptr;
-}
-
 void Tree_Widget::Search_By_Typing() {
   gtk_tree_view_set_search_column(View(widget_), 0);
   gtk_tree_view_set_search_equal_func(

@@ -27,10 +27,6 @@ double Tree_Widget::Scroll_Position() const {
 void Tree_Widget::Set_Scroll_Position(double position) {
   widget_.SetScrollPos(wxVERTICAL, static_cast<int>(position));
 }
-bool Tree_Widget::Is_Activated_By_Input() const {
-  return true;
-}
-
 void Tree_Widget::Search_By_Typing() {}
 
 }  // namespace tidyfold
