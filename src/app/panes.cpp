@@ -26,6 +26,7 @@ void Panes::Wire() {
 void Panes::Set_Up_Bars() {
   tree_bar_.Setup(window_.trvFolders, window_.grdItems, window_.picSlider, 0);
   options_bar_.Setup(window_.grdItems, window_.frmOptions, window_.picSlider2, 0);
+  chosen_tree_width_ = window_.trvFolders.Width();
 }
 
 void Panes::Align_Lines() {
@@ -85,6 +86,7 @@ void Panes::picSlider_MouseMove(Twips x) {
 void Panes::picSlider_MouseUp() {
   errors_.Run("picSlider_MouseUp", [&] {
     tree_bar_.Mouse_Up();
+    chosen_tree_width_ = window_.trvFolders.Width();
     Align_Current_Folder_Label();
     columns_.Reset_Column_Widths();
   });
@@ -128,13 +130,15 @@ void Panes::Form_Resize() {
     const Twips room = std::max<Twips>(bottom - w.cmdRun.Height() - button_gap - w.frmOptions.Top(), 0);
     w.frmOptions.Set_Height(w.options_height > 0 ? std::min(w.options_height, room) : room);
     w.cmdRun.Set_Top(w.frmOptions.Top() + w.frmOptions.Height() + button_gap);
-    // The options stay in sight: in a narrow window the tree gives way, down to nothing.
+    // The options stay in sight: in a narrow window the tree gives way, down to nothing, and has its width
+    // again once there is room.
     const Twips wanted_left = w.frmRemoveItems.Width() - margin - w.frmOptions.Width();
     const Twips farthest_grid = std::max(wanted_left - w.picSlider2.Width() - least_grid_width,
                                          w.trvFolders.Left() + w.picSlider.Width());
-    if (w.grdItems.Left() > farthest_grid) {
-      w.grdItems.Set_Left(farthest_grid);
-      w.picSlider.Set_Left(farthest_grid - w.picSlider.Width());
+    const Twips chosen_grid = w.trvFolders.Left() + chosen_tree_width_ + w.picSlider.Width();
+    if (const Twips grid = std::min(chosen_grid, farthest_grid); w.grdItems.Left() != grid) {
+      w.grdItems.Set_Left(grid);
+      w.picSlider.Set_Left(grid - w.picSlider.Width());
       w.trvFolders.Set_Width(w.picSlider.Left() - w.trvFolders.Left());
     }
     const Twips options_left =

@@ -42,6 +42,8 @@ class Panes {
   Grid_Columns& columns_;
   Error_Handler& errors_;
   SliderBar tree_bar_, options_bar_;
+  // Of the folder tree, as a person left it; a narrow window shows less of it.
+  Twips chosen_tree_width_ = 0;
   // Widths when a drag of the first bar began.
   std::int32_t grid_width_ = 0, options_width_ = 0;
 };

@@ -359,7 +359,7 @@ class Window(Window_Case):
         dragged("picSlider2", -100, "a narrower window", lambda _, width: width[2] == open_[2] - 100 and
                 width[4] == open_[4])
         dragged("picSlider2", 2000, "a window as wide as the screen, and within it", lambda now, width:
-                width[2] > open_[2] and now[4] + width[4] < 1280)
+                width[2] >= open_[2] and now[4] + width[4] < 1280)
         dragged("picSlider2", -2000, "a window as narrow as it gets", lambda _, width: width[2] < open_[2] - 100 and
                 width[4] == open_[4])
 

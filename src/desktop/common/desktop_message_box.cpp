@@ -16,6 +16,13 @@ namespace {
 
 constexpr const char* silent_value = "Not Shown";
 
+// The toolkit's own boxes know no style for no icon, and need none.
+#ifdef __WXMSW__
+constexpr long no_icon_style = wxICON_NONE;
+#else
+constexpr long no_icon_style = 0;
+#endif
+
 long Style(Buttons buttons, Icon icon) {
   const long style = icon == Icon::Critical ? wxICON_ERROR : wxICON_NONE;
   switch (buttons) {
@@ -74,7 +81,7 @@ void Desktop_Message_Box::Inform(const std::string& text) {
   const std::string silent = not_shown_again ? not_shown_again->Text(silent_value) : std::string();
   if (("\n" + silent).find("\n" + text + "\n") != std::string::npos) return;
   const bool never_again = Open(text, [&](wxWindow* parent) {
-    wxRichMessageDialog dialog(parent, To_Lines(text), application_title, wxOK | wxICON_NONE | wxCENTRE);
+    wxRichMessageDialog dialog(parent, To_Lines(text), application_title, wxOK | no_icon_style | wxCENTRE);
     if (not_shown_again) dialog.ShowCheckBox("&Do not show this again");
     dialog.ShowModal();
     return dialog.IsCheckBoxChecked();
