@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <sstream>
 
 #include "base/text.h"
 
@@ -46,8 +47,11 @@ std::string Safe_Name(std::string_view name, std::size_t longest) {
 std::string Free_Name(const std::string& name, const std::string& end,
                       const std::function<bool(const std::string& name)>& is_taken) {
   std::string candidate = name + end;
-  for (int number = 2; is_taken(candidate); ++number)
-    candidate = name + " (" + std::to_string(number) + ")" + end;
+  for (int number = 2; is_taken(candidate); ++number) {
+    std::ostringstream numbered;
+    numbered << name << " (" << number << ")" << end;
+    candidate = numbered.str();
+  }
   return candidate;
 }
 

@@ -18,7 +18,7 @@ struct Mail_Summary {
 };
 
 // Enough of a message for its header and for the first parts behind it.
-inline constexpr std::size_t summary_bytes = 16 * 1024;
+inline constexpr std::size_t summary_bytes = std::size_t{16} * 1024;
 
 // `raw_charset` is that of raw 8-bit text. The class is mail.
 Mail_Summary Summarize(const Mail_Headers& headers, std::string_view raw_charset);

@@ -123,7 +123,7 @@ std::string Maildir_Store::Make(const Change& change) {
   const bool was_unread = !mail.Has('S'), was_flagged = mail.Has('F');
   int error = 0;
   for (int attempt = 0; attempt < most_attempts; ++attempt) {
-    const std::string failure = Make_Once(change, error);
+    std::string failure = Make_Once(change, error);
     if (error != ENOENT) return failure;
     // Other marks, moved by its mail program, or gone.
     bool found = false;
