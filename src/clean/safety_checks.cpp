@@ -206,7 +206,8 @@ Answer Safety_Checks::Confirm_Current_Folder(const Plan_Stop& stop, const Run_Op
     // Of a folder that is not loaded nobody knows yet how many items pass the filters.
     if (stop.way != Way::Live) question += Str(stop.tally.items);
     question += " items in \"" + records_[stop.folder].Folder->Name() + "\"";
-    question += for_good ? " folder?" : std::string(" folder") + to_deleted_items;
+    question += " folder";
+    question += for_good ? "?" : to_deleted_items;
     return message_box_.Show(question, Buttons::Yes_No_Cancel);
   });
   if (answer == Answer{}) run_.NotAllDeleted = true;

@@ -233,8 +233,9 @@ std::optional<std::int64_t> Plain_Mail_Date(std::string_view text) {
       number(27, 2) > 14 || number(29, 2) > 59)
     return std::nullopt;
   const std::int64_t days = std::chrono::sys_days(day).time_since_epoch().count();
-  const std::int64_t zone = (number(27, 2) * 60 + number(29, 2)) * (text[26] == '-' ? -60 : 60);
-  return days * 86400 + number(17, 2) * 3600 + number(20, 2) * 60 + number(23, 2) - zone;
+  const std::int64_t zone = (number(27, 2) * 60 + number(29, 2)) * (text[26] == '-' ? -60LL : 60LL);
+  const std::int64_t minutes = (days * 24 + number(17, 2)) * 60 + number(20, 2);
+  return minutes * 60 + number(23, 2) - zone;
 }
 
 }  // namespace

@@ -329,7 +329,7 @@ std::vector<Logged_Run> Run_Log::Read_Runs(const char* which, std::int64_t param
 void Run_Log::Items(std::int64_t run, const std::function<void(const Logged_Item&)>& visit) {
   Log_File* const file = access_->Open_If_There();
   if (file == nullptr) return;
-  Log_Statement row(*file, std::string(item_columns) + "WHERE id > ? AND id < ? ORDER BY id LIMIT ?");
+  Log_Statement row(*file, std::string(item_columns).append("WHERE id > ? AND id < ? ORDER BY id LIMIT ?"));
   // In portions, so that no statement is open while the visitor does its work.
   std::vector<Logged_Item> portion;
   std::int64_t last = 0;
@@ -346,10 +346,10 @@ void Run_Log::Items(std::int64_t run, const std::function<void(const Logged_Item
 std::optional<Logged_Item> Run_Log::Find_Moved(const std::string& store_id, const std::string& entry_id) {
   Log_File* const file = access_->Open_If_There();
   if (file == nullptr) return std::nullopt;
-  Log_Statement row(*file,
-                    std::string(item_columns) +
-                        "WHERE (new_entry_id = ?1 OR (new_entry_id = '' AND entry_id = ?1)) "
-                        "AND store_id = ?2 AND action = ?3 AND result IN (0, 1) ORDER BY id DESC LIMIT 1");
+  Log_Statement row(
+      *file, std::string(item_columns)
+                 .append("WHERE (new_entry_id = ?1 OR (new_entry_id = '' AND entry_id = ?1)) "
+                         "AND store_id = ?2 AND action = ?3 AND result IN (0, 1) ORDER BY id DESC LIMIT 1"));
   row.Bind(entry_id, store_id, static_cast<int>(Item_Action::Moved));
   if (!row.Step()) return std::nullopt;
   return Read_Item(row);

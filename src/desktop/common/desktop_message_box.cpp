@@ -61,7 +61,7 @@ auto Desktop_Message_Box::Open(const std::string& text, Ask&& ask) {
   wxWindow* const front = wxGetActiveWindow();
   wxWindow* parent = front != nullptr ? wxGetTopLevelParent(front) : wxTheApp->GetTopWindow();
   if (parent != nullptr && !parent->IsShown()) parent = nullptr;
-  const auto answer = ask(parent);
+  auto answer = ask(parent);
   --open_boxes_;
   if (closed) closed();
   return answer;

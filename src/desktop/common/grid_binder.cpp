@@ -195,8 +195,8 @@ void Grid_Binder::Fill_Width() {
   int others = 0;
   for (int column = 0; column < last; ++column) others += widget_.GetColSize(column);
   const int wanted = scale_.Pixels(model_.Column_Width(table_->Model_Column(last)));
-  const int rest = widget_.GetGridWindow()->GetClientSize().x - others;
-  if (std::max(wanted, rest) != widget_.GetColSize(last)) widget_.SetColSize(last, std::max(wanted, rest));
+  const int room = widget_.GetGridWindow()->GetClientSize().x - others;
+  if (std::max(wanted, room) != widget_.GetColSize(last)) widget_.SetColSize(last, std::max(wanted, room));
 }
 
 // Centres the hint in the empty grid and wraps it.

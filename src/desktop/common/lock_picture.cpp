@@ -30,9 +30,9 @@ wxBitmap Drawn(const wxColour& colour, int side) {
   for (int y = 0; y < side; ++y) {
     for (int x = 0; x < side; ++x) {
       int inside = 0;
-      for (int sample = 0; sample < samples * samples; ++sample)
-        inside += Is_Lock((x + (sample % samples + 0.5) / samples) / side,
-                          (y + (sample / samples + 0.5) / samples) / side);
+      for (int down = 0; down < samples; ++down)
+        for (int across = 0; across < samples; ++across)
+          inside += Is_Lock((x + (across + 0.5) / samples) / side, (y + (down + 0.5) / samples) / side);
       image.SetRGB(x, y, colour.Red(), colour.Green(), colour.Blue());
       image.SetAlpha(x, y, static_cast<unsigned char>(255 * inside / (samples * samples)));
     }

@@ -505,6 +505,7 @@ void Imap_Store::Commit_Pending() {
   if (watcher != nullptr) watcher->Group_Ending();
   const auto group = std::exchange(pending_, {});
   std::vector<Change> changes;
+  changes.reserve(group.size());
   for (const auto& pending : group) changes.push_back(pending->change);
   std::exception_ptr failure;
   try {

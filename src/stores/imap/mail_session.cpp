@@ -27,7 +27,7 @@ std::int32_t Role_Of(const Value& attribute) {
 
 Mail_Session::Mail_Session(const Account_Settings& settings, const Interruption& interruption,
                            std::mutex& lock)
-    : settings_(settings), lock_(lock) {
+    : lock_(lock) {
   auto transport = settings.connect ? settings.connect(interruption) : Connect(settings.server, interruption);
   client_ = std::make_unique<imap::Client>(std::move(transport), interruption, settings.patience);
   client_->on_untagged = [this](const Response& response) { Take(response); };

@@ -97,7 +97,6 @@ class Mail_Session {
   std::string Transfer(const char* command, const std::vector<Uid>& uids, const Mailbox& target,
                        std::vector<Moved_Message>& moved);
 
-  const Account_Settings& settings_;
   std::mutex& lock_;
   std::unique_ptr<imap::Client> client_;
   Mailbox* selected_ = nullptr;

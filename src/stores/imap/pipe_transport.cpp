@@ -1,16 +1,14 @@
 #include <fcntl.h>
-#include <signal.h>
 #include <spawn.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstring>
 
 #include "stores/imap/transport.h"
-
-extern char** environ;
 
 namespace tidyfold::imap {
 
@@ -82,6 +80,7 @@ std::unique_ptr<Transport> Start_Program(const std::vector<std::string>& words) 
   if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0)
     throw Connection_Error("There is no room for another connection on this machine.");
   std::vector<char*> arguments;
+  arguments.reserve(words.size() + 1);
   for (const std::string& word : words) arguments.push_back(const_cast<char*>(word.c_str()));
   arguments.push_back(nullptr);
   posix_spawn_file_actions_t actions;
