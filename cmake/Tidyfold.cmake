@@ -70,7 +70,7 @@ function(tidyfold_test name)
   if(CMAKE_CROSSCOMPILING)
     # Starting a program under Wine takes longer than most test cases.
     add_test(NAME ${name} COMMAND test_${name})
-    set_tests_properties(${name} PROPERTIES TIMEOUT 300)
+    set_tests_properties(${name} PROPERTIES TIMEOUT 900)
     return()
   endif()
   # Without NO_PRETTY_VALUES, names would show the bytes of parameters.

@@ -101,6 +101,7 @@ Variant Caller::Invoke(IDispatch& object, DISPID id, WORD kind,
 
 std::optional<DISPID> Item_Ids::Common(Member member) const {
   std::optional<DISPID> common;
+  if (!alike_) return std::nullopt;
   for (const auto& [item_class, ids] : classes_) {
     const std::optional<DISPID> id = ids.Known(member);
     if (!id || (common && *common != *id)) return std::nullopt;
@@ -132,6 +133,7 @@ Variant Item_Ids::Invoke(Caller& caller, IDispatch& object, std::optional<std::i
     if (error.Number() == automation_error::unavailable) throw;
     const DISPID own = caller.Id_Of(object, member);
     if (own == *guess) throw;
+    alike_ = false;
     return invoke(own);
   }
 }
@@ -147,7 +149,8 @@ std::int32_t Item_Ids::Read_Class(Caller& caller, IDispatch& object) {
   }
   if (answer && classes_.contains(*answer)) return *answer;
   const DISPID own = caller.Id_Of(object, Member::Class);
-  const std::int32_t item_class = answer && own == *guess ? *answer : read(own);
+  if (guess && own != *guess) alike_ = false;
+  const std::int32_t item_class = answer && own == guess ? *answer : read(own);
   Meet(caller, object, item_class);
   return item_class;
 }

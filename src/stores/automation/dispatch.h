@@ -101,7 +101,8 @@ class Member_Ids {
 
 // The member ids of items. Each class of item has an interface of its own, and an item's class is not known
 // until it has been read. Before that, an id is used that all classes met so far have in common; if the item
-// does not know it, the id is looked up in the item itself, and if there is none, its class is read.
+// does not know it, the id is looked up in the item itself, and if there is none, its class is read. Once an
+// id was another one, nothing is concluded from other classes any more: it might be the id of something else.
 class Item_Ids {
  public:
   Variant Invoke(Caller& caller, IDispatch& object, std::optional<std::int32_t> item_class, Member member,
@@ -114,6 +115,7 @@ class Item_Ids {
   const Member_Ids& Meet(Caller& caller, IDispatch& object, std::int32_t item_class);
 
   std::map<std::int32_t, Member_Ids> classes_;
+  bool alike_ = true;
 };
 
 }  // namespace tidyfold::com
