@@ -112,19 +112,18 @@ std::string Tooltip() {
 #endif
 
 #ifdef __WXMSW__
-// As when the window is moved to a monitor of another density, which a file tells in dots per inch.
+// As when the window is moved to a monitor of another density, which a file tells in dots per inch. What the
+// toolkit does for the system's message: it heeds that only where windows may scale per monitor, and Wine
+// says that none may.
 void Follow_Density(wxFrame& frame, const std::filesystem::path& told) {
   int density = 0;
   if (!(std::ifstream(told) >> density)) return;
   std::filesystem::remove(told);
   static int density_now = frame.GetDPI().x;
-  RECT place{};
-  GetWindowRect(frame.GetHandle(), &place);
-  place.right = place.left + (place.right - place.left) * density / density_now;
-  place.bottom = place.top + (place.bottom - place.top) * density / density_now;
+  const wxRect place = frame.GetRect();
+  frame.MSWUpdateOnDPIChange(wxSize(density_now, density_now), wxSize(density, density));
+  frame.SetSize(place.x, place.y, place.width * density / density_now, place.height * density / density_now);
   density_now = density;
-  SendMessageW(frame.GetHandle(), WM_DPICHANGED, MAKEWPARAM(density, density),
-               reinterpret_cast<LPARAM>(&place));
 }
 #endif
 
