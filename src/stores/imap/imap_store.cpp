@@ -285,6 +285,7 @@ class Imap_Table : public Table {
       row.UnRead = (flags & message_flag::seen) == 0;
       if ((flags & message_flag::flagged) != 0) row.FlagStatus = flag_status::marked;
       row.Size = data.size;
+      row.HasAttachments = data.has_attachments;
     }
     return rows;
   }
