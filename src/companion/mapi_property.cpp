@@ -41,8 +41,8 @@ struct Mapi_Free {
 // The system's code page. CP_ACP is that of this process, which may have chosen UTF-8.
 UINT Code_Page_Of_System() {
   DWORD page = 0;
-  GetLocaleInfoEx(LOCALE_NAME_SYSTEM_DEFAULT, LOCALE_IDEFAULTANSICODEPAGE | LOCALE_RETURN_NUMBER,
-                  reinterpret_cast<wchar_t*>(&page), sizeof page / sizeof(wchar_t));
+  GetLocaleInfoW(LOCALE_SYSTEM_DEFAULT, LOCALE_IDEFAULTANSICODEPAGE | LOCALE_RETURN_NUMBER,
+                 reinterpret_cast<wchar_t*>(&page), sizeof page / sizeof(wchar_t));
   return page == 0 ? CP_ACP : page;
 }
 

@@ -81,8 +81,8 @@ def main():
         before = (elsewhere / "tidyfold.exe").stat().st_mtime_ns
         running = subprocess.Popen([wine, windows_elsewhere + r"\tidyfold.exe", "--store", r"C:\none.tidyfold"])
         try:
-            wait("Tidyfold to run", lambda: b"tidyfold.exe" in subprocess.run([wine, "tasklist"],
-                                                                             capture_output=True).stdout)
+            wait("Tidyfold to run", lambda: "tidyfold.exe" in subprocess.run(
+                [wine, "wmic", "process", "get", "name"], capture_output=True).stdout.decode("utf-16", "replace"))
             run(installer, "/S", status=RUNNING)
             run(windows_elsewhere + r"\uninstall.exe", "/S", rf"_?={windows_elsewhere}", status=RUNNING)
             check(True, elsewhere)
@@ -102,7 +102,9 @@ def main():
         uninstall(place, rf"C:\users\{person.name}\AppData\Local\Programs\Tidyfold", "HKCU")
         assert has_key(r"HKCU\Software\Tidyfold\Protected Folders")
     finally:
-        subprocess.run([wine, "reg", "delete", r"HKCU\Software\Tidyfold\Protected Folders", "/f"], capture_output=True)
+        # What a failure leaves would be taken for an installation the next time.
+        for key in (r"HKCU\Software\Tidyfold\Protected Folders", "HKLM" + UNINSTALL_KEY, "HKCU" + UNINSTALL_KEY):
+            subprocess.run([wine, "reg", "delete", key, "/f", "/reg:64"], capture_output=True)
         if (drive / "Elsewhere").is_dir():
             shutil.rmtree(drive / "Elsewhere")
 
