@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Prints what a screen reader is told by a program on this session bus: one line per object, indented, with its
-role, its name and its states.
+role, its name and its states. With --toggle NAME, does the tick's own action in the tree's row NAME instead.
 
-    accessibility_tree.py PROGRAM [--json]
+    accessibility_tree.py PROGRAM [--json] [--toggle NAME]
 """
 
 import argparse
@@ -59,14 +59,28 @@ def lines(described, depth=0):
         yield from lines(child, depth + 1)
 
 
+def toggle(accessible, name):
+    """Whether the object that can be toggled, and whose name begins so, was found and has done it."""
+    actions = accessible.get_action_iface()
+    if actions and (accessible.get_name() or "").startswith(name + " "):
+        for number in range(actions.get_n_actions()):
+            if Atspi.Action.get_action_name(actions, number) == "toggle":
+                return Atspi.Action.do_action(actions, number)
+    children = (accessible.get_child_at_index(at) for at in range(min(accessible.get_child_count(), MOST_CHILDREN)))
+    return any(toggle(child, name) for child in children if child is not None)
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("program")
     parser.add_argument("--json", action="store_true")
+    parser.add_argument("--toggle", metavar="NAME")
     arguments = parser.parse_args()
     program = find_program(arguments.program)
     if program is None:
         sys.exit(f"No program {arguments.program} is told of on this bus.")
+    if arguments.toggle:
+        sys.exit(0 if toggle(program, arguments.toggle) else f"Nothing named {arguments.toggle} can be toggled.")
     tree = walk(program)
     print(json.dumps(tree) if arguments.json else "\n".join(lines(tree)))
 

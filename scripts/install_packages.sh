@@ -48,6 +48,11 @@ to_test=(
   xvfb                 # a virtual screen
   openbox              # a window manager
   xdotool              # mouse and keyboard
+  imagemagick          # the colours on the screen
+  dbus-daemon          # what a screen reader is told, on a bus of the test's own
+  at-spi2-core
+  gir1.2-atspi-2.0
+  python3-gi
   mutt                 # reads what was exported
   mblaze
   dovecot-imapd        # a mail server

@@ -47,7 +47,7 @@ void Remembered::Restore() {
         field && *field >= 0 && *field < static_cast<std::int32_t>(window_.mnuSortBy.size()))
       rows_.SortField = static_cast<Grid_Field>(*field);
     if (const auto ascending = number("SortAscending")) rows_.SortAscending = *ascending != 0;
-    for (MenuItem* const column : {&window_.mnuShowSize, &window_.mnuShowWillGo})
+    for (MenuItem* const column : {&window_.mnuShowSize, &window_.mnuShowWillGo, &window_.mnuShowAttachments})
       if (const auto shown = number(column->Name())) column->Set_Checked(*shown != 0);
     for (CheckBox* const option : {&window_.chkShowAllFolders, &window_.chkShowSelectedItems,
                                    &window_.chkShowUnselectedItems, &window_.chkCollapseFolders})
@@ -67,7 +67,8 @@ void Remembered::Keep() {
                                        std::lround(columns_.Width_By_Hand(static_cast<Grid_Field>(field)))));
     kept.Set("SortField", static_cast<std::int32_t>(rows_.SortField));
     kept.Set("SortAscending", rows_.SortAscending ? 1 : 0);
-    for (const MenuItem* const entry : {&window_.mnuShowSize, &window_.mnuShowWillGo, &window_.mnuPreview})
+    for (const MenuItem* const entry :
+         {&window_.mnuShowSize, &window_.mnuShowWillGo, &window_.mnuShowAttachments, &window_.mnuPreview})
       kept.Set(entry->Name(), entry->Checked() ? 1 : 0);
     for (const CheckBox* const option : {&window_.chkShowAllFolders, &window_.chkShowSelectedItems,
                                          &window_.chkShowUnselectedItems, &window_.chkCollapseFolders})
@@ -89,6 +90,7 @@ void Remembered::mnuResetWindow_Click() {
     for (std::size_t field = 0; field < window_.mnuSortBy.size(); ++field)
       columns_.Set_Width_By_Hand(static_cast<Grid_Field>(field), 0);
     for (MenuItem* const column : {&window_.mnuShowSize, &window_.mnuShowWillGo}) column->Set_Checked(true);
+    window_.mnuShowAttachments.Set_Checked(false);
     columns_.Set_Grid_Columns();
     rows_.SortField = Grid_Field::Item_Date;
     rows_.SortAscending = false;

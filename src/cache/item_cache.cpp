@@ -343,6 +343,7 @@ void Item_Cache::Take_Row(std::int32_t item, int folder) {
   data.Unread = row.UnRead;
   data.Flagged = mail && row.FlagStatus == flag_status::marked;
   data.Size = row.Size;
+  data.HasAttachments = row.HasAttachments;
   if (!mail) row.SenderOrText.resize(First_Characters(row.SenderOrText, text_characters).size());
   data.SenderOrText = std::move(row.SenderOrText);
   data.Subject = std::move(row.Subject);

@@ -21,7 +21,7 @@ struct GridRow {
 };
 
 // What stands before a cell's text, or in its place.
-enum class Cell_Picture { None, Goes, Mail, Appointment, Contact, Task, Journal, Note, Other };
+enum class Cell_Picture { None, Goes, Attachment, Mail, Appointment, Contact, Task, Journal, Note, Other };
 
 // Supplies the texts of the columns from 2 on.
 class Cell_Source {

@@ -60,18 +60,13 @@ MainWindow::MainWindow() {
                                    &lblProcessingOptions, &lblFilterOptions, &frmOptions, &mnuRefresh,
                                    &mnuRefreshCurrent, &mnuClean, &mnuQuit, &mnuUnmark, &mnuResetOptions,
                                    &mnuHelp, &mnuWhatsThis, &mnuOnlineHelp, &mnuAbout});
-  controls.insert(controls.end(), {&mnuStopLoading,   &mnuMark,
-                                   &mnuUnmarkFolder,  &mnuMarkBranch,
-                                   &mnuProtect,       &mnuSortReverse,
-                                   &mnuResetColumns,  &mnuShowSize,
-                                   &mnuShowWillGo,    &mnuFind,
-                                   &mnuPreview,       &mnuResetWindow,
-                                   &mnuOpenItem,      &mnuSelectRow,
-                                   &mnuSelectAllRows, &mnuCopyRows,
-                                   &mnuPutBack,       &mnuNextPane,
-                                   &mnuPreviousPane,  &mnuRuns,
-                                   &mnuTakeBack,      &mnuDeletedItemsLimit,
-                                   &mnuExport,        &mnuExportFolder});
+  controls.insert(
+      controls.end(),
+      {&mnuStopLoading,   &mnuMark,         &mnuUnmarkFolder,      &mnuMarkBranch,      &mnuProtect,
+       &mnuSortReverse,   &mnuResetColumns, &mnuShowSize,          &mnuShowAttachments, &mnuShowWillGo,
+       &mnuFind,          &mnuPreview,      &mnuResetWindow,       &mnuOpenItem,        &mnuSelectRow,
+       &mnuSelectAllRows, &mnuCopyRows,     &mnuPutBack,           &mnuNextPane,        &mnuPreviousPane,
+       &mnuRuns,          &mnuTakeBack,     &mnuDeletedItemsLimit, &mnuExport,          &mnuExportFolder});
   for (MenuItem& field : mnuSortBy) controls.push_back(&field);
 }
 

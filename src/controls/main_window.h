@@ -86,13 +86,15 @@ struct MainWindow {
   MenuItem mnuUnmark{"mnuUnmark", "&Unmark All Folders"};
   MenuItem mnuResetOptions{"mnuResetOptions", "&Reset Options"};
   // By the numbers of the grid's logical fields.
-  std::array<MenuItem, 8> mnuSortBy{{MenuItem{"mnuSortBy", "&Folder"}, MenuItem{"mnuSortBy", "&Type"},
+  std::array<MenuItem, 9> mnuSortBy{{MenuItem{"mnuSortBy", "&Folder"}, MenuItem{"mnuSortBy", "&Type"},
                                      MenuItem{"mnuSortBy", "S&ender"}, MenuItem{"mnuSortBy", "&Subject"},
                                      MenuItem{"mnuSortBy", "E&ntry"}, MenuItem{"mnuSortBy", "&Date"},
-                                     MenuItem{"mnuSortBy", "Si&ze"}, MenuItem{"mnuSortBy", "&Will Go"}}};
+                                     MenuItem{"mnuSortBy", "Si&ze"}, MenuItem{"mnuSortBy", "&Will Go"},
+                                     MenuItem{"mnuSortBy", "&Attachments"}}};
   MenuItem mnuSortReverse{"mnuSortReverse", "&Reverse Order"};
   MenuItem mnuResetColumns{"mnuResetColumns", "Reset Column &Widths"};
-  // Columns that a person may do without: size, and what will go.
+  // Columns that a person may do without: attachments, size, and what will go.
+  MenuItem mnuShowAttachments{"mnuShowAttachments", "&Attachments Column"};
   MenuItem mnuShowSize{"mnuShowSize", "Si&ze Column"};
   MenuItem mnuShowWillGo{"mnuShowWillGo", "&Will Go Column"};
   MenuItem mnuFind{"mnuFind", "&Find in List"};

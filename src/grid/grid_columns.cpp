@@ -26,6 +26,7 @@ struct Column {
 constexpr Twips type_width = 2550;
 constexpr Twips date_width = 1500;
 constexpr Twips size_width = 1200;
+constexpr Twips attachments_width = 1300;
 constexpr Twips picture_width = 720;
 constexpr Twips least_width = 1200, least_subject_width = 2100;
 
@@ -48,6 +49,7 @@ constexpr Column other_view[] = {{Grid_Field::Type_Name, "Type", type_width, 0},
 
 // Behind those of the view, so that a view's columns have the same numbers with and without them.
 constexpr Column size_column = {Grid_Field::Size, "Size", size_width, 0};
+constexpr Column attachments_column = {Grid_Field::Attachments, "Attached", attachments_width, 0};
 constexpr Column will_go_column = {Grid_Field::Will_Go, "Goes", picture_width, 0};
 
 Twips Least_Width(const Column& column) {
@@ -55,11 +57,29 @@ Twips Least_Width(const Column& column) {
   return column.field == Grid_Field::Subject ? least_subject_width : least_width;
 }
 
+// Those behind the view's that are shown; null behind the last.
+std::array<const Column*, 3> Columns_Behind(const MainWindow& window) {
+  std::array<const Column*, 3> shown{};
+  std::size_t count = 0;
+  if (window.mnuShowSize.Checked()) shown[count++] = &size_column;
+  if (window.mnuShowAttachments.Checked()) shown[count++] = &attachments_column;
+  if (window.mnuShowWillGo.Checked()) shown[count++] = &will_go_column;
+  return shown;
+}
+
 std::span<const Column> View(bool all_folders, std::int32_t item_type) {
   if (all_folders) return all_folders_view;
   if (item_type == item_type::mail) return mail_view;
   if (item_type == item_type::journal) return journal_view;
   return other_view;
+}
+
+std::vector<Column> Shown_Columns(const MainWindow& window, std::int32_t item_type) {
+  const auto view = View(window.chkShowAllFolders.Checked(), item_type);
+  std::vector<Column> shown(view.begin(), view.end());
+  for (const Column* const column : Columns_Behind(window))
+    if (column != nullptr) shown.push_back(*column);
+  return shown;
 }
 
 // The names that many rows share, so that sorting need not make them anew.
@@ -97,26 +117,20 @@ std::string Type_Name(std::int32_t item_class) {
 
 void Grid_Columns::Set_Grid_Columns() {
   errors_.Run("Set_Grid_Columns", [&] {
-    const auto view = View(window_.chkShowAllFolders.Checked(), CurrentGridItemType);
-    std::vector<Column> shown(view.begin(), view.end());
-    if (Shows_Size()) shown.push_back(size_column);
-    if (Shows_Will_Go()) shown.push_back(will_go_column);
+    const std::vector<Column> shown = Shown_Columns(window_, CurrentGridItemType);
     grid_.Set_Cols(FlexGrid::first_item_column + static_cast<int>(shown.size()));
     grid_.Set_Header(FlexGrid::key_column, "");
     grid_.Set_Header(FlexGrid::mark_column, "TYPE");
     for (std::size_t i = 0; i < shown.size(); ++i)
       grid_.Set_Header(FlexGrid::first_item_column + static_cast<int>(i), shown[i].header);
-    if (Shows_Will_Go()) grid_.Set_Picture_Column(grid_.Cols() - 1);
+    if (window_.mnuShowWillGo.Checked()) grid_.Set_Picture_Column(grid_.Cols() - 1);
     Set_Column_Widths();
   });
 }
 
 void Grid_Columns::Set_Column_Widths() {
   errors_.Run("Set_Column_Widths", [&] {
-    const auto base = View(window_.chkShowAllFolders.Checked(), CurrentGridItemType);
-    std::vector<Column> view(base.begin(), base.end());
-    if (Shows_Size()) view.push_back(size_column);
-    if (Shows_Will_Go()) view.push_back(will_go_column);
+    const std::vector<Column> view = Shown_Columns(window_, CurrentGridItemType);
     if (grid_.Cols() != FlexGrid::first_item_column + static_cast<int>(view.size())) return;
     Twips shared = grid_.Width() - scroll_bar_width, shares = 0;
     const auto by_hand = [&](const Column& column) {
@@ -163,17 +177,22 @@ int Grid_Columns::Get_Sort_Column(Grid_Field field) const {
       std::find_if(view.begin(), view.end(), [&](const Column& column) { return column.field == field; });
   if (found != view.end()) return FlexGrid::first_item_column + static_cast<int>(found - view.begin());
   int behind = FlexGrid::first_item_column + static_cast<int>(view.size());
-  if (field == Grid_Field::Size && Shows_Size()) return behind;
-  behind += Shows_Size() ? 1 : 0;
-  return field == Grid_Field::Will_Go && Shows_Will_Go() ? behind : grid_.Cols();
+  for (const Column* const column : Columns_Behind(window_)) {
+    if (column == nullptr) break;
+    if (column->field == field) return behind;
+    ++behind;
+  }
+  return grid_.Cols();
 }
 
 Grid_Field Grid_Columns::Get_Sort_Field(int column) const {
   const auto view = View(window_.chkShowAllFolders.Checked(), CurrentGridItemType);
-  const int at = column - FlexGrid::first_item_column, behind = at - static_cast<int>(view.size());
-  if (at >= 0 && behind < 0) return view[static_cast<std::size_t>(at)].field;
-  if (behind == 0 && Shows_Size()) return Grid_Field::Size;
-  return behind == (Shows_Size() ? 1 : 0) && Shows_Will_Go() ? Grid_Field::Will_Go : Grid_Field::Type_Name;
+  if (column < FlexGrid::first_item_column) return Grid_Field::Type_Name;
+  const auto at = static_cast<std::size_t>(column - FlexGrid::first_item_column);
+  if (at < view.size()) return view[at].field;
+  const auto behind = Columns_Behind(window_);
+  const Column* const found = at - view.size() < behind.size() ? behind[at - view.size()] : nullptr;
+  return found != nullptr ? found->field : Grid_Field::Type_Name;
 }
 
 std::string Grid_Columns::Cell_Text(const GridRow& row, int column) const {
@@ -201,6 +220,8 @@ std::string Grid_Columns::Field_Text(const GridRow& row, Grid_Field field) const
       return item->ItemDate == no_date ? std::string{} : Format_Date(item->ItemDate);
     case Grid_Field::Size:
       return item->Size > 0 ? Format_Size(item->Size) : std::string{};
+    case Grid_Field::Attachments:
+      return item->HasAttachments ? "attachment" : "";
     case Grid_Field::Will_Go:
       return row.marked ? "will go" : "stays";
     default:
@@ -229,9 +250,12 @@ std::string_view Grid_Columns::Sort_Text(const GridRow& row, int column, std::st
 
 Cell_Picture Grid_Columns::Picture(const GridRow& row, int column) const {
   const Grid_Field field = Get_Sort_Field(column);
-  const ItemData* const item =
-      field == Grid_Field::Type_Name || field == Grid_Field::Will_Go ? Item_Of(row) : nullptr;
+  const bool has_picture =
+      field == Grid_Field::Type_Name || field == Grid_Field::Will_Go || field == Grid_Field::Attachments;
+  const ItemData* const item = has_picture ? Item_Of(row) : nullptr;
   if (item == nullptr) return Cell_Picture::None;
+  if (field == Grid_Field::Attachments)
+    return item->HasAttachments ? Cell_Picture::Attachment : Cell_Picture::None;
   if (field == Grid_Field::Will_Go) return row.marked ? Cell_Picture::Goes : Cell_Picture::None;
   switch (item->ItemClass) {
     case item_class::mail:

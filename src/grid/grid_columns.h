@@ -21,7 +21,8 @@ enum class Grid_Field {
   Entry = 4,
   Item_Date = 5,
   Size = 6,
-  Will_Go = 7
+  Will_Go = 7,
+  Attachments = 8
 };
 
 // The text of the type column for an item class.
@@ -37,6 +38,7 @@ class Grid_Columns : public Cell_Source {
     };
     window_.mnuResetColumns.Click = [this] { mnuResetColumns_Click(); };
     window_.mnuShowSize.Click = [this] { Show_Or_Hide(window_.mnuShowSize); };
+    window_.mnuShowAttachments.Click = [this] { Show_Or_Hide(window_.mnuShowAttachments); };
     window_.mnuShowWillGo.Click = [this] { Show_Or_Hide(window_.mnuShowWillGo); };
   }
 
@@ -71,8 +73,6 @@ class Grid_Columns : public Cell_Source {
 
  private:
   void Show_Or_Hide(MenuItem& column);
-  bool Shows_Size() const { return window_.mnuShowSize.Checked(); }
-  bool Shows_Will_Go() const { return window_.mnuShowWillGo.Checked(); }
   // The item of a row; none where a run has deleted it or nothing has been read.
   const ItemData* Item_Of(const GridRow& row) const;
 
@@ -80,7 +80,7 @@ class Grid_Columns : public Cell_Source {
   FlexGrid& grid_;
   FolderData_Array& records_;
   Error_Handler& errors_;
-  std::array<Twips, 8> by_hand_{};  // by field; 0 where nobody has set a width
+  std::array<Twips, 9> by_hand_{};  // by field; 0 where nobody has set a width
 };
 
 }  // namespace tidyfold

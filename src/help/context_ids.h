@@ -94,6 +94,7 @@ inline constexpr Context_Topic context_topics[] = {
     {"mnuShowSize", -1, 1432, "controls/mnuShowSize.html"},
     {"mnuShowWillGo", -1, 1433, "controls/mnuShowWillGo.html"},
     {"mnuResetWindow", -1, 1434, "controls/mnuResetWindow.html"},
+    {"mnuShowAttachments", -1, 1435, "controls/mnuShowAttachments.html"},
 };
 
 // The page of a context identifier; empty for one that no control has.

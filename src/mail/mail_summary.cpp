@@ -83,6 +83,7 @@ Mail_Summary Summarize_Beginning(std::string_view beginning) {
   }
   Mail_Summary summary = Summarize(headers, raw_charset);
   const std::string word = type.empty() ? std::string() : Header_Word(type);
+  summary.has_attachments = word == "multipart/mixed";
   if (word == "multipart/report") {
     summary.item_class = item_class::report;
   } else if (word == "text/calendar" ||

@@ -14,7 +14,8 @@ namespace tidyfold {
 struct Mail_Summary {
   std::int32_t item_class = item_class::mail;
   std::string subject, sender, sender_address;
-  Date received = no_date;  // when the last server took it in, otherwise when it was written
+  Date received = no_date;       // when the last server took it in, otherwise when it was written
+  bool has_attachments = false;  // as far as the type of the whole tells
 };
 
 // Enough of a message for its header and for the first parts behind it.

@@ -21,7 +21,8 @@ struct ItemData {
   bool Unread = false;
   bool Flagged = false;  // of mail: marked for follow-up, and not done
   std::string EntryID;
-  std::int64_t Size = 0;  // bytes; 0 where the store does not say
+  std::int64_t Size = 0;        // bytes; 0 where the store does not say
+  bool HasAttachments = false;  // false where the store does not say
 };
 
 // Numbers about items. Oldest and newest are of those that have a date; no_date when none has.

@@ -113,7 +113,8 @@ struct Table_Row {
        End = no_date;
   bool UnRead = false;
   std::int32_t FlagStatus = flag_status::none;
-  std::int64_t Size = 0;  // bytes of the whole item
+  std::int64_t Size = 0;        // bytes of the whole item
+  bool HasAttachments = false;  // also where the store cannot tell without reading the item
 };
 
 // A folder's items in rows, a batch at a time, without a call for each of them. A row tells who its item is;

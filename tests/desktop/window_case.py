@@ -3,6 +3,7 @@
 import json
 import os
 import pathlib
+import re
 import shutil
 import signal
 import subprocess
@@ -11,6 +12,11 @@ import unittest
 
 from window_session import Session
 
+# How the toolkit and what it stands on begin their messages.
+COMPLAINT = re.compile(r"(Gtk|Gdk|GLib|Pango|Atk)[A-Za-z-]*-(CRITICAL|WARNING)")
+# Of panes that are next to nothing while a window is being built, and of a hidden hint in a list that scrolls.
+HARMLESS = re.compile(r"gtk_distribute_natural_allocation: assertion 'extra_space >= 0'|failed in GtkScrollbar|"
+                      r"gtk_widget_set_allocation: assertion '_gtk_widget_get_visible")
 PROGRAMS = pathlib.Path(os.environ["TIDYFOLD_PROGRAMS"])
 
 
@@ -27,6 +33,8 @@ def under_way(state):
 
 
 class Window_Case(unittest.TestCase):
+    silent = True  # whether the toolkit has to be, on standard error
+
     def setUp(self):
         for tool in ("Xvfb", "openbox", "xdotool"):
             if not shutil.which(tool):
@@ -35,6 +43,17 @@ class Window_Case(unittest.TestCase):
         self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
         self.store = self.folder / "sample.tidyfold"
         self.window = None
+        self.screen = "1280x900"
+        self.addCleanup(self.check_output)
+
+    def check_output(self):
+        """The toolkit has nothing to complain of."""
+        if not self.silent:
+            return
+        output = self.folder / "output.txt"
+        said = output.read_text(errors="replace").splitlines() if output.exists() else []
+        self.assertEqual({re.sub(r".*\*\*: [0-9:.]+ ", "", line) for line in said if COMPLAINT.search(line) and
+                          not HARMLESS.search(line)}, set())
 
     def cli(self, *words):
         """On the test's store, with the log of runs that the window has."""
@@ -54,7 +73,7 @@ class Window_Case(unittest.TestCase):
     def open(self, named=True, wait=True, **environment):
         """On the store or, if not named, on what was open last. Waits until everything is loaded."""
         self.window = Session(PROGRAMS / "tidyfold-driven", [self.store] if named else [], folder=self.folder,
-                              environment=environment)
+                              environment=environment, screen=self.screen)
         self.addCleanup(self.window.close)
         if wait:
             self.window.answer("All Folders Loaded")

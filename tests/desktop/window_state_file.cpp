@@ -172,8 +172,18 @@ json Describe_Menus(const wxMenuBar& bar) {
   return entries;
 }
 
+// Rows have places only where there is a window for them, which a pane that was closed at first has not.
+bool Has_Places([[maybe_unused]] const wxDataViewCtrl& widget) {
+#ifdef __WXGTK__
+  return gtk_widget_get_realized(const_cast<wxDataViewCtrl&>(widget).GtkGetTreeView()) != FALSE;
+#else
+  return true;
+#endif
+}
+
 json Describe_Tree(const TreeView& tree, const wxDataViewCtrl& widget) {
   json nodes = json::array();
+  if (!Has_Places(widget)) return nodes;
   for (int node = 1; node <= tree.Upper_Bound() && nodes.size() < most_nodes; ++node) {
     if (!tree.Exists(node)) continue;
     bool in_view = true;

@@ -63,6 +63,14 @@ TEST_F(Grid, Shows_In_Each_View_What_Its_Headers_Say) {
     EXPECT_EQ(headers, c.headers);
     EXPECT_EQ(cells, c.cells);
   }
+  // Attachments have a column that is hidden at first, between sizes and what will go.
+  window.mnuShowAttachments.Click();
+  EXPECT_EQ(grid.TextMatrix(0, 6) + grid.TextMatrix(1, 6), "Attached");
+  Record("Journal").Cached(1).HasAttachments = true;
+  EXPECT_EQ(grid.TextMatrix(1, 6), "attachment");
+  EXPECT_EQ(columns.Get_Sort_Column(Grid_Field::Attachments), 6);
+  EXPECT_EQ(columns.Get_Sort_Field(7), Grid_Field::Will_Go);
+  EXPECT_EQ(grid.Picture_Column(), 7);
   // Neither a date that is none nor what a run has deleted is to be read.
   Record("Journal").Cached(1).ItemDate = no_date;
   EXPECT_EQ(grid.TextMatrix(1, 4), "");

@@ -79,6 +79,7 @@ TEST_P(Store_Contract, Items_Of_Every_Class_Keep_Every_Property) {
     item.unread = item_class % 2 == 0;
     item.flagged = item_class % 3 == 1;
     item.size = 1000 + item_class;
+    if (item_class % 4 == 0) item.attachments = {{"file.txt", 5}};
     // Each date is missing in some class; no two dates are equal.
     Date* dates[] = {&item.received, &item.last_modified, &item.completed, &item.due, &item.end};
     for (int date = 0; date < 5; ++date) {
@@ -110,6 +111,7 @@ TEST_P(Store_Contract, Items_Of_Every_Class_Keep_Every_Property) {
     EXPECT_EQ(row.UnRead, item.unread);
     EXPECT_EQ(row.FlagStatus, item.flagged ? flag_status::marked : flag_status::none);
     EXPECT_EQ(row.Size, item.size);
+    EXPECT_EQ(row.HasAttachments, !item.attachments.empty());
     EXPECT_EQ(row.ReceivedTime, item.received);
     EXPECT_EQ(row.LastModificationTime, item.last_modified);
     EXPECT_EQ(row.DateCompleted, item.completed);

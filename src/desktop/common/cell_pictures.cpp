@@ -64,6 +64,22 @@ void Draw_Cell_Picture(wxDC& dc, Cell_Picture picture, const wxRect& square, con
       sketch.Line({{6, 5}, {6, 11}});
       sketch.Line({{8, 5}, {8, 11}});
       return;
+    case Cell_Picture::Attachment:  // a paper clip
+      sketch.Line({{4, 4},
+                   {4, 10},
+                   {5, 12},
+                   {7, 13},
+                   {9, 12},
+                   {10, 10},
+                   {10, 3},
+                   {9, 1},
+                   {7, 1},
+                   {6, 3},
+                   {6, 9},
+                   {7, 10},
+                   {8, 9},
+                   {8, 4}});
+      return;
     case Cell_Picture::Mail:
       sketch.Box(0, 2, 13, 11);
       sketch.Line({{0, 2}, {7, 8}, {13, 2}});

@@ -81,10 +81,10 @@ void Grid_Cell_Renderer::Draw(wxGrid& grid, wxGridCellAttr& attr, wxDC& dc, cons
       ink = Theme_Chosen_Text();
     }
     bold = model_row.bold;
-    if (!table_.Is_Of_Pictures(column))
-      text = To_One_Line(table_.Model().TextMatrix(table_.Model_Row(row), table_.Model_Column(column)));
     if (table_.Model().cells != nullptr)
       picture = table_.Model().cells->Picture(model_row, table_.Model_Column(column));
+    if (!table_.Is_Of_Pictures(column) && picture != Cell_Picture::Attachment)
+      text = To_One_Line(table_.Model().TextMatrix(table_.Model_Row(row), table_.Model_Column(column)));
   }
   // IsThisEnabled ignores that a modal box disables the whole window.
   if (!grid.IsThisEnabled()) ink = Faded(ink, background);

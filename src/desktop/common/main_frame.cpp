@@ -141,8 +141,9 @@ void Main_Frame::Build_Panes() {
     binders_.Show();
   });
   for (const MenuItem& field : model_.mnuSortBy) grid_binder.header_menu.push_back(Entries({&field}).front());
-  for (const auto& entry : Entries({nullptr, &model_.mnuSortReverse, nullptr, &model_.mnuShowWillGo,
-                                    &model_.mnuShowSize, &model_.mnuResetColumns}))
+  for (const auto& entry :
+       Entries({nullptr, &model_.mnuSortReverse, nullptr, &model_.mnuShowWillGo, &model_.mnuShowSize,
+                &model_.mnuShowAttachments, &model_.mnuResetColumns}))
     grid_binder.header_menu.push_back(entry);
   model_.Set_Clipboard_Text = [](const std::string& text) {
     const wxClipboardLocker lock;
@@ -188,6 +189,8 @@ wxMenu* Main_Frame::New_File_Menu() {
                  commands_.Open_Store);
   Add_File_Entry(*file, "Open &Maildir...", "Open a Maildir on this machine in place of the stores shown",
                  commands_.Open_Maildir);
+  Add_File_Entry(*file, "Open Mail &Account...", "Open a mailbox on a server in place of the stores shown",
+                 commands_.Open_Account);
   if (commands_.Recent_Stores) {
     recent_ = new wxMenu;
     file_entries_.push_back(
@@ -314,8 +317,9 @@ void Main_Frame::Open_Recent(wxCommandEvent& event) {
 
 wxMenu* Main_Frame::New_View_Menu() {
   auto* const order = new wxMenu;
-  constexpr const char* fields[] = {"their folder", "their type", "their sender", "their subject",
-                                    "their entry",  "their date", "their size",   "what will go"};
+  constexpr const char* fields[] = {"their folder",  "their type",   "their sender",
+                                    "their subject", "their entry",  "their date",
+                                    "their size",    "what will go", "attachments"};
   for (std::size_t field = 0; field < model_.mnuSortBy.size(); ++field)
     Add_Entry(*order, model_.mnuSortBy[field], wxString::Format("Ctrl+%d", static_cast<int>(field) + 1),
               wxString("Put the rows in the order of ") + fields[field], wxITEM_RADIO);
@@ -334,6 +338,7 @@ wxMenu* Main_Frame::New_View_Menu() {
   auto* const columns = new wxMenu;
   Add_Entry(*columns, model_.mnuShowWillGo, "", "Show which items will go", wxITEM_CHECK);
   Add_Entry(*columns, model_.mnuShowSize, "", "Show how large the items are", wxITEM_CHECK);
+  Add_Entry(*columns, model_.mnuShowAttachments, "", "Show which items have attachments", wxITEM_CHECK);
   columns->AppendSeparator();
   Add_Entry(*columns, model_.mnuResetColumns, "", "Give all columns the width that fits the list");
   view->AppendSubMenu(columns, "&Columns", "Choose the columns of the list");

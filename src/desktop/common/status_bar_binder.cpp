@@ -59,15 +59,14 @@ void Status_Bar_Binder::Catch_Up() {
 
 void Status_Bar_Binder::Show_Gauge() {
   const std::int64_t total = model_.Gauge_Total();
+  // While the field has its room: where it has next to none, the toolkit would paint less than nothing.
+  if (total <= 0) widget_.SetStatusText(wxString(), StatusBar::panel_count);
   if ((total > 0) != gauge_->IsShown()) {
     Give_Room_To_Gauge(total > 0);
     gauge_->Show(total > 0);
     Place_Gauge();
   }
-  if (total <= 0) {
-    widget_.SetStatusText(wxString(), StatusBar::panel_count);
-    return;
-  }
+  if (total <= 0) return;
   const std::int64_t done = std::clamp<std::int64_t>(model_.Gauge_Done(), 0, total);
   gauge_->SetValue(static_cast<int>(done * gauge_range / total));
   const wxString left = wxNumberFormatter::ToString(static_cast<long>(total - done)) + " left";

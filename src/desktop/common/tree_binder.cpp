@@ -98,8 +98,9 @@ Tree_Binder::Tree_Binder(TreeView& model, wxDataViewCtrl& widget, Repaint_Schedu
       tree_(widget, model),
       schedule_(schedule) {
   const Tick_Handler ticked = [this](const wxDataViewItem& item) { Ticked(Node_Of(item)); };
+  const Tick_Handler asked = [this](const wxDataViewItem& item) { Tick_By_Key(Node_Of(item)); };
   rows_ = wxObjectDataPtr<Folder_Tree_Rows>(new Folder_Tree_Rows(model_, ticked));
-  auto* const column = new wxDataViewColumn(wxString(), New_Check_Text_Renderer(ticked), 0,
+  auto* const column = new wxDataViewColumn(wxString(), New_Check_Text_Renderer(ticked, asked), 0,
                                             wxCOL_WIDTH_AUTOSIZE, wxALIGN_LEFT, 0);
   widget_.AppendColumn(column);
   widget_.SetExpanderColumn(column);
@@ -379,7 +380,7 @@ void Tree_Binder::Key_Pressed(wxKeyEvent& event) {
 }
 
 // The marking rules accept or refuse the tick now, not on key-up: a click made while the key is down must not
-// find an unchecked tick.
+// find an unchecked tick. A screen reader's ticks have no key that comes up.
 void Tree_Binder::Tick_By_Key(int index) {
   Do_What_Is_Due();
   Ticked(index);

@@ -4,18 +4,22 @@
 
 #include <utility>
 
+#include "desktop/gtk/tick_renderer.h"
+
 namespace tidyfold {
 
 namespace {
 
 class Check_Text_Renderer : public wxDataViewTextRenderer {
  public:
-  explicit Check_Text_Renderer(Tick_Handler ticked)
+  Check_Text_Renderer(Tick_Handler clicked, Tick_Handler asked)
       : wxDataViewTextRenderer(wxDataViewCheckIconTextRenderer::GetDefaultType()),
-        ticked_(std::move(ticked)),
-        toggle_(gtk_cell_renderer_toggle_new()),
+        clicked_(std::move(clicked)),
+        asked_(std::move(asked)),
+        toggle_(New_Tick_Renderer()),
         picture_(gtk_cell_renderer_pixbuf_new()) {
-    g_signal_connect(toggle_, "toggled", G_CALLBACK(Toggled), this);
+    g_signal_connect(toggle_, "toggled", G_CALLBACK(Clicked), this);
+    g_signal_connect(toggle_, "asked", G_CALLBACK(Asked), this);
     EnableEllipsize(wxELLIPSIZE_NONE);
   }
 
@@ -39,22 +43,30 @@ class Check_Text_Renderer : public wxDataViewTextRenderer {
   }
 
  private:
-  static void Toggled(GtkCellRendererToggle*, gchar* path_text, gpointer data) {
+  static void Clicked(GtkCellRenderer*, const gchar* path, gpointer data) {
     const auto* const self = static_cast<Check_Text_Renderer*>(data);
-    GtkTreePath* const path = gtk_tree_path_new_from_string(path_text);
-    const wxDataViewItem item = self->GetOwner()->GetOwner()->GTKPathToItem(path);
-    gtk_tree_path_free(path);
-    if (item.IsOk()) self->ticked_(item);
+    self->Tell(self->clicked_, path);
+  }
+  static void Asked(GtkCellRenderer*, const gchar* path, gpointer data) {
+    const auto* const self = static_cast<Check_Text_Renderer*>(data);
+    self->Tell(self->asked_, path);
   }
 
-  Tick_Handler ticked_;
+  void Tell(const Tick_Handler& handler, const gchar* path_text) const {
+    GtkTreePath* const path = gtk_tree_path_new_from_string(path_text);
+    const wxDataViewItem item = GetOwner()->GetOwner()->GTKPathToItem(path);
+    gtk_tree_path_free(path);
+    if (item.IsOk()) handler(item);
+  }
+
+  Tick_Handler clicked_, asked_;
   GtkCellRenderer *toggle_, *picture_;  // owned by the column
 };
 
 }  // namespace
 
-wxDataViewRenderer* New_Check_Text_Renderer(Tick_Handler ticked) {
-  return new Check_Text_Renderer(std::move(ticked));
+wxDataViewRenderer* New_Check_Text_Renderer(Tick_Handler clicked, Tick_Handler asked) {
+  return new Check_Text_Renderer(std::move(clicked), std::move(asked));
 }
 
 }  // namespace tidyfold

@@ -9,6 +9,7 @@
 #include <wx/image.h>
 #include <wx/log.h>
 #include <wx/mstream.h>
+#include <wx/notebook.h>
 #include <wx/splitter.h>
 #include <wx/treectrl.h>
 
@@ -63,7 +64,8 @@ class Book_Files : public wxFileSystemHandler {
   std::unique_ptr<Chm_Book> book_;
 };
 
-// By default the window opens small, in a corner, with its lists cut off.
+// By default the window opens small, in a corner, with its lists cut off. Before it is shown: pages of lists
+// that have no size yet would be too small for their scroll bars.
 void Prepare(wxTopLevelWindow& frame) {
   frame.SetName(window_name);
   frame.SetIcons(Application_Icons());
@@ -78,10 +80,35 @@ void Prepare(wxTopLevelWindow& frame) {
     if (const wxTreeItemId book = contents->GetFirstChild(contents->GetRootItem(), cookie))
       contents->Expand(book);
   }
+  if (const auto* const lists = dynamic_cast<wxNotebook*>(wxWindow::FindWindowByName("notebook", &frame)))
+    for (std::size_t page = 0; page < lists->GetPageCount(); ++page) {
+      lists->GetPage(page)->SetSize(frame.FromDIP(wxSize(lists_wide, high)));
+      lists->GetPage(page)->Layout();
+    }
   frame.Bind(wxEVT_CHAR_HOOK, [&frame](wxKeyEvent& event) {
     event.GetKeyCode() == WXK_ESCAPE ? static_cast<void>(frame.Close()) : event.Skip();
   });
 }
+
+class Book_Controller : public wxHtmlHelpController {
+ public:
+  using wxHtmlHelpController::wxHtmlHelpController;
+
+ protected:
+  wxHtmlHelpFrame* CreateHelpFrame(wxHtmlHelpData* data) override {
+    return Prepared(wxHtmlHelpController::CreateHelpFrame(data));
+  }
+  wxHtmlHelpDialog* CreateHelpDialog(wxHtmlHelpData* data) override {
+    return Prepared(wxHtmlHelpController::CreateHelpDialog(data));
+  }
+
+ private:
+  template <typename Window>
+  static Window* Prepared(Window* window) {
+    Prepare(*window);
+    return window;
+  }
+};
 
 }  // namespace
 
@@ -101,9 +128,9 @@ bool Help_Viewer::Take_Book(const std::string& file) {
   Close();
   const wxLogNull quiet;  // the caller reports failures
   auto controller =
-      std::make_unique<wxHtmlHelpController>(wxHF_TOOLBAR | wxHF_CONTENTS | wxHF_INDEX | wxHF_SEARCH |
-                                                 (dialog_ != nullptr ? wxHF_DIALOG | wxHF_MODAL : wxHF_FRAME),
-                                             dialog_);
+      std::make_unique<Book_Controller>(wxHF_TOOLBAR | wxHF_CONTENTS | wxHF_INDEX | wxHF_SEARCH |
+                                            (dialog_ != nullptr ? wxHF_DIALOG | wxHF_MODAL : wxHF_FRAME),
+                                        dialog_);
   controller->SetTitleFormat("Help: %s");
   controller->SetShouldPreventAppExit(false);
   const wxString book = wxFileName::FileNameToURL(wxFileName(To_Wx(file)));
@@ -117,19 +144,13 @@ bool Help_Viewer::Open(const std::string& file, const std::string& page) {
   try {
     const Chm_Book book(file);
     if (!Take_Book(file)) return false;
-    // A modal one is prepared once its loop runs, and closed when this returns.
-    if (dialog_ != nullptr)
-      dialog_->CallAfter([this] {
-        if (wxHtmlHelpDialog* const shown = controller_->GetDialog()) Prepare(*shown);
-      });
     if (!controller_->Display(To_Wx(page.empty() ? book.Default_Page() : page))) return false;
+    // A modal one has been closed by now.
     if (dialog_ != nullptr) return true;
   } catch (const Chm_Error&) {
     return false;
   }
-  wxHtmlHelpFrame& frame = *controller_->GetFrame();
-  if (frame.GetName() != window_name) Prepare(frame);
-  Show_In_Front(frame);
+  Show_In_Front(*controller_->GetFrame());
   return true;
 }
 

@@ -24,8 +24,9 @@ class Check_Text_Renderer : public wxDataViewCheckIconTextRenderer {
 
 }  // namespace
 
-wxDataViewRenderer* New_Check_Text_Renderer(Tick_Handler ticked) {
-  return new Check_Text_Renderer(std::move(ticked));
+// wxWidgets' accessible objects know no ticks, so that nothing is ever asked for.
+wxDataViewRenderer* New_Check_Text_Renderer(Tick_Handler clicked, Tick_Handler) {
+  return new Check_Text_Renderer(std::move(clicked));
 }
 
 }  // namespace tidyfold

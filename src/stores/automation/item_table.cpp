@@ -27,6 +27,7 @@ enum Cell : std::size_t {
   flag,
   size,
   recurring,
+  attachments,  // the last, as a table may do without it
   cell_count
 };
 
@@ -52,6 +53,7 @@ constexpr std::array<std::array<const char*, 2>, cell_count> column_names = {{
     {TAG "0x10900003", "FlagStatus"},
     {"Size", TAG "0x0E080003"},
     {"IsRecurring", APPOINTMENT "8223000B"},
+    {TAG "0x0E1B000B", nullptr},
 }};
 #undef TAG
 #undef APPOINTMENT
@@ -68,7 +70,7 @@ Date Local_From_Utc(Date utc) {
 // The values of one answer: rows and columns, the row being the first index.
 class Cells {
  public:
-  explicit Cells(const Variant& answer) {
+  Cells(const Variant& answer, std::size_t columns) {
     const VARIANT& value = answer.Raw();
     if (value.vt == VT_EMPTY || value.vt == VT_NULL) return;
     if (value.vt != (VT_ARRAY | VT_VARIANT) || SafeArrayGetDim(value.parray) != 2) Fail(DISP_E_TYPEMISMATCH);
@@ -79,7 +81,7 @@ class Cells {
       return static_cast<std::size_t>(last - first + 1);
     };
     rows_ = extent(1);
-    if (rows_ > 0 && extent(2) != cell_count) Fail(DISP_E_TYPEMISMATCH);
+    if (rows_ > 0 && extent(2) != columns) Fail(DISP_E_TYPEMISMATCH);
     void* values = nullptr;
     Check(SafeArrayAccessData(value.parray, &values));
     array_ = value.parray;
@@ -121,13 +123,20 @@ class Automation_Table : public Table {
         Invoke(session_->table, *table_, Member::Columns, DISPATCH_PROPERTYGET).Object();
     if (!columns) Fail(E_NOINTERFACE);
     Invoke(session_->columns, *columns, Member::RemoveAll, DISPATCH_METHOD);
-    for (std::size_t cell = 0; cell < cell_count; ++cell) Add_Column(*columns, static_cast<Cell>(cell));
+    for (std::size_t cell = 0; cell < cell_count; ++cell) {
+      if (Add_Column(*columns, static_cast<Cell>(cell))) continue;
+      if (cell != attachments)
+        throw Automation_Error(automation_error::not_supported,
+                               std::string("The folder's table has no column ") + column_names[cell][0] + ".",
+                               "Outlook");
+      tells_attachments_ = false;
+    }
   }
 
   std::vector<Table_Row> GetArray(std::int32_t most) override {
     const Variant count(most);
     const Variant answer = Invoke(session_->table, *table_, Member::GetArray, DISPATCH_METHOD, {&count});
-    const Cells cells(answer);
+    const Cells cells(answer, tells_attachments_ ? cell_count : attachments);
     std::vector<Table_Row> rows;
     rows.reserve(cells.Rows());
     for (std::size_t row = 0; row < cells.Rows(); ++row) rows.push_back(Row(cells, row));
@@ -140,21 +149,20 @@ class Automation_Table : public Table {
     return session_->caller.Invoke(object, ids.Of(session_->caller, object, member), kind, arguments);
   }
 
-  void Add_Column(IDispatch& columns, Cell cell) {
+  // False where the table refuses the column under each of its names.
+  bool Add_Column(IDispatch& columns, Cell cell) {
     for (const char* const column : column_names[cell]) {
       if (column == nullptr) break;
       const Variant name(column);
       try {
         Invoke(session_->columns, columns, Member::Add, DISPATCH_METHOD, {&name});
         by_property_[cell] = column[0] == 'h';
-        return;
+        return true;
       } catch (const Automation_Error& error) {
         if (error.Number() == automation_error::unavailable) throw;
       }
     }
-    throw Automation_Error(automation_error::not_supported,
-                           std::string("The folder's table has no column ") + column_names[cell][0] + ".",
-                           "Outlook");
+    return false;
   }
 
   Date Day_In(const VARIANT& value, Cell cell) const {
@@ -187,6 +195,7 @@ class Automation_Table : public Table {
       row.FlagStatus =
           value(flag).vt == VT_ERROR ? flag_status::marked : Variant::Copy_Of(value(flag)).Number();
     if (Is_Told(value(size))) row.Size = Variant::Copy_Of(value(size)).Number();
+    row.HasAttachments = tells_attachments_ && is_true(attachments);
     Complete(row, is_true(recurring));
     return row;
   }
@@ -219,6 +228,7 @@ class Automation_Table : public Table {
   Ptr<IDispatch> table_;
   std::function<Item_Ptr(const std::string&)> find_;
   std::array<bool, cell_count> by_property_{};
+  bool tells_attachments_ = true;
 };
 
 }  // namespace

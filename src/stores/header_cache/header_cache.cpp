@@ -15,7 +15,7 @@ namespace {
 
 // "Tdyh", in the header of the file.
 constexpr int application_id = 0x54647968;
-constexpr int version = 1;
+constexpr int version = 2;
 
 std::uint64_t Hash(std::string_view text, std::uint64_t hash = 0xCBF29CE484222325U) {
   for (const char character : text) {
@@ -31,6 +31,7 @@ struct Row_Head {
   double received = 0;
   std::int32_t item_class = 0;
   std::uint32_t subject_length = 0;
+  std::uint64_t has_attachments = 0;
 };
 constexpr std::size_t check_length = sizeof(std::uint64_t);
 
@@ -45,6 +46,7 @@ std::string Packed(std::string_view id, const Cached_Header& header) {
   head.marks = header.marks;
   head.received = header.received;
   head.item_class = header.item_class;
+  head.has_attachments = header.has_attachments ? 1 : 0;
   head.subject_length = static_cast<std::uint32_t>(header.subject.size());
   std::string row(sizeof head, '\0');
   std::memcpy(row.data(), &head, sizeof head);
@@ -68,6 +70,7 @@ std::optional<Cached_Header> Unpacked(std::string_view id, std::string_view row)
   header.marks = head.marks;
   header.received = head.received;
   header.item_class = head.item_class;
+  header.has_attachments = head.has_attachments != 0;
   header.subject = texts.substr(0, head.subject_length);
   header.sender = texts.substr(head.subject_length);
   return header;

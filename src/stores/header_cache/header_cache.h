@@ -25,6 +25,7 @@ struct Cached_Header {
   Date received = no_date;
   std::int64_t size = 0;   // bytes of the whole item
   std::int64_t marks = 0;  // the store's own
+  bool has_attachments = false;
   std::string subject, sender;
 };
 

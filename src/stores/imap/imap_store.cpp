@@ -285,6 +285,7 @@ class Imap_Table : public Table {
       row.UnRead = (flags & message_flag::seen) == 0;
       if ((flags & message_flag::flagged) != 0) row.FlagStatus = flag_status::marked;
       row.Size = data.size;
+      row.HasAttachments = data.has_attachments;
     }
     return rows;
   }
@@ -541,7 +542,7 @@ using Reason = Store_Open_Error::Reason;
 std::shared_ptr<Mail_Store> Open_Account(const Store_Address& address, const Store_Opening& opening,
                                          Account_Settings settings, const std::filesystem::path& cache) {
   auto store = std::make_shared<Imap_Store>(address, opening.mode, std::move(settings), cache);
-  store->Messages().Set_Serving(opening.serve);
+  store->Messages().Set_Wait(opening.wait);
   try {
     store->Messages().Open();
   } catch (const Connection_Error& error) {
@@ -553,6 +554,11 @@ std::shared_ptr<Mail_Store> Open_Account(const Store_Address& address, const Sto
   } catch (const Interrupted&) {
     Fail_To_Open(Reason::Cancelled, address, "Opening \"" + address.Text() + "\" was cancelled.");
   } catch (const Refused& error) {
+    // No other password would help.
+    if (error.Code() == busy_code || error.Code() == "INUSE" || error.Code() == "LIMIT")
+      Fail_To_Open(Reason::Not_Reached, address,
+                   "The mail server has no room for another connection: " + std::string(error.what()) +
+                       " Try again later, or close other mail programs.");
     Fail_To_Open(Reason::Not_Let_In, address,
                  "The mail server did not let \"" + address.user + "\" in: " + error.what() +
                      " Check the user's name and the password.");
@@ -564,10 +570,8 @@ std::shared_ptr<Mail_Store> Open_Account(const Store_Address& address, const Sto
   Account_Settings settings;
   settings.server.host = address.host;
   settings.server.port = address.port;
-  // Only on this machine can nobody listen.
-  const bool here = address.host == "localhost" || address.host.starts_with("127.") || address.host == "::1";
   settings.server.security = address.kind == Store_Address::Kind::Imap_Tls ? Security::Tls
-                             : here                                        ? Security::Plain
+                             : address.Is_On_This_Machine()                ? Security::Plain
                                                                            : Security::Start_Tls;
   settings.login.user = address.user;
   if (!opening.password)

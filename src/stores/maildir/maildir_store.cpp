@@ -380,6 +380,7 @@ Table_Row Maildir_Store::Row(Mail& mail) {
       header->stamp = inode;
       header->item_class = summary.item_class;
       header->received = summary.received;
+      header->has_attachments = summary.has_attachments;
       header->subject = std::move(summary.subject);
       header->sender = std::move(summary.sender);
       if (header->item_class != item_class::mail) {
@@ -403,6 +404,7 @@ Table_Row Maildir_Store::Row(Mail& mail) {
   row.SenderOrText = std::move(header->sender);
   row.ReceivedTime = row.LastModificationTime = header->received;
   row.Size = header->size;
+  row.HasAttachments = header->has_attachments;
   return row;
 }
 

@@ -71,7 +71,8 @@ Read_Ahead::Read_Ahead(Database& database)
       pass_backwards_(database,
                       "SELECT position FROM item WHERE folder = ?1 AND position < ?2 ORDER BY position DESC "
                       "LIMIT 1 OFFSET ?3"),
-      by_id_(database, Select(", folder FROM item WHERE id = ?1")) {}
+      by_id_(database, Select(", folder FROM item WHERE id = ?1")),
+      attached_(database, "SELECT item FROM attachment WHERE item >= ?1 ORDER BY item LIMIT 1") {}
 
 Found_Item Read_Ahead::At(std::int64_t folder, std::int32_t place, std::int32_t count) {
   Block* block = Find(folder);
@@ -107,11 +108,15 @@ std::optional<Found_Item> Read_Ahead::By_Id(std::int64_t id) {
 std::vector<Table_Row> Read_Ahead::Behind(std::int64_t folder, std::int64_t& position, std::int32_t most) {
   std::vector<Table_Row> rows;
   rows.reserve(static_cast<std::size_t>(std::max(0, most)));
+  // No item from `asked` up to `attached` has attachments. Ids mostly ascend with the positions, so that few
+  // items cost a question.
+  std::int64_t asked = 1, attached = 0;
   forwards_.Bind(1, folder).Bind(2, position);
   Reading reading(forwards_);
   while (static_cast<std::int32_t>(rows.size()) < most && reading.Next()) {
     Table_Row& row = rows.emplace_back();
-    row.EntryID = Item_Entry_Id(forwards_.Integer(0));
+    const std::int64_t id = forwards_.Integer(0);
+    row.EntryID = Item_Entry_Id(id);
     position = forwards_.Integer(1);
     row.Class = static_cast<std::int32_t>(forwards_.Integer(2));
     row.UnRead = forwards_.Integer(3) != 0;
@@ -124,6 +129,13 @@ std::vector<Table_Row> Read_Ahead::Behind(std::int64_t folder, std::int64_t& pos
     row.Subject = forwards_.Text(10);
     row.Size = forwards_.Integer(11);
     row.FlagStatus = static_cast<std::int32_t>(forwards_.Integer(12));
+    if (id < asked || id > attached) {
+      attached_.Bind(1, id);
+      Reading next(attached_);
+      asked = id;
+      attached = next.Next() ? attached_.Integer(0) : std::numeric_limits<std::int64_t>::max();
+    }
+    row.HasAttachments = id == attached;
   }
   return rows;
 }

@@ -97,7 +97,7 @@ class Read_Ahead {
   Block& Oldest();
 
   Database& database_;
-  Statement forwards_, backwards_, pass_forwards_, pass_backwards_, by_id_;
+  Statement forwards_, backwards_, pass_forwards_, pass_backwards_, by_id_, attached_;
   std::array<Block, 4> blocks_;
   std::uint64_t uses_ = 0;
 };

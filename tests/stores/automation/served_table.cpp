@@ -100,7 +100,8 @@ const std::map<std::string, Column>& All_Columns() {
       {"Size", [](const Table_Row& row) { return Variant(static_cast<std::int32_t>(row.Size)); }},
       {property_tag + "0x0E080003",
        [](const Table_Row& row) { return Variant(static_cast<std::int32_t>(row.Size)); }},
-      {"IsRecurring", [](const Table_Row& row) { return Variant(Is_Series(row)); }}};
+      {"IsRecurring", [](const Table_Row& row) { return Variant(Is_Series(row)); }},
+      {property_tag + "0x0E1B000B", [](const Table_Row& row) { return Variant(row.HasAttachments); }}};
   return columns;
 }
 

@@ -7,6 +7,7 @@
 
 #include "errors/automation_error.h"
 #include "stores/imap/dovecot.h"
+#include "stores/opening/accounts.h"
 
 namespace tidyfold::imap {
 namespace {
@@ -280,6 +281,32 @@ TEST_F(Imap_Store, A_Connection_That_Drops_At_Any_Byte_Loses_Nothing_And_Tells_T
   EXPECT_GT(not_done, 0);
 }
 
+TEST_F(Imap_Store, A_Trash_That_Is_Made_Takes_What_Is_Deleted) {
+  wire_.hidden = {"SPECIAL-USE", "\\Trash"};
+  Open();
+  EXPECT_EQ(Error_Of([&] { store_->GetDefaultFolder(default_folder_deleted_items); }),
+            automation_error::not_found);
+  const MAPIFolder_Ptr made = store_->Top_Folder()->Folders()->Add("Trash", item_type::mail);
+  EXPECT_EQ(store_->GetDefaultFolder(default_folder_deleted_items)->EntryID(), made->EntryID());
+}
+
+// An account logs in again by its own copy, on its own thread, where nobody can be asked.
+TEST(Account_Passwords, Each_Account_Has_Its_Own_And_Finds_It_At_A_Later_Login) {
+  int asked = 0;
+  const auto passwords = Account_Passwords(
+      {.command = [](const Store_Address& a) { return a.host == "c" ? std::string("echo by command") : ""; },
+       .given = [&](const Store_Address& a) { return ++asked, "given for " + a.host; },
+       .ask = [](const Store_Address&) { return std::nullopt; },
+       .wait = {}});
+  const auto later = passwords;
+  for (const int before : {0, 1, 2})
+    for (const char* host : {"a", "b", "c"})
+      EXPECT_EQ((before == 0 ? passwords : later)(Read_Store_Address(std::string("imaps://x@") + host + "/"),
+                                                  before),
+                *host == 'c' ? "by command" : std::string("given for ") + host);
+  EXPECT_EQ(asked, 2);
+}
+
 // Plays a server.
 class Scripted_Transport : public Transport {
  public:
@@ -314,7 +341,7 @@ TEST(Imap_Server, What_Is_No_Mail_Server_Is_Refused_With_A_Sentence) {
   };
   const Case cases[] = {
       {"", "", Reason::Not_Reached, "closed"},
-      {"* BYE Too many connections\r\n", "", Reason::Not_Let_In, "Too many connections"},
+      {"* BYE Too many connections\r\n", "", Reason::Not_Reached, "Too many connections"},
       {"HTTP/1.1 400 Bad\r\n\r\n", "", Reason::Not_Reached, "no IMAP"},
       {hello, "", Reason::Not_Reached, "closed"},
       {hello, std::string(1 << 20, 'x'), Reason::Not_Reached, "without an end"},
@@ -323,7 +350,7 @@ TEST(Imap_Server, What_Is_No_Mail_Server_Is_Refused_With_A_Sentence) {
       {hello, "* LIST " + std::string(10000, '(') + "\r\n", Reason::Not_Reached, "nested"},
       {hello, "* 99999999999 EXISTS\r\n", Reason::Not_Reached, "impossible number"},
       {hello, "* LIST () \"/\" a\0b\r\n"s, Reason::Not_Reached, "no IMAP"},
-      {hello, "T1 NO [LIMIT] Not now\r\n", Reason::Not_Let_In, "Not now"},
+      {hello, "T1 NO [LIMIT] Not now\r\n", Reason::Not_Reached, "Not now"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.words);
@@ -350,7 +377,7 @@ TEST(Imap_Server, A_Silent_Server_Is_Left_When_The_Wait_Is_Cancelled) {
   const Temporary_Directory cache;
   Store_Opening opening;
   int served = 0;
-  opening.serve = [&] { return ++served < 5; };
+  opening.wait = [&] { return [&] { return ++served < 5; }; };
   try {
     Open_Account(Read_Store_Address("imap://tester@localhost/"), opening, settings, cache / "x");
     ADD_FAILURE() << "it opened";

@@ -172,7 +172,8 @@ struct Stored_Item : tidyfold::Item, Mapi_Object, std::enable_shared_from_this<S
             data.end,
             data.unread,
             data.flagged ? flag_status::marked : flag_status::none,
-            data.size};
+            data.size,
+            !data.attachments.empty()};
   }
 };
 
