@@ -120,6 +120,10 @@ std::string Server_Text(const Store_Address& address) {
 
 Store_Address::Store_Address(const std::filesystem::path& file) : path(file) {}
 
+bool Store_Address::Is_On_This_Machine() const {
+  return host == "localhost" || host.starts_with("127.") || host == "::1";
+}
+
 std::string Store_Address::Text() const {
   if (Is_Server()) return Server_Text(*this);
   return (kind == Kind::Maildir ? std::string(maildir_beginning) : "") + path.string();

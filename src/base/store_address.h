@@ -25,6 +25,8 @@ struct Store_Address {
 
   bool Is_File() const { return kind == Kind::File; }
   bool Is_Server() const { return kind == Kind::Imap_Tls || kind == Kind::Imap; }
+  // Of a server: nobody else can listen to what is said to it.
+  bool Is_On_This_Machine() const;
   // For people: a path as it was given, "maildir:" with it, or the address of the mailbox.
   std::string Text() const;
   // What opens the store again from anywhere; Read_Store_Address understands it.

@@ -8,8 +8,12 @@ namespace tidyfold::cli {
 
 Store_Opening Opening_For(const Arguments& arguments, Store_Mode mode, Terminal& terminal) {
   Store_Opening opening(mode, Told_On(terminal, "Bringing the store up to date"));
-  opening.password = Account_Passwords(arguments.password_command);
-  opening.serve = [&terminal] { return !terminal.Interrupted(); };
+  opening.wait = [&terminal] { return [&terminal] { return !terminal.Interrupted(); }; };
+  opening.password = Account_Passwords(
+      {.command = [command = arguments.password_command](const Store_Address&) { return command; },
+       .given = {},
+       .ask = Password_From_Terminal,
+       .wait = opening.wait});
   return opening;
 }
 

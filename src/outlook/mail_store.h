@@ -59,6 +59,8 @@ class Mail_Store {
   virtual void Set_Protected(const std::string& /*folder_entry_id*/, bool /*is_protected*/) {}
 };
 
+using Begin_Wait = std::function<std::function<bool()>()>;
+
 // How a store is to be opened.
 struct Store_Opening {
   Store_Opening(Store_Mode how = Store_Mode::Read_Write,  // NOLINT(google-explicit-constructor)
@@ -71,9 +73,10 @@ struct Store_Opening {
   // Of mailboxes on servers. The password or token of one; asked for at each login, with how often it has
   // been asked for before. Throws Store_Open_Error (Not_Let_In) where there is none.
   std::function<std::string(const Store_Address& address, int before)> password;
-  // Called every few milliseconds while the program waits for a server; must not call the store. Once it
-  // returns false, the wait ends within a second.
-  std::function<bool()> serve;
+  // Called when the program begins to wait for a server. What it returns lives as long as the wait, is called
+  // every few milliseconds, and must not call the store. Once that returns false, the wait ends within a
+  // second.
+  Begin_Wait wait;
 };
 
 // Opens the store at an address, or throws Store_Open_Error.

@@ -10,6 +10,7 @@ namespace {
 
 constexpr const char* last_stores_key = "Software\\Tidyfold\\Last Stores";
 constexpr const char* recent_stores_key = "Software\\Tidyfold\\Recent Stores";
+constexpr const char* commands_key = "Software\\Tidyfold\\Password Commands";
 constexpr const char* copies_key = "Software\\Tidyfold\\Copies";
 constexpr const char* directory_value = "Directory";
 constexpr std::size_t most_recent = 12;
@@ -60,6 +61,14 @@ bool Keep_Last_Stores(Registry& registry, const std::vector<Store_Address>& stor
 
 std::vector<std::string> Recent_Stores(Registry& registry) {
   return List(User_Values(registry, recent_stores_key));
+}
+
+std::string Password_Command(Registry& registry, const Store_Address& account) {
+  return User_Values(registry, commands_key).Text(account.Lasting_Text());
+}
+
+bool Keep_Password_Command(Registry& registry, const Store_Address& account, const std::string& command) {
+  return User_Values(registry, commands_key).Set_Text(account.Lasting_Text(), command);
 }
 
 std::string Last_Copy_Directory(Registry& registry) {

@@ -1,4 +1,4 @@
-// What was last open or chosen: stores, and the directory for copies.
+// What was last open or chosen: stores, the commands for their passwords, and the directory for copies.
 #pragma once
 
 #include <string>
@@ -19,6 +19,10 @@ bool Keep_Last_Stores(Registry& registry, const std::vector<Store_Address>& stor
 // Stores that were open before, the last ones first, those that are open now included; each as
 // Store_Address::Lasting_Text.
 std::vector<std::string> Recent_Stores(Registry& registry);
+
+// The command that writes an account's password; empty where none is kept.
+std::string Password_Command(Registry& registry, const Store_Address& account);
+bool Keep_Password_Command(Registry& registry, const Store_Address& account, const std::string& command);
 
 // The directory of Keep a Copy First; empty where none is kept.
 std::string Last_Copy_Directory(Registry& registry);

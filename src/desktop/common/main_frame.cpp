@@ -188,6 +188,8 @@ wxMenu* Main_Frame::New_File_Menu() {
                  commands_.Open_Store);
   Add_File_Entry(*file, "Open &Maildir...", "Open a Maildir on this machine in place of the stores shown",
                  commands_.Open_Maildir);
+  Add_File_Entry(*file, "Open Mail &Account...", "Open a mailbox on a server in place of the stores shown",
+                 commands_.Open_Account);
   if (commands_.Recent_Stores) {
     recent_ = new wxMenu;
     file_entries_.push_back(

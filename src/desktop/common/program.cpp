@@ -78,7 +78,7 @@ void Program::Start() {
     message_box_.Show(text, Buttons::OK_Only, Icon::None, application_title);
   });
   if (observer_ != nullptr) observer_->Program_Started();
-  files_ = std::make_unique<Store_Files>(stores_, *registry_);
+  files_ = std::make_unique<Store_Files>(stores_, *registry_, waits_);
   stored_protection_ = std::make_unique<Stored_Protection>(*registry_);
   stores_.Keep_Marks_In(stored_protection_.get());
   if (!Open_First_Stores()) return ExitMainLoop();
@@ -115,6 +115,10 @@ void Program::Build() {
     if (Can_Open(Store_Address::Kind::Maildir))
       commands.Open_Maildir = [this] {
         Change_Stores([this] { return files_->Ask_And_Open_Maildir(frame_); });
+      };
+    if (Can_Open(Store_Address::Kind::Imap_Tls))
+      commands.Open_Account = [this] {
+        Change_Stores([this] { return files_->Ask_And_Open_Account(frame_); });
       };
     commands.Recent_Stores = [this] { return files_->Recent(); };
     commands.Open_Recent = [this](const std::string& store) {
@@ -279,7 +283,7 @@ void Program::Change_Stores(const std::function<bool()>& change) {
 
 // Makes what a handler changed in the store last, once the handler has returned.
 void Program::Commit() {
-  if (GetMainLoop() == nullptr || GetMainLoop()->IsYielding()) return;
+  if (GetMainLoop() == nullptr || GetMainLoop()->IsYielding() || waits_.Are_Under_Way()) return;
   try {
     stores_.Commit_Pending();
   } catch (const std::exception& error) {

@@ -18,6 +18,7 @@
 #include "desktop/common/desktop_message_box.h"
 #include "desktop/common/program_observer.h"
 #include "desktop/common/repaint_schedule.h"
+#include "desktop/common/server_waits.h"
 #include "desktop/common/store_files.h"
 #include "export/export.h"
 #include "export/store_copies.h"
@@ -66,6 +67,7 @@ class Program : public wxApp {
   Program_Observer* observer_;
   // What the window works on: Outlook, when it is there and no store was named, or stores of its own.
   std::unique_ptr<Automation> system_outlook_;
+  Server_Waits waits_;
   Store_Session stores_{&Open_Store};
   System_Clock clock_;
   Store_Copies copies_{[this](const std::string& store_id, const std::string& entry_id) {

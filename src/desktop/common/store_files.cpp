@@ -158,18 +158,31 @@ void Show_Reports(wxWindow* parent, const std::vector<Import_Report>& reports) {
 }  // namespace
 
 bool Store_Files::Open(wxWindow* parent, const std::vector<Store_Address>& addresses) {
-  try {
-    // Only a store that an older version wrote takes long enough to be told.
-    std::optional<Progress> progress;
-    stores_.Replace(addresses, {Store_Mode::Read_Write, [&](std::int64_t done, std::int64_t total) {
-                                  if (!progress)
-                                    progress.emplace(parent, "Open Store", "Bringing the store up to date");
-                                  return progress->Tell_Part(done, total);
-                                }});
-  } catch (const std::exception& error) {
-    Show_Error(parent, error.what());
-    return false;
+  for (;;) {
+    try {
+      // Only a store that an older version wrote takes long enough to be told.
+      std::optional<Progress> progress;
+      Store_Opening opening(Store_Mode::Read_Write, [&](std::int64_t done, std::int64_t total) {
+        if (!progress) progress.emplace(parent, "Open Store", "Bringing the store up to date");
+        return progress->Tell_Part(done, total);
+      });
+      accounts_.Complete(opening, parent);
+      stores_.Replace(addresses, opening);
+      break;
+    } catch (const Store_Open_Error& error) {
+      if (error.Why() == Store_Open_Error::Reason::Cancelled) return false;
+      if (accounts_.Can_Ask_Again(error)) {
+        if (accounts_.Ask_Again(error, parent)) continue;
+      } else {
+        Show_Error(parent, error.what());
+      }
+      return false;
+    } catch (const std::exception& error) {
+      Show_Error(parent, error.what());
+      return false;
+    }
   }
+  accounts_.Keep(addresses, parent);
   Remember();
   return true;
 }
@@ -198,6 +211,17 @@ bool Store_Files::Ask_And_Open_Maildir(wxWindow* parent) {
   return false;
 }
 
+bool Store_Files::Ask_And_Open_Account(wxWindow* parent) {
+  Account_Dialog dialog(parent,
+                        [&](const Account_Choice& choice) { return accounts_.Test(choice, &dialog); });
+  while (dialog.ShowModal() == wxID_OK) {
+    const Account_Choice choice = dialog.Choice();
+    accounts_.Learn(choice);
+    if (Open(parent, {choice.address})) return true;
+  }
+  return false;
+}
+
 std::vector<std::string> Store_Files::Recent() const {
   std::vector<std::string> texts = Recent_Stores(registry_);
   for (const auto& store : stores_.Open_Stores()) std::erase(texts, store->Address().Lasting_Text());
@@ -210,7 +234,9 @@ bool Store_Files::Close(wxWindow* parent, const std::string& store_id) {
     for (const auto& store : stores_.Open_Stores())
       if (store->StoreID() != store_id) left.push_back(store->Address());
     if (left.size() == stores_.Open_Stores().size()) return false;
-    stores_.Replace(left);
+    Store_Opening opening;
+    accounts_.Complete(opening, parent);
+    stores_.Replace(left, opening);
   } catch (const std::exception& error) {
     Show_Error(parent, error.what());
     return false;

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "desktop/common/mail_accounts.h"
 #include "import/import.h"
 #include "outlook/store_session.h"
 #include "settings/registry.h"
@@ -20,12 +21,14 @@ namespace tidyfold {
 // the open stores have changed.
 class Store_Files {
  public:
-  Store_Files(Store_Session& stores, Registry& registry) : stores_(stores), registry_(registry) {}
+  Store_Files(Store_Session& stores, Registry& registry, Server_Waits& waits)
+      : stores_(stores), registry_(registry), accounts_(registry, waits) {}
 
   // Shows the reason if one of the stores cannot be opened.
   bool Open(wxWindow* parent, const std::vector<Store_Address>& addresses);
   bool Ask_And_Open(wxWindow* parent);
   bool Ask_And_Open_Maildir(wxWindow* parent);
+  bool Ask_And_Open_Account(wxWindow* parent);
   // What opens stores that were open before, the last ones first, without those that are open.
   std::vector<std::string> Recent() const;
   // Takes a store out of the open ones.
@@ -54,6 +57,7 @@ class Store_Files {
 
   Store_Session& stores_;
   Registry& registry_;
+  Mail_Accounts accounts_;
 };
 
 }  // namespace tidyfold

@@ -12,6 +12,7 @@
 #include "desktop/common/desktop_help.h"
 #include "desktop/common/store_files.h"
 #include "import/import.h"
+#include "stores/opening/open_store.h"
 
 namespace tidyfold {
 
@@ -50,6 +51,9 @@ Welcome_Dialog::Welcome_Dialog(Store_Files& files, Message_Box& message_box)
         [this, &files] { return files.Make_Sample_Store(this); });
   offer("cmdOpenStore", "&Open Store...", "A store that Tidyfold has made before.",
         [this, &files] { return files.Ask_And_Open(this); });
+  if (Can_Open(Store_Address::Kind::Imap_Tls))
+    offer("cmdOpenAccount", "Open Mail &Account...", "A mailbox on a server (IMAP), cleaned where it lies.",
+          [this, &files] { return files.Ask_And_Open_Account(this); });
   if (Can_Import()) {
     offer("cmdImport", "&Import Files...", "PST, OST, PAB, mbox or EML files. They go into a new store.",
           [this, &files] { return files.Import_Files(this); });

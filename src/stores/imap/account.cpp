@@ -48,7 +48,7 @@ Account::~Account() {
           if (session_ != nullptr) session_->Client().Send(Command("LOGOUT"));
           session_.reset();
         },
-        [] { return false; });
+        [] { return [] { return false; }; });
   } catch (...) {
   }
 }
@@ -81,7 +81,7 @@ void Account::With_Session(const std::function<void(Mail_Session&)>& work) {
 
 void Account::Do(const std::function<void(Mail_Session&)>& work) {
   try {
-    network_.Call([&] { With_Session(work); }, serve_);
+    network_.Call([&] { With_Session(work); }, wait_);
   } catch (const Connection_Error& error) {
     Fail(automation_error::unavailable, error.what());
   } catch (const Protocol_Error& error) {
@@ -129,7 +129,7 @@ void Account::Open() {
           }
         });
       },
-      serve_);
+      wait_);
 }
 
 // Those above a mailbox may come after it, or not at all.

@@ -55,8 +55,8 @@ class Account {
   Account& operator=(const Account&) = delete;
   ~Account();
 
-  // Called while a call waits; false gives it up.
-  void Set_Serving(std::function<bool()> serve) { serve_ = std::move(serve); }
+  // As in Store_Opening.
+  void Set_Wait(Begin_Wait wait) { wait_ = std::move(wait); }
 
   // Logs in and lists the mailboxes. Throws what Mail_Session throws, as no Automation_Error says why.
   void Open();
@@ -116,7 +116,7 @@ class Account {
 
   Account_Settings settings_;
   Message_Cache cache_;
-  std::function<bool()> serve_;
+  Begin_Wait wait_;
 
   mutable std::mutex lock_;  // of what both threads know
   std::vector<std::unique_ptr<Mailbox>> mailboxes_;

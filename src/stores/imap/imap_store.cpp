@@ -541,7 +541,7 @@ using Reason = Store_Open_Error::Reason;
 std::shared_ptr<Mail_Store> Open_Account(const Store_Address& address, const Store_Opening& opening,
                                          Account_Settings settings, const std::filesystem::path& cache) {
   auto store = std::make_shared<Imap_Store>(address, opening.mode, std::move(settings), cache);
-  store->Messages().Set_Serving(opening.serve);
+  store->Messages().Set_Wait(opening.wait);
   try {
     store->Messages().Open();
   } catch (const Connection_Error& error) {
@@ -564,10 +564,8 @@ std::shared_ptr<Mail_Store> Open_Account(const Store_Address& address, const Sto
   Account_Settings settings;
   settings.server.host = address.host;
   settings.server.port = address.port;
-  // Only on this machine can nobody listen.
-  const bool here = address.host == "localhost" || address.host.starts_with("127.") || address.host == "::1";
   settings.server.security = address.kind == Store_Address::Kind::Imap_Tls ? Security::Tls
-                             : here                                        ? Security::Plain
+                             : address.Is_On_This_Machine()                ? Security::Plain
                                                                            : Security::Start_Tls;
   settings.login.user = address.user;
   if (!opening.password)

@@ -57,7 +57,7 @@ bool Network_Thread::Others_Wait() const {
   return !jobs_.empty() || ending_;
 }
 
-void Network_Thread::Call(const std::function<void()>& job, const std::function<bool()>& serve) {
+void Network_Thread::Call(const std::function<void()>& job, const Begin_Wait& wait) {
   Outcome outcome;
   Post([&] {
     std::exception_ptr failure;
@@ -72,12 +72,14 @@ void Network_Thread::Call(const std::function<void()>& job, const std::function<
     outcome.ended.notify_all();
   });
   std::unique_lock guard(outcome.lock);
+  std::function<bool()> serve;
   std::optional<std::chrono::steady_clock::time_point> given_up;
   while (!outcome.ended.wait_for(guard, serving_every, [&] { return outcome.is_done; })) {
-    if (!serve) continue;
+    if (!wait) continue;
     guard.unlock();
     bool go_on = false;
     try {
+      if (!serve) serve = wait();
       go_on = serve();
     } catch (...) {
       // The job still works on what belongs to the caller.

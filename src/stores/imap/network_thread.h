@@ -7,6 +7,7 @@
 #include <mutex>
 #include <thread>
 
+#include "outlook/mail_store.h"
 #include "stores/imap/transport.h"
 
 namespace tidyfold::imap {
@@ -22,9 +23,9 @@ class Network_Thread {
   // From any thread. A job must not throw.
   void Post(std::function<void()> job);
   // From another thread: does a job and waits for it; what it throws is thrown here. Jobs that were posted
-  // with Post_Last wait. `serve` is called every few milliseconds meanwhile; once it has returned false for a
-  // second, the job is interrupted.
-  void Call(const std::function<void()>& job, const std::function<bool()>& serve);
+  // with Post_Last wait. What `wait` returns is called every few milliseconds meanwhile; once that has
+  // returned false for most of a second, the job is interrupted.
+  void Call(const std::function<void()>& job, const Begin_Wait& wait);
   // A job that makes way for others: begun when nothing else waits.
   void Post_Last(std::function<void()> job);
   // For the job under way: whether others wait for it.

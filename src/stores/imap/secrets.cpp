@@ -41,22 +41,27 @@ std::string Secret_From_Command(const std::string& command) {
 
 #ifdef TIDYFOLD_KEYRING
 
+namespace {
+
 // By server and user, as other mail programs look for it.
+const SecretSchema schema = {"org.freedesktop.Secret.Generic",
+                             SECRET_SCHEMA_DONT_MATCH_NAME,
+                             {{"protocol", SECRET_SCHEMA_ATTRIBUTE_STRING},
+                              {"server", SECRET_SCHEMA_ATTRIBUTE_STRING},
+                              {"user", SECRET_SCHEMA_ATTRIBUTE_STRING},
+                              {nullptr, SECRET_SCHEMA_ATTRIBUTE_STRING}},
+                             0,
+                             nullptr,
+                             nullptr,
+                             nullptr,
+                             nullptr,
+                             nullptr,
+                             nullptr,
+                             nullptr};
+
+}  // namespace
+
 std::optional<std::string> Secret_From_Keyring(const Store_Address& address) {
-  static const SecretSchema schema = {"org.freedesktop.Secret.Generic",
-                                      SECRET_SCHEMA_DONT_MATCH_NAME,
-                                      {{"protocol", SECRET_SCHEMA_ATTRIBUTE_STRING},
-                                       {"server", SECRET_SCHEMA_ATTRIBUTE_STRING},
-                                       {"user", SECRET_SCHEMA_ATTRIBUTE_STRING},
-                                       {nullptr, SECRET_SCHEMA_ATTRIBUTE_STRING}},
-                                      0,
-                                      nullptr,
-                                      nullptr,
-                                      nullptr,
-                                      nullptr,
-                                      nullptr,
-                                      nullptr,
-                                      nullptr};
   gchar* const found =
       secret_password_lookup_sync(&schema, nullptr, nullptr, "protocol", "imap", "server",
                                   address.host.c_str(), "user", address.user.c_str(), nullptr);
@@ -66,10 +71,21 @@ std::optional<std::string> Secret_From_Keyring(const Store_Address& address) {
   return secret;
 }
 
+bool Keep_Secret_In_Keyring(const Store_Address& address, const std::string& secret) {
+  const std::string label = "Mail of " + address.user + " at " + address.host;
+  return secret_password_store_sync(&schema, SECRET_COLLECTION_DEFAULT, label.c_str(), secret.c_str(),
+                                    nullptr, nullptr, "protocol", "imap", "server", address.host.c_str(),
+                                    "user", address.user.c_str(), nullptr) != FALSE;
+}
+
 #else
 
 std::optional<std::string> Secret_From_Keyring(const Store_Address&) {
   return std::nullopt;
+}
+
+bool Keep_Secret_In_Keyring(const Store_Address&, const std::string&) {
+  return false;
 }
 
 #endif

@@ -21,6 +21,9 @@ std::string Secret_From_Command(const std::string& command);
 // The desktop's keyring; nothing where there is no keyring, or no password of this account in it.
 std::optional<std::string> Secret_From_Keyring(const Store_Address& address);
 
+// Puts it there; false where there is no keyring, or where it refuses.
+bool Keep_Secret_In_Keyring(const Store_Address& address, const std::string& secret);
+
 // A line from the terminal, which does not show it; nothing where there is no terminal.
 std::optional<std::string> Secret_From_Terminal(const std::string& question);
 

@@ -350,7 +350,7 @@ TEST(Imap_Server, A_Silent_Server_Is_Left_When_The_Wait_Is_Cancelled) {
   const Temporary_Directory cache;
   Store_Opening opening;
   int served = 0;
-  opening.serve = [&] { return ++served < 5; };
+  opening.wait = [&] { return [&] { return ++served < 5; }; };
   try {
     Open_Account(Read_Store_Address("imap://tester@localhost/"), opening, settings, cache / "x");
     ADD_FAILURE() << "it opened";
