@@ -3,6 +3,7 @@
 #include <chrono>
 #include <future>
 #include <map>
+#include <mutex>
 #include <thread>
 #include <utility>
 
@@ -40,32 +41,44 @@ std::shared_ptr<Mail_Store> Open_Server(const Store_Address& address, const Stor
 
 std::function<std::string(const Store_Address& address, int before)> Account_Passwords(
     Password_Sources sources) {
+  // Shared by all copies: an account keeps one for its later logins, which its own thread makes.
   struct Known {
-    std::string command, password;
+    std::mutex lock;
+    std::map<std::string, std::string> commands, passwords;
   };
-  return [sources = std::move(sources), accounts = std::map<std::string, Known>()](
-             const Store_Address& address, int before) mutable {
-    Known& known = accounts[address.Text()];
+  return [sources = std::move(sources), known = std::make_shared<Known>()](const Store_Address& address,
+                                                                           int before) {
     using enum Store_Open_Error::Reason;
-    try {
-      if (before == 0) known.command = sources.command(address);
-      if (!known.command.empty()) {
-        const auto run = [command = known.command] { return imap::Secret_From_Command(command); };
-        // A later login is one of the account's own thread, which waits by itself.
-        return before > 0 ? run() : Beside(address, sources.wait, run);
-      }
-    } catch (const imap::Secret_Error& error) {
-      Fail(Not_Let_In, address, "There is no password for \"" + address.Text() + "\". " + error.what());
+    const std::string name = address.Text();
+    const auto keep = [&](std::map<std::string, std::string>& texts, std::string text) {
+      const std::lock_guard guard(known->lock);
+      return texts[name] = std::move(text);
+    };
+    std::string command, password;
+    {
+      const std::lock_guard guard(known->lock);
+      command = known->commands[name];
+      password = known->passwords[name];
     }
-    if (known.password.empty() && sources.given) known.password = sources.given(address);
-    if (!known.password.empty()) return known.password;
-    auto secret = Beside(address, sources.wait, [address] { return imap::Secret_From_Keyring(address); });
-    if (!secret || secret->empty()) secret = sources.ask(address);
-    if (!secret || secret->empty())
+    try {
+      if (before == 0) command = keep(known->commands, sources.command(address));
+      const auto run = [command] { return imap::Secret_From_Command(command); };
+      if (!command.empty()) return before == 0 ? Beside(address, sources.wait, run) : run();
+    } catch (const imap::Secret_Error& error) {
+      Fail(Not_Let_In, address, "There is no password for \"" + name + "\". " + error.what());
+    }
+    if (!password.empty() || before > 0) return password;
+    if (sources.given) password = sources.given(address);
+    if (password.empty())
+      password = Beside(address, sources.wait, [address] {
+                   return imap::Secret_From_Keyring(address);
+                 }).value_or("");
+    if (password.empty()) password = sources.ask(address).value_or("");
+    if (password.empty())
       Fail(Not_Let_In, address,
-           "There is no password for \"" + address.Text() +
+           "There is no password for \"" + name +
                "\". Put it into the keyring, or name a command that writes it with --password-command.");
-    return known.password = *secret;
+    return keep(known->passwords, password);
   };
 }
 

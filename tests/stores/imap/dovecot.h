@@ -108,9 +108,12 @@ class Other_Client {
     client_.Greet();
   }
   void Do(const std::string& command) { client_.Run(Command(command)); }
-  void Append(const std::string& mailbox, const std::string& message, const std::string& flags = "",
-              const std::string& date = "17-Jul-2020 12:44:25 +0000") {
-    client_.Run(Command("APPEND ").String(mailbox).Raw(" (" + flags + ") \"" + date + "\" ").String(message));
+  // Returns the new UID as text.
+  std::string Append(const std::string& mailbox, const std::string& message, const std::string& flags = "",
+                     const std::string& date = "17-Jul-2020 12:44:25 +0000") {
+    const auto answer = client_.Run(
+        Command("APPEND ").String(mailbox).Raw(" (" + flags + ") \"" + date + "\" ").String(message));
+    return answer->Arguments().size() > 2 ? std::string(answer->Arguments()[2].Text()) : "";
   }
   // How many messages have a property.
   std::size_t Count(const std::string& mailbox, const std::string& property) {
