@@ -1,9 +1,14 @@
 #include "desktop/common/mail_accounts.h"
 
+#include <wx/msgdlg.h>
+
 #include "base/size_text.h"
+#include "controls/interaction.h"
 #include "desktop/common/error_box.h"
+#include "desktop/common/text_conversion.h"
 #include "errors/automation_error.h"
 #include "settings/last_stores.h"
+#include "settings/user_values.h"
 #include "stores/opening/accounts.h"
 #include "stores/opening/open_store.h"
 
@@ -19,6 +24,14 @@ std::int64_t Count_Folders(const MAPIFolder_Ptr& folder) {
   for (std::int32_t index = 1; index <= below->Count(); ++index)
     count += 1 + Count_Folders(below->Item(index));
   return count;
+}
+
+bool Has_Trash(Mail_Store& store) {
+  try {
+    return store.GetDefaultFolder(default_folder_deleted_items) != nullptr;
+  } catch (const Automation_Error& error) {
+    return error.Number() != automation_error::not_found;
+  }
 }
 
 }  // namespace
@@ -60,12 +73,9 @@ Account_Dialog::Answer Mail_Accounts::Test(const Account_Choice& choice, wxWindo
     Complete(opening, parent);
     const auto store = Open_Store(choice.address, opening);
     std::string text = "Connected: " + Format_Count(Count_Folders(store->Top_Folder())) + " folders. ";
-    try {
-      text += "What is deleted goes to \"" + store->GetDefaultFolder(default_folder_deleted_items)->Name() +
-              "\".";
-    } catch (const Automation_Error&) {
-      text += "It has no folder for deleted mail (Trash).";
-    }
+    text += Has_Trash(*store) ? "What is deleted goes to \"" +
+                                    store->GetDefaultFolder(default_folder_deleted_items)->Name() + "\"."
+                              : "It has no folder for deleted mail (Trash).";
     return {true, text};
   } catch (const std::exception& error) {
     return {false, error.what()};
@@ -106,6 +116,24 @@ void Mail_Accounts::Keep(const std::vector<Store_Address>& accounts, wxWindow* p
     } catch (const Store_Open_Error&) {
       continue;  // the person did not want to wait
     }
+  }
+}
+
+void Mail_Accounts::Offer_Trash(Mail_Store& store, wxWindow* parent) {
+  User_Values asked(registry_, "Software\\Tidyfold\\Accounts Without Trash");
+  const std::string account = store.Address().Lasting_Text();
+  if (!store.Address().Is_Server() || Has_Trash(store) || !asked.Text(account).empty()) return;
+  asked.Set_Text(account, "asked");
+  wxMessageDialog question(
+      parent,
+      To_Wx("The mail account has no folder for what is deleted. Without one, nothing can "
+            "be deleted but for good.\n\nMake a folder called Trash on the server now?"),
+      application_title, wxYES_NO | wxCENTRE);
+  if (question.ShowModal() != wxID_YES) return;
+  try {
+    store.Top_Folder()->Folders()->Add("Trash", item_type::mail);
+  } catch (const Automation_Error& error) {
+    Show_Error(parent, error.Description());
   }
 }
 

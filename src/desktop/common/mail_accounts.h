@@ -30,6 +30,8 @@ class Mail_Accounts {
   bool Ask_Again(const Store_Open_Error& error, wxWindow* parent);
   // They are open: keeps commands, and passwords that are to be kept, and forgets the others.
   void Keep(const std::vector<Store_Address>& accounts, wxWindow* parent);
+  // An account without a folder for what is deleted: asks once whether to make one.
+  void Offer_Trash(Mail_Store& store, wxWindow* parent);
 
  private:
   std::string Command_Of(const Store_Address& address) const;

@@ -183,6 +183,7 @@ bool Store_Files::Open(wxWindow* parent, const std::vector<Store_Address>& addre
     }
   }
   accounts_.Keep(addresses, parent);
+  for (const auto& store : stores_.Open_Stores()) accounts_.Offer_Trash(*store, parent);
   Remember();
   return true;
 }

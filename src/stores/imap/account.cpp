@@ -110,14 +110,7 @@ void Account::Open() {
               Mailbox& box = *mailboxes_[Add_To_Tree(mailbox)];
               if (box.can_be_selected && !mailbox.has_status) without_status.push_back(&box);
             }
-            // A server that tells no roles leaves them to the names.
-            for (std::size_t number = 1; number < mailboxes_.size(); ++number) {
-              Mailbox& box = *mailboxes_[number];
-              const std::int32_t role = box.role == 0 && box.parent == 0 ? Role_By_Name(box.name) : 0;
-              const bool taken = std::any_of(mailboxes_.begin(), mailboxes_.end(),
-                                             [&](const auto& other) { return other->role == role; });
-              if (role != 0 && role != default_folder_inbox && !taken) box.role = role;
-            }
+            for (std::size_t number = 1; number < mailboxes_.size(); ++number) Take_Role(*mailboxes_[number]);
           }
           for (Mailbox* const box : without_status) {
             try {
@@ -130,6 +123,14 @@ void Account::Open() {
         });
       },
       wait_);
+}
+
+// A server that tells no roles leaves them to the names.
+void Account::Take_Role(Mailbox& mailbox) const {
+  const std::int32_t role = mailbox.role == 0 && mailbox.parent == 0 ? Role_By_Name(mailbox.name) : 0;
+  const bool taken = std::any_of(mailboxes_.begin(), mailboxes_.end(),
+                                 [&](const auto& other) { return other->role == role && !other->is_gone; });
+  if (role != 0 && role != default_folder_inbox && !taken) mailbox.role = role;
 }
 
 // Those above a mailbox may come after it, or not at all.
@@ -242,6 +243,7 @@ std::size_t Account::Add_Mailbox(std::size_t parent, const std::string& name) {
     {
       const std::lock_guard guard(lock_);
       number = Add_To_Tree(added);
+      Take_Role(*mailboxes_[number]);
     }
     session.Ask_Status(*mailboxes_[number]);
   });

@@ -113,6 +113,7 @@ class Account {
   Mailbox& Box(std::size_t mailbox) const;
   Mailbox& Existing_Box(std::size_t mailbox) const;
   std::size_t Add_To_Tree(const Listed_Mailbox& listed);
+  void Take_Role(Mailbox& mailbox) const;
 
   Account_Settings settings_;
   Message_Cache cache_;

@@ -108,12 +108,9 @@ class Other_Client {
     client_.Greet();
   }
   void Do(const std::string& command) { client_.Run(Command(command)); }
-  // Returns the new UID as text.
-  std::string Append(const std::string& mailbox, const std::string& message, const std::string& flags = "",
-                     const std::string& date = "17-Jul-2020 12:44:25 +0000") {
-    const auto answer = client_.Run(
-        Command("APPEND ").String(mailbox).Raw(" (" + flags + ") \"" + date + "\" ").String(message));
-    return answer->Arguments().size() > 2 ? std::string(answer->Arguments()[2].Text()) : "";
+  void Append(const std::string& mailbox, const std::string& message, const std::string& flags = "",
+              const std::string& date = "17-Jul-2020 12:44:25 +0000") {
+    client_.Run(Command("APPEND ").String(mailbox).Raw(" (" + flags + ") \"" + date + "\" ").String(message));
   }
   // How many messages have a property.
   std::size_t Count(const std::string& mailbox, const std::string& property) {

@@ -7,6 +7,7 @@
 
 #include "errors/automation_error.h"
 #include "stores/imap/dovecot.h"
+#include "stores/opening/accounts.h"
 
 namespace tidyfold::imap {
 namespace {
@@ -278,6 +279,32 @@ TEST_F(Imap_Store, A_Connection_That_Drops_At_Any_Byte_Loses_Nothing_And_Tells_T
   }
   EXPECT_GT(drops, 30) << "the cuts met too little";
   EXPECT_GT(not_done, 0);
+}
+
+TEST_F(Imap_Store, A_Trash_That_Is_Made_Takes_What_Is_Deleted) {
+  wire_.hidden = {"SPECIAL-USE", "\\Trash"};
+  Open();
+  EXPECT_EQ(Error_Of([&] { store_->GetDefaultFolder(default_folder_deleted_items); }),
+            automation_error::not_found);
+  const MAPIFolder_Ptr made = store_->Top_Folder()->Folders()->Add("Trash", item_type::mail);
+  EXPECT_EQ(store_->GetDefaultFolder(default_folder_deleted_items)->EntryID(), made->EntryID());
+}
+
+// An account logs in again by its own copy, on its own thread, where nobody can be asked.
+TEST(Account_Passwords, Each_Account_Has_Its_Own_And_Finds_It_At_A_Later_Login) {
+  int asked = 0;
+  const auto passwords = Account_Passwords(
+      {.command = [](const Store_Address& a) { return a.host == "c" ? std::string("echo by command") : ""; },
+       .given = [&](const Store_Address& a) { return ++asked, "given for " + a.host; },
+       .ask = [](const Store_Address&) { return std::nullopt; },
+       .wait = {}});
+  const auto later = passwords;
+  for (const int before : {0, 1, 2})
+    for (const char* host : {"a", "b", "c"})
+      EXPECT_EQ((before == 0 ? passwords : later)(Read_Store_Address(std::string("imaps://x@") + host + "/"),
+                                                  before),
+                *host == 'c' ? "by command" : std::string("given for ") + host);
+  EXPECT_EQ(asked, 2);
 }
 
 // Plays a server.
