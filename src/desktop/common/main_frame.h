@@ -25,8 +25,8 @@ class Options_Panel;
 
 // Commands on store files, which the model does not know. Empty ones get no menu entry.
 struct File_Commands {
-  std::function<void()> Open_Store, Open_Maildir, Open_Account, New_Sample, Import_Files, Import_Folder, Compact,
-      Close_Store;
+  std::function<void()> Open_Store, Open_Maildir, Open_Account, New_Sample, Import_Files, Import_Folder,
+      Compact, Close_Store;
   // What opens stores that were open before, the last ones first, and what does so.
   std::function<std::vector<std::string>()> Recent_Stores;
   std::function<void(const std::string&)> Open_Recent;

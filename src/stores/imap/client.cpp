@@ -62,7 +62,7 @@ bool Client::Greet() {
   if (transport_->Is_Greeted()) return false;
   const auto greeting = Next();
   if (greeting == nullptr || !greeting->Is_Untagged()) throw Protocol_Error("This is no IMAP server.");
-  if (greeting->Name() == "BYE") throw Refused(greeting->Text(), greeting->Code());
+  if (greeting->Name() == "BYE") throw Refused(greeting->Text(), busy_code);
   if (greeting->Name() != "OK" && greeting->Name() != "PREAUTH")
     throw Protocol_Error("This is no IMAP server.");
   Take(*greeting, {});

@@ -28,6 +28,9 @@ class Refused : public std::runtime_error {
   std::string code_;
 };
 
+// The code of a server that turns everyone away for now.
+inline constexpr const char* busy_code = "UNAVAILABLE";
+
 // Texts are sent as quoted strings or, where they do not allow it, as literals.
 class Command {
  public:

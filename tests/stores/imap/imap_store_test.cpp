@@ -341,7 +341,7 @@ TEST(Imap_Server, What_Is_No_Mail_Server_Is_Refused_With_A_Sentence) {
   };
   const Case cases[] = {
       {"", "", Reason::Not_Reached, "closed"},
-      {"* BYE Too many connections\r\n", "", Reason::Not_Let_In, "Too many connections"},
+      {"* BYE Too many connections\r\n", "", Reason::Not_Reached, "Too many connections"},
       {"HTTP/1.1 400 Bad\r\n\r\n", "", Reason::Not_Reached, "no IMAP"},
       {hello, "", Reason::Not_Reached, "closed"},
       {hello, std::string(1 << 20, 'x'), Reason::Not_Reached, "without an end"},
@@ -350,7 +350,7 @@ TEST(Imap_Server, What_Is_No_Mail_Server_Is_Refused_With_A_Sentence) {
       {hello, "* LIST " + std::string(10000, '(') + "\r\n", Reason::Not_Reached, "nested"},
       {hello, "* 99999999999 EXISTS\r\n", Reason::Not_Reached, "impossible number"},
       {hello, "* LIST () \"/\" a\0b\r\n"s, Reason::Not_Reached, "no IMAP"},
-      {hello, "T1 NO [LIMIT] Not now\r\n", Reason::Not_Let_In, "Not now"},
+      {hello, "T1 NO [LIMIT] Not now\r\n", Reason::Not_Reached, "Not now"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.words);
