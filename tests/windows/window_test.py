@@ -53,6 +53,7 @@ def move_to_another_monitor(window):
         return {name: state["widgets"][name]["rectangle"] for name in ("trvFolders", "grdItems", "cmdRun", "picSlider")}
 
     at_first = shape(window.state())
+    first_row = window.state()["grid"][0]["rectangle"]
     corner = window.state()["widgets"]["panel"]["rectangle"]
     for density in (72, 96):
         draft = window.folder / "density"
@@ -67,6 +68,7 @@ def move_to_another_monitor(window):
         window.wait(f"the window at {density} dots per inch", follows)
         if density == 72:
             window.picture("another-density")
+    window.wait("the first row where it was", lambda state: state["grid"][0]["rectangle"] == first_row)
 
 
 def ask_about_menus(window):

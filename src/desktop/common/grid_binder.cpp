@@ -163,6 +163,8 @@ void Grid_Binder::Set_Row_Height() {
 void Grid_Binder::Follow_Density(int dots_per_inch) {
   scale_.Follow_Density(dots_per_inch);
   Set_Row_Height();
+  // The toolkit takes the header for one of its own, which are higher.
+  widget_.SetColLabelSize(wxGRID_AUTOSIZE);
   shown_columns_ = ~std::uint64_t{0};
   schedule_.Mark(*this);
 }
