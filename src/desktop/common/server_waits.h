@@ -2,6 +2,7 @@
 #pragma once
 
 #include <wx/event.h>
+#include <wx/eventfilter.h>
 #include <wx/weakref.h>
 #include <wx/window.h>
 
