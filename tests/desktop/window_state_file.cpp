@@ -21,7 +21,6 @@
 #include <array>
 #include <filesystem>
 #include <fstream>
-#include <iostream>
 #include <functional>
 #include <nlohmann/json.hpp>
 
@@ -238,11 +237,7 @@ void Window_State_File::Program_Started() {
 #ifdef __WXMSW__
     Follow_Density(*frame_, path_ + ".density");
 #endif
-    try {
-      Write();
-    } catch (const std::exception& error) {
-      std::cerr << "The window's state was not written: " << error.what() << std::endl;
-    }
+    Write();
     // Not periodic: where writing takes longer than the pace, a yield of the program would never end.
     timer_->StartOnce(pace);
   });

@@ -41,6 +41,11 @@ Message_Window::Message_Window(MainWindow& model)
   SetSizerAndFit(frame);
   Centre();
   model_.frmMessageBox.changed = [this] { Show_Form(); };
+  // GTK tells of a window that was shown when it may be hidden again, and wxWidgets then takes it for shown.
+  Bind(wxEVT_SHOW, [this](wxShowEvent& event) {
+    event.Skip();
+    if (event.IsShown() && !model_.frmMessageBox.Visible()) CallAfter([this] { Show_Form(); });
+  });
 }
 
 Message_Window::~Message_Window() {
