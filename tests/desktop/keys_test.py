@@ -92,6 +92,11 @@ class Keys(Window_Case):
         self.assertEqual(state["commands"][before:], [label], f"{key} in {pane}")
         self.settle()
 
+    def go_to_list(self):
+        """A second click where one has just been would open the item."""
+        if self.window.state()["focus"] != "grdItems":
+            self.window.click_row(1)
+
     def go_to(self, pane):
         """With the Inbox current and ticked, the option that the pane needs, and a row that has the frame."""
         window = self.window
@@ -119,13 +124,13 @@ class Keys(Window_Case):
         if window.state()["focus"] == pane:
             return
         if pane == "grdItems":
-            window.click_row(1)
+            self.go_to_list()
         elif pane == "trvFolders":
             window.click_at(window.node("Inbox")["rectangle"])
         elif pane in BOXES:
             window.click(pane)
         else:  # a click would tick it
-            window.click_row(1)
+            self.go_to_list()
             window.wait("the list", lambda state: state["focus"] == "grdItems")
             window.key("F6")
             window.wait("the second bar", lambda state: state["focus"] == "picSlider2")
