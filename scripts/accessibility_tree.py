@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Prints what a screen reader is told by a program on this session bus: one line per object, indented, with its
+"""Prints what a screen reader is told by a program on the desktop's bus: one line per object, indented, with its
 role, its name and its states. With --toggle NAME, does the tick's own action in the tree's row NAME instead.
 
     accessibility_tree.py PROGRAM [--json] [--toggle NAME]

@@ -121,7 +121,9 @@ std::string Server_Text(const Store_Address& address) {
 Store_Address::Store_Address(const std::filesystem::path& file) : path(file) {}
 
 bool Store_Address::Is_On_This_Machine() const {
-  return host == "localhost" || host.starts_with("127.") || host == "::1";
+  // Only an address: a name that begins so may be anywhere.
+  const bool is_number = host.find_first_not_of("0123456789.") == std::string::npos;
+  return host == "localhost" || (is_number && host.starts_with("127.")) || host == "::1";
 }
 
 std::string Store_Address::Text() const {

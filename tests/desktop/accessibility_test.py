@@ -19,7 +19,7 @@ def found(tree, role=None, name=None):
 
 
 class Accessibility(Window_Case):
-    silent = False  # the toolkit complains of what is asked about widgets that have just gone
+    silent = False  # the toolkit complains while its tree is walked; why is not known yet
 
     def setUp(self):
         super().setUp()

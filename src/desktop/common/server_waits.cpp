@@ -32,7 +32,10 @@ class Server_Waits::Wait {
     std::erase(waits_.waits_, this);
     if (waits_.Are_Under_Way()) return;
     for (const auto& window : std::exchange(waits_.to_close_, {}))
-      if (window) window->CallAfter([window] { window ? static_cast<void>(window->Close()) : void(); });
+      if (window)
+        window->CallAfter([window] {
+          if (window) window->Close();
+        });
   }
 
   bool Go_On() {

@@ -53,33 +53,48 @@ const gchar* Name_Of(AtkObject* cell) {
   return nullptr;
 }
 
+// The path of the row that the tick stands in; empty where it cannot be ticked, or stands nowhere any more.
+Path Path_Of(AtkObject* cell) {
+  GtkWidget* const view = gtk_accessible_get_widget(GTK_ACCESSIBLE(cell));
+  AtkObject* const row = atk_object_get_parent(cell);
+  gint place = 0, column = 0;
+  if (view == nullptr || gtk_widget_is_sensitive(view) == FALSE || !ATK_IS_TABLE_CELL(row) ||
+      atk_table_cell_get_position(ATK_TABLE_CELL(row), &place, &column) == FALSE)
+    return nullptr;
+  return Path_Of_Row(GTK_TREE_VIEW(view), place);
+}
+
+std::string Text_Of(AtkObject* cell) {
+  const gchar* const name = Name_Of(cell);
+  return name != nullptr ? name : "";
+}
+
 struct Question {
-  GtkCellRenderer* renderer;
-  std::string path;
+  AtkObject* cell;
+  std::string name;
 };
 
+// The tree may be another one by now: what was asked for is a folder of this name in this place.
 gboolean Ask(gpointer data) {
   const std::unique_ptr<Question> question(static_cast<Question*>(data));
-  g_signal_emit_by_name(question->renderer, asked, question->path.c_str());
-  g_object_unref(question->renderer);
+  const Path path = Path_Of(question->cell);
+  if (path != nullptr && Text_Of(question->cell) == question->name) {
+    GtkCellRenderer* renderer = nullptr;
+    g_object_get(question->cell, "renderer", &renderer, nullptr);
+    gchar* const text = gtk_tree_path_to_string(path.get());
+    g_signal_emit_by_name(renderer, asked, text);
+    g_free(text);
+    g_object_unref(renderer);
+  }
+  g_object_unref(question->cell);
   return G_SOURCE_REMOVE;
 }
 
 gboolean Do_Action(AtkAction* action, gint number) {
-  GtkWidget* const view = gtk_accessible_get_widget(GTK_ACCESSIBLE(action));
-  AtkObject* const row = atk_object_get_parent(ATK_OBJECT(action));
-  gint place = 0, column = 0;
-  if (number != 0 || view == nullptr || gtk_widget_is_sensitive(view) == FALSE || !ATK_IS_TABLE_CELL(row) ||
-      atk_table_cell_get_position(ATK_TABLE_CELL(row), &place, &column) == FALSE)
-    return FALSE;
-  const Path path = Path_Of_Row(GTK_TREE_VIEW(view), place);
-  if (path == nullptr) return FALSE;
-  gchar* const text = gtk_tree_path_to_string(path.get());
-  auto question = std::make_unique<Question>(Question{nullptr, text});
-  g_free(text);
-  g_object_get(action, "renderer", &question->renderer, nullptr);
+  AtkObject* const cell = ATK_OBJECT(action);
+  if (number != 0 || Path_Of(cell) == nullptr) return FALSE;
   // A box may follow the tick, and would keep the answer back until it is closed.
-  g_idle_add(Ask, question.release());
+  g_idle_add(Ask, new Question{ATK_OBJECT(g_object_ref(cell)), Text_Of(cell)});
   return TRUE;
 }
 

@@ -122,6 +122,7 @@ Variant Item_Ids::Invoke(Caller& caller, IDispatch& object, std::optional<std::i
                          Member member, WORD kind, std::initializer_list<const Variant*> arguments) {
   const auto invoke = [&](DISPID id) { return caller.Invoke(object, id, kind, arguments); };
   if (item_class) return invoke(classes_[*item_class].Of(caller, object, member));
+  if (kind == DISPATCH_METHOD) return invoke(caller.Id_Of(object, member));
   const std::optional<DISPID> guess = Common(member);
   if (!guess) {
     const std::int32_t own_class = Read_Class(caller, object);

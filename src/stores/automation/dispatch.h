@@ -100,9 +100,10 @@ class Member_Ids {
 };
 
 // The member ids of items. Each class of item has an interface of its own, and an item's class is not known
-// until it has been read. Before that, an id is used that all classes met so far have in common; if the item
-// does not know it, the id is looked up in the item itself, and if there is none, its class is read. Once an
-// id was another one, nothing is concluded from other classes any more: it might be the id of something else.
+// until it has been read. Before that, properties are read by an id that all classes met so far have in
+// common; if the item does not know it, the id is looked up in the item itself, and if there is none, its
+// class is read. Once an id was another one, nothing is concluded from other classes any more: it might be
+// the id of something else. What an item is told to do is always looked up.
 class Item_Ids {
  public:
   Variant Invoke(Caller& caller, IDispatch& object, std::optional<std::int32_t> item_class, Member member,

@@ -1,7 +1,6 @@
 #include "stores/imap/imap_store.h"
 
 #include <algorithm>
-#include <charconv>
 #include <optional>
 #include <utility>
 
@@ -10,7 +9,7 @@
 #include "controls/interaction.h"
 #include "errors/automation_error.h"
 #include "mail/mime_message.h"
-#include "stores/imap/mailbox_name.h"
+#include "stores/imap/message_id.h"
 
 namespace tidyfold::imap {
 
@@ -29,52 +28,10 @@ constexpr std::size_t most_changes = 10'000;
   Fail(not_found, "The item is no longer there.");
 }
 
-// "mail:UIDVALIDITY:UID:MAILBOX"; of a folder "mail:UIDVALIDITY:MAILBOX".
-struct Message_Id {
-  std::uint32_t validity = 0;
-  Uid uid = 0;
-  std::string mailbox;
-};
-
-std::string Text_Of(const Message_Id& id) {
-  return "mail:" + std::to_string(id.validity) + ":" + std::to_string(id.uid) + ":" + id.mailbox;
-}
-
-std::string Folder_Id(const Mailbox& mailbox) {
-  return "mail:" + std::to_string(mailbox.uid_validity) + ":" + mailbox.wire_name;
-}
-
-std::optional<Message_Id> Read_Message_Id(std::string_view text) {
-  if (!text.starts_with("mail:")) return std::nullopt;
-  text.remove_prefix(5);
-  Message_Id id;
-  for (std::uint32_t* const number : {&id.validity, &id.uid}) {
-    const std::size_t colon = text.find(':');
-    if (colon == std::string_view::npos) return std::nullopt;
-    const auto parsed = Parse_Number(text.substr(0, colon));
-    // One text for one message.
-    if (!parsed || *parsed == 0 || *parsed > UINT32_MAX || text.front() == '0') return std::nullopt;
-    *number = static_cast<std::uint32_t>(*parsed);
-    text.remove_prefix(colon + 1);
-  }
-  id.mailbox = text;
-  return id;
-}
-
-std::optional<std::size_t> Find_Folder(const Account& account, std::string_view entry_id) {
-  if (!entry_id.starts_with("mail:")) return std::nullopt;
-  entry_id.remove_prefix(5);
-  const std::size_t colon = entry_id.find(':');
-  const auto validity = Parse_Number(entry_id.substr(0, colon));
-  if (colon == std::string_view::npos || !validity || *validity > UINT32_MAX) return std::nullopt;
-  return account.Find(static_cast<std::uint32_t>(*validity), std::string(entry_id.substr(colon + 1)));
-}
-
 class Imap_Store : public Mail_Store, public std::enable_shared_from_this<Imap_Store> {
  public:
-  Imap_Store(Store_Address address, Store_Mode mode, Account_Settings settings,
-             const std::filesystem::path& cache)
-      : address_(std::move(address)), mode_(mode), account_(std::move(settings), cache) {
+  Imap_Store(Store_Address address, Store_Mode mode, std::unique_ptr<Account> account)
+      : address_(std::move(address)), mode_(mode), account_(std::move(account)) {
     store_id_ = "mail:" + address_.user + "@" + address_.host + ":" + std::to_string(address_.port);
   }
 
@@ -94,7 +51,7 @@ class Imap_Store : public Mail_Store, public std::enable_shared_from_this<Imap_S
   void Set_Watcher(std::weak_ptr<Group_Watcher> watcher) override { watcher_ = std::move(watcher); }
   void Commit_Pending() override;
 
-  Account& Messages() { return account_; }
+  Account& Messages() { return *account_; }
   void Demand_Writable() const {
     if (mode_ == Store_Mode::Read_Only)
       Fail(automation_error::no_access, "The mail account is open for reading only.");
@@ -118,7 +75,7 @@ class Imap_Store : public Mail_Store, public std::enable_shared_from_this<Imap_S
   Store_Address address_;
   Store_Mode mode_;
   std::string store_id_;
-  Account account_;
+  std::unique_ptr<Account> account_;
   Display_Callback display_;
   std::weak_ptr<Group_Watcher> watcher_;
   std::vector<std::shared_ptr<Pending>> pending_;
@@ -425,7 +382,8 @@ Item_Ptr Imap_Item::Move(MAPIFolder& folder) {
   Demand_There();
   if (folder.StoreID() != store_->StoreID())
     Fail(automation_error::not_supported, "An item can only be moved within its own mail account.");
-  const auto target = Find_Folder(store_->Messages(), folder.EntryID());
+  const auto id = Read_Folder_Id(folder.EntryID());
+  const auto target = id ? store_->Messages().Find(id->validity, id->mailbox) : std::nullopt;
   if (!target) Fail(not_found, "The folder is no longer there.");
   auto moved = store_->Change_Message(mailbox_, validity_, uid_, *target);
   is_gone_ = true;
@@ -460,17 +418,18 @@ MAPIFolder_Ptr Imap_Store::Top_Folder() {
 }
 
 MAPIFolder_Ptr Imap_Store::GetDefaultFolder(std::int32_t folder_type) {
-  const std::size_t mailbox = account_.Find_Role(folder_type);
+  const std::size_t mailbox = account_->Find_Role(folder_type);
   if (mailbox == 0) Fail(not_found, "The mail account has no folder of this kind.");
   return std::make_shared<Imap_Folder>(shared_from_this(), mailbox);
 }
 
 Item_Ptr Imap_Store::GetItemFromID(const std::string& entry_id) {
   const auto id = Read_Message_Id(entry_id);
-  const std::size_t mailbox = id ? account_.Find(id->mailbox) : 0;
+  const std::size_t mailbox = id ? account_->Find(id->mailbox) : 0;
   if (mailbox == 0) Fail_Item_Gone();
-  account_.Look(mailbox);
-  if (!account_.Has_Message(mailbox, id->validity, id->uid) || Is_Pending(mailbox, id->uid)) Fail_Item_Gone();
+  account_->Look(mailbox);
+  if (!account_->Has_Message(mailbox, id->validity, id->uid) || Is_Pending(mailbox, id->uid))
+    Fail_Item_Gone();
   return std::make_shared<Imap_Item>(shared_from_this(), mailbox, id->validity, id->uid);
 }
 
@@ -494,8 +453,8 @@ std::shared_ptr<Imap_Store::Pending> Imap_Store::Change_Message(std::size_t mail
   Demand_Writable();
   if (pending_.size() >= most_changes) Commit_Pending();
   auto pending = std::make_shared<Pending>();
-  pending->change = account_.Plan_Change(mailbox, validity, uid, target);
-  pending->entry_id = Text_Of({validity, uid, account_.Describe(mailbox).wire_name});
+  pending->change = account_->Plan_Change(mailbox, validity, uid, target);
+  pending->entry_id = Text_Of({validity, uid, account_->Describe(mailbox).wire_name});
   pending_.push_back(pending);
   return pending;
 }
@@ -510,7 +469,7 @@ void Imap_Store::Commit_Pending() {
   for (const auto& pending : group) changes.push_back(pending->change);
   std::exception_ptr failure;
   try {
-    account_.Carry_Out(changes);
+    account_->Carry_Out(changes);
   } catch (...) {
     failure = std::current_exception();
   }
@@ -522,7 +481,7 @@ void Imap_Store::Commit_Pending() {
     if (!change.is_done) {
       watcher->Not_Kept(store_id_, group[at]->entry_id, change.reason);
     } else if (change.target != 0 && change.new_uid != 0) {
-      const Mailbox target = account_.Describe(change.target);
+      const Mailbox target = account_->Describe(change.target);
       watcher->Renamed(store_id_, group[at]->entry_id,
                        Text_Of({change.new_validity, change.new_uid, target.wire_name}));
     }
@@ -531,59 +490,11 @@ void Imap_Store::Commit_Pending() {
   if (failure != nullptr) std::rethrow_exception(failure);
 }
 
-using Reason = Store_Open_Error::Reason;
-
-[[noreturn]] void Fail_To_Open(Reason reason, const Store_Address& address, const std::string& text) {
-  throw Store_Open_Error(reason, address.Text(), text);
-}
-
 }  // namespace
 
-std::shared_ptr<Mail_Store> Open_Account(const Store_Address& address, const Store_Opening& opening,
-                                         Account_Settings settings, const std::filesystem::path& cache) {
-  auto store = std::make_shared<Imap_Store>(address, opening.mode, std::move(settings), cache);
-  store->Messages().Set_Wait(opening.wait);
-  try {
-    store->Messages().Open();
-  } catch (const Connection_Error& error) {
-    Fail_To_Open(Reason::Not_Reached, address, error.what());
-  } catch (const Protocol_Error& error) {
-    Fail_To_Open(Reason::Not_Reached, address,
-                 "\"" + address.Text() + "\" is no mail account that can be understood. " + error.what() +
-                     " Check the server's name and port.");
-  } catch (const Interrupted&) {
-    Fail_To_Open(Reason::Cancelled, address, "Opening \"" + address.Text() + "\" was cancelled.");
-  } catch (const Refused& error) {
-    // No other password would help.
-    if (error.Code() == busy_code || error.Code() == "INUSE" || error.Code() == "LIMIT")
-      Fail_To_Open(Reason::Not_Reached, address,
-                   "The mail server has no room for another connection: " + std::string(error.what()) +
-                       " Try again later, or close other mail programs.");
-    Fail_To_Open(Reason::Not_Let_In, address,
-                 "The mail server did not let \"" + address.user + "\" in: " + error.what() +
-                     " Check the user's name and the password.");
-  }
-  return store;
-}
-
-std::shared_ptr<Mail_Store> Open_Account(const Store_Address& address, const Store_Opening& opening) {
-  Account_Settings settings;
-  settings.server.host = address.host;
-  settings.server.port = address.port;
-  settings.server.security = address.kind == Store_Address::Kind::Imap_Tls ? Security::Tls
-                             : address.Is_On_This_Machine()                ? Security::Plain
-                                                                           : Security::Start_Tls;
-  settings.login.user = address.user;
-  if (!opening.password)
-    Fail_To_Open(
-        Reason::Not_Supported, address,
-        "Mail accounts are opened on the command line: tidyfold-cli --store " + address.Text() + " ...");
-  // The first is asked for here, where a person can be asked.
-  settings.login.secret = [address, password = opening.password, first = opening.password(address, 0),
-                           asked = 0]() mutable {
-    return asked++ == 0 ? first : password(address, asked - 1);
-  };
-  return Open_Account(address, opening, std::move(settings), Message_Cache_File(address.Text()));
+std::shared_ptr<Mail_Store> Store_On(const Store_Address& address, Store_Mode mode,
+                                     std::unique_ptr<Account> account) {
+  return std::make_shared<Imap_Store>(address, mode, std::move(account));
 }
 
 }  // namespace tidyfold::imap

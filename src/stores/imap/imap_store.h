@@ -5,7 +5,6 @@
 // message's new identity is known from then on.
 #pragma once
 
-#include <filesystem>
 #include <memory>
 
 #include "outlook/mail_store.h"
@@ -13,10 +12,8 @@
 
 namespace tidyfold::imap {
 
-// Throws Store_Open_Error.
-std::shared_ptr<Mail_Store> Open_Account(const Store_Address& address, const Store_Opening& opening);
-// The same over any transport, with a cache in any place.
-std::shared_ptr<Mail_Store> Open_Account(const Store_Address& address, const Store_Opening& opening,
-                                         Account_Settings settings, const std::filesystem::path& cache);
+// On an account that is open.
+std::shared_ptr<Mail_Store> Store_On(const Store_Address& address, Store_Mode mode,
+                                     std::unique_ptr<Account> account);
 
 }  // namespace tidyfold::imap

@@ -7,7 +7,7 @@
 #include <thread>
 #include <utility>
 
-#include "stores/imap/imap_store.h"
+#include "stores/imap/open_account.h"
 #include "stores/imap/secrets.h"
 
 namespace tidyfold {

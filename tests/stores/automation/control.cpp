@@ -37,7 +37,8 @@ New_Item Item_In(const Arguments& a) {
   std::size_t at = 9;
   for (Date* date : {&item.received, &item.last_modified, &item.completed, &item.due, &item.end})
     *date = a.at(at++).Day();
-  if (at < a.size()) item.size = a.at(at).Number();
+  if (at < a.size()) item.size = a.at(at++).Number();
+  if (at < a.size() && a.at(at).Truth()) item.attachments = {{}};
   return item;
 }
 

@@ -161,6 +161,7 @@ std::string Test_Writer::Add_Item(MAPIFolder& folder, const New_Item& item) {
   for (const Date date : {item.received, item.last_modified, item.completed, item.due, item.end})
     arguments.push_back(com::Variant::Of_Date(date));
   arguments.emplace_back(static_cast<std::int32_t>(item.size));
+  arguments.emplace_back(!item.attachments.empty());
   return outlook_.Tell_All("AddItem", arguments).Text();
 }
 

@@ -14,7 +14,7 @@
 #include "doubles/temporary_directory.h"
 #include "outlook/store_session.h"
 #include "stores/imap/client.h"
-#include "stores/imap/imap_store.h"
+#include "stores/imap/open_account.h"
 
 namespace tidyfold::imap {
 

@@ -307,6 +307,20 @@ TEST(Account_Passwords, Each_Account_Has_Its_Own_And_Finds_It_At_A_Later_Login) 
   EXPECT_EQ(asked, 2);
 }
 
+// To others a password never goes without encryption.
+TEST(Store_Address, Only_This_Machine_Is_On_This_Machine) {
+  const std::pair<const char*, bool> hosts[] = {{"localhost", true},        {"127.0.0.1", true},
+                                                {"127.8.9.1", true},        {"::1", true},
+                                                {"127.example.com", false}, {"127.0.0.1.example.com", false},
+                                                {"localhost.com", false},   {"10.127.0.1", false},
+                                                {"mail.example.com", false}};
+  for (const auto& [host, here] : hosts) {
+    Store_Address address;
+    address.host = host;
+    EXPECT_EQ(address.Is_On_This_Machine(), here) << host;
+  }
+}
+
 // Plays a server.
 class Scripted_Transport : public Transport {
  public:
