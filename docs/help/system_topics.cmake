@@ -3,13 +3,23 @@
 #   cmake -DSYSTEM=windows|others -DFROM=docs/help -DTO=FOLDER "-DTOPICS=FILE;..." -P system_topics.cmake
 #
 # What stands between <!--windows--> and <!--/windows--> is for Windows alone, what stands between <!--others--> and
-# <!--/others--> for all other systems. A file that begins with <!--others--> is no topic on Windows.
+# <!--/others--> for all other systems. A file that begins with <!--others--> is no topic on Windows. The pictures of Windows
+# lie in pictures/windows, and stand in its book in pictures, as those of all other systems do.
 cmake_minimum_required(VERSION 3.21)
 
 # topics_of(SYSTEM FROM FILES OUT): leaves out those that the system does not have.
 function(topics_of system from files out)
   set(topics "")
   foreach(file IN LISTS files)
+    if(file MATCHES "^pictures/windows/")
+      continue()
+    endif()
+    if(system STREQUAL "windows" AND file MATCHES "^pictures/")
+      string(REPLACE "pictures/" "pictures/windows/" own "${file}")
+      if(NOT EXISTS ${from}/${own})
+        continue()
+      endif()
+    endif()
     if(file MATCHES "\\.html$")
       file(READ ${from}/${file} beginning LIMIT 12)
       if(system STREQUAL "windows" AND beginning STREQUAL "<!--others-->")
@@ -56,7 +66,7 @@ if(NOT DEFINED CMAKE_SCRIPT_MODE_FILE OR NOT CMAKE_SCRIPT_MODE_FILE STREQUAL CMA
 endif()
 
 # Topics that are no longer there.
-file(GLOB_RECURSE there RELATIVE ${TO} ${TO}/*.html)
+file(GLOB_RECURSE there RELATIVE ${TO} ${TO}/*.html ${TO}/*.png)
 foreach(topic IN LISTS there)
   if(NOT topic IN_LIST TOPICS)
     file(REMOVE ${TO}/${topic})
@@ -71,7 +81,11 @@ else()
 endif()
 foreach(topic IN LISTS TOPICS)
   if(NOT topic MATCHES "\\.(html|hhc|hhk)$")
-    configure_file(${FROM}/${topic} ${TO}/${topic} COPYONLY)
+    set(own ${topic})
+    if(SYSTEM STREQUAL "windows")
+      string(REGEX REPLACE "^pictures/" "pictures/windows/" own "${topic}")
+    endif()
+    configure_file(${FROM}/${own} ${TO}/${topic} COPYONLY)
     continue()
   endif()
   file(READ ${FROM}/${topic} text)
