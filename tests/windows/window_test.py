@@ -4,6 +4,7 @@
 import json
 import pathlib
 import re
+import sqlite3
 import subprocess
 import sys
 import tempfile
@@ -103,6 +104,16 @@ def ask_about_menus(window):
     assert topics() == ["mnuMarkBranch", "mnuStopLoading"], topics()
 
 
+def add_deep_folders(store):
+    """A thousand, each in the one before it, below Archive."""
+    with sqlite3.connect(store) as file:
+        folder = file.execute("SELECT id FROM folder WHERE name = 'Archive'").fetchone()[0]
+        for depth in range(1000):
+            folder = file.execute("INSERT INTO folder (parent, name, item_type) VALUES (?, ?, 0)",
+                                  (folder, f"{depth}")).lastrowid
+    file.close()
+
+
 def main():
     wine, programs, screenshots = sys.argv[1], pathlib.Path(sys.argv[2]), sys.argv[3]
 
@@ -117,7 +128,9 @@ def main():
     with tempfile.TemporaryDirectory() as folder:
         store = pathlib.Path(folder) / "Privé store.tidyfold"
         cli("sample", windows_path(store), "--items", "600")
+        add_deep_folders(store)
         expected = counts(store)
+        assert len(expected) > 1000
         browser, browsed = pathlib.Path(folder) / "browser", pathlib.Path(folder) / "browsed"
         browser.write_text(f'#!/bin/sh\necho "$@" >>{browsed}\n')
         browser.chmod(0o755)
@@ -148,7 +161,8 @@ def main():
             ask_about_menus(window)
             ask_for_help(window, browsed)
             # The session ends in the middle of a question, and nobody is asked anything more.
-            window.tick_folder("Archive")
+            window.click_at(window.node("Archive")["rectangle"], 60)
+            window.key("ctrl+b")
             window.click("cmdRun")
             window.box("identified for cleaning")
             window.run("wineboot", "--end-session")
