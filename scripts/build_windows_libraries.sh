@@ -2,7 +2,7 @@
 # Builds the libraries of the Windows program from the distribution's source packages, once.
 #
 #   scripts/build_windows_libraries.sh core   SQLite, zstd, utf8proc, GoogleTest and the libraries that are headers only
-#   scripts/build_windows_libraries.sh        these, and wxWidgets (about a quarter of an hour on two cores)
+#   scripts/build_windows_libraries.sh        these, and wxWidgets (about six minutes on two free cores)
 #
 # Results are kept in $TIDYFOLD_CACHE, by default ~/.cache/tidyfold, in folders named by version and a key of compiler
 # and options, and are not built again. build/windows-libraries/ links to the ones in use. The versions are those of
