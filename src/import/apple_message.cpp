@@ -3,7 +3,18 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
+#include <optional>
 #include <string_view>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "base/text.h"
+#include "import/import.h"
+#include "import/source_file.h"
+#include "mail/header_parameters.h"
+#include "mail/mime_parts.h"
+#include "mail/transfer_encoding.h"
 
 namespace tidyfold {
 namespace {
@@ -22,7 +33,77 @@ std::uint64_t Flags(std::string_view list) {
   return flags;
 }
 
+namespace fs = std::filesystem;
+
+// Numbers as in "1.2", in the order of the parts: the first part of the second part is 2.1, and a message
+// without parts is part 1.
+std::vector<std::string> Part_Numbers(const std::vector<Mime_Part>& parts) {
+  std::vector<std::string> numbers(parts.size());
+  if (!parts.empty() && !parts.front().Is_Multipart()) numbers.front() = "1";
+  for (std::size_t whole = 0; whole < parts.size(); ++whole) {
+    int number = 0;
+    for (std::size_t part = parts[whole].first_child; part != Mime_Part::none; part = parts[part].next)
+      numbers[part] = (numbers[whole].empty() ? "" : numbers[whole] + ".") + std::to_string(++number);
+  }
+  return numbers;
+}
+
+std::optional<std::string> Read_Part_File(const fs::path& file) {
+  try {
+    return Read_Text_File(file);
+  } catch (const Import_Error&) {
+    return std::nullopt;
+  }
+}
+
+// The body of a part, encoded as its header says; none where it lies nowhere.
+std::optional<std::string> Body_Beside(const fs::path& message, const std::string& number,
+                                       const Mime_Part& part) {
+  const std::string name = message.filename().string();
+  const std::string id = name.substr(0, name.find('.'));
+  std::error_code error;
+  const fs::path encoded = message.parent_path() / (id + "." + number + ".emlxpart");
+  if (fs::is_regular_file(encoded, error)) return Read_Part_File(encoded);
+  const fs::path folder = message.parent_path().parent_path() / "Attachments" / id / number;
+  std::vector<fs::path> files;
+  for (fs::directory_iterator at(folder, error), end; !error && at != end; at.increment(error))
+    if (at->is_regular_file(error) && !at->path().filename().string().starts_with('.'))
+      files.push_back(at->path());
+  if (files.size() != 1) return std::nullopt;
+  std::optional<std::string> body = Read_Part_File(files.front());
+  if (body) body = Encode_Transfer(*body, Header_Word(part.headers[Mail_Field::Content_Transfer_Encoding]));
+  return body;
+}
+
 }  // namespace
+
+int Put_Parts_Back(const fs::path& file, std::string& message) {
+  const std::vector<Mime_Part> parts = Split_Message(message);
+  const std::vector<std::string> numbers = Part_Numbers(parts);
+  std::string whole;
+  std::size_t copied = 0;
+  int missing = 0;
+  for (std::size_t at = 0; at < parts.size(); ++at) {
+    const Mime_Part& part = parts[at];
+    const bool taken_out = !part.headers[Mail_Field::X_Apple_Content_Length].empty() &&
+                           !part.Is_Multipart() && Trim(part.body).empty();
+    if (!taken_out) continue;
+    const std::optional<std::string> body = Body_Beside(file, numbers[at], part);
+    if (!body) {
+      ++missing;
+      continue;
+    }
+    const auto place = static_cast<std::size_t>(part.body.data() - message.data());
+    whole.append(message, copied, place - copied);
+    whole += *body;
+    copied = place + part.body.size();
+    if (!body->ends_with('\n') && message.find_first_of("\r\n", copied) != copied) whole += '\n';
+  }
+  if (copied == 0) return missing;
+  whole.append(message, copied);
+  message = std::move(whole);
+  return missing;
+}
 
 Apple_Message Split_Apple_Frame(std::string text) {
   Apple_Message apple;

@@ -35,8 +35,13 @@ void Set_Flags(const Mail_Flags& flags, New_Item& item) {
   item.answered = flags.answered;
 }
 
-// The message of a file, and whether it is marked as deleted.
-std::pair<New_Item, bool> Read_Message_File(const std::filesystem::path& path, Import_Run& run) {
+struct Message_In_File {
+  New_Item item;
+  bool is_deleted = false;  // marked so
+  int missing_parts = 0;
+};
+
+Message_In_File Read_Message_File(const std::filesystem::path& path, Import_Run& run) {
   std::error_code error;
   if (!std::filesystem::is_regular_file(path, error)) throw Message_Error("it is no file that can be read");
   try {
@@ -47,13 +52,15 @@ std::pair<New_Item, bool> Read_Message_File(const std::filesystem::path& path, I
       New_Item item = Read_Message(
           file.Size(), [&] { return file.Read(0, file.Size()); }, run);
       if (const auto flags = Flags_In_File_Name(path.filename().string())) Set_Flags(*flags, item);
-      return {std::move(item), false};
+      return {std::move(item)};
     }
     Apple_Message message = Split_Apple_Frame(file.Read(0, file.Size()));
+    const int missing = Put_Parts_Back(path, message.message);
+    Check_Size(static_cast<std::int64_t>(message.message.size()));
     const auto text = [&] { return std::move(message.message); };
     New_Item item = Read_Message(file.Size(), text, run);
     Set_Flags({message.read, message.answered, message.flagged, message.deleted}, item);
-    return {std::move(item), message.deleted};
+    return {std::move(item), message.deleted, missing};
   } catch (const Import_Error&) {
     throw Message_Error("it cannot be opened and read");
   }
@@ -130,10 +137,13 @@ void Import_Mbox(const std::filesystem::path& source, const MAPIFolder_Ptr& fold
 
 void Add_Message_File(const std::filesystem::path& file, MAPIFolder& folder, Import_Run& run,
                       const std::function<void(New_Item&)>& change) {
-  auto [item, deleted] = Read_Message_File(file, run);
-  if (deleted) return run.Leave_Out("", deleted_mail);
-  if (change) change(item);
-  run.Add(folder, std::move(item));
+  Message_In_File message = Read_Message_File(file, run);
+  if (message.is_deleted) return run.Leave_Out("", deleted_mail);
+  if (change) change(message.item);
+  run.Add(folder, std::move(message.item));
+  if (message.missing_parts != 0)
+    run.Doubt("", "it went in without " + std::to_string(message.missing_parts) +
+                      " of its attachments, which Apple Mail had not fetched from the server");
 }
 
 void Import_Message(const std::filesystem::path& source, Import_Run& run) {

@@ -31,15 +31,16 @@ namespace fs = std::filesystem;
 constexpr std::string_view below_mbox = ".sbd", apple_mailbox = ".mbox", below_kmail_folder = ".directory";
 
 // Files that mail programs keep beside the mail, and directories of what is not mail.
-constexpr std::array<std::string_view, 9> index_suffixes = {".msf",
-                                                            ".dat",
-                                                            ".cmeta",
-                                                            ".ibex.index",
-                                                            ".ibex.index.data",
-                                                            ".ev-summary",
-                                                            ".ev-summary-meta",
-                                                            ".plist",
-                                                            "table_of_contents"};
+constexpr std::array<std::string_view, 10> index_suffixes = {".msf",
+                                                             ".dat",
+                                                             ".cmeta",
+                                                             ".ibex.index",
+                                                             ".ibex.index.data",
+                                                             ".ev-summary",
+                                                             ".ev-summary-meta",
+                                                             ".plist",
+                                                             ".emlxpart",
+                                                             "table_of_contents"};
 
 bool Ends_With_Any(std::string_view name) {
   return std::any_of(index_suffixes.begin(), index_suffixes.end(),

@@ -5,7 +5,7 @@
 namespace tidyfold {
 namespace {
 
-constexpr std::array<std::string_view, 16> field_names = {"from",
+constexpr std::array<std::string_view, 17> field_names = {"from",
                                                           "sender",
                                                           "to",
                                                           "subject",
@@ -20,7 +20,8 @@ constexpr std::array<std::string_view, 16> field_names = {"from",
                                                           "content-type",
                                                           "content-transfer-encoding",
                                                           "content-disposition",
-                                                          "content-id"};
+                                                          "content-id",
+                                                          "x-apple-content-length"};
 
 // Longer than the value of any field that a person or a program wrote in earnest.
 constexpr std::size_t longest_value = std::size_t{1} << 20;
@@ -81,6 +82,7 @@ std::size_t Mail_Headers::Read(std::string_view text,
     } else if (const std::string_view name = Field_Name(line); !name.empty()) {
       any_ = true;
       current = nullptr;
+      static_assert(field_names.size() == count);
       const auto* known = std::find_if(field_names.begin(), field_names.end(),
                                        [&](std::string_view field) { return Same_Name(field, name); });
       if (known != field_names.end()) {

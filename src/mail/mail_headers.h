@@ -25,7 +25,8 @@ enum class Mail_Field {
   Content_Type,
   Content_Transfer_Encoding,
   Content_Disposition,
-  Content_Id
+  Content_Id,
+  X_Apple_Content_Length
 };
 
 // Values are views into the text, still folded and encoded, and cut at 1 MB. However many fields a header
@@ -42,7 +43,7 @@ class Mail_Headers {
   std::size_t Read(std::string_view text, const std::function<bool(std::string_view line)>& ends_part = {});
 
  private:
-  static constexpr std::size_t count = static_cast<std::size_t>(Mail_Field::Content_Id) + 1;
+  static constexpr std::size_t count = static_cast<std::size_t>(Mail_Field::X_Apple_Content_Length) + 1;
 
   std::array<std::string_view, count> values_ = {};
   bool any_ = false;

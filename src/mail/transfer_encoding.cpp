@@ -136,6 +136,18 @@ std::string Decode_Transfer(std::string_view text, std::string_view encoding) {
   return std::string(text);
 }
 
+std::string Encode_Transfer(std::string_view bytes, std::string_view encoding) {
+  GMimeContentEncoding coding = GMIME_CONTENT_ENCODING_DEFAULT;
+  if (Same_Name(encoding, "base64")) coding = GMIME_CONTENT_ENCODING_BASE64;
+  if (Same_Name(encoding, "quoted-printable")) coding = GMIME_CONTENT_ENCODING_QUOTEDPRINTABLE;
+  if (coding == GMIME_CONTENT_ENCODING_DEFAULT) return std::string(bytes);
+  GMimeEncoding state;
+  g_mime_encoding_init_encode(&state, coding);
+  std::string text(g_mime_encoding_outlen(&state, bytes.size()), '\0');
+  text.resize(g_mime_encoding_flush(&state, bytes.data(), bytes.size(), text.data()));
+  return text;
+}
+
 std::int64_t Decoded_Transfer_Size(std::string_view text, std::string_view encoding) {
   if (Same_Name(encoding, "base64")) return Decoded_Base64_Size(text);
   if (Same_Name(encoding, "quoted-printable"))

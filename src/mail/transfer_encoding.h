@@ -18,6 +18,9 @@ std::int64_t Decoded_Base64_Size(std::string_view text);
 // Text in the named Content-Transfer-Encoding; of an unknown one, as it is.
 std::string Decode_Transfer(std::string_view text, std::string_view encoding);
 std::int64_t Decoded_Transfer_Size(std::string_view text, std::string_view encoding);
+// Bytes in the named Content-Transfer-Encoding, in lines of at most 76 characters where it has lines of its
+// own; in others, as they are.
+std::string Encode_Transfer(std::string_view bytes, std::string_view encoding);
 
 struct Uuencoded_File {
   std::string name;       // as written, in the text's charset

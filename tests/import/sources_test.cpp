@@ -60,6 +60,29 @@ TEST_F(Sources_Test, Trees_Keep_Their_Folders) {
   EXPECT_NE(details[1].find("notes.doc"), std::string::npos);
 }
 
+// Apple Mail takes attachments out of a message and keeps them beside it, in one of two ways, or not at all.
+TEST_F(Sources_Test, Attachments_That_Lie_Beside_A_Message_Are_Put_Back) {
+  const std::string taken_out = "Content-Transfer-Encoding: base64\nX-Apple-Content-Length: 9\n";
+  const std::string message = "Content-Type: multipart/mixed; boundary=b\n\n--b\n\ntext\n--b\n" + taken_out +
+                              "Content-Disposition: attachment; filename=a\n\n--b\n"
+                              "Content-Type: multipart/mixed; boundary=c\n\n--c\n" +
+                              taken_out + "Content-Disposition: attachment; filename=b\n\n\n--c--\n\n--b\n" +
+                              taken_out + "Content-Disposition: attachment; filename=c\n\n\n--b--\n";
+  Write("Mail/Box.mbox/Messages/7.partial.emlx", std::to_string(message.size()) + "\n" + message);
+  Write("Mail/Box.mbox/Messages/7.2.emlxpart", "c2Vjb25k");
+  Write("Mail/Box.mbox/Attachments/7/3.1/b.txt", "third");
+  const Import_Report report = Import(directory / "Mail");
+  EXPECT_EQ(Counts_Of(report), "1 items found, 1 imported, 0 failed");
+  const New_Item& item = writer.written.at(0).item;
+  std::string attached;
+  for (const auto& attachment : item.attachments)
+    attached += attachment.name + " " + std::to_string(attachment.size) + "; ";
+  EXPECT_EQ(attached, "a 6; b 5; c 0; ");
+  const std::vector<std::string> details = Details_Of(report);
+  ASSERT_EQ(details.size(), 1U);
+  EXPECT_NE(details[0].find("without 1 of its attachments"), std::string::npos) << details[0];
+}
+
 TEST_F(Sources_Test, What_Cannot_Be_Read_In_A_Tree_Does_Not_Keep_The_Rest_Out) {
   Write("Mail/1.eml", mail);
   Write("Mail/2.msg", "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1 and no more");
