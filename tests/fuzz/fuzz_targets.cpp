@@ -173,6 +173,9 @@ void Expect_Item(const New_Item& item) {
 void Run_Apple(const std::string& bytes) {
   const Apple_Message apple = Split_Apple_Frame(bytes);
   Expect(bytes.find(apple.message) != std::string::npos, "the message is not what lies in the frame");
+  std::string whole = apple.message;
+  Put_Parts_Back("nowhere/Messages/1.partial.emlx", whole);
+  Expect(whole == apple.message, "a message has changed for which nothing lies beside it");
 }
 
 void Run_Calendar(const std::string& bytes) {
