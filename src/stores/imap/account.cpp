@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <deque>
-#include <unordered_map>
 #include <utility>
 
+#include "base/text.h"
 #include "mail/meeting.h"
 #include "mail/transfer_encoding.h"
 #include "outlook/folder_roles.h"
@@ -17,6 +17,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr int most_attempts = 3;
+constexpr const char* inbox_name = "INBOX";
 
 [[noreturn]] void Fail(std::int32_t number, const std::string& text) {
   throw Automation_Error(number, text, error_source);
@@ -99,35 +100,61 @@ void Account::Do(const std::function<void(Mail_Session&)>& work) {
 }
 
 void Account::Open() {
-  network_.Call(
-      [this] {
-        With_Session([this](Mail_Session& session) {
-          const std::vector<Listed_Mailbox> listed = session.List();
-          std::vector<Mailbox*> without_status;
-          {
-            const std::lock_guard guard(lock_);
-            for (const Listed_Mailbox& mailbox : listed) {
-              Mailbox& box = *mailboxes_[Add_To_Tree(mailbox)];
-              if (box.can_be_selected && !mailbox.has_status) without_status.push_back(&box);
-            }
-            for (std::size_t number = 1; number < mailboxes_.size(); ++number) Take_Role(*mailboxes_[number]);
-          }
-          for (Mailbox* const box : without_status) {
-            try {
-              session.Ask_Status(*box);
-            } catch (const Refused&) {
-              const std::lock_guard guard(lock_);
-              box->can_be_selected = false;
-            }
-          }
-        });
-      },
-      wait_);
+  network_.Call([this] { With_Session([this](Mail_Session& session) { List_Mailboxes(session, true); }); },
+                wait_);
+}
+
+void Account::Look_At_Mailboxes() {
+  {
+    const std::lock_guard guard(lock_);
+    if (Clock::now() - listed_at_ < settings_.trust) return;
+  }
+  Do([this](Mail_Session& session) { List_Mailboxes(session, false); });
+}
+
+// What is not listed any more has gone.
+void Account::List_Mailboxes(Mail_Session& session, bool with_status) {
+  const std::vector<Listed_Mailbox> listed = session.List(with_status);
+  std::vector<Mailbox*> without_status;
+  {
+    const std::lock_guard guard(lock_);
+    std::vector<bool> is_listed(mailboxes_.size());
+    for (const Listed_Mailbox& mailbox : listed) {
+      const std::size_t known = mailboxes_.size(), number = Add_To_Tree(mailbox);
+      is_listed.resize(mailboxes_.size());
+      for (std::size_t above = number; above != 0; above = mailboxes_[above]->parent) is_listed[above] = true;
+      Mailbox& box = *mailboxes_[number];
+      if (box.can_be_selected && !mailbox.has_status && (with_status || number >= known))
+        without_status.push_back(&box);
+    }
+    for (std::size_t number = 1; number < mailboxes_.size(); ++number)
+      if (!is_listed[number] && !mailboxes_[number]->is_gone) Forget_Mailbox(number);
+    for (const auto& mailbox : mailboxes_)
+      if (mailbox != mailboxes_.front()) Take_Role(*mailbox);
+    listed_at_ = Clock::now();
+  }
+  for (Mailbox* const box : without_status) {
+    try {
+      session.Ask_Status(*box);
+    } catch (const Refused&) {
+      const std::lock_guard guard(lock_);
+      box->can_be_selected = false;
+    }
+  }
+}
+
+void Account::Forget_Mailbox(std::size_t mailbox) {
+  Mailbox& gone = Box(mailbox);
+  gone.is_gone = true;
+  gone.Forget_Messages();
+  by_name_.erase(gone.wire_name);
+  std::erase(Box(gone.parent).children, mailbox);
 }
 
 // A server that tells no roles leaves them to the names.
 void Account::Take_Role(Mailbox& mailbox) const {
-  const std::int32_t role = mailbox.role == 0 && mailbox.parent == 0 ? Role_By_Name(mailbox.name) : 0;
+  const bool may_have = mailbox.role == 0 && mailbox.parent == 0 && !mailbox.is_gone;
+  const std::int32_t role = may_have ? Role_By_Name(mailbox.name) : 0;
   const bool taken = std::any_of(mailboxes_.begin(), mailboxes_.end(),
                                  [&](const auto& other) { return other->role == role && !other->is_gone; });
   if (role != 0 && role != default_folder_inbox && !taken) mailbox.role = role;
@@ -135,11 +162,6 @@ void Account::Take_Role(Mailbox& mailbox) const {
 
 // Those above a mailbox may come after it, or not at all.
 std::size_t Account::Add_To_Tree(const Listed_Mailbox& listed) {
-  const auto find = [&](const std::string& name) -> std::size_t {
-    for (std::size_t number = 1; number < mailboxes_.size(); ++number)
-      if (mailboxes_[number]->wire_name == name && !mailboxes_[number]->is_gone) return number;
-    return 0;
-  };
   if (listed.delimiter != '\0') delimiter_ = listed.delimiter;
   std::size_t parent = 0, number = 0;
   std::size_t begin = 0;
@@ -147,16 +169,23 @@ std::size_t Account::Add_To_Tree(const Listed_Mailbox& listed) {
     const std::size_t end =
         listed.delimiter == '\0' ? std::string::npos : listed.wire_name.find(listed.delimiter, begin);
     const std::string path = listed.wire_name.substr(0, end);
-    number = find(path);
-    if (number == 0) {
-      number = mailboxes_.size();
+    const auto [place, is_new] = by_name_.try_emplace(path, mailboxes_.size());
+    number = place->second;
+    if (is_new) {
       auto box = std::make_unique<Mailbox>();
       box->wire_name = path;
       box->name = Decode_Mailbox_Name(path.substr(begin));
-      if (parent == 0 && Same_Ascii(path, "INBOX")) box->name = "Inbox";
+      if (parent == 0 && Same_Ascii(path, inbox_name)) box->name = "Inbox";
       box->parent = parent;
       mailboxes_.push_back(std::move(box));
-      mailboxes_[parent]->children.push_back(number);
+      auto& siblings = mailboxes_[parent]->children;
+      const auto stands_before = [this](std::size_t left, std::size_t right) {
+        const Mailbox &one = *mailboxes_[left], &other = *mailboxes_[right];
+        const bool inbox = Same_Ascii(one.wire_name, inbox_name);
+        if (inbox != Same_Ascii(other.wire_name, inbox_name)) return inbox;
+        return Compare_Ignoring_Case(one.name, other.name) < 0;
+      };
+      siblings.insert(std::upper_bound(siblings.begin(), siblings.end(), number, stands_before), number);
     }
     if (end == std::string::npos || end + 1 >= listed.wire_name.size()) break;
     parent = number;
@@ -165,6 +194,7 @@ std::size_t Account::Add_To_Tree(const Listed_Mailbox& listed) {
   Mailbox& box = *mailboxes_[number];
   box.can_be_selected = listed.can_be_selected;
   box.role = listed.role;
+  if (!listed.has_status) return number;
   box.messages = listed.messages;
   box.uid_validity = listed.uid_validity;
   box.looked_at = Clock::now();
@@ -210,9 +240,8 @@ Mailbox Account::Describe(std::size_t mailbox) const {
 
 std::size_t Account::Find(const std::string& wire_name) const {
   const std::lock_guard guard(lock_);
-  for (std::size_t number = 1; number < mailboxes_.size(); ++number)
-    if (!mailboxes_[number]->is_gone && mailboxes_[number]->wire_name == wire_name) return number;
-  return 0;
+  const auto found = by_name_.find(wire_name);
+  return found == by_name_.end() ? 0 : found->second;
 }
 
 std::size_t Account::Find_Role(std::int32_t role) const {
@@ -251,7 +280,7 @@ std::size_t Account::Add_Mailbox(std::size_t parent, const std::string& name) {
 }
 
 void Account::Remove_Mailbox(std::size_t mailbox) {
-  Mailbox& box = Existing_Box(mailbox);
+  Existing_Box(mailbox);
   std::vector<std::size_t> below{mailbox};
   {
     const std::lock_guard guard(lock_);
@@ -269,12 +298,9 @@ void Account::Remove_Mailbox(std::size_t mailbox) {
       if (gone.is_gone) continue;
       if (gone.can_be_selected) session.Client().Run(Command("DELETE ").String(gone.wire_name));
       const std::lock_guard guard(lock_);
-      gone.is_gone = true;
-      gone.Forget_Messages();
+      Forget_Mailbox(*number);
     }
   });
-  const std::lock_guard guard(lock_);
-  std::erase(Box(box.parent).children, mailbox);
 }
 
 // What was told is written down before anyone relies on it.

@@ -10,6 +10,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -63,6 +64,8 @@ class Account {
   // What the server wants a person to read; each is told once.
   std::vector<std::string> Take_Alerts();
 
+  // Sees to it that the list of mailboxes is not older than the settings allow.
+  void Look_At_Mailboxes();
   // Mailboxes by number; 0 is the top of the account. Numbers never change; a mailbox may be gone.
   std::size_t Count() const;
   // A copy of what is known, without the messages.
@@ -99,6 +102,7 @@ class Account {
  private:
   // On the network's thread.
   void With_Session(const std::function<void(Mail_Session&)>& work);
+  void List_Mailboxes(Mail_Session& session, bool with_status);
   void Look_And_Keep(Mail_Session& session, Mailbox& mailbox);
   void Fetch_Missing(Mail_Session& session, Mailbox& mailbox, Uid after, bool only_first);
   void Keep_Rows(Mail_Session& session, Mailbox& mailbox);
@@ -114,6 +118,7 @@ class Account {
   Mailbox& Existing_Box(std::size_t mailbox) const;
   std::size_t Add_To_Tree(const Listed_Mailbox& listed);
   void Take_Role(Mailbox& mailbox) const;
+  void Forget_Mailbox(std::size_t mailbox);
 
   Account_Settings settings_;
   Message_Cache cache_;
@@ -121,6 +126,8 @@ class Account {
 
   mutable std::mutex lock_;  // of what both threads know
   std::vector<std::unique_ptr<Mailbox>> mailboxes_;
+  std::unordered_map<std::string, std::size_t> by_name_;  // those that are not gone
+  std::chrono::steady_clock::time_point listed_at_;
   std::vector<std::string> alerts_;
   // Messages that we have marked as deleted, and that are to stay after all.
   std::map<const Mailbox*, std::vector<Uid>> marked_;

@@ -269,6 +269,7 @@ class Imap_Folders : public Folders {
 
  private:
   std::vector<std::size_t> Children() {
+    store_->Messages().Look_At_Mailboxes();
     const Mailbox mailbox = store_->Messages().Describe(mailbox_);
     if (mailbox.is_gone) Fail(not_found, "The folder is no longer there.");
     return mailbox.children;

@@ -42,9 +42,9 @@ void Mail_Session::Enable() {
   has_qresync_ = client_->Finish(client_->Send(Command("ENABLE QRESYNC")))->Name() == "OK";
 }
 
-std::vector<Listed_Mailbox> Mail_Session::List() {
+std::vector<Listed_Mailbox> Mail_Session::List(bool with_status) {
   const bool special = client_->Has("SPECIAL-USE") && client_->Has("LIST-EXTENDED");
-  const bool status = client_->Has("LIST-STATUS");
+  const bool status = with_status && client_->Has("LIST-STATUS");
   std::string options = special ? "SPECIAL-USE" : "";
   if (status) options += std::string(special ? " " : "") + "STATUS (MESSAGES UIDVALIDITY)";
   std::vector<Listed_Mailbox> mailboxes;

@@ -50,7 +50,8 @@ class Mail_Session {
 
   // All throw Connection_Error, Protocol_Error, Interrupted and Refused.
 
-  std::vector<Listed_Mailbox> List();
+  // With the status of each where the server gives it along.
+  std::vector<Listed_Mailbox> List(bool with_status);
   // Asks for the number of messages and UIDVALIDITY, without selecting.
   void Ask_Status(Mailbox& mailbox);
   // Selects it where it is not, and looks what has come, gone and changed. Afterwards it is listed. Where its

@@ -68,14 +68,20 @@ class Wired_Transport : public Transport {
 
 class Dovecot {
  public:
-  Dovecot() {
+  // Without them it has the Inbox alone.
+  enum class Special_Folders { Yes, No };
+  explicit Dovecot(Special_Folders folders = Special_Folders::Yes) {
     std::string text =
         "log_path = " + (directory_ / "log").string() +
         "\nmail_location = maildir:" + (directory_ / "mail").string() +
         "\nbase_dir = " + (directory_ / "run").string() +
-        "\nstats_writer_socket_path =\nssl = no\nnamespace inbox {\n  inbox = yes\n"
-        "  separator = /\n  mailbox Papierkorb {\n    auto = create\n    special_use = \\Trash\n"
-        "  }\n  mailbox Sent {\n    auto = create\n    special_use = \\Sent\n  }\n}\n";
+        "\nstats_writer_socket_path =\nssl = no\nmail_fsync = never\nnamespace inbox {\n  inbox = yes\n"
+        "  separator = /\n";
+    if (folders == Special_Folders::Yes)
+      text +=
+          "  mailbox Papierkorb {\n    auto = create\n    special_use = \\Trash\n  }\n"
+          "  mailbox Sent {\n    auto = create\n    special_use = \\Sent\n  }\n";
+    text += "}\n";
     Write_Bytes(directory_ / "dovecot.conf", text);
     // It serves nobody's mail as the superuser.
     if (geteuid() == 0) {
@@ -108,9 +114,14 @@ class Other_Client {
     client_.Greet();
   }
   void Do(const std::string& command) { client_.Run(Command(command)); }
-  void Append(const std::string& mailbox, const std::string& message, const std::string& flags = "",
-              const std::string& date = "17-Jul-2020 12:44:25 +0000") {
-    client_.Run(Command("APPEND ").String(mailbox).Raw(" (" + flags + ") \"" + date + "\" ").String(message));
+  // Returns UIDVALIDITY and UID.
+  std::pair<std::uint32_t, Uid> Append(const std::string& mailbox, const std::string& message,
+                                       const std::string& flags = "",
+                                       const std::string& date = "17-Jul-2020 12:44:25 +0000") {
+    const auto answer = client_.Run(
+        Command("APPEND ").String(mailbox).Raw(" (" + flags + ") \"" + date + "\" ").String(message));
+    const auto told = answer->Arguments();
+    return {told.at(0).Number_32().value(), told.at(1).Number_32().value()};
   }
   // How many messages have a property.
   std::size_t Count(const std::string& mailbox, const std::string& property) {
