@@ -4,6 +4,7 @@
 #include <deque>
 #include <utility>
 
+#include "base/flag_scope.h"
 #include "base/text.h"
 #include "mail/meeting.h"
 #include "mail/transfer_encoding.h"
@@ -17,6 +18,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr int most_attempts = 3;
+constexpr std::size_t most_ranges = 300;  // in a command
 constexpr const char* inbox_name = "INBOX";
 
 [[noreturn]] void Fail(std::int32_t number, const std::string& text) {
@@ -80,9 +82,18 @@ void Account::With_Session(const std::function<void(Mail_Session&)>& work) {
   }
 }
 
+// Handlers that run while the question is open may call the account; these ask nothing.
+bool Account::Goes_On(const std::string& words) {
+  if (!go_on_ || asking_) return false;
+  const Flag_Scope asking(asking_);
+  return go_on_(words);
+}
+
 void Account::Do(const std::function<void(Mail_Session&)>& work) {
+  std::string words;
   try {
     network_.Call([&] { With_Session(work); }, wait_);
+    return;
   } catch (const Connection_Error& error) {
     Fail(automation_error::unavailable, error.what());
   } catch (const Protocol_Error& error) {
@@ -90,13 +101,18 @@ void Account::Do(const std::function<void(Mail_Session&)>& work) {
   } catch (const Interrupted& error) {
     Fail(automation_error::unavailable, error.what());
   } catch (const Refused& error) {
+    words = std::string("The mail server says: ") + error.what();
+    const bool passing = Is_Passing(error.Code());
     const bool gone = error.Code() == "NONEXISTENT" || error.Code() == "TRYCREATE";
     const bool denied = error.Code() == "NOPERM";
-    Fail(gone     ? automation_error::not_found
-         : denied ? automation_error::no_access
-                  : automation_error::call_failed,
-         std::string("The mail server refused: ") + error.what());
+    if (!passing)
+      Fail(gone     ? automation_error::not_found
+           : denied ? automation_error::no_access
+                    : automation_error::call_failed,
+           std::string("The mail server refused: ") + error.what());
   }
+  if (!Goes_On(words)) Fail(automation_error::unavailable, words);
+  Do(work);
 }
 
 void Account::Open() {
@@ -330,8 +346,7 @@ std::uint32_t Account::Messages(std::size_t mailbox) {
   {
     const std::lock_guard guard(lock_);
     if (!box.can_be_selected) return 0;
-    if (Clock::now() - box.looked_at < settings_.trust)
-      return box.is_listed ? static_cast<std::uint32_t>(box.uids.size()) : box.messages;
+    if (Clock::now() - box.looked_at < settings_.trust) return box.Staying();
   }
   bool listed = false;
   {
@@ -346,7 +361,7 @@ std::uint32_t Account::Messages(std::size_t mailbox) {
     }
   });
   const std::lock_guard guard(lock_);
-  return box.is_listed ? static_cast<std::uint32_t>(box.uids.size()) : box.messages;
+  return box.Staying();
 }
 
 void Account::Look(std::size_t mailbox) {
@@ -363,14 +378,16 @@ std::optional<std::pair<std::uint32_t, Uid>> Account::Message_At(std::size_t mai
                                                                  std::int32_t index) const {
   const std::lock_guard guard(lock_);
   const Mailbox& box = Box(mailbox);
-  if (index < 1 || static_cast<std::size_t>(index) > box.uids.size()) return std::nullopt;
-  return std::pair(box.uid_validity, box.uids[static_cast<std::size_t>(index - 1)]);
+  const auto uid = index < 1 ? std::nullopt : box.Staying_At(static_cast<std::size_t>(index - 1));
+  if (!uid) return std::nullopt;
+  return std::pair(box.uid_validity, *uid);
 }
 
 bool Account::Has_Message(std::size_t mailbox, std::uint32_t uid_validity, Uid uid) const {
   const std::lock_guard guard(lock_);
   const Mailbox& box = Box(mailbox);
-  return !box.is_gone && box.uid_validity == uid_validity && box.Place_Of(uid).has_value();
+  return !box.is_gone && box.uid_validity == uid_validity && box.Place_Of(uid).has_value() &&
+         !box.Is_Leaving(uid);
 }
 
 std::uint8_t Account::Flags(std::size_t mailbox, Uid uid) const {
@@ -397,18 +414,27 @@ void Account::Keep_Rows(Mail_Session& session, Mailbox& mailbox) {
 // Fetches rows behind a UID; the first portion or, until others wait, all. Two portions are under way at a
 // time, so that neither the server nor we wait.
 void Account::Fetch_Missing(Mail_Session& session, Mailbox& mailbox, Uid after, bool only_first) {
-  const auto next = [&](Uid behind) {
-    std::vector<Uid> missing;
-    const std::lock_guard guard(lock_);
-    auto at = static_cast<std::size_t>(std::upper_bound(mailbox.uids.begin(), mailbox.uids.end(), behind) -
-                                       mailbox.uids.begin());
-    for (; at < mailbox.uids.size() && missing.size() < fetch_size_; ++at)
-      if ((mailbox.flags[at] & Mailbox::has_row) == 0) missing.push_back(mailbox.uids[at]);
-    return missing;
-  };
   struct Portion {
     std::string tag;
-    std::vector<Uid> uids;
+    std::size_t count = 0;
+    std::vector<std::pair<Uid, Uid>> ranges;  // neighbours in the mailbox, whatever numbers lie between
+  };
+  const auto next = [&](Uid behind) {
+    Portion portion;
+    const std::lock_guard guard(lock_);
+    const auto begin = std::upper_bound(mailbox.uids.begin(), mailbox.uids.end(), behind);
+    bool goes_on = false;
+    for (auto at = static_cast<std::size_t>(begin - mailbox.uids.begin());
+         at < mailbox.uids.size() && portion.count < fetch_size_ && portion.ranges.size() < most_ranges;
+         ++at) {
+      const Uid uid = mailbox.uids[at];
+      const bool is_missing = (mailbox.flags[at] & Mailbox::has_row) == 0;
+      if (is_missing && !goes_on) portion.ranges.emplace_back(uid, uid);
+      if (is_missing) portion.ranges.back().second = uid;
+      if (is_missing) ++portion.count;
+      goes_on = is_missing;
+    }
+    return portion;
   };
   std::deque<Portion> under_way;
   Uid begun = after;
@@ -416,11 +442,11 @@ void Account::Fetch_Missing(Mail_Session& session, Mailbox& mailbox, Uid after, 
   bool stop = false;
   for (;;) {
     while (!stop && under_way.size() < 2) {
-      std::vector<Uid> uids = next(begun);
-      if (uids.empty()) break;
-      begun = uids.back();
-      std::string tag = session.Begin_Fetch(uids);
-      under_way.push_back({std::move(tag), std::move(uids)});
+      Portion portion = next(begun);
+      if (portion.count == 0) break;
+      begun = portion.ranges.back().second;
+      portion.tag = session.Begin_Fetch(portion.ranges);
+      under_way.push_back(std::move(portion));
       if (only_first) stop = true;
     }
     if (under_way.empty()) return;
@@ -429,7 +455,7 @@ void Account::Fetch_Missing(Mail_Session& session, Mailbox& mailbox, Uid after, 
     session.Finish_Fetch(portion.tag);
     Keep_Rows(session, mailbox);
     const auto now = Clock::now();
-    Adapt_Size(fetch_size_, portion.uids.size(), now - std::exchange(start, now));
+    Adapt_Size(fetch_size_, portion.count, now - std::exchange(start, now));
     if (network_.Others_Wait()) stop = true;
   }
 }
@@ -497,10 +523,22 @@ std::vector<Message_Data> Account::Rows_Behind(std::size_t mailbox, Uid after, s
 Message_Data Account::Row(std::size_t mailbox, Uid uid) {
   const auto gone = [] { Fail(automation_error::not_found, "The item is no longer there."); };
   if (uid == 0) gone();
-  std::vector<Message_Data> rows = cache_.Rows(Box(mailbox), uid, uid);
+  Mailbox& box = Existing_Box(mailbox);
+  std::vector<Message_Data> rows = cache_.Rows(box, uid, uid);
   if (rows.empty()) {
-    for (Message_Data& row : Rows_Behind(mailbox, uid - 1, 1))
-      if (row.uid == uid) rows.push_back(std::move(row));
+    // With others: those in front, for whoever goes backwards, and where these are known, those behind.
+    Do([&](Mail_Session& session) {
+      Look_And_Keep(session, box);
+      Uid after = 0;
+      {
+        const std::lock_guard guard(lock_);
+        const auto place = static_cast<std::size_t>(std::lower_bound(box.uids.begin(), box.uids.end(), uid) -
+                                                    box.uids.begin());
+        if (place > fetch_size_) after = box.uids[place - fetch_size_];
+      }
+      Fetch_Missing(session, box, after, true);
+    });
+    rows = cache_.Rows(box, uid, uid);
   }
   if (rows.empty()) gone();
   return std::move(rows.front());

@@ -33,6 +33,7 @@ struct Change {
   std::size_t target = 0;  // where it is moved; 0: it goes for good
   // What was known of it when this was decided. It stays where it is when that has changed.
   std::uint8_t flags = 0;
+  bool are_flags_known = false;
   std::uint64_t mod_seq = 0;
   // How far it has got, so that it can be gone on with when the connection has dropped.
   bool is_sent = false, is_copied = false;
@@ -58,6 +59,8 @@ class Account {
 
   // As in Store_Opening.
   void Set_Wait(Begin_Wait wait) { wait_ = std::move(wait); }
+  // As in Automation; asked in the middle of a call, which then goes on or fails as unavailable.
+  void Ask_When_Busy(std::function<bool(const std::string& words)> go_on) { go_on_ = std::move(go_on); }
 
   // Logs in and lists the mailboxes. Throws what Mail_Session throws, as no Automation_Error says why.
   void Open();
@@ -85,8 +88,10 @@ class Account {
   std::optional<std::pair<std::uint32_t, Uid>> Message_At(std::size_t mailbox, std::int32_t index) const;
   bool Has_Message(std::size_t mailbox, std::uint32_t uid_validity, Uid uid) const;
   std::uint8_t Flags(std::size_t mailbox, Uid uid) const;
-  // With what is known of the message now.
-  Change Plan_Change(std::size_t mailbox, std::uint32_t uid_validity, Uid uid, std::size_t target) const;
+  // With what is known of the message now. Until it has been carried out, the message is taken for gone.
+  Change Plan_Change(std::size_t mailbox, std::uint32_t uid_validity, Uid uid, std::size_t target);
+  // How many changes are worth one batch.
+  std::size_t Batch_Size() const { return move_size_; }
   // The rows of the next messages behind a UID, no more than `most`. Rows that were not fetched yet are
   // waited for, and those behind them fetched meanwhile.
   std::vector<Message_Data> Rows_Behind(std::size_t mailbox, Uid after, std::size_t most);
@@ -114,6 +119,7 @@ class Account {
 
   // On the program's thread.
   void Do(const std::function<void(Mail_Session&)>& work);
+  bool Goes_On(const std::string& words);
   Mailbox& Box(std::size_t mailbox) const;
   Mailbox& Existing_Box(std::size_t mailbox) const;
   std::size_t Add_To_Tree(const Listed_Mailbox& listed);
@@ -123,6 +129,8 @@ class Account {
   Account_Settings settings_;
   Message_Cache cache_;
   Begin_Wait wait_;
+  std::function<bool(const std::string& words)> go_on_;
+  bool asking_ = false;
 
   mutable std::mutex lock_;  // of what both threads know
   std::vector<std::unique_ptr<Mailbox>> mailboxes_;

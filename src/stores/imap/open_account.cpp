@@ -32,7 +32,7 @@ std::shared_ptr<Mail_Store> Open_Account(const Store_Address& address, const Sto
     Fail_To_Open(Reason::Cancelled, address, "Opening \"" + address.Text() + "\" was cancelled.");
   } catch (const Refused& error) {
     // No other password would help.
-    if (error.Code() == busy_code || error.Code() == "INUSE" || error.Code() == "LIMIT")
+    if (Is_Passing(error.Code()))
       Fail_To_Open(Reason::Not_Reached, address,
                    "The mail server has no room for another connection: " + std::string(error.what()) +
                        " Try again later, or close other mail programs.");

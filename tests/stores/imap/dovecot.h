@@ -26,6 +26,7 @@ struct Wire {
   std::int64_t bytes_left = -1;     // then the connection drops; -1: it does not
   std::int64_t and_again = -1;      // what `bytes_left` is then
   int connections = 0;
+  std::string sent;  // by the store
 };
 
 class Wired_Transport : public Transport {
@@ -45,6 +46,7 @@ class Wired_Transport : public Transport {
   }
   std::size_t Write(std::string_view bytes) override {
     const std::size_t sent = inner_->Write(bytes.substr(0, Allowed(bytes.size())));
+    wire_.sent += bytes.substr(0, sent);
     Count(sent);
     return sent;
   }
@@ -70,7 +72,7 @@ class Dovecot {
  public:
   // Without them it has the Inbox alone.
   enum class Special_Folders { Yes, No };
-  explicit Dovecot(Special_Folders folders = Special_Folders::Yes) {
+  explicit Dovecot(Special_Folders folders = Special_Folders::Yes, const std::string& settings = {}) {
     std::string text =
         "log_path = " + (directory_ / "log").string() +
         "\nmail_location = maildir:" + (directory_ / "mail").string() +
@@ -81,7 +83,7 @@ class Dovecot {
       text +=
           "  mailbox Papierkorb {\n    auto = create\n    special_use = \\Trash\n  }\n"
           "  mailbox Sent {\n    auto = create\n    special_use = \\Sent\n  }\n";
-    text += "}\n";
+    text += "}\n" + settings;
     Write_Bytes(directory_ / "dovecot.conf", text);
     // It serves nobody's mail as the superuser.
     if (geteuid() == 0) {
