@@ -425,7 +425,7 @@ void Account::Fetch_Missing(Mail_Session& session, Mailbox& mailbox, Uid after, 
     const auto begin = std::upper_bound(mailbox.uids.begin(), mailbox.uids.end(), behind);
     bool goes_on = false;
     for (auto at = static_cast<std::size_t>(begin - mailbox.uids.begin());
-         at < mailbox.uids.size() && portion.count < fetch_size_ && portion.ranges.size() < most_ranges;
+         at < mailbox.uids.size() && portion.count < fetch_size_.Now() && portion.ranges.size() < most_ranges;
          ++at) {
       const Uid uid = mailbox.uids[at];
       const bool is_missing = (mailbox.flags[at] & Mailbox::has_row) == 0;
@@ -455,7 +455,7 @@ void Account::Fetch_Missing(Mail_Session& session, Mailbox& mailbox, Uid after, 
     session.Finish_Fetch(portion.tag);
     Keep_Rows(session, mailbox);
     const auto now = Clock::now();
-    Adapt_Size(fetch_size_, portion.count, now - std::exchange(start, now));
+    fetch_size_.Took(portion.count, now - std::exchange(start, now));
     if (network_.Others_Wait()) stop = true;
   }
 }
@@ -534,7 +534,7 @@ Message_Data Account::Row(std::size_t mailbox, Uid uid) {
         const std::lock_guard guard(lock_);
         const auto place = static_cast<std::size_t>(std::lower_bound(box.uids.begin(), box.uids.end(), uid) -
                                                     box.uids.begin());
-        if (place > fetch_size_) after = box.uids[place - fetch_size_];
+        if (place > fetch_size_.Now()) after = box.uids[place - fetch_size_.Now()];
       }
       Fetch_Missing(session, box, after, true);
     });

@@ -44,8 +44,20 @@ struct Change {
   std::uint32_t new_validity = 0;
 };
 
-// A command at a time is meant to take about 0.3 s: how many messages the next one is for.
-void Adapt_Size(std::size_t& at_once, std::size_t done, std::chrono::steady_clock::duration took);
+// How many messages the next command is for. A command is meant to take about 0.3 s; longer where the server
+// needs most of that for any command, however small, as the work would never end otherwise.
+class Portion_Size {
+ public:
+  using Duration = std::chrono::steady_clock::duration;
+  std::size_t Now() const { return now_; }
+  Duration Last_Took() const { return last_took_; }
+  void Took(std::size_t done, Duration took);
+
+ private:
+  std::size_t now_ = 100, before_ = 0;
+  Duration took_before_{}, last_took_{}, for_any_{};
+  bool is_first_ = true;
+};
 
 // All calls come from one thread, wait for the server, and throw Automation_Error: unavailable where the
 // connection is lost, cannot be made again or was given up, not_found for what the server no longer has, and
@@ -91,7 +103,8 @@ class Account {
   // With what is known of the message now. Until it has been carried out, the message is taken for gone.
   Change Plan_Change(std::size_t mailbox, std::uint32_t uid_validity, Uid uid, std::size_t target);
   // How many changes are worth one batch.
-  std::size_t Batch_Size() const { return move_size_; }
+  std::size_t Batch_Size() const { return move_size_.Now(); }
+  std::chrono::steady_clock::duration Last_Batch_Took() const { return move_size_.Last_Took(); }
   // The rows of the next messages behind a UID, no more than `most`. Rows that were not fetched yet are
   // waited for, and those behind them fetched meanwhile.
   std::vector<Message_Data> Rows_Behind(std::size_t mailbox, Uid after, std::size_t most);
@@ -142,9 +155,9 @@ class Account {
   std::uint64_t fetching_ = 0;  // counts what is to be fetched ahead; the latest alone goes on
 
   char delimiter_ = '/';
-  std::size_t fetch_size_ = 100, move_size_ = 100;  // messages at a time
-  std::unique_ptr<Mail_Session> session_;           // the network's thread's
-  Network_Thread network_;                          // ends first
+  Portion_Size fetch_size_, move_size_;
+  std::unique_ptr<Mail_Session> session_;  // the network's thread's
+  Network_Thread network_;                 // ends first
 };
 
 }  // namespace tidyfold::imap

@@ -18,10 +18,29 @@ constexpr std::size_t least_at_once = 20, most_at_once = 20'000;
 
 }  // namespace
 
-void Adapt_Size(std::size_t& at_once, std::size_t done, Clock::duration took) {
-  if (done < at_once) return;
-  if (took < intended / 2) at_once = std::min(at_once * 2, most_at_once);
-  if (took > intended) at_once = std::max(at_once / 2, least_at_once);
+// From two sizes that differ follows what a command takes for itself. So even a slow first one is followed by
+// a larger one.
+void Portion_Size::Took(std::size_t done, Duration took) {
+  last_took_ = took;
+  if (done < now_) return;
+  if (before_ != 0 && before_ != done) {
+    const double more = static_cast<double>(done) - static_cast<double>(before_);
+    const double for_one = static_cast<double>((took - took_before_).count()) / more;
+    const double for_any =
+        static_cast<double>(took.count()) - std::max(for_one, 0.0) * static_cast<double>(done);
+    for_any_ = Duration(static_cast<Duration::rep>(std::max(for_any, 0.0)));
+  }
+  before_ = done;
+  took_before_ = took;
+  const Duration meant = std::max<Duration>(intended, 4 * for_any_);
+  const bool is_first = std::exchange(is_first_, false);
+  if (took < meant / 4) {
+    now_ = std::min(now_ * 4, most_at_once);
+  } else if (took < meant / 2 || is_first) {
+    now_ = std::min(now_ * 2, most_at_once);
+  } else if (took > meant) {
+    now_ = std::max(now_ / 2, least_at_once);
+  }
 }
 
 Change Account::Plan_Change(std::size_t mailbox, std::uint32_t uid_validity, Uid uid, std::size_t target) {
@@ -52,7 +71,7 @@ void Account::Carry_Out(std::vector<Change>& changes) {
   std::string why;
   for (auto begin = all.begin(); begin != all.end();) {
     std::vector<Change*> batch;
-    for (; begin != all.end() && batch.size() < move_size_; ++begin) {
+    for (; begin != all.end() && batch.size() < move_size_.Now(); ++begin) {
       if (!batch.empty() && way(*begin) != way(batch.front())) break;
       batch.push_back(*begin);
     }
@@ -75,7 +94,7 @@ void Account::Carry_Out(std::vector<Change>& changes) {
                                  (change->flags & message_flag::deleted) == 0;
       if (may_be_marked) marked_[&box].push_back(change->uid);
     }
-    Adapt_Size(move_size_, size, Clock::now() - start);
+    move_size_.Took(size, Clock::now() - start);
   }
   if (failure != nullptr) std::rethrow_exception(failure);
 }

@@ -20,7 +20,7 @@ namespace {
 
 using automation_error::not_found;
 
-// Changes wait for others until there are enough for a batch, but no longer than this.
+// Changes wait for others until there are enough for a batch, but no longer than this, or than a batch takes.
 constexpr auto longest_wait = std::chrono::milliseconds(300);
 
 [[noreturn]] void Fail(std::int32_t number, const std::string& text) {
@@ -473,7 +473,8 @@ std::shared_ptr<Imap_Store::Pending> Imap_Store::Change_Message(std::size_t mail
 
 bool Imap_Store::Commit_Due() {
   const bool wait = pending_.size() < account_->Batch_Size() &&
-                    std::chrono::steady_clock::now() - pending_since_ < longest_wait;
+                    std::chrono::steady_clock::now() - pending_since_ <
+                        std::max<Portion_Size::Duration>(longest_wait, account_->Last_Batch_Took());
   if (!wait) Commit_Pending();
   return pending_.empty();
 }
