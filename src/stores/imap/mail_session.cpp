@@ -1,8 +1,11 @@
 #include "stores/imap/mail_session.h"
 
 #include <algorithm>
+#include <chrono>
+#include <future>
 #include <iterator>
 #include <set>
+#include <thread>
 #include <utility>
 
 #include "outlook/object_model.h"
@@ -23,6 +26,17 @@ std::int32_t Role_Of(const Value& attribute) {
   return 0;
 }
 
+// Whoever tells the password may take as long as they like; a wait for them ends like one for the server.
+std::string Wait_For_Secret(const std::function<std::string()>& secret, const Interruption& interruption) {
+  constexpr auto looking_every = std::chrono::milliseconds(20);
+  std::packaged_task<std::string()> task(secret);
+  auto told = task.get_future();
+  std::thread(std::move(task)).detach();
+  while (told.wait_for(looking_every) != std::future_status::ready)
+    if (interruption.Is_Set()) throw Interrupted();
+  return told.get();
+}
+
 }  // namespace
 
 Mail_Session::Mail_Session(const Account_Settings& settings, const Interruption& interruption,
@@ -31,7 +45,11 @@ Mail_Session::Mail_Session(const Account_Settings& settings, const Interruption&
   auto transport = settings.connect ? settings.connect(interruption) : Connect(settings.server, interruption);
   client_ = std::make_unique<imap::Client>(std::move(transport), interruption, settings.patience);
   client_->on_untagged = [this](const Response& response) { Take(response); };
-  if (!client_->Greet()) Log_In(*client_, settings.login, settings.server);
+  if (!client_->Greet()) {
+    Login login = settings.login;
+    login.secret = [&] { return Wait_For_Secret(settings.login.secret, interruption); };
+    Log_In(*client_, login, settings.server);
+  }
   Enable();
 }
 

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <future>
 #include <map>
 #include <set>
 
@@ -439,10 +440,7 @@ TEST(Imap_Server, What_Is_No_Mail_Server_Is_Refused_With_A_Sentence) {
   }
 }
 
-// A server that says nothing is given up when the person says so, and within a second.
-TEST(Imap_Server, A_Silent_Server_Is_Left_When_The_Wait_Is_Cancelled) {
-  Account_Settings settings;
-  settings.connect = [&](const Interruption&) { return Start_Program({"/bin/cat"}); };
+void Expect_Cancelled(const Account_Settings& settings) {
   const Temporary_Directory cache;
   Store_Opening opening;
   int served = 0;
@@ -454,6 +452,19 @@ TEST(Imap_Server, A_Silent_Server_Is_Left_When_The_Wait_Is_Cancelled) {
     EXPECT_EQ(error.Why(), Store_Open_Error::Reason::Cancelled);
   }
   EXPECT_GE(served, 5);
+}
+
+// A server that says nothing, and a command for the password, are given up when the person says so, and
+// within a second.
+TEST(Imap_Server, A_Silent_Server_Is_Left_When_The_Wait_Is_Cancelled) {
+  Account_Settings settings;
+  std::promise<std::string> told;
+  settings.login.secret = [secret = told.get_future().share()] { return secret.get(); };
+  for (const char* words : {"cat", "echo '* OK [CAPABILITY IMAP4rev1 AUTH=PLAIN] hi\r'; cat"}) {
+    settings.connect = [&](const Interruption&) { return Start_Program({"/bin/sh", "-c", words}); };
+    Expect_Cancelled(settings);
+  }
+  told.set_value("late");
 }
 
 TEST(Imap_Server, No_Error_Repeats_A_Password) {
