@@ -67,7 +67,7 @@ App::~App() {
 // Every event is joined to its procedure here.
 void App::Wire() {
   errors.End_Without_Store = [this] { End_Without_Store(); };
-  automation.Ask_When_Busy([this] { return Go_On_Though_Busy(); });
+  automation.Ask_When_Busy([this](const std::string& words) { return Go_On_Though_Busy(words); });
   phase.changed = [this] {
     enabling.Follow_Phase();
     if (phase.Is_Run() && !phase.Processing()) taking_back.Cancel();
@@ -221,11 +221,12 @@ void App::mnuQuit_Click() {
   });
 }
 
-bool App::Go_On_Though_Busy() {
-  return message_box.Show(
-             "Outlook is busy, or waits for an answer in one of its windows.\r\n\r\nLook there, and then try "
-             "again. Stop ends what is under way here; nothing is closed.",
-             Buttons::Retry_Stop) == Answer::Retry;
+bool App::Go_On_Though_Busy(const std::string& words) {
+  const std::string text =
+      words.empty() ? "Outlook is busy, or waits for an answer in one of its windows.\r\n\r\nLook there, and "
+                      "then try again. Stop ends what is under way here; nothing is closed."
+                    : words + "\r\n\r\nStop ends what is under way; what has been done by then stays done.";
+  return message_box.Show(text, Buttons::Retry_Stop) == Answer::Retry;
 }
 
 // Loops that are under way further out see it and unwind.

@@ -124,7 +124,7 @@ struct App : private Interface_Loader {
  private:
   void Wire();
   void End_Without_Store();
-  bool Go_On_Though_Busy();
+  bool Go_On_Though_Busy(const std::string& words);
   void Form_Unload();
   void mnuQuit_Click();
   void Name_Window();

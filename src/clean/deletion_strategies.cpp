@@ -81,7 +81,7 @@ void Deletion_Strategies::Begin_Run(const Clean_Plan& plan) {
 }
 
 void Deletion_Strategies::Show_Progress(int folder, const std::string& name, std::int32_t checked) {
-  journal_.Settle();
+  journal_.Settle_Due();
   status_.Display_Cleaning_Status(name, checked, records_[folder].DeletedFromFolder, run_.ProcessedCount);
 }
 
@@ -228,6 +228,7 @@ void Deletion_Strategies::Delete_Selected_Items_By_MAPIFolder(const Plan_Stop& s
       events_.Do_Events();
       if (checked % status_every == 0) Show_Progress(folder, name, checked);
     }
+    journal_.Settle();
     Show_Progress(folder, name, checked);
   });
   for (std::int32_t item = 1; !gone.empty() && item <= records_[folder].CachedCount; ++item) {
@@ -294,7 +295,7 @@ void Deletion_Strategies::Delete_Filtered_Items_By_Row(const Clean_Plan& plan) {
         events_.Do_Events();
       }
       if (row % status_every != 0) continue;
-      journal_.Settle();
+      journal_.Settle_Due();
       status_.Display_Delete_By_Selected_Status(processed, run_.ProcessedCount);
     }
   });

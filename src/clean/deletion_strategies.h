@@ -4,8 +4,7 @@
 // A change that a store has made is not yet kept: stores keep changes in groups, which end at yields. So what
 // a strategy does comes in two steps. At once, the item's cached record becomes a hole, so that nothing takes
 // it a second time. When the group has ended, the change counts, or the record is put back. Every hundred
-// items, and at its end, a strategy settles what is pending, so that its numbers are true when they are
-// shown.
+// items a strategy settles what is due, and at its end what is pending, so that its numbers are true.
 #pragma once
 
 #include <string>

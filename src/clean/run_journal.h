@@ -50,6 +50,8 @@ class Run_Journal {
   // Ends the groups of changes; nothing is pending afterwards. Throws Automation_Error when something could
   // not be kept.
   void Settle() { ledger_->Settle(); }
+  // Only those that are due.
+  void Settle_Due() { ledger_->Settle_Due(); }
   // Why the run had better end: something was not kept, or cannot be written down any more. Empty: go on.
   std::string Reason_To_End() const;
 

@@ -51,4 +51,8 @@ void Chosen_Stores::Commit() {
   if (Change_Groups* const groups = Source().Groups()) groups->Commit_Pending();
 }
 
+void Chosen_Stores::Commit_Due() {
+  if (Change_Groups* const groups = Source().Groups()) groups->Commit_Due();
+}
+
 }  // namespace tidyfold::cli

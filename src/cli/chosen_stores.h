@@ -42,6 +42,8 @@ class Chosen_Stores {
   }
   // Throws Automation_Error if pending changes could not be kept.
   void Commit();
+  // The same at a yield: what is due.
+  void Commit_Due();
 
  private:
   Store_Session stores_{&Open_Store};

@@ -183,7 +183,7 @@ class Undo_Command {
   }
 
   void Events_Due() {
-    stores_.Commit();
+    stores_.Commit_Due();
     if (terminal_.Interrupted()) taking_back_.Cancel();
     if (terminal_.Progress_Due()) {
       terminal_.Progress("Putting back  " + std::to_string(taking_back_.Looked_At()) + " of " +

@@ -48,7 +48,7 @@ Folder_Protection& Session::Marks(Protection protection) {
 }
 
 void Session::Events_Due() {
-  stores_.Commit();
+  stores_.Commit_Due();
   if (terminal_.Interrupted() && !std::exchange(interrupt_handled_, true)) {
     if (loading_) {
       Raise(window_.frmRemoveItems.Close);

@@ -29,6 +29,12 @@ class Change_Groups {
   // Ends the group of every store, also where one fails; throws the first failure's Automation_Error. A group
   // also ends in front of a change when it has grown large, and with a change whose failure undoes it.
   virtual void Commit_Pending() = 0;
+  // At a yield, where nobody needs to know yet: likewise, but a store that does more changes at once faster
+  // than one by one may let them wait for others. False where some wait.
+  virtual bool Commit_Due() {
+    Commit_Pending();
+    return true;
+  }
   // Whom to tell; at most one, nullptr for nobody. The watcher must outlive the watching.
   virtual void Watch(Group_Watcher* watcher) = 0;
 };

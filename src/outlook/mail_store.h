@@ -49,9 +49,16 @@ class Mail_Store {
   virtual void Set_Display(Display_Callback display) = 0;
   // Whom to tell of this store's groups of changes.
   virtual void Set_Watcher(std::weak_ptr<Group_Watcher> watcher) = 0;
-  // Ends the group of changes. Called at every yield, also while nothing is pending, so that a store may see
-  // to what it has to do in between.
+  // Ends the group of changes.
   virtual void Commit_Pending() = 0;
+  // As in Change_Groups. Called at every yield, also while nothing is pending, so that a store may see to
+  // what it has to do in between.
+  virtual bool Commit_Due() {
+    Commit_Pending();
+    return true;
+  }
+  // As in Automation.
+  virtual void Ask_When_Busy(std::function<bool(const std::string& words)> /*go_on*/) {}
 
   // Marks of protected folders, by EntryID; without them they are kept in the settings.
   virtual bool Keeps_Marks() const { return false; }

@@ -212,9 +212,9 @@ class Automation {
   virtual Change_Groups* Groups() { return nullptr; }
   // Whether each question about an item is a call into another program.
   virtual bool Asking_Costs_Calls() const { return false; }
-  // Where a call has been turned away for a long time, `go_on` is asked whether to try for longer. Otherwise
-  // such a call has failed as unavailable.
-  virtual void Ask_When_Busy(std::function<bool()> /*go_on*/) {}
+  // Where a call has been turned away for a long time, `go_on` is asked whether to try for longer, with the
+  // words of whoever turned it away, if there are any. Otherwise such a call has failed as unavailable.
+  virtual void Ask_When_Busy(std::function<bool(const std::string& words)> /*go_on*/) {}
   // Why the program behind the stores could not be reached, in words for a person; empty where it was, or
   // where there is nothing to say.
   virtual std::string Why_Not_Reached() const { return {}; }

@@ -48,6 +48,7 @@ struct Store_Session::Session : Group_Watcher {
   // Includes stores that have left the list, which objects of theirs may keep open.
   std::vector<std::weak_ptr<Mail_Store>> known;
   Display_Callback display;
+  std::function<bool(const std::string& words)> go_on_though_busy;
   Group_Watcher* watcher = nullptr;
   Folder_Protection* marks = nullptr;
 };
@@ -158,6 +159,10 @@ void Join(const Session_Ptr& session, Store_List& list, std::shared_ptr<Mail_Sto
     target->display(item);
   });
   store->Set_Watcher(session);
+  store->Ask_When_Busy([session = std::weak_ptr(session)](const std::string& words) {
+    const auto target = session.lock();
+    return target != nullptr && target->go_on_though_busy && target->go_on_though_busy(words);
+  });
   session->known.push_back(store);
   list.push_back(std::move(store));
 }
@@ -219,19 +224,38 @@ New_Item Store_Session::Read_Whole_Item(const std::string& store_id, const std::
   return Find_Store(session_->stores, store_id, "item").Read_Whole_Item(entry_id);
 }
 
-void Store_Session::Commit_Pending() {
+namespace {
+
+// Does it with each store, also where it fails with one before.
+template <class Work>
+void With_Each(std::vector<std::weak_ptr<Mail_Store>> stores, Work&& work) {
   std::exception_ptr first_failure;
-  const auto stores = session_->known;
   for (const auto& known : stores) {
     const auto store = known.lock();
     if (store == nullptr) continue;
     try {
-      store->Commit_Pending();
+      work(*store);
     } catch (...) {
       if (first_failure == nullptr) first_failure = std::current_exception();
     }
   }
   if (first_failure != nullptr) std::rethrow_exception(first_failure);
+}
+
+}  // namespace
+
+void Store_Session::Commit_Pending() {
+  With_Each(session_->known, [](Mail_Store& store) { store.Commit_Pending(); });
+}
+
+bool Store_Session::Commit_Due() {
+  bool all = true;
+  With_Each(session_->known, [&](Mail_Store& store) { all = store.Commit_Due() && all; });
+  return all;
+}
+
+void Store_Session::Ask_When_Busy(std::function<bool(const std::string& words)> go_on) {
+  session_->go_on_though_busy = std::move(go_on);
 }
 
 void Store_Session::Watch(Group_Watcher* watcher) {

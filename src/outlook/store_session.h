@@ -1,6 +1,7 @@
 // The session over the program's own stores: open stores of any kind, in a list, behind the object model.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -46,6 +47,8 @@ class Store_Session : public Automation, public Change_Groups, public Folder_Pro
   void Commit_Pending() override;
   // Closing stores by destroying this object does not call the watcher; call Commit_Pending before.
   void Watch(Group_Watcher* watcher) override;
+  bool Commit_Due() override;
+  void Ask_When_Busy(std::function<bool(const std::string& words)> go_on) override;
   Change_Groups* Groups() override { return this; }
   // Store_Address::Lasting_Text.
   std::string Place_Of_Store(const std::string& store_id) const override;

@@ -27,10 +27,18 @@ void Change_Ledger::Pending(std::string store_id, std::string entry_id, Settled 
 }
 
 void Change_Ledger::Settle() {
+  Settle([this] { return groups_->Commit_Pending(), true; });
+}
+
+void Change_Ledger::Settle_Due() {
+  Settle([this] { return groups_->Commit_Due(); });
+}
+
+void Change_Ledger::Settle(const std::function<bool()>& commit) {
   std::exception_ptr failure;
   if (groups_ != nullptr) {
     try {
-      groups_->Commit_Pending();
+      if (!commit()) return;
     } catch (...) {
       failure = std::current_exception();
     }

@@ -57,6 +57,8 @@ class Change_Ledger : public Group_Watcher {
   // Ends every group, after which nothing is pending any more. Throws Automation_Error where a group could
   // not be kept; its changes have then been settled as not kept.
   void Settle();
+  // The same for what is due; what its store lets wait stays pending.
+  void Settle_Due();
 
   // Why the log could not be written, in a sentence for the person; empty while it could. A run had better
   // end then: what it goes on to do could not be taken back.
@@ -74,6 +76,7 @@ class Change_Ledger : public Group_Watcher {
     Settled settled;
   };
   using Told = std::unordered_map<std::string, std::string>;  // by EntryID
+  void Settle(const std::function<bool()>& commit);
   void Flush();
 
   Change_Groups* groups_;

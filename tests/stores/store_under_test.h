@@ -30,6 +30,12 @@ class Store_Under_Test {
   // False for stores of other programs' mail: items are plain mail, siblings have names of their own, texts
   // are those of a header, identities of folders come back, and nothing is added in transactions.
   virtual bool Is_Own_Store() const { return true; }
+  // How many folders lie on the top level from the beginning, in front of all others: a mail account's Inbox.
+  virtual int Fixed_Folders() const { return 0; }
+  // False where an item that is moved gets another EntryID, at the latest when the change has been carried
+  // out.
+  virtual bool Keeps_EntryIDs() const { return true; }
+  virtual void Carry_Out_Changes() {}
   // How deep folders may lie.
   virtual int Deepest() const { return 1000; }
   // The sender's name as the store returns it.
@@ -59,6 +65,9 @@ class Decorated_Store : public Store_Under_Test {
   Store_Writer& Writer(int number) override { return inner_->Writer(number); }
   bool Tells_Sizes() const override { return inner_->Tells_Sizes(); }
   bool Is_Own_Store() const override { return inner_->Is_Own_Store(); }
+  int Fixed_Folders() const override { return inner_->Fixed_Folders(); }
+  bool Keeps_EntryIDs() const override { return inner_->Keeps_EntryIDs(); }
+  void Carry_Out_Changes() override { inner_->Carry_Out_Changes(); }
   int Deepest() const override { return inner_->Deepest(); }
   std::string Sender_As_Kept(const std::string& sender) const override {
     return inner_->Sender_As_Kept(sender);
@@ -79,9 +88,11 @@ class Store_Contract : public testing::TestWithParam<Store_Kind> {
   // Through the session: the folder at these indexes, from the store's top folder down.
   MAPIFolder_Ptr Open(int store, std::initializer_list<std::int32_t> path = {}) {
     MAPIFolder_Ptr folder = session_->Folders()->Item(store);
-    for (const std::int32_t index : path) folder = folder->Folders()->Item(index);
+    std::int32_t fixed = stores_->Fixed_Folders();
+    for (const std::int32_t index : path) folder = folder->Folders()->Item(index + std::exchange(fixed, 0));
     return folder;
   }
+  void Remove_Top_Folder(std::int32_t index) { Open(1)->Folders()->Remove(index + stores_->Fixed_Folders()); }
   // Through the writer; adds at the end.
   MAPIFolder_Ptr Add_Folder(int store, const std::string& name, MAPIFolder_Ptr parent = nullptr,
                             std::int32_t type = item_type::mail) {

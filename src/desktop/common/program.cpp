@@ -155,7 +155,7 @@ void Program::Build() {
   };
   stores_.Set_Display([this](const Displayed_Item& item) { Show_In_Front(*new Item_Window(frame_, item)); });
   window_.mnuRuns.Click = [this] { Show_Runs(); };
-  events_.before_yield = [this] { stores_.Commit_Pending(); };
+  events_.before_yield = [this] { stores_.Commit_Due(); };
   message_box_.opening = [this](const std::string& text) {
     schedule_->Flush();
     if (observer_ != nullptr) observer_->Box_Opened(text);

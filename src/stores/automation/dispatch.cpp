@@ -69,7 +69,7 @@ HRESULT Caller::Until_Answered(Call&& call) {
     // A handler that runs while the question is open may make calls of its own; these ask nothing.
     if (!go_on_ || asking_ || filter_.Is_Impatient()) return result;
     const Flag_Scope asking(asking_);
-    if (!go_on_()) return filter_.Lose_Patience(), result;
+    if (!go_on_({})) return filter_.Lose_Patience(), result;
     begin = GetTickCount64();
   }
 }

@@ -67,7 +67,7 @@ class Caller {
  public:
   explicit Caller(std::chrono::milliseconds patience) : filter_(patience) {}
   // Asked when the patience has run out: whether to try for as long again.
-  void Ask_When_Busy(std::function<bool()> go_on) {
+  void Ask_When_Busy(std::function<bool(const std::string& words)> go_on) {
     go_on_ = std::move(go_on);
     filter_.Take_Up_Patience();
   }
@@ -81,7 +81,7 @@ class Caller {
   HRESULT Until_Answered(Call&& call);
 
   Busy_Filter filter_;
-  std::function<bool()> go_on_;
+  std::function<bool(const std::string& words)> go_on_;
   bool asking_ = false;
 };
 

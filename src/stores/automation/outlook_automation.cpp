@@ -90,7 +90,7 @@ std::shared_ptr<Application> Outlook_Automation::CreateObject(const std::string&
   return com::Make_Application(session_, std::move(object));
 }
 
-void Outlook_Automation::Ask_When_Busy(std::function<bool()> go_on) {
+void Outlook_Automation::Ask_When_Busy(std::function<bool(const std::string& words)> go_on) {
   session_->caller.Ask_When_Busy(std::move(go_on));
 }
 

@@ -32,7 +32,7 @@ class Outlook_Automation : public Automation {
   std::shared_ptr<Application> CreateObject(const std::string& program) override;
   std::shared_ptr<Mapi_Utils> Create_Mapi_Utils(const std::string& program) override;
   bool Asking_Costs_Calls() const override { return true; }
-  void Ask_When_Busy(std::function<bool()> go_on) override;
+  void Ask_When_Busy(std::function<bool(const std::string& words)> go_on) override;
   std::string Why_Not_Reached() const override { return why_not_reached_; }
 
  private:

@@ -2,9 +2,10 @@
 
 #include <algorithm>
 #include <deque>
-#include <unordered_map>
 #include <utility>
 
+#include "base/flag_scope.h"
+#include "base/text.h"
 #include "mail/meeting.h"
 #include "mail/transfer_encoding.h"
 #include "outlook/folder_roles.h"
@@ -17,6 +18,8 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr int most_attempts = 3;
+constexpr std::size_t most_ranges = 300;  // in a command
+constexpr const char* inbox_name = "INBOX";
 
 [[noreturn]] void Fail(std::int32_t number, const std::string& text) {
   throw Automation_Error(number, text, error_source);
@@ -79,9 +82,18 @@ void Account::With_Session(const std::function<void(Mail_Session&)>& work) {
   }
 }
 
+// Handlers that run while the question is open may call the account; these ask nothing.
+bool Account::Goes_On(const std::string& words) {
+  if (!go_on_ || asking_) return false;
+  const Flag_Scope asking(asking_);
+  return go_on_(words);
+}
+
 void Account::Do(const std::function<void(Mail_Session&)>& work) {
+  std::string words;
   try {
     network_.Call([&] { With_Session(work); }, wait_);
+    return;
   } catch (const Connection_Error& error) {
     Fail(automation_error::unavailable, error.what());
   } catch (const Protocol_Error& error) {
@@ -89,45 +101,76 @@ void Account::Do(const std::function<void(Mail_Session&)>& work) {
   } catch (const Interrupted& error) {
     Fail(automation_error::unavailable, error.what());
   } catch (const Refused& error) {
+    words = std::string("The mail server says: ") + error.what();
+    const bool passing = Is_Passing(error.Code());
     const bool gone = error.Code() == "NONEXISTENT" || error.Code() == "TRYCREATE";
     const bool denied = error.Code() == "NOPERM";
-    Fail(gone     ? automation_error::not_found
-         : denied ? automation_error::no_access
-                  : automation_error::call_failed,
-         std::string("The mail server refused: ") + error.what());
+    if (!passing)
+      Fail(gone     ? automation_error::not_found
+           : denied ? automation_error::no_access
+                    : automation_error::call_failed,
+           std::string("The mail server refused: ") + error.what());
   }
+  if (!Goes_On(words)) Fail(automation_error::unavailable, words);
+  Do(work);
 }
 
 void Account::Open() {
-  network_.Call(
-      [this] {
-        With_Session([this](Mail_Session& session) {
-          const std::vector<Listed_Mailbox> listed = session.List();
-          std::vector<Mailbox*> without_status;
-          {
-            const std::lock_guard guard(lock_);
-            for (const Listed_Mailbox& mailbox : listed) {
-              Mailbox& box = *mailboxes_[Add_To_Tree(mailbox)];
-              if (box.can_be_selected && !mailbox.has_status) without_status.push_back(&box);
-            }
-            for (std::size_t number = 1; number < mailboxes_.size(); ++number) Take_Role(*mailboxes_[number]);
-          }
-          for (Mailbox* const box : without_status) {
-            try {
-              session.Ask_Status(*box);
-            } catch (const Refused&) {
-              const std::lock_guard guard(lock_);
-              box->can_be_selected = false;
-            }
-          }
-        });
-      },
-      wait_);
+  network_.Call([this] { With_Session([this](Mail_Session& session) { List_Mailboxes(session, true); }); },
+                wait_);
+}
+
+void Account::Look_At_Mailboxes() {
+  {
+    const std::lock_guard guard(lock_);
+    if (Clock::now() - listed_at_ < settings_.trust) return;
+  }
+  Do([this](Mail_Session& session) { List_Mailboxes(session, false); });
+}
+
+// What is not listed any more has gone.
+void Account::List_Mailboxes(Mail_Session& session, bool with_status) {
+  const std::vector<Listed_Mailbox> listed = session.List(with_status);
+  std::vector<Mailbox*> without_status;
+  {
+    const std::lock_guard guard(lock_);
+    std::vector<bool> is_listed(mailboxes_.size());
+    for (const Listed_Mailbox& mailbox : listed) {
+      const std::size_t known = mailboxes_.size(), number = Add_To_Tree(mailbox);
+      is_listed.resize(mailboxes_.size());
+      for (std::size_t above = number; above != 0; above = mailboxes_[above]->parent) is_listed[above] = true;
+      Mailbox& box = *mailboxes_[number];
+      if (box.can_be_selected && !mailbox.has_status && (with_status || number >= known))
+        without_status.push_back(&box);
+    }
+    for (std::size_t number = 1; number < mailboxes_.size(); ++number)
+      if (!is_listed[number] && !mailboxes_[number]->is_gone) Forget_Mailbox(number);
+    for (const auto& mailbox : mailboxes_)
+      if (mailbox != mailboxes_.front()) Take_Role(*mailbox);
+    listed_at_ = Clock::now();
+  }
+  for (Mailbox* const box : without_status) {
+    try {
+      session.Ask_Status(*box);
+    } catch (const Refused&) {
+      const std::lock_guard guard(lock_);
+      box->can_be_selected = false;
+    }
+  }
+}
+
+void Account::Forget_Mailbox(std::size_t mailbox) {
+  Mailbox& gone = Box(mailbox);
+  gone.is_gone = true;
+  gone.Forget_Messages();
+  by_name_.erase(gone.wire_name);
+  std::erase(Box(gone.parent).children, mailbox);
 }
 
 // A server that tells no roles leaves them to the names.
 void Account::Take_Role(Mailbox& mailbox) const {
-  const std::int32_t role = mailbox.role == 0 && mailbox.parent == 0 ? Role_By_Name(mailbox.name) : 0;
+  const bool may_have = mailbox.role == 0 && mailbox.parent == 0 && !mailbox.is_gone;
+  const std::int32_t role = may_have ? Role_By_Name(mailbox.name) : 0;
   const bool taken = std::any_of(mailboxes_.begin(), mailboxes_.end(),
                                  [&](const auto& other) { return other->role == role && !other->is_gone; });
   if (role != 0 && role != default_folder_inbox && !taken) mailbox.role = role;
@@ -135,11 +178,6 @@ void Account::Take_Role(Mailbox& mailbox) const {
 
 // Those above a mailbox may come after it, or not at all.
 std::size_t Account::Add_To_Tree(const Listed_Mailbox& listed) {
-  const auto find = [&](const std::string& name) -> std::size_t {
-    for (std::size_t number = 1; number < mailboxes_.size(); ++number)
-      if (mailboxes_[number]->wire_name == name && !mailboxes_[number]->is_gone) return number;
-    return 0;
-  };
   if (listed.delimiter != '\0') delimiter_ = listed.delimiter;
   std::size_t parent = 0, number = 0;
   std::size_t begin = 0;
@@ -147,16 +185,23 @@ std::size_t Account::Add_To_Tree(const Listed_Mailbox& listed) {
     const std::size_t end =
         listed.delimiter == '\0' ? std::string::npos : listed.wire_name.find(listed.delimiter, begin);
     const std::string path = listed.wire_name.substr(0, end);
-    number = find(path);
-    if (number == 0) {
-      number = mailboxes_.size();
+    const auto [place, is_new] = by_name_.try_emplace(path, mailboxes_.size());
+    number = place->second;
+    if (is_new) {
       auto box = std::make_unique<Mailbox>();
       box->wire_name = path;
       box->name = Decode_Mailbox_Name(path.substr(begin));
-      if (parent == 0 && Same_Ascii(path, "INBOX")) box->name = "Inbox";
+      if (parent == 0 && Same_Ascii(path, inbox_name)) box->name = "Inbox";
       box->parent = parent;
       mailboxes_.push_back(std::move(box));
-      mailboxes_[parent]->children.push_back(number);
+      auto& siblings = mailboxes_[parent]->children;
+      const auto stands_before = [this](std::size_t left, std::size_t right) {
+        const Mailbox &one = *mailboxes_[left], &other = *mailboxes_[right];
+        const bool inbox = Same_Ascii(one.wire_name, inbox_name);
+        if (inbox != Same_Ascii(other.wire_name, inbox_name)) return inbox;
+        return Compare_Ignoring_Case(one.name, other.name) < 0;
+      };
+      siblings.insert(std::upper_bound(siblings.begin(), siblings.end(), number, stands_before), number);
     }
     if (end == std::string::npos || end + 1 >= listed.wire_name.size()) break;
     parent = number;
@@ -165,6 +210,7 @@ std::size_t Account::Add_To_Tree(const Listed_Mailbox& listed) {
   Mailbox& box = *mailboxes_[number];
   box.can_be_selected = listed.can_be_selected;
   box.role = listed.role;
+  if (!listed.has_status) return number;
   box.messages = listed.messages;
   box.uid_validity = listed.uid_validity;
   box.looked_at = Clock::now();
@@ -210,9 +256,8 @@ Mailbox Account::Describe(std::size_t mailbox) const {
 
 std::size_t Account::Find(const std::string& wire_name) const {
   const std::lock_guard guard(lock_);
-  for (std::size_t number = 1; number < mailboxes_.size(); ++number)
-    if (!mailboxes_[number]->is_gone && mailboxes_[number]->wire_name == wire_name) return number;
-  return 0;
+  const auto found = by_name_.find(wire_name);
+  return found == by_name_.end() ? 0 : found->second;
 }
 
 std::size_t Account::Find_Role(std::int32_t role) const {
@@ -251,7 +296,7 @@ std::size_t Account::Add_Mailbox(std::size_t parent, const std::string& name) {
 }
 
 void Account::Remove_Mailbox(std::size_t mailbox) {
-  Mailbox& box = Existing_Box(mailbox);
+  Existing_Box(mailbox);
   std::vector<std::size_t> below{mailbox};
   {
     const std::lock_guard guard(lock_);
@@ -269,12 +314,9 @@ void Account::Remove_Mailbox(std::size_t mailbox) {
       if (gone.is_gone) continue;
       if (gone.can_be_selected) session.Client().Run(Command("DELETE ").String(gone.wire_name));
       const std::lock_guard guard(lock_);
-      gone.is_gone = true;
-      gone.Forget_Messages();
+      Forget_Mailbox(*number);
     }
   });
-  const std::lock_guard guard(lock_);
-  std::erase(Box(box.parent).children, mailbox);
 }
 
 // What was told is written down before anyone relies on it.
@@ -304,8 +346,7 @@ std::uint32_t Account::Messages(std::size_t mailbox) {
   {
     const std::lock_guard guard(lock_);
     if (!box.can_be_selected) return 0;
-    if (Clock::now() - box.looked_at < settings_.trust)
-      return box.is_listed ? static_cast<std::uint32_t>(box.uids.size()) : box.messages;
+    if (Clock::now() - box.looked_at < settings_.trust) return box.Staying();
   }
   bool listed = false;
   {
@@ -320,7 +361,7 @@ std::uint32_t Account::Messages(std::size_t mailbox) {
     }
   });
   const std::lock_guard guard(lock_);
-  return box.is_listed ? static_cast<std::uint32_t>(box.uids.size()) : box.messages;
+  return box.Staying();
 }
 
 void Account::Look(std::size_t mailbox) {
@@ -337,14 +378,16 @@ std::optional<std::pair<std::uint32_t, Uid>> Account::Message_At(std::size_t mai
                                                                  std::int32_t index) const {
   const std::lock_guard guard(lock_);
   const Mailbox& box = Box(mailbox);
-  if (index < 1 || static_cast<std::size_t>(index) > box.uids.size()) return std::nullopt;
-  return std::pair(box.uid_validity, box.uids[static_cast<std::size_t>(index - 1)]);
+  const auto uid = index < 1 ? std::nullopt : box.Staying_At(static_cast<std::size_t>(index - 1));
+  if (!uid) return std::nullopt;
+  return std::pair(box.uid_validity, *uid);
 }
 
 bool Account::Has_Message(std::size_t mailbox, std::uint32_t uid_validity, Uid uid) const {
   const std::lock_guard guard(lock_);
   const Mailbox& box = Box(mailbox);
-  return !box.is_gone && box.uid_validity == uid_validity && box.Place_Of(uid).has_value();
+  return !box.is_gone && box.uid_validity == uid_validity && box.Place_Of(uid).has_value() &&
+         !box.Is_Leaving(uid);
 }
 
 std::uint8_t Account::Flags(std::size_t mailbox, Uid uid) const {
@@ -371,18 +414,27 @@ void Account::Keep_Rows(Mail_Session& session, Mailbox& mailbox) {
 // Fetches rows behind a UID; the first portion or, until others wait, all. Two portions are under way at a
 // time, so that neither the server nor we wait.
 void Account::Fetch_Missing(Mail_Session& session, Mailbox& mailbox, Uid after, bool only_first) {
-  const auto next = [&](Uid behind) {
-    std::vector<Uid> missing;
-    const std::lock_guard guard(lock_);
-    auto at = static_cast<std::size_t>(std::upper_bound(mailbox.uids.begin(), mailbox.uids.end(), behind) -
-                                       mailbox.uids.begin());
-    for (; at < mailbox.uids.size() && missing.size() < fetch_size_; ++at)
-      if ((mailbox.flags[at] & Mailbox::has_row) == 0) missing.push_back(mailbox.uids[at]);
-    return missing;
-  };
   struct Portion {
     std::string tag;
-    std::vector<Uid> uids;
+    std::size_t count = 0;
+    std::vector<std::pair<Uid, Uid>> ranges;  // neighbours in the mailbox, whatever numbers lie between
+  };
+  const auto next = [&](Uid behind) {
+    Portion portion;
+    const std::lock_guard guard(lock_);
+    const auto begin = std::upper_bound(mailbox.uids.begin(), mailbox.uids.end(), behind);
+    bool goes_on = false;
+    for (auto at = static_cast<std::size_t>(begin - mailbox.uids.begin());
+         at < mailbox.uids.size() && portion.count < fetch_size_.Now() && portion.ranges.size() < most_ranges;
+         ++at) {
+      const Uid uid = mailbox.uids[at];
+      const bool is_missing = (mailbox.flags[at] & Mailbox::has_row) == 0;
+      if (is_missing && !goes_on) portion.ranges.emplace_back(uid, uid);
+      if (is_missing) portion.ranges.back().second = uid;
+      if (is_missing) ++portion.count;
+      goes_on = is_missing;
+    }
+    return portion;
   };
   std::deque<Portion> under_way;
   Uid begun = after;
@@ -390,11 +442,11 @@ void Account::Fetch_Missing(Mail_Session& session, Mailbox& mailbox, Uid after, 
   bool stop = false;
   for (;;) {
     while (!stop && under_way.size() < 2) {
-      std::vector<Uid> uids = next(begun);
-      if (uids.empty()) break;
-      begun = uids.back();
-      std::string tag = session.Begin_Fetch(uids);
-      under_way.push_back({std::move(tag), std::move(uids)});
+      Portion portion = next(begun);
+      if (portion.count == 0) break;
+      begun = portion.ranges.back().second;
+      portion.tag = session.Begin_Fetch(portion.ranges);
+      under_way.push_back(std::move(portion));
       if (only_first) stop = true;
     }
     if (under_way.empty()) return;
@@ -403,7 +455,7 @@ void Account::Fetch_Missing(Mail_Session& session, Mailbox& mailbox, Uid after, 
     session.Finish_Fetch(portion.tag);
     Keep_Rows(session, mailbox);
     const auto now = Clock::now();
-    Adapt_Size(fetch_size_, portion.uids.size(), now - std::exchange(start, now));
+    fetch_size_.Took(portion.count, now - std::exchange(start, now));
     if (network_.Others_Wait()) stop = true;
   }
 }
@@ -471,10 +523,22 @@ std::vector<Message_Data> Account::Rows_Behind(std::size_t mailbox, Uid after, s
 Message_Data Account::Row(std::size_t mailbox, Uid uid) {
   const auto gone = [] { Fail(automation_error::not_found, "The item is no longer there."); };
   if (uid == 0) gone();
-  std::vector<Message_Data> rows = cache_.Rows(Box(mailbox), uid, uid);
+  Mailbox& box = Existing_Box(mailbox);
+  std::vector<Message_Data> rows = cache_.Rows(box, uid, uid);
   if (rows.empty()) {
-    for (Message_Data& row : Rows_Behind(mailbox, uid - 1, 1))
-      if (row.uid == uid) rows.push_back(std::move(row));
+    // With others: those in front, for whoever goes backwards, and where these are known, those behind.
+    Do([&](Mail_Session& session) {
+      Look_And_Keep(session, box);
+      Uid after = 0;
+      {
+        const std::lock_guard guard(lock_);
+        const auto place = static_cast<std::size_t>(std::lower_bound(box.uids.begin(), box.uids.end(), uid) -
+                                                    box.uids.begin());
+        if (place > fetch_size_.Now()) after = box.uids[place - fetch_size_.Now()];
+      }
+      Fetch_Missing(session, box, after, true);
+    });
+    rows = cache_.Rows(box, uid, uid);
   }
   if (rows.empty()) gone();
   return std::move(rows.front());

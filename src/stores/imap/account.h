@@ -10,6 +10,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -32,6 +33,7 @@ struct Change {
   std::size_t target = 0;  // where it is moved; 0: it goes for good
   // What was known of it when this was decided. It stays where it is when that has changed.
   std::uint8_t flags = 0;
+  bool are_flags_known = false;
   std::uint64_t mod_seq = 0;
   // How far it has got, so that it can be gone on with when the connection has dropped.
   bool is_sent = false, is_copied = false;
@@ -42,8 +44,20 @@ struct Change {
   std::uint32_t new_validity = 0;
 };
 
-// A command at a time is meant to take about 0.3 s: how many messages the next one is for.
-void Adapt_Size(std::size_t& at_once, std::size_t done, std::chrono::steady_clock::duration took);
+// How many messages the next command is for. A command is meant to take about 0.3 s; longer where the server
+// needs most of that for any command, however small, as the work would never end otherwise.
+class Portion_Size {
+ public:
+  using Duration = std::chrono::steady_clock::duration;
+  std::size_t Now() const { return now_; }
+  Duration Last_Took() const { return last_took_; }
+  void Took(std::size_t done, Duration took);
+
+ private:
+  std::size_t now_ = 100, before_ = 0;
+  Duration took_before_{}, last_took_{}, for_any_{};
+  bool is_first_ = true;
+};
 
 // All calls come from one thread, wait for the server, and throw Automation_Error: unavailable where the
 // connection is lost, cannot be made again or was given up, not_found for what the server no longer has, and
@@ -57,12 +71,16 @@ class Account {
 
   // As in Store_Opening.
   void Set_Wait(Begin_Wait wait) { wait_ = std::move(wait); }
+  // As in Automation; asked in the middle of a call, which then goes on or fails as unavailable.
+  void Ask_When_Busy(std::function<bool(const std::string& words)> go_on) { go_on_ = std::move(go_on); }
 
   // Logs in and lists the mailboxes. Throws what Mail_Session throws, as no Automation_Error says why.
   void Open();
   // What the server wants a person to read; each is told once.
   std::vector<std::string> Take_Alerts();
 
+  // Sees to it that the list of mailboxes is not older than the settings allow.
+  void Look_At_Mailboxes();
   // Mailboxes by number; 0 is the top of the account. Numbers never change; a mailbox may be gone.
   std::size_t Count() const;
   // A copy of what is known, without the messages.
@@ -82,8 +100,11 @@ class Account {
   std::optional<std::pair<std::uint32_t, Uid>> Message_At(std::size_t mailbox, std::int32_t index) const;
   bool Has_Message(std::size_t mailbox, std::uint32_t uid_validity, Uid uid) const;
   std::uint8_t Flags(std::size_t mailbox, Uid uid) const;
-  // With what is known of the message now.
-  Change Plan_Change(std::size_t mailbox, std::uint32_t uid_validity, Uid uid, std::size_t target) const;
+  // With what is known of the message now. Until it has been carried out, the message is taken for gone.
+  Change Plan_Change(std::size_t mailbox, std::uint32_t uid_validity, Uid uid, std::size_t target);
+  // How many changes are worth one batch.
+  std::size_t Batch_Size() const { return move_size_.Now(); }
+  std::chrono::steady_clock::duration Last_Batch_Took() const { return move_size_.Last_Took(); }
   // The rows of the next messages behind a UID, no more than `most`. Rows that were not fetched yet are
   // waited for, and those behind them fetched meanwhile.
   std::vector<Message_Data> Rows_Behind(std::size_t mailbox, Uid after, std::size_t most);
@@ -99,6 +120,7 @@ class Account {
  private:
   // On the network's thread.
   void With_Session(const std::function<void(Mail_Session&)>& work);
+  void List_Mailboxes(Mail_Session& session, bool with_status);
   void Look_And_Keep(Mail_Session& session, Mailbox& mailbox);
   void Fetch_Missing(Mail_Session& session, Mailbox& mailbox, Uid after, bool only_first);
   void Keep_Rows(Mail_Session& session, Mailbox& mailbox);
@@ -110,26 +132,32 @@ class Account {
 
   // On the program's thread.
   void Do(const std::function<void(Mail_Session&)>& work);
+  bool Goes_On(const std::string& words);
   Mailbox& Box(std::size_t mailbox) const;
   Mailbox& Existing_Box(std::size_t mailbox) const;
   std::size_t Add_To_Tree(const Listed_Mailbox& listed);
   void Take_Role(Mailbox& mailbox) const;
+  void Forget_Mailbox(std::size_t mailbox);
 
   Account_Settings settings_;
   Message_Cache cache_;
   Begin_Wait wait_;
+  std::function<bool(const std::string& words)> go_on_;
+  bool asking_ = false;
 
   mutable std::mutex lock_;  // of what both threads know
   std::vector<std::unique_ptr<Mailbox>> mailboxes_;
+  std::unordered_map<std::string, std::size_t> by_name_;  // those that are not gone
+  std::chrono::steady_clock::time_point listed_at_;
   std::vector<std::string> alerts_;
   // Messages that we have marked as deleted, and that are to stay after all.
   std::map<const Mailbox*, std::vector<Uid>> marked_;
   std::uint64_t fetching_ = 0;  // counts what is to be fetched ahead; the latest alone goes on
 
   char delimiter_ = '/';
-  std::size_t fetch_size_ = 100, move_size_ = 100;  // messages at a time
-  std::unique_ptr<Mail_Session> session_;           // the network's thread's
-  Network_Thread network_;                          // ends first
+  Portion_Size fetch_size_, move_size_;
+  std::unique_ptr<Mail_Session> session_;  // the network's thread's
+  Network_Thread network_;                 // ends first
 };
 
 }  // namespace tidyfold::imap

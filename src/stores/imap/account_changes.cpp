@@ -1,6 +1,7 @@
 // What an account does to messages.
 #include <algorithm>
 #include <iterator>
+#include <tuple>
 #include <unordered_map>
 #include <utility>
 
@@ -17,14 +18,32 @@ constexpr std::size_t least_at_once = 20, most_at_once = 20'000;
 
 }  // namespace
 
-void Adapt_Size(std::size_t& at_once, std::size_t done, Clock::duration took) {
-  if (done < at_once) return;
-  if (took < intended / 2) at_once = std::min(at_once * 2, most_at_once);
-  if (took > intended) at_once = std::max(at_once / 2, least_at_once);
+// From two sizes that differ follows what a command takes for itself. So even a slow first one is followed by
+// a larger one.
+void Portion_Size::Took(std::size_t done, Duration took) {
+  last_took_ = took;
+  if (done < now_) return;
+  if (before_ != 0 && before_ != done) {
+    const double more = static_cast<double>(done) - static_cast<double>(before_);
+    const double for_one = static_cast<double>((took - took_before_).count()) / more;
+    const double for_any =
+        static_cast<double>(took.count()) - std::max(for_one, 0.0) * static_cast<double>(done);
+    for_any_ = Duration(static_cast<Duration::rep>(std::max(for_any, 0.0)));
+  }
+  before_ = done;
+  took_before_ = took;
+  const Duration meant = std::max<Duration>(intended, 4 * for_any_);
+  const bool is_first = std::exchange(is_first_, false);
+  if (took < meant / 4) {
+    now_ = std::min(now_ * 4, most_at_once);
+  } else if (took < meant / 2 || is_first) {
+    now_ = std::min(now_ * 2, most_at_once);
+  } else if (took > meant) {
+    now_ = std::max(now_ / 2, least_at_once);
+  }
 }
 
-Change Account::Plan_Change(std::size_t mailbox, std::uint32_t uid_validity, Uid uid,
-                            std::size_t target) const {
+Change Account::Plan_Change(std::size_t mailbox, std::uint32_t uid_validity, Uid uid, std::size_t target) {
   Change change;
   change.mailbox = mailbox;
   change.uid_validity = uid_validity;
@@ -32,42 +51,52 @@ Change Account::Plan_Change(std::size_t mailbox, std::uint32_t uid_validity, Uid
   change.target = target;
   change.flags = Flags(mailbox, uid);
   const std::lock_guard guard(lock_);
-  change.mod_seq = Box(mailbox).mod_seq;
+  Mailbox& box = Box(mailbox);
+  const auto place = box.Place_Of(uid);
+  change.are_flags_known = place && (box.flags[*place] & Mailbox::has_row) != 0;
+  change.mod_seq = box.mod_seq;
+  box.Set_Leaving(uid);
   return change;
 }
 
 void Account::Carry_Out(std::vector<Change>& changes) {
-  for (std::size_t begin = 0; begin < changes.size();) {
+  std::vector<Change*> all;
+  for (Change& change : changes) all.push_back(&change);
+  const auto way = [](const Change* change) {
+    return std::tuple(change->mailbox, change->target, change->uid_validity);
+  };
+  std::stable_sort(all.begin(), all.end(),
+                   [&](const Change* left, const Change* right) { return way(left) < way(right); });
+  std::exception_ptr failure;
+  std::string why;
+  for (auto begin = all.begin(); begin != all.end();) {
     std::vector<Change*> batch;
-    const Change& first = changes[begin];
-    for (; begin < changes.size() && batch.size() < move_size_; ++begin) {
-      Change& change = changes[begin];
-      if (change.mailbox != first.mailbox || change.target != first.target ||
-          change.uid_validity != first.uid_validity)
-        break;
-      batch.push_back(&change);
+    for (; begin != all.end() && batch.size() < move_size_.Now(); ++begin) {
+      if (!batch.empty() && way(*begin) != way(batch.front())) break;
+      batch.push_back(*begin);
     }
     const auto start = Clock::now();
     const std::size_t size = batch.size();
     try {
-      Do([&](Mail_Session& session) { Carry_Out_Batch(session, batch); });
+      if (failure == nullptr) Do([&](Mail_Session& session) { Carry_Out_Batch(session, batch); });
     } catch (const Automation_Error& error) {
-      {
-        const std::lock_guard guard(lock_);
-        for (Change* const change : batch) {
-          if (change->is_done || !change->reason.empty()) continue;
-          change->reason = error.Description();
-          const bool may_be_marked = change->is_sent && (change->target == 0 || change->is_copied) &&
-                                     (change->flags & message_flag::deleted) == 0;
-          if (may_be_marked) marked_[&Box(change->mailbox)].push_back(change->uid);
-        }
-      }
-      if (error.Number() != automation_error::unavailable) continue;
-      for (; begin < changes.size(); ++begin) changes[begin].reason = "The connection was lost before.";
-      throw;
+      why = error.Description();
+      if (error.Number() == automation_error::unavailable) failure = std::current_exception();
     }
-    Adapt_Size(move_size_, size, Clock::now() - start);
+    const std::lock_guard guard(lock_);
+    Mailbox& box = Box(batch.front()->mailbox);
+    for (Change* const change : batch) {
+      if (change->is_done) continue;
+      std::erase(box.leaving, change->uid);
+      if (!change->reason.empty()) continue;
+      change->reason = why;
+      const bool may_be_marked = change->is_sent && (change->target == 0 || change->is_copied) &&
+                                 (change->flags & message_flag::deleted) == 0;
+      if (may_be_marked) marked_[&box].push_back(change->uid);
+    }
+    move_size_.Took(size, Clock::now() - start);
   }
+  if (failure != nullptr) std::rethrow_exception(failure);
 }
 
 // What is still to be done with the messages of a batch.
@@ -97,7 +126,7 @@ Account::Steps Account::Sort_Out(const Mailbox& mailbox, std::vector<Change*>& b
       change->is_done = true;
     } else if (!place) {
       change->reason = "It is no longer there.";
-    } else if (((mailbox.flags[*place] ^ change->flags) & telling) != 0) {
+    } else if (change->are_flags_known && ((mailbox.flags[*place] ^ change->flags) & telling) != 0) {
       change->reason = "It was changed since it was shown.";
     } else {
       const bool is_marked = (mailbox.flags[*place] & message_flag::deleted) != 0;
@@ -142,7 +171,7 @@ void Account::Carry_Out_Batch(Mail_Session& session, std::vector<Change*>& batch
     steps = Sort_Out(box, batch);
     for (const Uid uid : steps.begin) by_uid[uid]->is_sent = true;
   }
-  std::string why;
+  Refusal why;
   const auto arrived = [&](const std::vector<Moved_Message>& messages, bool copied) {
     for (const Moved_Message& message : messages) {
       const auto found = by_uid.find(message.uid);
@@ -158,9 +187,9 @@ void Account::Carry_Out_Batch(Mail_Session& session, std::vector<Change*>& batch
     if (!steps.begin.empty()) why = session.Move(steps.begin, target, moved);
     arrived(moved, false);
   } else if (!session.Can_Expunge()) {
-    why = first.target != 0
-              ? "The mail server can neither move messages (MOVE) nor delete single ones (UIDPLUS)."
-              : "The mail server cannot delete single messages for good (UIDPLUS); nothing was deleted.";
+    why.text = first.target != 0
+                   ? "The mail server can neither move messages (MOVE) nor delete single ones (UIDPLUS)."
+                   : "The mail server cannot delete single messages for good (UIDPLUS); nothing was deleted.";
   } else {
     if (first.target != 0) {
       if (!steps.begin.empty()) why = session.Copy(steps.begin, target, moved);
@@ -168,8 +197,8 @@ void Account::Carry_Out_Batch(Mail_Session& session, std::vector<Change*>& batch
       steps.begin = std::move(steps.copied);
       steps.mod_seq = 0;
     }
-    const auto keep = [&](const std::string& reason) {
-      if (!reason.empty()) why = reason;
+    const auto keep = [&](const Refusal& refusal) {
+      if (!refusal.text.empty() && !Is_Passing(why.code)) why = refusal;
     };
     if (!steps.marked.empty()) keep(session.Expunge_Marked(steps.marked));
     if (!steps.begin.empty()) keep(session.Expunge(steps.begin, steps.mod_seq, steps.marked));
@@ -184,11 +213,24 @@ void Account::Carry_Out_Batch(Mail_Session& session, std::vector<Change*>& batch
   cache_.Keep(box, session.Take_Vanished(), session.Take_Changed_Flags());
   const std::lock_guard guard(lock_);
   target.looked_at = {};
+  // A server that is busy for now is asked again, if the person wants that, for what is left.
+  const bool passing = Is_Passing(why.code);
+  bool all_done = true;
   for (Change* const change : batch) {
     if (change->is_done || !change->reason.empty()) continue;
     change->is_done = !box.Place_Of(change->uid);
-    if (!change->is_done) change->reason = why.empty() ? "The mail server left it where it was." : why;
+    if (change->is_done) continue;
+    all_done = false;
+    if (!passing) {
+      change->reason = why.text.empty() ? "The mail server left it where it was." : why.text;
+    } else if (!change->is_copied) {
+      change->is_sent = false;
+      change->mod_seq = 0;
+    }
   }
+  if (!passing || all_done) return;
+  box.looked_at = {};
+  throw Refused(why.text, why.code);
 }
 
 // What stays must not go with the next expunge of whoever.

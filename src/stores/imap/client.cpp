@@ -44,6 +44,10 @@ Command& Command::String(std::string_view text) {
   return *this;
 }
 
+bool Is_Passing(std::string_view code) {
+  return code == busy_code || code == "INUSE" || code == "LIMIT" || code == "OVERQUOTA";
+}
+
 void Demand_Ok(const Response& answer) {
   if (answer.Name() != "OK") throw Refused(answer.Text(), answer.Code());
 }

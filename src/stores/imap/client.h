@@ -30,6 +30,8 @@ class Refused : public std::runtime_error {
 
 // The code of a server that turns everyone away for now.
 inline constexpr const char* busy_code = "UNAVAILABLE";
+// Whether a code says that the same may work later (RFC 5530, RFC 9208).
+bool Is_Passing(std::string_view code);
 
 // Texts are sent as quoted strings or, where they do not allow it, as literals.
 class Command {

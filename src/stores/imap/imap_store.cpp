@@ -1,7 +1,10 @@
 #include "stores/imap/imap_store.h"
 
 #include <algorithm>
+#include <chrono>
 #include <optional>
+#include <set>
+#include <tuple>
 #include <utility>
 
 #include "base/local_time.h"
@@ -17,8 +20,8 @@ namespace {
 
 using automation_error::not_found;
 
-// A group that has grown so large ends in front of the next change.
-constexpr std::size_t most_changes = 10'000;
+// Changes wait for others until there are enough for a batch, but no longer than this, or than a batch takes.
+constexpr auto longest_wait = std::chrono::milliseconds(300);
 
 [[noreturn]] void Fail(std::int32_t number, const std::string& text) {
   throw Automation_Error(number, text, error_source);
@@ -50,6 +53,10 @@ class Imap_Store : public Mail_Store, public std::enable_shared_from_this<Imap_S
   void Set_Display(Display_Callback display) override { display_ = std::move(display); }
   void Set_Watcher(std::weak_ptr<Group_Watcher> watcher) override { watcher_ = std::move(watcher); }
   void Commit_Pending() override;
+  bool Commit_Due() override;
+  void Ask_When_Busy(std::function<bool(const std::string& words)> go_on) override {
+    account_->Ask_When_Busy(std::move(go_on));
+  }
 
   Account& Messages() { return *account_; }
   void Demand_Writable() const {
@@ -61,10 +68,9 @@ class Imap_Store : public Mail_Store, public std::enable_shared_from_this<Imap_S
     Change change;
     std::string entry_id;
   };
-  bool Is_Pending(std::size_t mailbox, Uid uid) const {
-    return std::any_of(pending_.begin(), pending_.end(), [&](const auto& one) {
-      return one->change.mailbox == mailbox && one->change.uid == uid;
-    });
+  // What is on its way into a mailbox gets there.
+  void Let_Arrive(std::size_t mailbox) {
+    if (targets_.contains(mailbox)) Commit_Pending();
   }
   std::shared_ptr<Pending> Change_Message(std::size_t mailbox, std::uint32_t validity, Uid uid,
                                           std::size_t target);
@@ -79,6 +85,8 @@ class Imap_Store : public Mail_Store, public std::enable_shared_from_this<Imap_S
   Display_Callback display_;
   std::weak_ptr<Group_Watcher> watcher_;
   std::vector<std::shared_ptr<Pending>> pending_;
+  std::set<std::size_t> targets_;
+  std::chrono::steady_clock::time_point pending_since_;
 };
 
 using Store_Ptr_ = std::shared_ptr<Imap_Store>;
@@ -158,9 +166,7 @@ class Imap_Item : public Item, public Mapi_Object, public std::enable_shared_fro
     store_->Messages().Look(mailbox_);
   }
   void Demand_There() {
-    if (is_gone_ || !store_->Messages().Has_Message(mailbox_, validity_, uid_) ||
-        store_->Is_Pending(mailbox_, uid_))
-      Fail_Item_Gone();
+    if (is_gone_ || !store_->Messages().Has_Message(mailbox_, validity_, uid_)) Fail_Item_Gone();
   }
   const Message_Data& Row() {
     if (is_gone_) Fail_Item_Gone();
@@ -186,21 +192,25 @@ class Imap_Items : public Items {
  public:
   Imap_Items(Store_Ptr_ store, std::size_t mailbox) : store_(std::move(store)), mailbox_(mailbox) {}
   std::int32_t Count() override {
-    store_->Commit_Pending();
+    store_->Let_Arrive(mailbox_);
     return static_cast<std::int32_t>(store_->Messages().Messages(mailbox_));
   }
   Item_Ptr Item(std::int32_t index) override {
     const auto [validity, uid] = At(index);
+    last_ = {index, validity, uid};
     return std::make_shared<Imap_Item>(store_, mailbox_, validity, uid);
   }
+  // Whoever has just looked at the item in this place means that one, whatever has come to stand there since.
   void Remove(std::int32_t index) override {
-    const auto [validity, uid] = At(index);
+    auto [place, validity, uid] = last_;
+    if (place != index || !store_->Messages().Has_Message(mailbox_, validity, uid))
+      std::tie(validity, uid) = At(index);
     store_->Change_Message(mailbox_, validity, uid, 0);
   }
 
  private:
   std::pair<std::uint32_t, Uid> At(std::int32_t index) {
-    store_->Commit_Pending();
+    store_->Let_Arrive(mailbox_);
     Account& account = store_->Messages();
     account.Look(mailbox_);
     const auto found = account.Message_At(mailbox_, index);
@@ -210,6 +220,7 @@ class Imap_Items : public Items {
   }
   Store_Ptr_ store_;
   std::size_t mailbox_;
+  std::tuple<std::int32_t, std::uint32_t, Uid> last_{0, 0, 0};
 };
 
 // Goes by UID, which only grows.
@@ -269,6 +280,7 @@ class Imap_Folders : public Folders {
 
  private:
   std::vector<std::size_t> Children() {
+    store_->Messages().Look_At_Mailboxes();
     const Mailbox mailbox = store_->Messages().Describe(mailbox_);
     if (mailbox.is_gone) Fail(not_found, "The folder is no longer there.");
     return mailbox.children;
@@ -428,8 +440,7 @@ Item_Ptr Imap_Store::GetItemFromID(const std::string& entry_id) {
   const std::size_t mailbox = id ? account_->Find(id->mailbox) : 0;
   if (mailbox == 0) Fail_Item_Gone();
   account_->Look(mailbox);
-  if (!account_->Has_Message(mailbox, id->validity, id->uid) || Is_Pending(mailbox, id->uid))
-    Fail_Item_Gone();
+  if (!account_->Has_Message(mailbox, id->validity, id->uid)) Fail_Item_Gone();
   return std::make_shared<Imap_Item>(shared_from_this(), mailbox, id->validity, id->uid);
 }
 
@@ -451,12 +462,21 @@ void Imap_Store::Display(const std::string& entry_id, const std::string& folder)
 std::shared_ptr<Imap_Store::Pending> Imap_Store::Change_Message(std::size_t mailbox, std::uint32_t validity,
                                                                 Uid uid, std::size_t target) {
   Demand_Writable();
-  if (pending_.size() >= most_changes) Commit_Pending();
   auto pending = std::make_shared<Pending>();
   pending->change = account_->Plan_Change(mailbox, validity, uid, target);
   pending->entry_id = Text_Of({validity, uid, account_->Describe(mailbox).wire_name});
+  if (pending_.empty()) pending_since_ = std::chrono::steady_clock::now();
   pending_.push_back(pending);
+  if (target != 0) targets_.insert(target);
   return pending;
+}
+
+bool Imap_Store::Commit_Due() {
+  const bool wait = pending_.size() < account_->Batch_Size() &&
+                    std::chrono::steady_clock::now() - pending_since_ <
+                        std::max<Portion_Size::Duration>(longest_wait, account_->Last_Batch_Took());
+  if (!wait) Commit_Pending();
+  return pending_.empty();
 }
 
 void Imap_Store::Commit_Pending() {
@@ -464,6 +484,7 @@ void Imap_Store::Commit_Pending() {
   const auto watcher = watcher_.lock();
   if (watcher != nullptr) watcher->Group_Ending();
   const auto group = std::exchange(pending_, {});
+  targets_.clear();
   std::vector<Change> changes;
   changes.reserve(group.size());
   for (const auto& pending : group) changes.push_back(pending->change);

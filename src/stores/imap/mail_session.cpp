@@ -1,8 +1,11 @@
 #include "stores/imap/mail_session.h"
 
 #include <algorithm>
+#include <chrono>
+#include <future>
 #include <iterator>
 #include <set>
+#include <thread>
 #include <utility>
 
 #include "outlook/object_model.h"
@@ -23,6 +26,17 @@ std::int32_t Role_Of(const Value& attribute) {
   return 0;
 }
 
+// Whoever tells the password may take as long as they like; a wait for them ends like one for the server.
+std::string Wait_For_Secret(const std::function<std::string()>& secret, const Interruption& interruption) {
+  constexpr auto looking_every = std::chrono::milliseconds(20);
+  std::packaged_task<std::string()> task(secret);
+  auto told = task.get_future();
+  std::thread(std::move(task)).detach();
+  while (told.wait_for(looking_every) != std::future_status::ready)
+    if (interruption.Is_Set()) throw Interrupted();
+  return told.get();
+}
+
 }  // namespace
 
 Mail_Session::Mail_Session(const Account_Settings& settings, const Interruption& interruption,
@@ -31,7 +45,11 @@ Mail_Session::Mail_Session(const Account_Settings& settings, const Interruption&
   auto transport = settings.connect ? settings.connect(interruption) : Connect(settings.server, interruption);
   client_ = std::make_unique<imap::Client>(std::move(transport), interruption, settings.patience);
   client_->on_untagged = [this](const Response& response) { Take(response); };
-  if (!client_->Greet()) Log_In(*client_, settings.login, settings.server);
+  if (!client_->Greet()) {
+    Login login = settings.login;
+    login.secret = [&] { return Wait_For_Secret(settings.login.secret, interruption); };
+    Log_In(*client_, login, settings.server);
+  }
   Enable();
 }
 
@@ -42,9 +60,9 @@ void Mail_Session::Enable() {
   has_qresync_ = client_->Finish(client_->Send(Command("ENABLE QRESYNC")))->Name() == "OK";
 }
 
-std::vector<Listed_Mailbox> Mail_Session::List() {
+std::vector<Listed_Mailbox> Mail_Session::List(bool with_status) {
   const bool special = client_->Has("SPECIAL-USE") && client_->Has("LIST-EXTENDED");
-  const bool status = client_->Has("LIST-STATUS");
+  const bool status = with_status && client_->Has("LIST-STATUS");
   std::string options = special ? "SPECIAL-USE" : "";
   if (status) options += std::string(special ? " " : "") + "STATUS (MESSAGES UIDVALIDITY)";
   std::vector<Listed_Mailbox> mailboxes;
@@ -283,8 +301,11 @@ void Mail_Session::Took_Messages(const Response& fetch) {
   if (data.has_row) rows_.push_back(std::move(data));
 }
 
-std::string Mail_Session::Begin_Fetch(const std::vector<Uid>& uids) {
-  return client_->Send(Command("UID FETCH " + Format_Uid_Set(uids) + " " + row_items));
+std::string Mail_Session::Begin_Fetch(const std::vector<std::pair<Uid, Uid>>& ranges) {
+  std::string set;
+  for (const auto& [first, last] : ranges)
+    set += (set.empty() ? "" : ",") + std::to_string(first) + ":" + std::to_string(last);
+  return client_->Send(Command("UID FETCH " + set + " " + row_items));
 }
 
 void Mail_Session::Finish_Fetch(const std::string& tag) {
@@ -315,64 +336,93 @@ void Take_Copied(const Response& response, std::vector<Moved_Message>& moved) {
   for (std::size_t at = 0; at < from.size(); ++at) moved.push_back({from[at], to[at], *validity});
 }
 
-std::string Why_Refused(const Response& answer) {
-  if (answer.Name() == "OK") return {};
-  return answer.Text().empty() ? "The mail server refused." : answer.Text();
+void Take_Refusal(const Response& answer, Refusal& refusal) {
+  if (answer.Name() == "OK" || Is_Passing(refusal.code)) return;
+  refusal = {answer.Text().empty() ? "The mail server refused." : answer.Text(), answer.Code()};
 }
 
 }  // namespace
 
-std::string Mail_Session::Transfer(const char* command, const std::vector<Uid>& uids, const Mailbox& target,
-                                   std::vector<Moved_Message>& moved) {
-  const std::string tag = client_->Send(
-      Command(std::string(command) + " " + Format_Uid_Set(uids) + " ").String(target.wire_name));
-  const auto answer = client_->Finish(tag, [&](const Response& response) { Take_Copied(response, moved); });
-  Take_Copied(*answer, moved);
-  return Why_Refused(*answer);
+// One behind the other, without waiting in between.
+std::vector<std::unique_ptr<Response>> Mail_Session::Run_All(const std::vector<Command>& commands,
+                                                             const imap::Client::Handler& handler) {
+  std::vector<std::string> tags;
+  for (const Command& command : commands) tags.push_back(client_->Send(command));
+  std::vector<std::unique_ptr<Response>> answers;
+  for (const std::string& tag : tags) answers.push_back(client_->Finish(tag, handler));
+  return answers;
 }
 
-std::string Mail_Session::Move(const std::vector<Uid>& uids, const Mailbox& target,
+Refusal Mail_Session::Transfer(const char* command, const std::vector<Uid>& uids, const Mailbox& target,
                                std::vector<Moved_Message>& moved) {
+  std::vector<Command> commands;
+  for (const auto& portion : Portions_For_Commands(uids))
+    commands.push_back(
+        Command(std::string(command) + " " + Format_Uid_Set(portion) + " ").String(target.wire_name));
+  Refusal refusal;
+  for (const auto& answer : Run_All(commands, [&](const Response& told) { Take_Copied(told, moved); })) {
+    Take_Copied(*answer, moved);
+    Take_Refusal(*answer, refusal);
+  }
+  return refusal;
+}
+
+Refusal Mail_Session::Move(const std::vector<Uid>& uids, const Mailbox& target,
+                           std::vector<Moved_Message>& moved) {
   return Transfer("UID MOVE", uids, target, moved);
 }
 
-std::string Mail_Session::Copy(const std::vector<Uid>& uids, const Mailbox& target,
-                               std::vector<Moved_Message>& copied) {
+Refusal Mail_Session::Copy(const std::vector<Uid>& uids, const Mailbox& target,
+                           std::vector<Moved_Message>& copied) {
   return Transfer("UID COPY", uids, target, copied);
 }
 
-std::string Mail_Session::Expunge(const std::vector<Uid>& uids, std::uint64_t mod_seq,
-                                  std::vector<Uid>& marked) {
-  Command store("UID STORE " + Format_Uid_Set(uids) + " ");
-  if (mod_seq > 0) store.Raw("(UNCHANGEDSINCE " + std::to_string(mod_seq) + ") ");
-  store.Raw("+FLAGS.SILENT (\\Deleted)");
-  const auto answer = client_->Finish(client_->Send(store));
-  std::string why;
-  std::set<Uid> modified;
-  if (answer->Code() == "MODIFIED") {
-    // It names messages that have changed since, and are not marked.
-    const auto arguments = answer->Arguments();
-    const auto changed = arguments.empty() ? uids : Parse_Uid_Set(arguments.front().Text());
-    modified.insert(changed.begin(), changed.end());
-    why = "It was changed since it was shown.";
-  } else if (answer->Name() != "OK") {
-    return Why_Refused(*answer);
+Refusal Mail_Session::Expunge(const std::vector<Uid>& uids, std::uint64_t mod_seq, std::vector<Uid>& marked) {
+  const auto portions = Portions_For_Commands(uids);
+  std::vector<Command> commands;
+  for (const auto& portion : portions) {
+    Command& store = commands.emplace_back("UID STORE " + Format_Uid_Set(portion) + " ");
+    if (mod_seq > 0) store.Raw("(UNCHANGEDSINCE " + std::to_string(mod_seq) + ") ");
+    store.Raw("+FLAGS.SILENT (\\Deleted)");
   }
+  const auto answers = Run_All(commands);
+  Refusal refusal;
   std::vector<Uid> left;
-  std::copy_if(uids.begin(), uids.end(), std::back_inserter(left),
-               [&](Uid uid) { return !modified.contains(uid); });
-  if (left.empty()) return why;
+  for (std::size_t at = 0; at < portions.size(); ++at) {
+    std::set<Uid> modified;
+    if (answers[at]->Code() == "MODIFIED") {
+      // It names messages that have changed since, and are not marked.
+      const auto arguments = answers[at]->Arguments();
+      const auto changed = arguments.empty() ? portions[at] : Parse_Uid_Set(arguments.front().Text());
+      modified.insert(changed.begin(), changed.end());
+      if (refusal.text.empty()) refusal.text = "It was changed since it was shown.";
+    } else if (answers[at]->Name() != "OK") {
+      Take_Refusal(*answers[at], refusal);
+      continue;
+    }
+    std::copy_if(portions[at].begin(), portions[at].end(), std::back_inserter(left),
+                 [&](Uid uid) { return !modified.contains(uid); });
+  }
+  if (left.empty()) return refusal;
   marked.insert(marked.end(), left.begin(), left.end());
-  const std::string refused = Expunge_Marked(left);
-  return refused.empty() ? why : refused;
+  const Refusal refused = Expunge_Marked(left);
+  return refused.text.empty() ? refusal : refused;
 }
 
-std::string Mail_Session::Expunge_Marked(const std::vector<Uid>& uids) {
-  return Why_Refused(*client_->Finish(client_->Send(Command("UID EXPUNGE " + Format_Uid_Set(uids)))));
+Refusal Mail_Session::Expunge_Marked(const std::vector<Uid>& uids) {
+  std::vector<Command> commands;
+  for (const auto& portion : Portions_For_Commands(uids))
+    commands.emplace_back("UID EXPUNGE " + Format_Uid_Set(portion));
+  Refusal refusal;
+  for (const auto& answer : Run_All(commands)) Take_Refusal(*answer, refusal);
+  return refusal;
 }
 
 void Mail_Session::Unmark(const std::vector<Uid>& uids) {
-  client_->Finish(client_->Send(Command("UID STORE " + Format_Uid_Set(uids) + " -FLAGS.SILENT (\\Deleted)")));
+  std::vector<Command> commands;
+  for (const auto& portion : Portions_For_Commands(uids))
+    commands.emplace_back("UID STORE " + Format_Uid_Set(portion) + " -FLAGS.SILENT (\\Deleted)");
+  Run_All(commands);
 }
 
 }  // namespace tidyfold::imap

@@ -43,6 +43,11 @@ struct Moved_Message {
   std::uint32_t new_validity = 0;
 };
 
+// What a server said that did not do all that it was asked for, and its code; both empty where it did.
+struct Refusal {
+  std::string text, code;
+};
+
 class Mail_Session {
  public:
   // Connects and logs in. `lock` guards the mailboxes.
@@ -50,7 +55,8 @@ class Mail_Session {
 
   // All throw Connection_Error, Protocol_Error, Interrupted and Refused.
 
-  std::vector<Listed_Mailbox> List();
+  // With the status of each where the server gives it along.
+  std::vector<Listed_Mailbox> List(bool with_status);
   // Asks for the number of messages and UIDVALIDITY, without selecting.
   void Ask_Status(Mailbox& mailbox);
   // Selects it where it is not, and looks what has come, gone and changed. Afterwards it is listed. Where its
@@ -65,21 +71,21 @@ class Mail_Session {
   std::vector<std::pair<Uid, std::uint8_t>> Take_Changed_Flags() { return std::exchange(changed_flags_, {}); }
 
   // Fetch rows of messages of the mailbox that was looked at last; up to two at a time may be under way.
-  std::string Begin_Fetch(const std::vector<Uid>& uids);
+  std::string Begin_Fetch(const std::vector<std::pair<Uid, Uid>>& ranges);
   void Finish_Fetch(const std::string& tag);
   // One message, or a part of it. Empty where it has gone.
   std::string Fetch_Body(Uid uid, const std::string& part);
 
   bool Can_Move() { return client_->Has("MOVE"); }
   bool Can_Expunge() { return client_->Has("UIDPLUS"); }
-  // These say why messages stay where they are, where the server has said so; empty otherwise. What was moved
-  // or copied is what the server names.
-  std::string Move(const std::vector<Uid>& uids, const Mailbox& target, std::vector<Moved_Message>& moved);
-  std::string Copy(const std::vector<Uid>& uids, const Mailbox& target, std::vector<Moved_Message>& copied);
+  // These say why messages stay where they are, where the server has said so. What was moved or copied is
+  // what the server names.
+  Refusal Move(const std::vector<Uid>& uids, const Mailbox& target, std::vector<Moved_Message>& moved);
+  Refusal Copy(const std::vector<Uid>& uids, const Mailbox& target, std::vector<Moved_Message>& copied);
   // Marks messages as deleted and expunges them; only those that have not changed since `mod_seq`, if that is
   // not 0. `marked` is added to as soon as the server has marked them.
-  std::string Expunge(const std::vector<Uid>& uids, std::uint64_t mod_seq, std::vector<Uid>& marked);
-  std::string Expunge_Marked(const std::vector<Uid>& uids);
+  Refusal Expunge(const std::vector<Uid>& uids, std::uint64_t mod_seq, std::vector<Uid>& marked);
+  Refusal Expunge_Marked(const std::vector<Uid>& uids);
   void Unmark(const std::vector<Uid>& uids);
 
   imap::Client& Client() { return *client_; }
@@ -94,8 +100,10 @@ class Mail_Session {
   void List_Messages();
   void Learn_Flags(Uid after);
   std::vector<Uid> Search(const std::string& what);
-  std::string Transfer(const char* command, const std::vector<Uid>& uids, const Mailbox& target,
-                       std::vector<Moved_Message>& moved);
+  Refusal Transfer(const char* command, const std::vector<Uid>& uids, const Mailbox& target,
+                   std::vector<Moved_Message>& moved);
+  std::vector<std::unique_ptr<Response>> Run_All(const std::vector<Command>& commands,
+                                                 const imap::Client::Handler& handler = {});
 
   std::mutex& lock_;
   std::unique_ptr<imap::Client> client_;

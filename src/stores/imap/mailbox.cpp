@@ -10,6 +10,36 @@ std::optional<std::size_t> Mailbox::Place_Of(Uid uid) const {
   return static_cast<std::size_t>(found - uids.begin());
 }
 
+void Mailbox::Set_Leaving(Uid uid) {
+  const auto place = std::lower_bound(leaving.begin(), leaving.end(), uid);
+  if (place == leaving.end() || *place != uid) leaving.insert(place, uid);
+}
+
+bool Mailbox::Is_Leaving(Uid uid) const {
+  return std::binary_search(leaving.begin(), leaving.end(), uid);
+}
+
+std::uint32_t Mailbox::Staying() const {
+  const std::size_t known = is_listed ? uids.size() : messages;
+  return static_cast<std::uint32_t>(known - std::min(known, leaving.size()));
+}
+
+std::optional<Uid> Mailbox::Staying_At(std::size_t place) const {
+  // The first message with as many that stay up to and including it.
+  std::size_t first = place, last = std::min(uids.size(), place + leaving.size());
+  while (first < last) {
+    const std::size_t middle = (first + last) / 2;
+    const auto leave = std::upper_bound(leaving.begin(), leaving.end(), uids[middle]) - leaving.begin();
+    if (middle + 1 - static_cast<std::size_t>(leave) > place) {
+      last = middle;
+    } else {
+      first = middle + 1;
+    }
+  }
+  if (first >= uids.size()) return std::nullopt;
+  return uids[first];
+}
+
 std::vector<Uid> Mailbox::Remove(std::vector<Uid> gone) {
   std::sort(gone.begin(), gone.end());
   std::vector<Uid> removed;
@@ -29,6 +59,7 @@ std::vector<Uid> Mailbox::Remove(std::vector<Uid> gone) {
   }
   uids.resize(write);
   flags.resize(write);
+  std::erase_if(leaving, [&](Uid uid) { return std::binary_search(removed.begin(), removed.end(), uid); });
   return removed;
 }
 
@@ -62,6 +93,7 @@ void Mailbox::Add(const std::vector<Uid>& sorted) {
 void Mailbox::Forget_Messages() {
   uids.clear();
   flags.clear();
+  leaving.clear();
   mod_seq = 0;
   is_listed = false;
 }

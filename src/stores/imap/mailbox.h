@@ -31,9 +31,17 @@ struct Mailbox {
   bool is_listed = false;
   std::vector<Uid> uids;
   std::vector<std::uint8_t> flags;  // message_flag bits of each, and `has_row`
+  // Those of them that the next batch of changes takes away, in order.
+  std::vector<Uid> leaving;
   static constexpr std::uint8_t has_row = 0x80;
 
   std::optional<std::size_t> Place_Of(Uid uid) const;
+  void Set_Leaving(Uid uid);
+  bool Is_Leaving(Uid uid) const;
+  // How many messages do not leave.
+  std::uint32_t Staying() const;
+  // The message in this place, counted from 0, among those that do not leave.
+  std::optional<Uid> Staying_At(std::size_t place) const;
   // Those of them that were there, in order.
   std::vector<Uid> Remove(std::vector<Uid> gone);
   // In ascending order; those that are there stay as they are.

@@ -1,5 +1,7 @@
 #include "stores/imap/open_account.h"
 
+#include <atomic>
+#include <memory>
 #include <utility>
 
 #include "stores/imap/imap_store.h"
@@ -32,7 +34,7 @@ std::shared_ptr<Mail_Store> Open_Account(const Store_Address& address, const Sto
     Fail_To_Open(Reason::Cancelled, address, "Opening \"" + address.Text() + "\" was cancelled.");
   } catch (const Refused& error) {
     // No other password would help.
-    if (error.Code() == busy_code || error.Code() == "INUSE" || error.Code() == "LIMIT")
+    if (Is_Passing(error.Code()))
       Fail_To_Open(Reason::Not_Reached, address,
                    "The mail server has no room for another connection: " + std::string(error.what()) +
                        " Try again later, or close other mail programs.");
@@ -57,8 +59,9 @@ std::shared_ptr<Mail_Store> Open_Account(const Store_Address& address, const Sto
         "Mail accounts are opened on the command line: tidyfold-cli --store " + address.Text() + " ...");
   // The first is asked for here, where a person can be asked.
   settings.login.secret = [address, password = opening.password, first = opening.password(address, 0),
-                           asked = 0]() mutable {
-    return asked++ == 0 ? first : password(address, asked - 1);
+                           asked = std::make_shared<std::atomic<int>>(0)] {
+    const int before = (*asked)++;
+    return before == 0 ? first : password(address, before);
   };
   return Open_Account(address, opening, std::move(settings), Message_Cache_File(address.Text()));
 }

@@ -42,4 +42,21 @@ std::string Format_Uid_Set(const std::vector<Uid>& uids) {
   return text;
 }
 
+std::vector<std::vector<Uid>> Portions_For_Commands(std::vector<Uid> uids) {
+  constexpr std::size_t most = 7500, longest_range = 2 * 10 + 2;
+  std::vector<std::vector<Uid>> portions;
+  std::size_t bytes = most;
+  std::sort(uids.begin(), uids.end());
+  for (const Uid uid : uids) {
+    const bool goes_on = !portions.empty() && !portions.back().empty() && portions.back().back() + 1 == uid;
+    if (!goes_on) bytes += longest_range;
+    if (bytes > most) {
+      portions.emplace_back();
+      bytes = longest_range;
+    }
+    portions.back().push_back(uid);
+  }
+  return portions;
+}
+
 }  // namespace tidyfold::imap

@@ -18,5 +18,8 @@ inline constexpr std::size_t most_uids = 20'000'000;
 std::vector<Uid> Parse_Uid_Set(std::string_view text);
 // In the order given; neighbours that ascend by one become a range.
 std::string Format_Uid_Set(const std::vector<Uid>& uids);
+// In ascending order, in as many sets as it takes for each to fit into a command: servers may refuse lines
+// that are longer than some 8,000 bytes (RFC 7162, section 4).
+std::vector<std::vector<Uid>> Portions_For_Commands(std::vector<Uid> uids);
 
 }  // namespace tidyfold::imap

@@ -259,7 +259,7 @@ TEST(Automation, What_Is_Busy_Is_Asked_Again_For_A_While) {
   int asked = 0;
   for (const int retries : {0, 2}) {
     store.server.Tell("Busy", 1000);
-    if (retries > 0) store.outlook.Ask_When_Busy([&] { return ++asked <= retries; });
+    if (retries > 0) store.outlook.Ask_When_Busy([&](const std::string&) { return ++asked <= retries; });
     try {
       inbox->Name();
       ADD_FAILURE();
@@ -269,7 +269,7 @@ TEST(Automation, What_Is_Busy_Is_Asked_Again_For_A_While) {
     }
     EXPECT_EQ(asked, retries == 0 ? 0 : retries + 1);
   }
-  store.outlook.Ask_When_Busy([&] { return store.server.Tell("Busy", 0), true; });
+  store.outlook.Ask_When_Busy([&](const std::string&) { return store.server.Tell("Busy", 0), true; });
   store.server.Tell("Busy", 1000);
   EXPECT_EQ(inbox->Name(), "Inbox") << "free again when it is asked once more";
 }

@@ -16,7 +16,9 @@ class Faulty_Automation : public Automation {
   std::shared_ptr<Application> GetObject(const std::string& path, const std::string& program) override;
   std::shared_ptr<Application> CreateObject(const std::string& program) override;
   std::shared_ptr<Mapi_Utils> Create_Mapi_Utils(const std::string& program) override;
-  void Ask_When_Busy(std::function<bool()> go_on) override { inner_.Ask_When_Busy(std::move(go_on)); }
+  void Ask_When_Busy(std::function<bool(const std::string& words)> go_on) override {
+    inner_.Ask_When_Busy(std::move(go_on));
+  }
   std::string Why_Not_Reached() const override { return inner_.Why_Not_Reached(); }
   Change_Groups* Groups() override { return inner_.Groups(); }
   bool Asking_Costs_Calls() const override { return inner_.Asking_Costs_Calls(); }

@@ -26,6 +26,7 @@ struct Wire {
   std::int64_t bytes_left = -1;     // then the connection drops; -1: it does not
   std::int64_t and_again = -1;      // what `bytes_left` is then
   int connections = 0;
+  std::string sent;  // by the store
 };
 
 class Wired_Transport : public Transport {
@@ -45,6 +46,7 @@ class Wired_Transport : public Transport {
   }
   std::size_t Write(std::string_view bytes) override {
     const std::size_t sent = inner_->Write(bytes.substr(0, Allowed(bytes.size())));
+    wire_.sent += bytes.substr(0, sent);
     Count(sent);
     return sent;
   }
@@ -68,14 +70,20 @@ class Wired_Transport : public Transport {
 
 class Dovecot {
  public:
-  Dovecot() {
+  // Without them it has the Inbox alone.
+  enum class Special_Folders { Yes, No };
+  explicit Dovecot(Special_Folders folders = Special_Folders::Yes, const std::string& settings = {}) {
     std::string text =
         "log_path = " + (directory_ / "log").string() +
         "\nmail_location = maildir:" + (directory_ / "mail").string() +
         "\nbase_dir = " + (directory_ / "run").string() +
-        "\nstats_writer_socket_path =\nssl = no\nnamespace inbox {\n  inbox = yes\n"
-        "  separator = /\n  mailbox Papierkorb {\n    auto = create\n    special_use = \\Trash\n"
-        "  }\n  mailbox Sent {\n    auto = create\n    special_use = \\Sent\n  }\n}\n";
+        "\nstats_writer_socket_path =\nssl = no\nmail_fsync = never\nnamespace inbox {\n  inbox = yes\n"
+        "  separator = /\n";
+    if (folders == Special_Folders::Yes)
+      text +=
+          "  mailbox Papierkorb {\n    auto = create\n    special_use = \\Trash\n  }\n"
+          "  mailbox Sent {\n    auto = create\n    special_use = \\Sent\n  }\n";
+    text += "}\n" + settings;
     Write_Bytes(directory_ / "dovecot.conf", text);
     // It serves nobody's mail as the superuser.
     if (geteuid() == 0) {
@@ -108,9 +116,14 @@ class Other_Client {
     client_.Greet();
   }
   void Do(const std::string& command) { client_.Run(Command(command)); }
-  void Append(const std::string& mailbox, const std::string& message, const std::string& flags = "",
-              const std::string& date = "17-Jul-2020 12:44:25 +0000") {
-    client_.Run(Command("APPEND ").String(mailbox).Raw(" (" + flags + ") \"" + date + "\" ").String(message));
+  // Returns UIDVALIDITY and UID.
+  std::pair<std::uint32_t, Uid> Append(const std::string& mailbox, const std::string& message,
+                                       const std::string& flags = "",
+                                       const std::string& date = "17-Jul-2020 12:44:25 +0000") {
+    const auto answer = client_.Run(
+        Command("APPEND ").String(mailbox).Raw(" (" + flags + ") \"" + date + "\" ").String(message));
+    const auto told = answer->Arguments();
+    return {told.at(0).Number_32().value(), told.at(1).Number_32().value()};
   }
   // How many messages have a property.
   std::size_t Count(const std::string& mailbox, const std::string& property) {

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <future>
 #include <map>
 #include <set>
 
@@ -78,7 +79,11 @@ class Imap_Store : public testing::Test {
     return 0;
   }
 
-  Dovecot dovecot_;
+  static constexpr int most_messages = 120;  // then the account is full
+  Dovecot dovecot_{Dovecot::Special_Folders::Yes,
+                   "mail_plugins = quota\nplugin {\n  quota = maildir\n  "
+                   "quota_rule = *:messages=" +
+                       std::to_string(most_messages) + "\n}\n"};
   Wire wire_;
   std::shared_ptr<Noted_Groups> groups_;
   std::shared_ptr<Mail_Store> store_;
@@ -281,6 +286,57 @@ TEST_F(Imap_Store, A_Connection_That_Drops_At_Any_Byte_Loses_Nothing_And_Tells_T
   EXPECT_GT(not_done, 0);
 }
 
+TEST_F(Imap_Store, Changes_Wait_For_Each_Other_And_Go_In_Few_Commands) {
+  Other_Client other(dovecot_);
+  for (int number = 0; number < most_messages; ++number) other.Append("INBOX", Mail("x"), "\\Seen");
+  Open();
+  const std::vector<Table_Row> rows = Rows("Inbox");
+  const MAPIFolder_Ptr inbox = Folder("Inbox"), trash = Folder("Papierkorb");
+  bool waited = false;
+  for (std::size_t at = 0; at < rows.size(); at += 2) {
+    store_->GetItemFromID(rows[at].EntryID)->Move(*trash);
+    waited = !store_->Commit_Due() || waited;
+  }
+  EXPECT_TRUE(waited);
+  EXPECT_EQ(inbox->Items()->Count(), most_messages / 2) << "what is on its way counts as gone";
+  store_->Commit_Pending();
+  EXPECT_TRUE(store_->Commit_Due());
+  EXPECT_EQ(groups_->renamed.size(), rows.size() / 2);
+  EXPECT_EQ(other.Subjects("Papierkorb").size(), rows.size() / 2);
+  std::size_t commands = 0;
+  for (std::size_t at = 0; (at = wire_.sent.find("UID MOVE", at)) != std::string::npos; ++at) ++commands;
+  EXPECT_GE(commands, 1U);
+  EXPECT_LE(commands, rows.size() / 10);
+}
+
+// Copies need room in an account that is full.
+TEST_F(Imap_Store, A_Server_That_Is_Full_Is_Asked_Again_As_Long_As_The_Person_Wants) {
+  for (const bool retries : {true, false}) {
+    SCOPED_TRACE(retries);
+    Other_Client other(dovecot_);
+    for (const char* mailbox : {"INBOX", "Papierkorb"}) other.Empty(mailbox);
+    for (const char* subject : {"a", "b"}) other.Append("INBOX", Mail(subject), "\\Seen");
+    for (int number = 2; number < most_messages; ++number) other.Append("Sent", Mail("x"));
+    wire_.hidden = {"MOVE"};
+    Open();
+    int asked = 0;
+    store_->Ask_When_Busy([&](const std::string& words) {
+      EXPECT_THAT(words, HasSubstr("says: Quota exceeded"));
+      if (++asked == 2) other.Empty("Sent");
+      return retries;
+    });
+    for (const Table_Row& row : Rows("Inbox"))
+      store_->GetItemFromID(row.EntryID)->Move(*Folder("Papierkorb"));
+    const std::int32_t error = Error_Of([&] { store_->Commit_Pending(); });
+    EXPECT_EQ(error, retries ? 0 : automation_error::unavailable);
+    EXPECT_EQ(asked, retries ? 2 : 1);
+    EXPECT_EQ(groups_->not_kept.size(), retries ? 0U : 2U);
+    EXPECT_THAT(other.Subjects(retries ? "Papierkorb" : "INBOX"), ElementsAre("a", "b"));
+    EXPECT_THAT(other.Subjects(retries ? "INBOX" : "Papierkorb"), IsEmpty());
+    other.Empty("Sent");
+  }
+}
+
 TEST_F(Imap_Store, A_Trash_That_Is_Made_Takes_What_Is_Deleted) {
   wire_.hidden = {"SPECIAL-USE", "\\Trash"};
   Open();
@@ -384,10 +440,7 @@ TEST(Imap_Server, What_Is_No_Mail_Server_Is_Refused_With_A_Sentence) {
   }
 }
 
-// A server that says nothing is given up when the person says so, and within a second.
-TEST(Imap_Server, A_Silent_Server_Is_Left_When_The_Wait_Is_Cancelled) {
-  Account_Settings settings;
-  settings.connect = [&](const Interruption&) { return Start_Program({"/bin/cat"}); };
+void Expect_Cancelled(const Account_Settings& settings) {
   const Temporary_Directory cache;
   Store_Opening opening;
   int served = 0;
@@ -399,6 +452,19 @@ TEST(Imap_Server, A_Silent_Server_Is_Left_When_The_Wait_Is_Cancelled) {
     EXPECT_EQ(error.Why(), Store_Open_Error::Reason::Cancelled);
   }
   EXPECT_GE(served, 5);
+}
+
+// A server that says nothing, and a command for the password, are given up when the person says so, and
+// within a second.
+TEST(Imap_Server, A_Silent_Server_Is_Left_When_The_Wait_Is_Cancelled) {
+  Account_Settings settings;
+  std::promise<std::string> told;
+  settings.login.secret = [secret = told.get_future().share()] { return secret.get(); };
+  for (const char* words : {"cat", "echo '* OK [CAPABILITY IMAP4rev1 AUTH=PLAIN] hi\r'; cat"}) {
+    settings.connect = [&](const Interruption&) { return Start_Program({"/bin/sh", "-c", words}); };
+    Expect_Cancelled(settings);
+  }
+  told.set_value("late");
 }
 
 TEST(Imap_Server, No_Error_Repeats_A_Password) {
