@@ -30,9 +30,9 @@ class Look(Window_Case):
 
     def test_nothing_that_is_needed_is_cut_off_in_a_small_window(self):
         self.make_store(200)
-        for screen in ("640x480", "800x600"):
-            with self.subTest(screen=screen):
-                window = self.open_on(screen)
+        for screen, text in (("640x480", "1"), ("800x600", "1"), ("640x480", "1.75"), ("800x600", "1.75")):
+            with self.subTest(screen=screen, text=text):
+                window = self.open_on(screen, GDK_DPI_SCALE=text)
                 window.key("ctrl+m")  # a narrow window may have no room for the tree
                 window.usable("cmdRun")
                 # The widest that both bars allow, and as small as the window gets.
