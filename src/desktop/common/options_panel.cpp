@@ -111,8 +111,7 @@ void Options_Panel::Add_Filters(wxBoxSizer& group) {
   Add_Option(group, model_.chkSelectUnread);
   Add_Option(group, model_.chkSelectFlagged);
 
-  wxFlexGridSizer* const date_line = New_Pairs();
-  date_line->Add(New_Check_Box(model_.chkSelectDate), wxSizerFlags().CentreVertical());
+  Add_Option(group, model_.chkSelectDate);
   auto* const date_box = new wxBoxSizer(wxHORIZONTAL);
   auto* const date = new wxTextCtrl(this, wxID_ANY);
   const int height = date->GetCharHeight() + FromDIP(text_box_padding);
@@ -127,8 +126,7 @@ void Options_Panel::Add_Filters(wxBoxSizer& group) {
   Set_Spoken_Name(*opener, "Calendar");
   date_box->Add(date, wxSizerFlags().CentreVertical());
   date_box->Add(opener, wxSizerFlags().CentreVertical());
-  date_line->Add(date_box, wxSizerFlags().Right());
-  group.Add(date_line, wxSizerFlags().Expand());
+  group.Add(date_box, below_option);
   group.Add(complaint, below_option);
 
   Add_Option(group, model_.chkSelectSubject);

@@ -41,7 +41,7 @@ class Options_Panel : public wxScrolledWindow {
   bool keeps_copies_;
   Binders* binders_ = nullptr;
   wxBoxSizer* column_ = nullptr;
-  // Two things in a line, or one in a narrow panel.
+  // Two boxes in a line, or one in a narrow panel.
   std::vector<wxFlexGridSizer*> pairs_;
   // In pixels, without the right margin.
   int width_of_pairs_ = 0;
