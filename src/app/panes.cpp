@@ -9,7 +9,8 @@ namespace {
 
 constexpr Twips margin = 120;
 constexpr Twips button_gap = 60;
-constexpr Twips least_grid_width = 2700;
+// In a narrow window the tree gives way first, then the options, and at last the grid.
+constexpr Twips comfortable_grid_width = 2700, least_grid_width = 1980, least_options_width = 2880;
 
 }  // namespace
 
@@ -132,9 +133,14 @@ void Panes::Form_Resize() {
     w.cmdRun.Set_Top(w.frmOptions.Top() + w.frmOptions.Height() + button_gap);
     // The options stay in sight: in a narrow window the tree gives way, down to nothing, and has its width
     // again once there is room.
-    const Twips wanted_left = w.frmRemoveItems.Width() - margin - w.frmOptions.Width();
-    const Twips farthest_grid = std::max(wanted_left - w.picSlider2.Width() - least_grid_width,
-                                         w.trvFolders.Left() + w.picSlider.Width());
+    const Twips least_left = w.trvFolders.Left() + w.picSlider.Width();
+    const Twips room_right = w.frmRemoveItems.Width() - margin - w.picSlider2.Width();
+    const Twips options_width = std::clamp(room_right - least_left - comfortable_grid_width,
+                                           least_options_width, designed_options_width_);
+    w.frmOptions.Set_Width(options_width);
+    Align_Command_Button();
+    const Twips wanted_left = w.frmRemoveItems.Width() - margin - options_width;
+    const Twips farthest_grid = std::max(room_right - options_width - comfortable_grid_width, least_left);
     const Twips chosen_grid = w.trvFolders.Left() + chosen_tree_width_ + w.picSlider.Width();
     if (const Twips grid = std::min(chosen_grid, farthest_grid); w.grdItems.Left() != grid) {
       w.grdItems.Set_Left(grid);

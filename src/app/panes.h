@@ -44,6 +44,7 @@ class Panes {
   SliderBar tree_bar_, options_bar_;
   // Of the folder tree, as a person left it; a narrow window shows less of it.
   Twips chosen_tree_width_ = 0;
+  const Twips designed_options_width_ = window_.frmOptions.Width();
   // Widths when a drag of the first bar began.
   std::int32_t grid_width_ = 0, options_width_ = 0;
 };

@@ -74,7 +74,7 @@ class Accessibility(Window_Case):
         window.click("cmdRun")
         window.box("identified for cleaning")
         self.wait_told("the review", lambda tree: [
-            window for window in found(tree, "frame") if "modal" in window["states"] and
+            window for window in found(tree, "dialog") if "modal" in window["states"] and
             found(window, "label", "identified for cleaning")])
         window.answer("identified for cleaning")
         window.box("moved to the")

@@ -1,5 +1,6 @@
 """What the window looks like: nothing that a person needs is cut off, and everything can be read."""
 
+import shutil
 import subprocess
 import unittest
 
@@ -22,17 +23,18 @@ def contrast(one, other):
 
 class Look(Window_Case):
     def open_on(self, screen, **environment):
-        """Ends what a case that failed has left open."""
+        """Ends what a case that failed has left open, and forgets how it was left."""
         if self.window:
             self.window.close()
+        shutil.rmtree(self.folder / "config", ignore_errors=True)
         self.screen = screen
         return self.open(**environment)
 
     def test_nothing_that_is_needed_is_cut_off_in_a_small_window(self):
         self.make_store(200)
-        for screen in ("640x480", "800x600"):
-            with self.subTest(screen=screen):
-                window = self.open_on(screen)
+        for screen, text in (("640x480", "1"), ("800x600", "1"), ("640x480", "1.75"), ("800x600", "1.75")):
+            with self.subTest(screen=screen, text=text):
+                window = self.open_on(screen, GDK_DPI_SCALE=text)
                 window.key("ctrl+m")  # a narrow window may have no room for the tree
                 window.usable("cmdRun")
                 # The widest that both bars allow, and as small as the window gets.

@@ -1,4 +1,5 @@
 #include "desktop/common/about_window.h"
+#include "desktop/common/accessibility.h"
 
 #include <wx/button.h>
 #include <wx/hyperlink.h>
@@ -22,6 +23,7 @@ About_Window::About_Window(wxWindow* parent, Form& form, About_Controls& control
                wxDEFAULT_DIALOG_STYLE | wxRESIZE_BORDER),
       form_(form),
       controls_(controls) {
+  Speak_As_Dialog(*this);
   SetName(To_Wx(form_.Name()));
   const int gap = FromDIP(12);
 

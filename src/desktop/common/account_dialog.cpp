@@ -1,4 +1,5 @@
 #include "desktop/common/account_dialog.h"
+#include "desktop/common/accessibility.h"
 
 #include <wx/button.h>
 #include <wx/settings.h>
@@ -29,6 +30,7 @@ wxString Trimmed(const wxTextCtrl& field) {
 Account_Dialog::Account_Dialog(wxWindow* parent, Test test)
     : wxDialog(parent, wxID_ANY, "Open Mail Account", wxDefaultPosition, wxDefaultSize,
                wxDEFAULT_DIALOG_STYLE | wxRESIZE_BORDER) {
+  Speak_As_Dialog(*this);
   SetName("Account_Dialog");
   auto* const column = new wxBoxSizer(wxVERTICAL);
   auto* const text = new wxStaticText(

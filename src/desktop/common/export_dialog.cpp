@@ -1,4 +1,5 @@
 #include "desktop/common/export_dialog.h"
+#include "desktop/common/accessibility.h"
 
 #include <wx/button.h>
 #include <wx/sizer.h>
@@ -28,6 +29,7 @@ constexpr Form_Name forms[] = {{Export_Form::Maildir, "Maildir: a folder of file
 Export_Dialog::Export_Dialog(wxWindow* parent, const std::string& folder)
     : wxDialog(parent, wxID_ANY, "Export", wxDefaultPosition, wxDefaultSize,
                wxDEFAULT_DIALOG_STYLE | wxRESIZE_BORDER) {
+  Speak_As_Dialog(*this);
   SetName("Export_Dialog");
   auto* const column = new wxBoxSizer(wxVERTICAL);
   constexpr std::size_t longest_name = 40;  // a long word would not wrap

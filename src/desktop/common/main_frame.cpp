@@ -28,6 +28,8 @@ namespace {
 // Unscaled pixels. Title, menu and status bar of common desktops take less than this of the screen's height.
 constexpr int reserved_height = 90;
 constexpr int smallest_width = 480, smallest_height = 320;
+// The panes at their narrowest, without the tree; counts where the text is large.
+constexpr Twips smallest_panes = 5400;
 // Where the screen has room, the window opens larger than designed; start-up lays the panes out.
 constexpr Twips comfortable_width = 19800, comfortable_height = 11100;
 
@@ -65,7 +67,9 @@ Main_Frame::Main_Frame(MainWindow& model, Repaint_Schedule& schedule, File_Comma
   Build_Menus();
   Build_Panes();
   Set_Tab_Order();
-  SetMinClientSize(FromDIP(wxSize(smallest_width, smallest_height)));
+  wxSize smallest = FromDIP(wxSize(smallest_width, smallest_height));
+  smallest.IncTo(wxSize(scale_.Pixels(smallest_panes), 0));
+  SetMinClientSize(smallest);
 
   Take_First_Size();
 

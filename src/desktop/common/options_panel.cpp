@@ -50,7 +50,29 @@ void Options_Panel::Bind_To_Model(Binders& binders) {
   frame->Add(column_, wxSizerFlags(1).Expand().Border(wxLEFT | wxRIGHT, FromDIP(margin)));
   SetSizer(frame);
   FitInside();
+  width_of_pairs_ = frame->GetMinSize().x - FromDIP(margin);
   model_.options_height = Scale(*this).To_Twips(frame->GetMinSize().y);
+  Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
+    event.Skip();
+    Fold_If_Narrow();
+  });
+}
+
+wxFlexGridSizer* Options_Panel::New_Pairs() {
+  auto* const pairs = new wxFlexGridSizer(2, FromDIP(wxSize(8, Check_Box_Gap())));
+  pairs->AddGrowableCol(0);
+  pairs_.push_back(pairs);
+  return pairs;
+}
+
+void Options_Panel::Fold_If_Narrow() {
+  const int columns = GetClientSize().x < width_of_pairs_ ? 1 : 2;
+  if (pairs_.front()->GetCols() == columns) return;
+  for (wxFlexGridSizer* const pairs : pairs_) pairs->SetCols(columns);
+  FitInside();
+  model_.options_height = Scale(*this).To_Twips(GetSizer()->GetMinSize().y);
+  // Later: this size may be one of several that the panes are just given.
+  CallAfter([this] { tidyfold::Raise(model_.frmRemoveItems.Resize); });
 }
 
 bool Options_Panel::Settle() {
@@ -89,9 +111,8 @@ void Options_Panel::Add_Filters(wxBoxSizer& group) {
   Add_Option(group, model_.chkSelectUnread);
   Add_Option(group, model_.chkSelectFlagged);
 
-  auto* const date_line = new wxBoxSizer(wxHORIZONTAL);
-  date_line->Add(New_Check_Box(model_.chkSelectDate), wxSizerFlags().CentreVertical());
-  date_line->AddStretchSpacer();
+  Add_Option(group, model_.chkSelectDate);
+  auto* const date_box = new wxBoxSizer(wxHORIZONTAL);
   auto* const date = new wxTextCtrl(this, wxID_ANY);
   const int height = date->GetCharHeight() + FromDIP(text_box_padding);
   const int width = date->GetSizeFromTextSize(date->GetTextExtent("0000-00-00").x).x;
@@ -103,9 +124,9 @@ void Options_Panel::Add_Filters(wxBoxSizer& group) {
   cutoff_date_ = &binders_->Add<Date_Box_Binder>(model_.dtpCutoffDate, *date, *opener, *complaint);
   Set_Spoken_Name(*date, "Cut-off date");
   Set_Spoken_Name(*opener, "Calendar");
-  date_line->Add(date, wxSizerFlags().CentreVertical());
-  date_line->Add(opener, wxSizerFlags().CentreVertical());
-  group.Add(date_line, wxSizerFlags().Expand());
+  date_box->Add(date, wxSizerFlags().CentreVertical());
+  date_box->Add(opener, wxSizerFlags().CentreVertical());
+  group.Add(date_box, below_option);
   group.Add(complaint, below_option);
 
   Add_Option(group, model_.chkSelectSubject);
@@ -122,8 +143,7 @@ void Options_Panel::Add_Filters(wxBoxSizer& group) {
   subject_line->Add(subject, wxSizerFlags(1).CentreVertical());
   group.Add(subject_line, below_option);
   group.AddSpacer(FromDIP(Check_Box_Gap()));
-  auto* const match = new wxFlexGridSizer(2, FromDIP(wxSize(8, Check_Box_Gap())));
-  match->AddGrowableCol(0);
+  wxFlexGridSizer* const match = New_Pairs();
   match->AddGrowableCol(1);
   for (CheckBox* const option : {&model_.chkMatchCase, &model_.chkMatchWord})
     match->Add(New_Check_Box(*option));
@@ -131,8 +151,7 @@ void Options_Panel::Add_Filters(wxBoxSizer& group) {
   group.AddSpacer(FromDIP(Check_Box_Gap()));
 
   Add_Option(group, model_.chkSelectType);
-  auto* const types = new wxFlexGridSizer(2, FromDIP(wxSize(8, Check_Box_Gap())));
-  types->AddGrowableCol(0);
+  wxFlexGridSizer* const types = New_Pairs();
   types->AddGrowableCol(1);
   for (TypeBox& type : model_.chkType) {
     wxCheckBox* const box = New_Check_Box(type.box);

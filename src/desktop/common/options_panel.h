@@ -5,6 +5,7 @@
 #include <wx/sizer.h>
 
 #include <functional>
+#include <vector>
 
 #include "controls/main_window.h"
 #include "desktop/common/binders.h"
@@ -14,7 +15,7 @@
 namespace tidyfold {
 
 // Three groups of check boxes, each under a heading; what belongs to an option is indented below it. Scrolls
-// if the window is too low.
+// if the window is too low; what stands side by side goes below each other if it is too narrow.
 class Options_Panel : public wxScrolledWindow {
  public:
   // Keep a Copy First shows where copies can be kept.
@@ -32,12 +33,18 @@ class Options_Panel : public wxScrolledWindow {
   wxCheckBox* New_Check_Box(CheckBox& model);
   void Add_Option(wxBoxSizer& group, CheckBox& model);
   void Add_Filters(wxBoxSizer& group);
+  wxFlexGridSizer* New_Pairs();
+  void Fold_If_Narrow();
   void Say_How_Subjects_Match(wxStaticText& how, wxTextCtrl& subject);
 
   MainWindow& model_;
   bool keeps_copies_;
   Binders* binders_ = nullptr;
   wxBoxSizer* column_ = nullptr;
+  // Two boxes in a line, or one in a narrow panel.
+  std::vector<wxFlexGridSizer*> pairs_;
+  // In pixels, without the right margin.
+  int width_of_pairs_ = 0;
   Text_Box_Binder* subject_ = nullptr;
   Date_Box_Binder* cutoff_date_ = nullptr;
 };

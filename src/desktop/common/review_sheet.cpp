@@ -1,4 +1,5 @@
 #include "desktop/common/review_sheet.h"
+#include "desktop/common/accessibility.h"
 
 #include <wx/button.h>
 #include <wx/display.h>
@@ -52,6 +53,7 @@ Review_Sheet::Review_Sheet(wxWindow* parent, const Review& review)
       sentence_(To_Lines(review.sentence)),
       note_lines_(Joined(review.notes)),
       sentence_text_(new wxStaticText(this, wxID_ANY, wxString())) {
+  Speak_As_Dialog(*this);
   SetName("shtReview");
   sentence_text_->SetFont(sentence_text_->GetFont().Bold());
   const int border = FromDIP(gap);

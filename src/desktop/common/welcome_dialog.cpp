@@ -1,4 +1,5 @@
 #include "desktop/common/welcome_dialog.h"
+#include "desktop/common/accessibility.h"
 
 #include <wx/button.h>
 #include <wx/sizer.h>
@@ -19,6 +20,7 @@ namespace tidyfold {
 Welcome_Dialog::Welcome_Dialog(Store_Files& files, Message_Box& message_box)
     : wxDialog(nullptr, wxID_ANY, application_title, wxDefaultPosition, wxDefaultSize,
                wxDEFAULT_DIALOG_STYLE) {
+  Speak_As_Dialog(*this);
   SetName("frmWelcome");
   SetIcons(Application_Icons());
   const int gap = FromDIP(12);

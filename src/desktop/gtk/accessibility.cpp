@@ -13,4 +13,9 @@ void Set_Spoken_Name(wxWindow& widget, const wxString& name, Spoken_As role) {
   if (before == nullptr || name != wxString::FromUTF8(before)) atk_object_set_name(accessible, text.data());
 }
 
+// The toolkit makes its own dialogs of plain windows of GTK's.
+void Speak_As_Dialog(wxDialog& dialog) {
+  atk_object_set_role(gtk_widget_get_accessible(GTK_WIDGET(dialog.GetHandle())), ATK_ROLE_DIALOG);
+}
+
 }  // namespace tidyfold

@@ -54,4 +54,7 @@ void Set_Spoken_Name(wxWindow&, const wxString&, Spoken_As) {}
 
 #endif
 
+// Windows knows its dialogs.
+void Speak_As_Dialog(wxDialog&) {}
+
 }  // namespace tidyfold
