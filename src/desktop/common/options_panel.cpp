@@ -15,6 +15,7 @@ namespace {
 constexpr int margin = 10;
 constexpr int indent = 22;
 constexpr int group_gap = 4;
+constexpr int least_width = 100;
 constexpr int text_box_padding = 10;
 
 }  // namespace
@@ -66,6 +67,8 @@ wxFlexGridSizer* Options_Panel::New_Pairs() {
 }
 
 void Options_Panel::Fold_If_Narrow() {
+  // Before the panes are laid out the first time the panel is next to nothing.
+  if (GetClientSize().x < FromDIP(least_width)) return;
   const int columns = GetClientSize().x < width_of_pairs_ ? 1 : 2;
   if (pairs_.front()->GetCols() == columns) return;
   for (wxFlexGridSizer* const pairs : pairs_) pairs->SetCols(columns);
