@@ -55,7 +55,8 @@ void Options_Panel::Bind_To_Model(Binders& binders) {
   model_.options_height = Scale(*this).To_Twips(frame->GetMinSize().y);
   Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
     event.Skip();
-    Fold_If_Narrow();
+    // Later: this size may be one of several that the panel is just given.
+    CallAfter(&Options_Panel::Fold_If_Narrow);
   });
 }
 
@@ -74,8 +75,7 @@ void Options_Panel::Fold_If_Narrow() {
   for (wxFlexGridSizer* const pairs : pairs_) pairs->SetCols(columns);
   FitInside();
   model_.options_height = Scale(*this).To_Twips(GetSizer()->GetMinSize().y);
-  // Later: this size may be one of several that the panes are just given.
-  CallAfter([this] { tidyfold::Raise(model_.frmRemoveItems.Resize); });
+  tidyfold::Raise(model_.frmRemoveItems.Resize);
 }
 
 bool Options_Panel::Settle() {
