@@ -68,9 +68,10 @@ class Look(Window_Case):
                 self.assertGreater(width, widget["text_width"], name)
 
     def pixels(self):
-        """Rows of colours of the whole screen."""
-        data = subprocess.run(["import", "-window", "root", "-depth", "8", "ppm:-"], env=self.window.environment,
-                              check=True, stdout=subprocess.PIPE).stdout
+        """Rows of colours of the whole screen; the colours of buttons take a while to change."""
+        self.window.picture(self.folder / "screen.png")
+        data = subprocess.run(["convert", self.folder / "screen.png", "-depth", "8", "ppm:-"], check=True,
+                              stdout=subprocess.PIPE).stdout
         _, size, _, raw = data.split(b"\n", 3)
         wide, _ = map(int, size.split())
         return lambda x, y: tuple(raw[3 * (y * wide + x):3 * (y * wide + x) + 3])

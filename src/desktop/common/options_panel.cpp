@@ -15,6 +15,7 @@ namespace {
 constexpr int margin = 10;
 constexpr int indent = 22;
 constexpr int group_gap = 4;
+constexpr int least_width = 100;
 constexpr int text_box_padding = 10;
 
 }  // namespace
@@ -54,7 +55,8 @@ void Options_Panel::Bind_To_Model(Binders& binders) {
   model_.options_height = Scale(*this).To_Twips(frame->GetMinSize().y);
   Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
     event.Skip();
-    Fold_If_Narrow();
+    // Later: this size may be one of several that the panel is just given.
+    CallAfter(&Options_Panel::Fold_If_Narrow);
   });
 }
 
@@ -66,13 +68,14 @@ wxFlexGridSizer* Options_Panel::New_Pairs() {
 }
 
 void Options_Panel::Fold_If_Narrow() {
+  // Before the panes are laid out the first time the panel is next to nothing.
+  if (GetClientSize().x < FromDIP(least_width)) return;
   const int columns = GetClientSize().x < width_of_pairs_ ? 1 : 2;
   if (pairs_.front()->GetCols() == columns) return;
   for (wxFlexGridSizer* const pairs : pairs_) pairs->SetCols(columns);
   FitInside();
   model_.options_height = Scale(*this).To_Twips(GetSizer()->GetMinSize().y);
-  // Later: this size may be one of several that the panes are just given.
-  CallAfter([this] { tidyfold::Raise(model_.frmRemoveItems.Resize); });
+  tidyfold::Raise(model_.frmRemoveItems.Resize);
 }
 
 bool Options_Panel::Settle() {
