@@ -1,11 +1,11 @@
 #include "desktop/common/about_window.h"
-#include "desktop/common/accessibility.h"
 
 #include <wx/button.h>
 #include <wx/hyperlink.h>
 #include <wx/sizer.h>
 #include <wx/statbmp.h>
 
+#include "desktop/common/accessibility.h"
 #include "desktop/common/application_icon.h"
 #include "desktop/common/text_conversion.h"
 

@@ -1,5 +1,4 @@
 #include "desktop/common/account_dialog.h"
-#include "desktop/common/accessibility.h"
 
 #include <wx/button.h>
 #include <wx/settings.h>
@@ -10,6 +9,7 @@
 #include <algorithm>
 
 #include "controls/interaction.h"
+#include "desktop/common/accessibility.h"
 #include "desktop/common/text_conversion.h"
 
 namespace tidyfold {

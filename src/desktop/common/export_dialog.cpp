@@ -1,5 +1,4 @@
 #include "desktop/common/export_dialog.h"
-#include "desktop/common/accessibility.h"
 
 #include <wx/button.h>
 #include <wx/sizer.h>
@@ -7,6 +6,7 @@
 #include <wx/stdpaths.h>
 #include <wx/textctrl.h>
 
+#include "desktop/common/accessibility.h"
 #include "desktop/common/text_conversion.h"
 
 namespace tidyfold {

@@ -1,5 +1,4 @@
 #include "desktop/common/review_sheet.h"
-#include "desktop/common/accessibility.h"
 
 #include <wx/button.h>
 #include <wx/display.h>
@@ -7,6 +6,7 @@
 
 #include <algorithm>
 
+#include "desktop/common/accessibility.h"
 #include "desktop/common/text_conversion.h"
 #include "desktop/common/text_table.h"
 

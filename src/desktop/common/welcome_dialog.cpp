@@ -1,5 +1,4 @@
 #include "desktop/common/welcome_dialog.h"
-#include "desktop/common/accessibility.h"
 
 #include <wx/button.h>
 #include <wx/sizer.h>
@@ -9,6 +8,7 @@
 #include <functional>
 
 #include "controls/interaction.h"
+#include "desktop/common/accessibility.h"
 #include "desktop/common/application_icon.h"
 #include "desktop/common/desktop_help.h"
 #include "desktop/common/store_files.h"
