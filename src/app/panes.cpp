@@ -11,6 +11,8 @@ constexpr Twips margin = 120;
 constexpr Twips button_gap = 60;
 // In a narrow window the tree gives way first, then the options, and at last the grid.
 constexpr Twips comfortable_grid_width = 2700, least_grid_width = 1980, least_options_width = 2880;
+// The window is never narrower once it is shown.
+constexpr Twips least_window_width = 5400;
 
 }  // namespace
 
@@ -135,8 +137,10 @@ void Panes::Form_Resize() {
     // again once there is room.
     const Twips least_left = w.trvFolders.Left() + w.picSlider.Width();
     const Twips room_right = w.frmRemoveItems.Width() - margin - w.picSlider2.Width();
-    const Twips options_width = std::clamp(room_right - least_left - comfortable_grid_width,
-                                           least_options_width, designed_options_width_);
+    const Twips options_width = w.frmRemoveItems.Width() < least_window_width
+                                    ? designed_options_width_
+                                    : std::clamp(room_right - least_left - comfortable_grid_width,
+                                                 least_options_width, designed_options_width_);
     w.frmOptions.Set_Width(options_width);
     Align_Command_Button();
     const Twips wanted_left = w.frmRemoveItems.Width() - margin - options_width;
