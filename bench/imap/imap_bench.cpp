@@ -12,6 +12,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -275,7 +276,7 @@ class Bench {
 }  // namespace
 }  // namespace tidyfold::imap
 
-int main(int count, char** words) {
+int main(int count, char** words) try {
   if (count < 2 || std::filesystem::exists(words[1])) {
     std::cerr << "imap_bench DIRECTORY [MAILS [ROUNDS]]; the directory must not exist\n";
     return 2;
@@ -284,4 +285,8 @@ int main(int count, char** words) {
   for (int round = count > 3 ? std::atoi(words[3]) : 3; round > 0; --round) bench.Round();
   bench.Report();
   std::filesystem::remove_all(words[1]);
+  return 0;
+} catch (const std::exception& error) {
+  std::cerr << error.what() << '\n';
+  return 1;
 }

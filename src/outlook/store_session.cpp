@@ -226,9 +226,10 @@ New_Item Store_Session::Read_Whole_Item(const std::string& store_id, const std::
 
 namespace {
 
-// Does it with each store, also where it fails with one before.
+// Does it with each store, also where it fails with one before. The list may change meanwhile.
 template <class Work>
-void With_Each(std::vector<std::weak_ptr<Mail_Store>> stores, Work&& work) {
+void With_Each(const std::vector<std::weak_ptr<Mail_Store>>& known_stores, Work&& work) {
+  const auto stores = known_stores;
   std::exception_ptr first_failure;
   for (const auto& known : stores) {
     const auto store = known.lock();

@@ -61,6 +61,7 @@ Change Account::Plan_Change(std::size_t mailbox, std::uint32_t uid_validity, Uid
 
 void Account::Carry_Out(std::vector<Change>& changes) {
   std::vector<Change*> all;
+  all.reserve(changes.size());
   for (Change& change : changes) all.push_back(&change);
   const auto way = [](const Change* change) {
     return std::tuple(change->mailbox, change->target, change->uid_validity);

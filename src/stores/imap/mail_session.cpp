@@ -347,8 +347,10 @@ void Take_Refusal(const Response& answer, Refusal& refusal) {
 std::vector<std::unique_ptr<Response>> Mail_Session::Run_All(const std::vector<Command>& commands,
                                                              const imap::Client::Handler& handler) {
   std::vector<std::string> tags;
+  tags.reserve(commands.size());
   for (const Command& command : commands) tags.push_back(client_->Send(command));
   std::vector<std::unique_ptr<Response>> answers;
+  answers.reserve(tags.size());
   for (const std::string& tag : tags) answers.push_back(client_->Finish(tag, handler));
   return answers;
 }
