@@ -40,7 +40,10 @@ class Accessibility(Window_Case):
     def wait_told(self, what, condition):
         """Until the tree, which follows the window, says so."""
         for _ in range(30):
-            tree = json.loads(self.walk("--json"))
+            try:
+                tree = json.loads(self.walk("--json"))
+            except subprocess.CalledProcessError:
+                continue  # the bus has not answered in time
             if condition(tree):
                 return tree
         self.fail("Not told: " + what)

@@ -1,6 +1,5 @@
 """What the window looks like: nothing that a person needs is cut off, and everything can be read."""
 
-import shutil
 import subprocess
 import unittest
 
@@ -23,10 +22,9 @@ def contrast(one, other):
 
 class Look(Window_Case):
     def open_on(self, screen, **environment):
-        """Ends what a case that failed has left open, and forgets how it was left."""
+        """As the case before has left it, which may be larger; ends one that failed."""
         if self.window:
             self.window.close()
-        shutil.rmtree(self.folder / "config", ignore_errors=True)
         self.screen = screen
         return self.open(**environment)
 

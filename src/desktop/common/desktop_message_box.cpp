@@ -2,12 +2,16 @@
 
 #include <wx/app.h>
 #include <wx/dirdlg.h>
+#include <wx/evtloop.h>
 #include <wx/msgdlg.h>
 #include <wx/numdlg.h>
 #include <wx/richmsgdlg.h>
 #include <wx/stdpaths.h>
+#include <wx/stopwatch.h>
+#include <wx/utils.h>
 
 #include "desktop/common/review_sheet.h"
+#include "desktop/common/system_look.h"
 #include "desktop/common/text_conversion.h"
 
 namespace tidyfold {
@@ -52,6 +56,17 @@ Answer To_Answer(int pressed, Buttons buttons) {
   }
 }
 
+// A box that opens before its window is on the screen comes to lie behind it, without the keyboard. No
+// desktop takes longer than this.
+void Wait_Until_On_Screen(const wxWindow& window) {
+  constexpr long longest = 2000;  // milliseconds
+  wxEventLoopBase* const loop = wxEventLoopBase::GetActive();
+  for (const wxStopWatch waited; loop != nullptr && !Is_On_Screen(window) && waited.Time() < longest;) {
+    loop->YieldFor(wxEVT_CATEGORY_UI);
+    wxMilliSleep(5);
+  }
+}
+
 }  // namespace
 
 template <class Ask>
@@ -61,6 +76,7 @@ auto Desktop_Message_Box::Open(const std::string& text, Ask&& ask) {
   wxWindow* const front = wxGetActiveWindow();
   wxWindow* parent = front != nullptr ? wxGetTopLevelParent(front) : wxTheApp->GetTopWindow();
   if (parent != nullptr && !parent->IsShown()) parent = nullptr;
+  if (parent != nullptr) Wait_Until_On_Screen(*parent);
   auto answer = ask(parent);
   --open_boxes_;
   if (closed) closed();

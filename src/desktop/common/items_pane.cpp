@@ -98,7 +98,7 @@ void Items_Pane::Search_Key(wxKeyEvent& event) {
   if (key == WXK_DOWN || key == WXK_RETURN || key == WXK_NUMPAD_ENTER) {
     if (model_.grdItems.Shown_Rows() > 0 && !model_.grdItems.Has_Row())
       model_.grdItems.Set_Row(model_.grdItems.Row_At_Place(1));
-    return grid_->GetGridWindow()->SetFocus();
+    return Go_To_List();
   }
   event.Skip();
 }

@@ -21,6 +21,7 @@ class Items_Pane : public wxPanel {
   Grid_Binder& Bind_To_Model(Binders& binders, Repaint_Schedule& schedule, const Scale& scale);
   // The keyboard to the search box, with what stands there selected.
   void Go_To_Search();
+  void Go_To_List() { grid_->GetGridWindow()->SetFocus(); }
 
  private:
   void Search_Key(wxKeyEvent& event);

@@ -317,14 +317,16 @@ bool Main_Frame::Do_Menu_Key(const wxKeyEvent& event) {
   return false;
 }
 
-// A disabled widget loses the focus, and then no key would reach the window. Moves the focus to Cancel or the
-// tree, and back when the widget is enabled again.
+// A widget that is disabled, or has no room in a narrow window, loses the focus, and then no key would reach
+// the window. Moves the focus to Cancel, the tree or the list, and back when the widget is enabled again.
 void Main_Frame::Keep_Keyboard() {
   if (!IsActive()) return;
   wxWindow* const focus = FindFocus();
   // Another window takes the focus shortly before this one learns that it is no longer active.
   if (focus != nullptr && wxGetTopLevelParent(focus) != this) return;
-  const auto usable = [](const wxWindow* window) { return window != nullptr && window->IsEnabled(); };
+  const auto usable = [](const wxWindow* window) {
+    return window != nullptr && window->IsEnabled() && window->IsShownOnScreen();
+  };
   if (usable(focus) && focus != stand_in_ && focus != handed_on_) {
     keyboard_home_ = focus;
     stand_in_ = nullptr;
@@ -333,11 +335,15 @@ void Main_Frame::Keep_Keyboard() {
   } else if (!usable(focus) || focus == handed_on_) {
     wxWindow* const run = FindWindowByName(To_Wx(model_.cmdRun.Name()), surface_);
     wxWindow* const tree = FindWindowByName(To_Wx(model_.trvFolders.Name()), surface_);
-    if (usable(run)) {
+    // Clean is to be pressed by those alone who go to it.
+    const bool has_room = keyboard_home_ == nullptr || keyboard_home_->IsShownOnScreen();
+    if (has_room && usable(run)) {
       stand_in_ = run;
       run->SetFocus();
     } else if (usable(tree)) {
       tree->SetFocus();
+    } else if (usable(items_)) {
+      items_->Go_To_List();
     }
   }
 }

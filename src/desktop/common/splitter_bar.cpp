@@ -2,6 +2,7 @@
 
 #include <wx/dcbuffer.h>
 #include <wx/settings.h>
+#include <wx/utils.h>
 
 namespace tidyfold {
 
@@ -67,10 +68,17 @@ Splitter_Bar_Binder::Splitter_Bar_Binder(PictureBox& model, Splitter_Bar& widget
     });
   }
   widget_.Bind(wxEVT_MOTION, [this](wxMouseEvent&) {
+    if (widget_.HasCapture()) Follow_Pointer();
+  });
+  // GTK loses a release outside of the window that came before the press was handled.
+  widget_.Bind(wxEVT_IDLE, [this](wxIdleEvent& event) {
+    event.Skip();
     if (!widget_.HasCapture()) return;
-    // Not the event's position, which is relative to where the bar was when the pointer moved.
-    const int pointer = widget_.GetParent()->ScreenToClient(wxGetMousePosition()).x;
-    Raise(model_.MouseMove, scale_.To_Twips(pointer - grip_ - scale_.Pixels(model_.Left())));
+    const wxMouseState mouse = wxGetMouseState();
+    if (mouse.LeftIsDown() || mouse.MiddleIsDown() || mouse.RightIsDown()) return;
+    Follow_Pointer();
+    widget_.ReleaseMouse();
+    Let_Go(0);
   });
   widget_.Bind(wxEVT_LEFT_UP, [this](wxMouseEvent& event) {
     if (!widget_.HasCapture()) return;
@@ -104,6 +112,12 @@ void Splitter_Bar_Binder::Drag_By(int pixels) {
   Raise(model_.MouseDown, Twips{0});
   Raise(model_.MouseMove, scale_.To_Twips(pixels));
   Let_Go(0);
+}
+
+// Not to an event's position, which is relative to where the bar was when the pointer moved.
+void Splitter_Bar_Binder::Follow_Pointer() {
+  const int pointer = widget_.GetParent()->ScreenToClient(wxGetMousePosition()).x;
+  Raise(model_.MouseMove, scale_.To_Twips(pointer - grip_ - scale_.Pixels(model_.Left())));
 }
 
 void Splitter_Bar_Binder::Let_Go(int x) {

@@ -29,6 +29,7 @@ class Splitter_Bar_Binder : public Control_Binder {
  private:
   void Show_Model() override;
   void Drag_By(int pixels);
+  void Follow_Pointer();
   void Let_Go(int x);
 
   PictureBox& model_;

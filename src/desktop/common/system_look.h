@@ -22,6 +22,9 @@ void Show_Tip_Beside(wxWindow& window, const wxRect& part, const wxString& text)
 // Style flags of a tool bar: whether its tools show pictures or words.
 long Tool_Bar_Style();
 
+// Whether a window that was shown is on the screen yet; the desktop may let it wait.
+bool Is_On_Screen(const wxWindow& window);
+
 // Whether the window is the one that the person works in.
 bool Is_In_Front(wxFrame& frame);
 // The same of any window of the program, its boxes included.

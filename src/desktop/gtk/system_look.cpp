@@ -87,6 +87,10 @@ long Tool_Bar_Style() {
   return 0;
 }
 
+bool Is_On_Screen(const wxWindow& window) {
+  return gtk_widget_get_mapped(GTK_WIDGET(window.GetHandle())) != FALSE;
+}
+
 // wxTopLevelWindow::IsActive is true some time before the window manager agrees.
 bool Is_In_Front(wxFrame& frame) {
   return gtk_window_is_active(GTK_WINDOW(frame.GetHandle())) != FALSE;

@@ -30,6 +30,10 @@ long Tool_Bar_Style() {
   return wxTB_TEXT | wxTB_NOICONS;
 }
 
+bool Is_On_Screen(const wxWindow& window) {
+  return window.IsShown();
+}
+
 bool Is_In_Front(wxFrame& frame) {
   return frame.IsActive();
 }
