@@ -228,11 +228,12 @@ namespace {
 
 // Does it with each store, also where it fails with one before. The list may change meanwhile.
 template <class Work>
-void With_Each(const std::vector<std::weak_ptr<Mail_Store>>& known_stores, Work&& work) {
-  const auto stores = known_stores;
+void With_Each(const std::vector<std::weak_ptr<Mail_Store>>& known, Work&& work) {
+  std::vector<std::shared_ptr<Mail_Store>> stores;
+  stores.reserve(known.size());
+  for (const auto& store : known) stores.push_back(store.lock());
   std::exception_ptr first_failure;
-  for (const auto& known : stores) {
-    const auto store = known.lock();
+  for (const auto& store : stores) {
     if (store == nullptr) continue;
     try {
       work(*store);
