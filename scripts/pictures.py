@@ -60,9 +60,9 @@ class Pictures:
         subprocess.run(["convert", str(whole), "-strip", "-dither", "None", "-colors", "230",
                         "PNG8:" + str(self.out / (name + ".png"))], check=True)
 
-    def choose(self, window, folder="Inbox", preview=True):
-        """A folder ticked, filters set, the frame on a row that goes."""
-        window.tick_folder(folder)
+    def choose(self, window, preview=True):
+        """The Inbox ticked, filters set, the frame on a row that goes."""
+        window.key("ctrl+m")
         window.key("alt+t")
         window.wait("the date filter", lambda state: state["widgets"]["chkSelectDate"]["checked"])
         state = window.wait("rows", lambda state: state["rows"] > 5)
@@ -86,12 +86,13 @@ class Pictures:
             "ready": lambda: self.ready("ready"),
             "dark": lambda: self.ready("dark", GTK_THEME="Adwaita:dark"),
             "small": lambda: self.ready("small", screen="800x600", maximize=True),
-            "tiny": lambda: self.ready("tiny", screen="640x480", maximize=True),
+            "tiny": lambda: self.ready("tiny", screen="640x480", maximize=True, preview=False),
             "notebook": lambda: self.ready("notebook", items=100000, screen="1366x768", maximize=True),
             "large": lambda: self.ready("large", items=100000, screen="2560x1440", maximize=True),
             "scaled": lambda: self.ready("scaled", screen="2560x1800", GDK_SCALE="2"),
             "large-text": lambda: self.ready("large-text", screen="1366x768", maximize=True, **LARGE_TEXT),
-            "tiny-large-text": lambda: self.ready("tiny-large-text", screen="640x480", maximize=True, **LARGE_TEXT),
+            "tiny-large-text": lambda: self.ready("tiny-large-text", screen="640x480", maximize=True, preview=False,
+                                                  **LARGE_TEXT),
             "search": self.search, "by-row": self.by_row, "confirmation": self.confirmation,
             "view-menu": self.view_menu, "calendar-dark": self.calendar, "menus": self.options_menu,
         }

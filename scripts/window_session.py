@@ -23,6 +23,7 @@ class Session:
         self.keeps_folder = folder is not None
         self.screen, self.processes, self.program = screen, [], None
         self.pressed = {}
+        self.pixels = int((environment or {}).get("GDK_SCALE", 1))  # of the screen, across one that the program tells
         self.state_file = self.folder / "window.json"
         self.output = open(self.folder / "output.txt", "ab")
         # The person's theme, settings and screen stay out of it.
@@ -155,7 +156,7 @@ class Session:
         """Before a press at this place of a widget, which is not to be the second of a double click."""
         time.sleep(max(0, self.pressed.get(place, 0) + DOUBLE_CLICK - time.monotonic()))
         self.pressed[place] = time.monotonic()
-        self.xdotool("mousemove", x, y)
+        self.xdotool("mousemove", x * self.pixels, y * self.pixels)
 
     def click(self, control):
         self.click_at(self.usable(control)["rectangle"])

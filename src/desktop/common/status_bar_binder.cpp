@@ -11,11 +11,10 @@ namespace tidyfold {
 
 namespace {
 
-// The panels, the number of items left, and the gauge.
-constexpr int field_count = StatusBar::panel_count + 2;
 constexpr int gauge_range = 1000;
 constexpr int gauge_width = 120;  // unscaled pixels
-constexpr int gauge_margin = 3;
+constexpr int gauge_margin = 3, text_margin = 16;
+constexpr int share_of_selected = 35;  // of the bar's width, in percent, while nothing runs
 
 }  // namespace
 
@@ -28,9 +27,10 @@ Status_Bar_Binder::Status_Bar_Binder(StatusBar& model, wxStatusBar& widget, Repa
   widget_.SetFieldsCount(field_count);
   gauge_->SetName("sbStatusBarGauge");
   gauge_->Hide();
-  Give_Room_To_Gauge(false);
+  Share_Room();
   widget_.Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
     event.Skip();
+    Share_Room();
     Place_Gauge();
   });
   Show();
@@ -50,6 +50,7 @@ void Status_Bar_Binder::Catch_Up() {
     if (text != widget_.GetStatusText(panel - 1)) widget_.SetStatusText(text, panel - 1);
   }
   Show_Gauge();
+  Share_Room();
   wxString words;
   for (int panel = 1; panel <= StatusBar::panel_count; ++panel)
     if (const wxString text = To_One_Line(model_.Panel_Text(panel)); !text.empty())
@@ -62,8 +63,8 @@ void Status_Bar_Binder::Show_Gauge() {
   // While the field has its room: where it has next to none, the toolkit would paint less than nothing.
   if (total <= 0) widget_.SetStatusText(wxString(), StatusBar::panel_count);
   if ((total > 0) != gauge_->IsShown()) {
-    Give_Room_To_Gauge(total > 0);
     gauge_->Show(total > 0);
+    Share_Room();
     Place_Gauge();
   }
   if (total <= 0) return;
@@ -74,14 +75,19 @@ void Status_Bar_Binder::Show_Gauge() {
     widget_.SetStatusText(left, StatusBar::panel_count);
 }
 
-void Status_Bar_Binder::Give_Room_To_Gauge(bool shown) {
-  const int left_width = widget_.GetTextExtent("88,888,888 left").x;
+void Status_Bar_Binder::Share_Room() {
   // A run's counts and the help of a menu entry are both long; the help may use the gauge's room while
-  // nothing runs.
-  const int at_work[] = {-24, -46, -30, left_width, widget_.FromDIP(gauge_width)};
-  const int at_rest[] = {-45, -20, -35, 1, 1};
-  const int(&widths)[field_count] = shown ? at_work : at_rest;
-  widget_.SetStatusWidths(field_count, widths);
+  // nothing runs. What is selected is never cut off.
+  const int left_width = widget_.GetTextExtent("88,888,888 left").x;
+  const int selected = widget_.GetTextExtent(widget_.GetStatusText(StatusBar::panel_count - 1)).x +
+                       widget_.FromDIP(text_margin);
+  const bool is_tight = selected > widget_.GetClientSize().x * share_of_selected / 100;
+  const Widths at_work = {-24, -46, -30, left_width, widget_.FromDIP(gauge_width)};
+  const Widths at_rest = {-45, -20, is_tight ? selected : -share_of_selected, 1, 1};
+  const Widths& widths = gauge_->IsShown() ? at_work : at_rest;
+  if (widths == widths_) return;
+  widths_ = widths;
+  widget_.SetStatusWidths(field_count, widths_.data());
 }
 
 void Status_Bar_Binder::Place_Gauge() {

@@ -4,6 +4,8 @@
 #include <wx/gauge.h>
 #include <wx/statusbr.h>
 
+#include <array>
+
 #include "controls/widgets.h"
 #include "desktop/common/control_binder.h"
 #include "desktop/common/repaint_schedule.h"
@@ -23,13 +25,17 @@ class Status_Bar_Binder : public Control_Binder, public Late_Widget {
  private:
   void Show_Model() override;
   void Show_Gauge();
-  void Give_Room_To_Gauge(bool shown);
+  void Share_Room();
   void Place_Gauge();
 
   StatusBar& model_;
   wxStatusBar& widget_;
   wxGauge* gauge_;  // owned by the widget
   Repaint_Schedule& schedule_;
+
+  static constexpr int field_count = StatusBar::panel_count + 2;
+  using Widths = std::array<int, field_count>;
+  Widths widths_{};
 };
 
 }  // namespace tidyfold
