@@ -69,7 +69,8 @@ class Calendar_Popup : public wxPopupTransientWindow {
     const wxColour background = Theme_Background();
     calendar_->SetBackgroundColour(background);
     calendar_->SetForegroundColour(Theme_Text());
-    calendar_->SetHeaderColours(Theme_Text(), background);
+    // The month and its arrows are black in any theme.
+    calendar_->SetHeaderColours(*wxBLACK, wxColour(0xdd, 0xdd, 0xdd));
     calendar_->SetHighlightColours(Theme_Chosen_Text(), Theme_Chosen_Background());
     calendar_->SetHolidayColours(Text_Colour(red, background), background);
     Set_Spoken_Name(*calendar_, "Calendar");
