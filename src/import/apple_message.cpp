@@ -35,8 +35,8 @@ std::uint64_t Flags(std::string_view list) {
 
 namespace fs = std::filesystem;
 
-// Numbers as in "1.2", in the order of the parts: the first part of the second part is 2.1, and a message
-// without parts is part 1.
+// Numbers as in "1.2", in the order of the text: 2.1 is the first within the second, and a message that is
+// not taken apart is 1.
 std::vector<std::string> Part_Numbers(const std::vector<Mime_Part>& parts) {
   std::vector<std::string> numbers(parts.size());
   if (!parts.empty() && !parts.front().Is_Multipart()) numbers.front() = "1";

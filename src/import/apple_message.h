@@ -20,9 +20,9 @@ struct Apple_Message {
 Apple_Message Split_Apple_Frame(std::string text);
 
 // Puts parts that lie in files of their own back into the message. Beside FOLDER/Messages/1.partial.emlx, the
-// part 2 is FOLDER/Messages/1.2.emlxpart, still encoded, or the file in FOLDER/Attachments/1/2; a part says
-// in X-Apple-Content-Length that it was taken out. Returns how many of these parts lie nowhere, as they were
-// not fetched from the server, or cannot be read.
+// second one is FOLDER/Messages/1.2.emlxpart, still encoded, or the file in FOLDER/Attachments/1/2; a part
+// says in X-Apple-Content-Length that it was taken out. Returns how many of these parts lie nowhere, as they
+// were not fetched from the server, or cannot be read.
 int Put_Parts_Back(const std::filesystem::path& file, std::string& message);
 
 }  // namespace tidyfold
