@@ -22,8 +22,10 @@
 
 namespace tidyfold::imap {
 
-// Automation_Error::Source of all errors from here.
-inline constexpr const char* error_source = "Tidyfold mail account";
+// All errors from here are thrown by these, as Automation_Error.
+[[noreturn]] void Fail(std::int32_t number, const std::string& text);
+[[noreturn]] void Fail_Folder_Gone();
+[[noreturn]] void Fail_Item_Gone();
 
 // What is to happen to one message.
 struct Change {

@@ -23,14 +23,6 @@ using automation_error::not_found;
 // Changes wait for others until there are enough for a batch, but no longer than this, or than a batch takes.
 constexpr auto longest_wait = std::chrono::milliseconds(300);
 
-[[noreturn]] void Fail(std::int32_t number, const std::string& text) {
-  throw Automation_Error(number, text, error_source);
-}
-
-[[noreturn]] void Fail_Item_Gone() {
-  Fail(not_found, "The item is no longer there.");
-}
-
 class Imap_Store : public Mail_Store, public std::enable_shared_from_this<Imap_Store> {
  public:
   Imap_Store(Store_Address address, Store_Mode mode, std::unique_ptr<Account> account)
@@ -282,7 +274,7 @@ class Imap_Folders : public Folders {
   std::vector<std::size_t> Children() {
     store_->Messages().Look_At_Mailboxes();
     const Mailbox mailbox = store_->Messages().Describe(mailbox_);
-    if (mailbox.is_gone) Fail(not_found, "The folder is no longer there.");
+    if (mailbox.is_gone) Fail_Folder_Gone();
     return mailbox.children;
   }
   std::size_t Child(std::int32_t index) {
@@ -343,7 +335,7 @@ class Imap_Folder : public MAPIFolder {
  private:
   Mailbox Describe() {
     Mailbox mailbox = store_->Messages().Describe(mailbox_);
-    if (mailbox.is_gone) Fail(not_found, "The folder is no longer there.");
+    if (mailbox.is_gone) Fail_Folder_Gone();
     return mailbox;
   }
   Store_Ptr_ store_;
@@ -396,7 +388,7 @@ Item_Ptr Imap_Item::Move(MAPIFolder& folder) {
     Fail(automation_error::not_supported, "An item can only be moved within its own mail account.");
   const auto id = Read_Folder_Id(folder.EntryID());
   const auto target = id ? store_->Messages().Find(id->validity, id->mailbox) : std::nullopt;
-  if (!target) Fail(not_found, "The folder is no longer there.");
+  if (!target) Fail_Folder_Gone();
   auto moved = store_->Change_Message(mailbox_, validity_, uid_, *target);
   is_gone_ = true;
   return std::make_shared<Imap_Item>(store_, *target, std::move(moved), std::move(row_));
