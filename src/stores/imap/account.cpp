@@ -16,11 +16,12 @@ using Clock = std::chrono::steady_clock;
 
 constexpr int most_attempts = 3;
 constexpr std::size_t most_ranges = 300;  // in a command
+constexpr auto error_source = "Tidyfold mail account";
 
 }  // namespace
 
 void Fail(std::int32_t number, const std::string& text) {
-  throw Automation_Error(number, text, "Tidyfold mail account");
+  throw Automation_Error(number, text, error_source);
 }
 
 void Fail_Folder_Gone() {
