@@ -35,6 +35,25 @@ int Shift_State(const wxKeyboardState& keys) {
   return keys.ControlDown() ? control_key : 0;
 }
 
+// wxGrid has its header painted from a changed column to the header's end. Where the column begins behind
+// that end the width is negative, and the library that draws complains (wxWidgets 3.2.2). Makes the header
+// longer than any columns meanwhile.
+class Long_Header {
+ public:
+  explicit Long_Header(wxGrid& grid) : header_(*grid.GetGridColHeader()), size_(header_.GetSize()) {
+    header_.SetSize(longest, size_.y);
+  }
+  ~Long_Header() { header_.SetSize(size_); }
+  Long_Header(const Long_Header&) = delete;
+  Long_Header& operator=(const Long_Header&) = delete;
+
+ private:
+  static constexpr int longest = 30000;  // pixels; windows end at 32767
+
+  wxWindow& header_;
+  const wxSize size_;
+};
+
 }  // namespace
 
 Grid_Binder::Grid_Binder(FlexGrid& model, wxGrid& widget, wxStaticText& hint, Repaint_Schedule& schedule)
@@ -62,7 +81,7 @@ Grid_Binder::Grid_Binder(FlexGrid& model, wxGrid& widget, wxStaticText& hint, Re
   widget_.SetColLabelAlignment(wxALIGN_LEFT, wxALIGN_CENTRE);
   widget_.SetColMinimalAcceptableWidth(widget_.FromDIP(24));
   widget_.UseNativeColHeader();
-  hint_.Hide();
+  hint_.SetSize(wxRect());
 
   wxWindow& area = *widget_.GetGridWindow();
   for (const auto& press : {wxEVT_LEFT_DOWN, wxEVT_RIGHT_DOWN}) area.Bind(press, &Grid_Binder::Pressed, this);
@@ -128,8 +147,7 @@ void Grid_Binder::Catch_Up() {
   From_Program([this] {
     Show_Row_Count();
     if (shown_columns_ != model_.Column_Version()) Show_Columns();
-    if (model_.Sort_Column() >= FlexGrid::first_item_column && model_.Sort_Column() < model_.Cols())
-      widget_.SetSortingColumn(table_->Widget_Column(model_.Sort_Column()), model_.Sorted_Ascending());
+    Show_Order();
     if (const std::uint64_t picture = Picture_Of_View(); picture != shown_picture_) {
       shown_picture_ = picture;
       widget_.GetGridWindow()->Refresh();
@@ -174,8 +192,18 @@ void Grid_Binder::Show_Row_Count() {
   if (rows != table_->GetNumberRows()) table_->Set_Rows(rows);
 }
 
+void Grid_Binder::Show_Order() {
+  if (model_.Sort_Column() < FlexGrid::first_item_column || model_.Sort_Column() >= model_.Cols()) return;
+  const int column = table_->Widget_Column(model_.Sort_Column());
+  if (column == widget_.GetSortingColumn() && model_.Sorted_Ascending() == widget_.IsSortOrderAscending())
+    return;
+  const Long_Header header(widget_);
+  widget_.SetSortingColumn(column, model_.Sorted_Ascending());
+}
+
 void Grid_Binder::Show_Columns() {
   const wxGridUpdateLocker freeze(&widget_);
+  const Long_Header header(widget_);
   widget_.UnsetSortingColumn();  // the one that bears the mark may go
   table_->Set_Columns(std::max(model_.Cols() - FlexGrid::first_item_column, 0));
   for (int column = 0; column < table_->GetNumberCols(); ++column) {
@@ -198,16 +226,15 @@ void Grid_Binder::Fill_Width() {
   for (int column = 0; column < last; ++column) others += widget_.GetColSize(column);
   const int wanted = scale_.Pixels(model_.Column_Width(table_->Model_Column(last)));
   const int room = widget_.GetGridWindow()->GetClientSize().x - others;
-  if (std::max(wanted, room) != widget_.GetColSize(last)) widget_.SetColSize(last, std::max(wanted, room));
+  if (std::max(wanted, room) == widget_.GetColSize(last)) return;
+  const Long_Header header(widget_);
+  widget_.SetColSize(last, std::max(wanted, room));
 }
 
-// Centres the hint in the empty grid and wraps it.
+// Centres the hint in the empty grid and wraps it. Elsewhere it has no text rather than being hidden: wxGTK
+// moves a scrolled window's hidden children with the rows, which GTK complains of (3.2.2).
 void Grid_Binder::Show_Hint() {
   const wxString text = table_->GetNumberRows() == 0 ? To_Lines(model_.Empty_Text()) : wxString();
-  if (text.empty()) {
-    if (hint_.IsShown()) hint_.Hide();
-    return;
-  }
   const wxRect area = widget_.GetGridWindow()->GetClientRect();
   const int width = std::max(area.width * 4 / 5, 1);
   if (text != hint_text_ || width != hint_width_) {
@@ -216,9 +243,8 @@ void Grid_Binder::Show_Hint() {
     hint_.SetLabelText(text);
     hint_.Wrap(width);
   }
-  const wxSize size = hint_.GetBestSize();
+  const wxSize size = text.empty() ? wxSize() : hint_.GetBestSize();
   hint_.SetSize(area.x + (area.width - size.x) / 2, area.y + area.height / 3, size.x, size.y);
-  if (!hint_.IsShown()) hint_.Show();
 }
 
 // Changes when anything in view does, so that rows out of sight cost no painting.

@@ -37,6 +37,7 @@ class Grid_Binder : public Control_Binder, public Late_Widget {
   bool Has_Own_Tips() const override { return true; }
 
   void Set_Row_Height();
+  void Show_Order();
   void Show_Columns();
   void Fill_Width();
   void Show_Row_Count();

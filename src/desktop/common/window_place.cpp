@@ -24,10 +24,12 @@ bool Restore_Place(wxFrame& frame, Registry& registry) {
   // A person must be able to reach the title.
   const int screen = wxDisplay::GetFromPoint(rectangle.GetTopLeft() + wxPoint(rectangle.width / 2, 10));
   if (screen == wxNOT_FOUND || rectangle.IsEmpty()) return false;
-  const wxRect area = wxDisplay(static_cast<unsigned>(screen)).GetClientArea();
-  rectangle.width = std::min(rectangle.width, area.width);
-  rectangle.height = std::min(rectangle.height, area.height);
-  frame.SetSize(rectangle);
+  const wxSize most = wxDisplay(static_cast<unsigned>(screen)).GetClientArea().GetSize() -
+                      (frame.GetSize() - frame.GetClientSize());
+  // Of the client area, as it was kept: with a size for the whole window, wxGTK waits with showing it for the
+  // window manager's frame, and shows it two pixels wide first (3.2.2).
+  frame.Move(rectangle.GetTopLeft());
+  frame.SetClientSize(std::min(rectangle.width, most.x), std::min(rectangle.height, most.y));
   if (kept.Get("Maximized").value_or(0) != 0) frame.Maximize();
   return true;
 }
@@ -38,7 +40,7 @@ void Keep_Place(const wxFrame& frame, Registry& registry) {
   Kept_Numbers kept;
   const Kept_Numbers before(values.Text(place));
   const bool maximized = frame.IsMaximized();
-  const wxRect now = frame.GetRect();
+  const wxRect now(frame.GetPosition(), frame.GetClientSize());
   const auto set = [&](const char* name, int value) {
     kept.Set(name, maximized || frame.IsIconized() ? before.Get(name).value_or(value) : value);
   };
