@@ -89,6 +89,11 @@ std::string Valid_Utf8(std::string_view text) {
   std::string valid;
   valid.reserve(text.size());
   for (std::size_t at = 0; at < text.size();) {
+    std::size_t ascii = at;
+    while (ascii < text.size() && static_cast<unsigned char>(text[ascii]) < 0x80) ++ascii;
+    valid.append(text.substr(at, ascii - at));
+    at = ascii;
+    if (at == text.size()) break;
     const auto [character, length] = Decode(text, at);
     if (character < 0) {
       valid += "\xEF\xBF\xBD";

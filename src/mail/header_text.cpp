@@ -24,6 +24,15 @@ int Hex_Digit(char c) {
   return -1;
 }
 
+// Whether it says what it says: one line of printable ASCII without encoded words.
+bool Is_Plain(std::string_view text) {
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    if (text[at] < 0x20 || text[at] > 0x7E) return false;
+    if (text[at] == '?' && at > 0 && text[at - 1] == '=') return false;
+  }
+  return true;
+}
+
 std::string Raw_Text(std::string_view bytes, std::string_view charset) {
   std::string text = Valid_Utf8(bytes);
   // Old Japanese and Korean mail: seven bits, with escapes.
@@ -133,7 +142,9 @@ std::string Unfolded(std::string_view value) {
 }
 
 std::string Header_Text(std::string_view value, std::string_view raw_charset) {
-  return One_Line(Decode_Text(value, raw_charset));
+  const std::string_view text = Header_Trim(value);
+  if (Is_Plain(text)) return std::string(text);
+  return One_Line(Decode_Text(text, raw_charset));
 }
 
 std::size_t Encoded_Word_Length(std::string_view text) {

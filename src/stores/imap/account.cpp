@@ -213,25 +213,37 @@ std::uint8_t Account::Flags(std::size_t mailbox, Uid uid) const {
   return place ? static_cast<std::uint8_t>(box.flags[*place] & ~Mailbox::has_row) : std::uint8_t{0};
 }
 
-// What an answer to an invitation answers stands in its text alone.
-void Account::Keep_Rows(Mail_Session& session, Mailbox& mailbox) {
+// What an answer to an invitation answers stands in its text alone. Rows are written down while the next
+// ones come.
+std::future<void> Account::Keep_Rows(Mail_Session& session, Mailbox& mailbox, Uid ahead_to) {
   std::vector<Message_Data> rows = session.Take_Rows();
   for (Message_Data& row : rows) {
     if (row.answer_part.empty()) continue;
     const std::string text = session.Fetch_Body(row.uid, row.answer_part);
     row.item_class = Meeting_Class(Decode_Transfer(text, row.answer_encoding), "");
   }
-  cache_.Keep(mailbox, rows);
-  const std::lock_guard guard(lock_);
-  for (const Message_Data& row : rows)
-    if (const auto place = mailbox.Place_Of(row.uid)) mailbox.flags[*place] |= Mailbox::has_row;
+  Mailbox known;
+  {
+    const std::lock_guard guard(lock_);
+    known.wire_name = mailbox.wire_name;
+    known.uid_validity = mailbox.uid_validity;
+  }
+  return std::async([this, &mailbox, known, ahead_to, rows = std::move(rows)] {
+    cache_.Keep(known, rows);
+    const std::lock_guard guard(lock_);
+    if (mailbox.uid_validity != known.uid_validity) return;
+    for (const Message_Data& row : rows)
+      if (const auto place = mailbox.Place_Of(row.uid)) mailbox.flags[*place] |= Mailbox::has_row;
+    ahead_.done = std::max(ahead_.done, ahead_to);
+    rows_came_.notify_all();
+  });
 }
 
 // Fetches rows behind a UID; the first portion or, until others wait, all. Two portions are under way at a
 // time, so that neither the server nor we wait.
 void Account::Fetch_Missing(Mail_Session& session, Mailbox& mailbox, Uid after, bool only_first) {
   struct Portion {
-    std::string tag;
+    Mail_Session::Fetch fetch;
     std::size_t count = 0;
     std::vector<std::pair<Uid, Uid>> ranges;  // neighbours in the mailbox, whatever numbers lie between
   };
@@ -253,6 +265,7 @@ void Account::Fetch_Missing(Mail_Session& session, Mailbox& mailbox, Uid after, 
     return portion;
   };
   std::deque<Portion> under_way;
+  std::future<void> keeping;
   Uid begun = after;
   auto start = Clock::now();
   bool stop = false;
@@ -261,32 +274,35 @@ void Account::Fetch_Missing(Mail_Session& session, Mailbox& mailbox, Uid after, 
       Portion portion = next(begun);
       if (portion.count == 0) break;
       begun = portion.ranges.back().second;
-      portion.tag = session.Begin_Fetch(portion.ranges);
+      portion.fetch = session.Begin_Fetch(portion.ranges);
       under_way.push_back(std::move(portion));
       if (only_first) stop = true;
     }
-    if (under_way.empty()) return;
+    if (under_way.empty()) break;
     const Portion portion = std::move(under_way.front());
     under_way.pop_front();
-    session.Finish_Fetch(portion.tag);
-    Keep_Rows(session, mailbox);
+    session.Finish_Fetch(portion.fetch);
+    if (keeping.valid()) keeping.get();
+    keeping = Keep_Rows(session, mailbox, only_first ? 0 : portion.ranges.back().second);
     const auto now = Clock::now();
     fetch_size_.Took(portion.count, now - std::exchange(start, now));
     if (network_.Others_Wait()) stop = true;
   }
+  if (keeping.valid()) keeping.get();
 }
 
 void Account::Go_On_Fetching(std::size_t mailbox, Uid after) {
   std::uint64_t number = 0;
   {
     const std::lock_guard guard(lock_);
-    number = ++fetching_;
+    number = ahead_.number + 1;
+    ahead_ = {number, &Box(mailbox), after};
   }
   network_.Post_Last([this, mailbox, after, number] {
     Mailbox& box = Box(mailbox);
     {
       const std::lock_guard guard(lock_);
-      if (number != fetching_ || box.is_gone) return;
+      if (number != ahead_.number) return;
     }
     try {
       With_Session([&](Mail_Session& session) {
@@ -296,13 +312,33 @@ void Account::Go_On_Fetching(std::size_t mailbox, Uid after) {
     } catch (...) {
       // Whoever needs the rows asks for them, and is told.
     }
+    const std::lock_guard guard(lock_);
+    ahead_.mailbox = nullptr;
+    rows_came_.notify_all();
   });
+}
+
+// Waits for the row behind a UID where it is being fetched ahead; false where it is not.
+bool Account::Await_Row(const Mailbox& mailbox, Uid after) {
+  std::unique_lock guard(lock_);
+  const auto comes = [&] {
+    const auto next = std::upper_bound(mailbox.uids.begin(), mailbox.uids.end(), after);
+    return ahead_.mailbox == &mailbox && next != mailbox.uids.end() && *next > ahead_.done;
+  };
+  if (!comes()) return false;
+  try {
+    network_.Await(
+        guard, rows_came_, [&] { return !comes(); }, wait_);
+  } catch (const Interrupted& error) {
+    Fail(automation_error::unavailable, error.what());
+  }
+  return true;
 }
 
 std::vector<Message_Data> Account::Rows_Behind(std::size_t mailbox, Uid after, std::size_t most) {
   Mailbox& box = Existing_Box(mailbox);
   if (!Describe(mailbox).can_be_selected) return {};
-  for (int attempt = 1;; ++attempt) {
+  for (int attempt = 1;;) {
     Uid first = 0, last = 0;
     bool missing = false;
     {
@@ -322,11 +358,16 @@ std::vector<Message_Data> Account::Rows_Behind(std::size_t mailbox, Uid after, s
       if (first == 0) return {};
       std::vector<Message_Data> rows = cache_.Rows(box, first, last);
       const std::lock_guard guard(lock_);
-      std::erase_if(rows, [&](const Message_Data& row) { return !box.Place_Of(row.uid); });
+      std::erase_if(rows, [&](Message_Data& row) {
+        const auto place = box.Place_Of(row.uid);
+        if (place) row.flags = static_cast<std::uint8_t>(box.flags[*place] & ~Mailbox::has_row);
+        return !place;
+      });
       return rows;
     }
+    if (Await_Row(box, after)) continue;
     // A message that the server does not describe would be asked for for ever.
-    if (attempt > most_attempts)
+    if (attempt++ > most_attempts)
       Fail(automation_error::call_failed, "The mail server does not describe all messages of the folder.");
     Do([&](Mail_Session& session) {
       Look_And_Keep(session, box);

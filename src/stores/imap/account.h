@@ -2,9 +2,11 @@
 #pragma once
 
 #include <chrono>
+#include <condition_variable>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <future>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -125,7 +127,7 @@ class Account {
   void List_Mailboxes(Mail_Session& session, bool with_status);
   void Look_And_Keep(Mail_Session& session, Mailbox& mailbox);
   void Fetch_Missing(Mail_Session& session, Mailbox& mailbox, Uid after, bool only_first);
-  void Keep_Rows(Mail_Session& session, Mailbox& mailbox);
+  std::future<void> Keep_Rows(Mail_Session& session, Mailbox& mailbox, Uid ahead_to);
   void Carry_Out_Batch(Mail_Session& session, std::vector<Change*>& batch);
   struct Steps;
   Steps Sort_Out(const Mailbox& mailbox, std::vector<Change*>& batch) const;
@@ -134,6 +136,7 @@ class Account {
 
   // On the program's thread.
   void Do(const std::function<void(Mail_Session&)>& work);
+  bool Await_Row(const Mailbox& mailbox, Uid after);
   bool Goes_On(const std::string& words);
   Mailbox& Box(std::size_t mailbox) const;
   Mailbox& Existing_Box(std::size_t mailbox) const;
@@ -154,7 +157,14 @@ class Account {
   std::vector<std::string> alerts_;
   // Messages that we have marked as deleted, and that are to stay after all.
   std::map<const Mailbox*, std::vector<Uid>> marked_;
-  std::uint64_t fetching_ = 0;  // counts what is to be fetched ahead; the latest alone goes on
+  // What is fetched ahead; the latest alone goes on.
+  struct Fetch_Ahead {
+    std::uint64_t number = 0;
+    const Mailbox* mailbox = nullptr;  // none: it has ended
+    Uid done = 0;                      // up to here
+  };
+  Fetch_Ahead ahead_;
+  std::condition_variable rows_came_;
 
   char delimiter_ = '/';
   Portion_Size fetch_size_, move_size_;

@@ -100,14 +100,14 @@ std::string Client::Send(const Command& command) {
   return tag;
 }
 
-std::unique_ptr<Response> Client::Finish(const std::string& tag, const Handler& handler) {
+std::unique_ptr<Response> Client::Finish(const std::string& tag, const Handler& handler, bool in_bulk) {
   for (;;) {
     if (const auto found = finished_.find(tag); found != finished_.end()) {
       auto answer = std::move(found->second);
       finished_.erase(found);
       return answer;
     }
-    auto response = Next();
+    auto response = Next(in_bulk);
     if (response->Is_Continuation()) throw Protocol_Error("The server asks for more than there is.");
     if (response->Is_Untagged()) {
       Take(*response, handler);
@@ -160,12 +160,21 @@ void Client::Take(const Response& response, const Handler& handler) {
   if (handler) handler(response);
 }
 
-std::unique_ptr<Response> Client::Next() {
+std::unique_ptr<Response> Client::Next(bool in_bulk) {
   for (;;) {
     if (interruption_.Is_Set()) throw Interrupted();
     if (auto text = reader_.Next()) return std::make_unique<Response>(std::move(*text), limits_);
-    if (!Read_More()) Wait(false);
+    if (Read_More()) continue;
+    Wait(false);
+    if (in_bulk) Let_Gather();
   }
+}
+
+// A server that hands out a little at a time would have both sides woken up for each.
+void Client::Let_Gather() const {
+  constexpr int milliseconds = 1;
+  pollfd end{interruption_.Descriptor(), POLLIN, 0};
+  poll(&end, 1, milliseconds);
 }
 
 // False where nothing can be read now.

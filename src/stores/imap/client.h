@@ -70,7 +70,8 @@ class Client {
   // Sends a command and returns its tag; its answer comes with Finish.
   std::string Send(const Command& command);
   // Reads up to the answer of a command, and tells the handler of what comes untagged meanwhile.
-  std::unique_ptr<Response> Finish(const std::string& tag, const Handler& handler = {});
+  // Where much is to come, `in_bulk` lets it gather for a moment before each reading.
+  std::unique_ptr<Response> Finish(const std::string& tag, const Handler& handler = {}, bool in_bulk = false);
   // Both; throws Refused unless the answer is OK.
   std::unique_ptr<Response> Run(const Command& command, const Handler& handler = {});
   // An exchange of lines (RFC 4422), as AUTHENTICATE makes: the answer to each line that the server sends.
@@ -88,8 +89,9 @@ class Client {
   std::vector<std::string> alerts;
 
  private:
-  std::unique_ptr<Response> Next();
+  std::unique_ptr<Response> Next(bool in_bulk = false);
   void Wait(bool to_write);
+  void Let_Gather() const;
   bool Read_More();
   void Write(std::string_view bytes);
   void Take(const Response& response, const Handler& handler);

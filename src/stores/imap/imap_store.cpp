@@ -241,7 +241,7 @@ class Imap_Table : public Table {
       row.SenderOrText = std::move(data.sender);
       if (data.received) row.ReceivedTime = Local_Time(*data.received).value_or(no_date);
       row.LastModificationTime = row.ReceivedTime;
-      const std::uint8_t flags = account.Flags(mailbox_, data.uid);
+      const std::uint8_t flags = data.flags.value_or(0);
       row.UnRead = (flags & message_flag::seen) == 0;
       if ((flags & message_flag::flagged) != 0) row.FlagStatus = flag_status::marked;
       row.Size = data.size;

@@ -301,15 +301,23 @@ void Mail_Session::Took_Messages(const Response& fetch) {
   if (data.has_row) rows_.push_back(std::move(data));
 }
 
-std::string Mail_Session::Begin_Fetch(const std::vector<std::pair<Uid, Uid>>& ranges) {
+Mail_Session::Fetch Mail_Session::Begin_Fetch(const std::vector<std::pair<Uid, Uid>>& ranges) {
   std::string set;
   for (const auto& [first, last] : ranges)
     set += (set.empty() ? "" : ",") + std::to_string(first) + ":" + std::to_string(last);
-  return client_->Send(Command("UID FETCH " + set + " " + row_items));
+  Fetch fetch;
+  fetch.rows = client_->Send(Command("UID FETCH " + set + " " + row_items));
+  fetch.look = client_->Send(Command("NOOP"));
+  return fetch;
 }
 
-void Mail_Session::Finish_Fetch(const std::string& tag) {
-  Demand_Ok(*client_->Finish(tag));
+void Mail_Session::Finish_Fetch(const Fetch& fetch) {
+  const auto answer = client_->Finish(fetch.rows, {}, true);
+  client_->Finish(fetch.look);
+  Demand_Ok(*answer);
+  const std::lock_guard guard(lock_);
+  if (selected_->is_listed && selected_->uids.size() == exists_)
+    selected_->looked_at = std::chrono::steady_clock::now();
 }
 
 std::string Mail_Session::Fetch_Body(Uid uid, const std::string& part) {

@@ -70,9 +70,13 @@ class Mail_Session {
   std::vector<Uid> Take_Vanished() { return std::exchange(vanished_, {}); }
   std::vector<std::pair<Uid, std::uint8_t>> Take_Changed_Flags() { return std::exchange(changed_flags_, {}); }
 
-  // Fetch rows of messages of the mailbox that was looked at last; up to two at a time may be under way.
-  std::string Begin_Fetch(const std::vector<std::pair<Uid, Uid>>& ranges);
-  void Finish_Fetch(const std::string& tag);
+  // Fetch rows of messages of the mailbox that was looked at last, and look at it again; up to two at a time
+  // may be under way.
+  struct Fetch {
+    std::string rows, look;  // tags
+  };
+  Fetch Begin_Fetch(const std::vector<std::pair<Uid, Uid>>& ranges);
+  void Finish_Fetch(const Fetch& fetch);
   // One message, or a part of it. Empty where it has gone.
   std::string Fetch_Body(Uid uid, const std::string& part);
 

@@ -21,11 +21,15 @@ constexpr const char* schema =
     "PRAGMA journal_mode=WAL; PRAGMA synchronous=OFF; PRAGMA busy_timeout=5000;"
     "CREATE TABLE IF NOT EXISTS mailboxes (id INTEGER PRIMARY KEY, name TEXT NOT NULL UNIQUE,"
     " uid_validity INTEGER NOT NULL, mod_seq INTEGER NOT NULL);"
-    "CREATE TABLE IF NOT EXISTS messages (mailbox INTEGER NOT NULL, uid INTEGER NOT NULL,"
-    " flags INTEGER NOT NULL, received INTEGER, size INTEGER NOT NULL, class INTEGER NOT NULL,"
-    " attachments INTEGER NOT NULL, sender TEXT NOT NULL, subject TEXT NOT NULL,"
-    " PRIMARY KEY (mailbox, uid)) WITHOUT ROWID;"
-    "PRAGMA user_version=1;";
+    "CREATE TABLE IF NOT EXISTS messages (id INTEGER PRIMARY KEY, flags INTEGER NOT NULL,"
+    " received INTEGER, size INTEGER NOT NULL, class INTEGER NOT NULL, attachments INTEGER NOT NULL,"
+    " sender TEXT NOT NULL, subject TEXT NOT NULL);"
+    "PRAGMA user_version=2;";
+
+// A message's id: its mailbox, and its UID in the lower 32 bits.
+std::int64_t Row_Id(std::int64_t mailbox, Uid uid) {
+  return mailbox << 32 | std::int64_t{uid};
+}
 
 sqlite3* Open(const std::string& name) {
   sqlite3* connection = nullptr;
@@ -52,16 +56,16 @@ struct Message_Cache::Connection : Opened {
   Statement find{database, "SELECT id, uid_validity, mod_seq FROM mailboxes WHERE name = ?1"};
   Statement add{database, "INSERT INTO mailboxes (name, uid_validity, mod_seq) VALUES (?1, ?2, ?3)"};
   Statement set{database, "UPDATE mailboxes SET uid_validity = ?2, mod_seq = ?3 WHERE id = ?1"};
-  Statement clear{database, "DELETE FROM messages WHERE mailbox = ?1"};
-  Statement load{database, "SELECT uid, flags FROM messages WHERE mailbox = ?1 ORDER BY uid"};
+  Statement clear{database, "DELETE FROM messages WHERE id BETWEEN ?1 AND ?2"};
+  Statement load{database, "SELECT id, flags FROM messages WHERE id BETWEEN ?1 AND ?2 ORDER BY id"};
   Statement put{database,
-                "INSERT OR REPLACE INTO messages (mailbox, uid, flags, received, size, class, attachments,"
-                " sender, subject) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9)"};
-  Statement set_flags{database, "UPDATE messages SET flags = ?3 WHERE mailbox = ?1 AND uid = ?2"};
-  Statement remove{database, "DELETE FROM messages WHERE mailbox = ?1 AND uid = ?2"};
+                "INSERT OR REPLACE INTO messages (id, flags, received, size, class, attachments, sender,"
+                " subject) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8)"};
+  Statement set_flags{database, "UPDATE messages SET flags = ?2 WHERE id = ?1"};
+  Statement remove{database, "DELETE FROM messages WHERE id = ?1"};
   Statement rows{database,
-                 "SELECT uid, flags, received, size, class, attachments, sender, subject FROM messages"
-                 " WHERE mailbox = ?1 AND uid BETWEEN ?2 AND ?3 ORDER BY uid"};
+                 "SELECT id, flags, received, size, class, attachments, sender, subject FROM messages"
+                 " WHERE id BETWEEN ?1 AND ?2 ORDER BY id"};
   struct Known {
     std::int64_t id;
     std::uint32_t validity;
@@ -112,7 +116,7 @@ std::int64_t Message_Cache::Number_Of(const Mailbox& mailbox) {
         .Run();
     id = sqlite3_last_insert_rowid(c.database.Connection());
   } else if (validity != mailbox.uid_validity) {
-    c.clear.Bind(1, id).Run();
+    c.clear.Bind(1, Row_Id(id, 0)).Bind(2, Row_Id(id, UINT32_MAX)).Run();
     c.set.Bind(1, id).Bind(2, std::int64_t{mailbox.uid_validity}).Bind(3, std::int64_t{0}).Run();
   }
   c.known[mailbox.wire_name] = {id, mailbox.uid_validity};
@@ -128,7 +132,7 @@ void Message_Cache::Load(Mailbox& mailbox) {
     Reading reading(c.find.Bind(1, mailbox.wire_name));
     if (reading.Next()) mailbox.mod_seq = static_cast<std::uint64_t>(c.find.Integer(2));
   }
-  Reading reading(c.load.Bind(1, id));
+  Reading reading(c.load.Bind(1, Row_Id(id, 0)).Bind(2, Row_Id(id, UINT32_MAX)));
   while (reading.Next()) {
     mailbox.uids.push_back(static_cast<Uid>(c.load.Integer(0)));
     mailbox.flags.push_back(static_cast<std::uint8_t>(c.load.Integer(1) | Mailbox::has_row));
@@ -163,9 +167,9 @@ void Message_Cache::Keep(const Mailbox& mailbox, const std::vector<Uid>& vanishe
   Connection& c = *connection_;
   Transaction transaction(c.database);
   const std::int64_t id = Number_Of(mailbox);
-  for (const Uid uid : vanished) c.remove.Bind(1, id).Bind(2, std::int64_t{uid}).Run();
+  for (const Uid uid : vanished) c.remove.Bind(1, Row_Id(id, uid)).Run();
   for (const auto& [uid, bits] : flags)
-    c.set_flags.Bind(1, id).Bind(2, std::int64_t{uid}).Bind(3, std::int64_t{bits}).Run();
+    c.set_flags.Bind(1, Row_Id(id, uid)).Bind(2, std::int64_t{bits}).Run();
   c.set.Bind(1, id)
       .Bind(2, std::int64_t{mailbox.uid_validity})
       .Bind(3, static_cast<std::int64_t>(mailbox.mod_seq))
@@ -180,17 +184,17 @@ void Message_Cache::Keep(const Mailbox& mailbox, const std::vector<Message_Data>
   Transaction transaction(c.database);
   const std::int64_t id = Number_Of(mailbox);
   for (const Message_Data& row : rows) {
-    c.put.Bind(1, id).Bind(2, std::int64_t{row.uid}).Bind(3, std::int64_t{row.flags.value_or(0)});
+    c.put.Bind(1, Row_Id(id, row.uid)).Bind(2, std::int64_t{row.flags.value_or(0)});
     if (row.received) {
-      c.put.Bind(4, *row.received);
+      c.put.Bind(3, *row.received);
     } else {
-      c.put.Bind_Null(4);
+      c.put.Bind_Null(3);
     }
-    c.put.Bind(5, row.size)
-        .Bind(6, std::int64_t{row.item_class})
-        .Bind(7, std::int64_t{row.has_attachments})
-        .Bind(8, row.sender)
-        .Bind(9, row.subject)
+    c.put.Bind(4, row.size)
+        .Bind(5, std::int64_t{row.item_class})
+        .Bind(6, std::int64_t{row.has_attachments})
+        .Bind(7, row.sender)
+        .Bind(8, row.subject)
         .Run();
   }
   transaction.Commit();
@@ -201,7 +205,7 @@ std::vector<Message_Data> Message_Cache::Rows(const Mailbox& mailbox, Uid first,
   Connection& c = *connection_;
   std::vector<Message_Data> rows;
   const std::int64_t id = Number_Of(mailbox);
-  Reading reading(c.rows.Bind(1, id).Bind(2, std::int64_t{first}).Bind(3, std::int64_t{last}));
+  Reading reading(c.rows.Bind(1, Row_Id(id, first)).Bind(2, Row_Id(id, last)));
   while (reading.Next()) {
     Message_Data& row = rows.emplace_back();
     row.uid = static_cast<Uid>(c.rows.Integer(0));

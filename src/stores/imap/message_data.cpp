@@ -43,6 +43,10 @@ struct Part {
   bool root;
 };
 
+bool Begins_With(std::string_view text, std::string_view upper_case) {
+  return Same_Ascii(text.substr(0, upper_case.size()), upper_case);
+}
+
 std::string_view Text_At(const std::vector<Value>& values, std::size_t at) {
   return at < values.size() ? values[at].Text() : std::string_view();
 }
@@ -134,31 +138,31 @@ Message_Data Read_Message_Data(const Response& fetch) {
   bool has_header = false, has_date = false;
   const auto items = arguments.front().List();
   for (std::size_t at = 0; at + 1 < items.size(); at += 2) {
-    const std::string name = Upper_Ascii(items[at].Text());
+    const Value& name = items[at];
     const Value& value = items[at + 1];
-    if (name == "UID") {
+    if (name.Is("UID")) {
       const auto uid = value.Number_32();
       if (!uid || *uid == 0) throw Protocol_Error("The server named a message by an impossible number.");
       data.uid = *uid;
-    } else if (name == "FLAGS") {
+    } else if (name.Is("FLAGS")) {
       data.flags = Read_Flags(value);
-    } else if (name == "MODSEQ") {
+    } else if (name.Is("MODSEQ")) {
       const auto list = value.List();
       if (!list.empty()) data.modseq = list.front().Number().value_or(0);
-    } else if (name == "INTERNALDATE") {
+    } else if (name.Is("INTERNALDATE")) {
       data.received = Read_Internal_Date(value.Text());
       has_date = true;
-    } else if (name == "RFC822.SIZE") {
+    } else if (name.Is("RFC822.SIZE")) {
       const auto size = value.Number();
       if (!size || *size > static_cast<std::uint64_t>(INT64_MAX))
         throw Protocol_Error("The server sent an impossible number.");
       data.size = static_cast<std::int64_t>(*size);
-    } else if (name == "BODYSTRUCTURE") {
+    } else if (name.Is("BODYSTRUCTURE")) {
       Read_Structure(value, data);
-    } else if (name.starts_with("BODY[HEADER")) {
+    } else if (Begins_With(name.Text(), "BODY[HEADER")) {
       Read_Header(value.Text(), data);
       has_header = true;
-    } else if (name.starts_with("BODY[")) {
+    } else if (Begins_With(name.Text(), "BODY[")) {
       data.body = value.Text();
     }
   }

@@ -72,9 +72,24 @@ void Network_Thread::Call(const std::function<void()>& job, const Begin_Wait& wa
     outcome.ended.notify_all();
   });
   std::unique_lock guard(outcome.lock);
+  Wait_Until(
+      guard, outcome.ended, [&] { return outcome.is_done; }, wait);
+  guard.unlock();
+  if (outcome.failure != nullptr) std::rethrow_exception(outcome.failure);
+}
+
+void Network_Thread::Await(std::unique_lock<std::mutex>& guard, std::condition_variable& changed,
+                           const std::function<bool()>& done, const Begin_Wait& wait) {
+  if (!Wait_Until(guard, changed, done, wait)) throw Interrupted();
+}
+
+// False where the job was interrupted.
+bool Network_Thread::Wait_Until(std::unique_lock<std::mutex>& guard, std::condition_variable& changed,
+                                const std::function<bool()>& done, const Begin_Wait& wait) {
   std::function<bool()> serve;
   std::optional<std::chrono::steady_clock::time_point> given_up;
-  while (!outcome.ended.wait_for(guard, serving_every, [&] { return outcome.is_done; })) {
+  bool interrupts = false;
+  while (!changed.wait_for(guard, serving_every, done)) {
     if (!wait) continue;
     guard.unlock();
     bool go_on = false;
@@ -86,12 +101,14 @@ void Network_Thread::Call(const std::function<void()>& job, const Begin_Wait& wa
     }
     const auto now = std::chrono::steady_clock::now();
     if (!go_on && !given_up) given_up = now;
-    if (!go_on && now - *given_up > grace) interruption_.Set();
+    if (!go_on && now - *given_up > grace) {
+      interruption_.Set();
+      interrupts = true;
+    }
     guard.lock();
   }
-  guard.unlock();
-  interruption_.Clear();
-  if (outcome.failure != nullptr) std::rethrow_exception(outcome.failure);
+  if (interrupts) interruption_.Clear();
+  return !interrupts;
 }
 
 void Network_Thread::Work() {

@@ -28,6 +28,10 @@ class Network_Thread {
   void Call(const std::function<void()>& job, const Begin_Wait& wait);
   // A job that makes way for others: begun when nothing else waits.
   void Post_Last(std::function<void()> job);
+  // From another thread: waits in the same way for what the job under way brings, as `done` tells whenever
+  // `changed` is notified. Throws Interrupted where the wait was given up before.
+  void Await(std::unique_lock<std::mutex>& guard, std::condition_variable& changed,
+             const std::function<bool()>& done, const Begin_Wait& wait);
   // For the job under way: whether others wait for it.
   bool Others_Wait() const;
 
@@ -35,6 +39,8 @@ class Network_Thread {
 
  private:
   void Work();
+  bool Wait_Until(std::unique_lock<std::mutex>& guard, std::condition_variable& changed,
+                  const std::function<bool()>& done, const Begin_Wait& wait);
 
   mutable std::mutex lock_;
   std::condition_variable changed_;

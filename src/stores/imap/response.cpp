@@ -14,6 +14,11 @@ bool Is_Digit(char c) {
   return c >= '0' && c <= '9';
 }
 
+bool Is_Letter_Or_Digit(char c) {
+  const char lower = static_cast<char>(c | 0x20);
+  return Is_Digit(c) || (lower >= 'a' && lower <= 'z');
+}
+
 // The bytes of the literal that a line announces with its end: "{12}", "{12+}", "~{12}".
 std::optional<std::uint64_t> Announced_Literal(std::string_view line) {
   if (line.size() < 3 || line.back() != '}') return std::nullopt;
@@ -175,7 +180,10 @@ class Response_Parser {
 
   // Up to the end or to the closing bracket, which stays.
   void Parse_Values(char closing) {
+    // One for every dozen bytes is usual for a structure.
+    constexpr std::size_t usual_length = 12, most_ahead = 1000;
     auto& nodes = response_.nodes_;
+    nodes.reserve(std::min(rest_.size() / usual_length, most_ahead));
     std::vector<std::uint32_t> open;
     for (;;) {
       while (rest_.starts_with(' ')) rest_.remove_prefix(1);
@@ -224,7 +232,7 @@ class Response_Parser {
     if (escapes) {
       std::string plain;
       for (std::size_t at = 0; at < text.size(); ++at) plain += text[at] == '\\' ? text[++at] : text[at];
-      text = response_.unescaped_.emplace_back(std::move(plain));
+      text = response_.unescaped_.emplace_front(std::move(plain));
     }
     Add(text, Response::Kind::String);
     rest_.remove_prefix(end + 1);
@@ -248,6 +256,7 @@ class Response_Parser {
     std::size_t end = 0;
     for (bool bracket = false; end < rest_.size(); ++end) {
       const char c = rest_[end];
+      if (Is_Letter_Or_Digit(c)) continue;
       if (c == '\0' || c == '\r' || c == '\n') Fail();
       if (bracket) {
         if (c == ']') bracket = false;
@@ -273,10 +282,17 @@ Response::Response(std::string text, const Response_Limits& limits) : bytes_(std
   Response_Parser(*this, limits).Parse();
 }
 
-std::vector<Value> Response::Arguments() const {
+std::vector<Value> Response::Values(std::uint32_t begin, std::uint32_t end) const {
+  std::size_t count = 0;
+  for (std::uint32_t at = begin; at < end; at = nodes_[at].end) ++count;
   std::vector<Value> values;
-  for (std::uint32_t at = 0; at < nodes_.size(); at = nodes_[at].end) values.emplace_back(*this, at);
+  values.reserve(count);
+  for (std::uint32_t at = begin; at < end; at = nodes_[at].end) values.emplace_back(*this, at);
   return values;
+}
+
+std::vector<Value> Response::Arguments() const {
+  return Values(0, static_cast<std::uint32_t>(nodes_.size()));
 }
 
 bool Value::Is(std::string_view upper_case) const {
@@ -294,11 +310,8 @@ std::optional<std::uint32_t> Value::Number_32() const {
 }
 
 std::vector<Value> Value::List() const {
-  std::vector<Value> values;
-  if (!Is_List()) return values;
-  for (std::uint32_t at = index_ + 1; at < Node().end; at = response_->nodes_[at].end)
-    values.emplace_back(*response_, at);
-  return values;
+  if (!Is_List()) return {};
+  return response_->Values(index_ + 1, Node().end);
 }
 
 }  // namespace tidyfold::imap

@@ -3,7 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
+#include <forward_list>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -69,6 +69,7 @@ class Response {
 
  private:
   friend class Value;
+  std::vector<Value> Values(std::uint32_t begin, std::uint32_t end) const;
   friend class Response_Parser;
   enum class Kind : std::uint8_t { Nil, Atom, String, List };
   struct Node {
@@ -82,7 +83,7 @@ class Response {
   std::string name_, code_, text_;
   std::uint32_t number_ = 0;
   std::vector<Node> nodes_;
-  std::deque<std::string> unescaped_;
+  std::forward_list<std::string> unescaped_;
 };
 
 class Value {
