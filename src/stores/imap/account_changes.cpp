@@ -34,7 +34,9 @@ void Portion_Size::Took(std::size_t done, Duration took) {
   took_before_ = took;
   const Duration meant = std::max<Duration>(intended, 4 * for_any_);
   const bool is_first = std::exchange(is_first_, false);
-  if (took < meant / 4) {
+  if (took < meant / 8) {
+    now_ = std::min(now_ * 8, most_at_once);
+  } else if (took < meant / 4) {
     now_ = std::min(now_ * 4, most_at_once);
   } else if (took < meant / 2 || is_first) {
     now_ = std::min(now_ * 2, most_at_once);

@@ -25,6 +25,7 @@ struct Wire {
   std::vector<std::string> hidden;  // capabilities that the server does not seem to have
   std::int64_t bytes_left = -1;     // then the connection drops; -1: it does not
   std::int64_t and_again = -1;      // what `bytes_left` is then
+  bool falls_silent = false;        // instead
   int connections = 0;
   std::string sent;  // by the store
 };
@@ -35,6 +36,7 @@ class Wired_Transport : public Transport {
     ++wire_.connections;
   }
   std::optional<std::size_t> Read(char* buffer, std::size_t size) override {
+    if (wire_.falls_silent && wire_.bytes_left == 0) return std::nullopt;
     const auto got = inner_->Read(buffer, Allowed(size));
     if (!got) return got;
     Count(*got);
