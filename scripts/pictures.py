@@ -6,6 +6,7 @@
 PROGRAMS is the folder with tidyfold-driven and tidyfold-cli; OUT is filled with PNG files. Without names: all.
 """
 
+import datetime
 import os
 import pathlib
 import shutil
@@ -14,10 +15,18 @@ import sys
 import time
 
 sys.path.append(str(pathlib.Path(__file__).resolve().parent))
-from window_session import Session  # noqa: E402
+from window_session import TICK_BOX, Session  # noqa: E402
 
 HOME = pathlib.Path("/home/anna")  # shows in titles and dialogs
+FRAME_TOP, FRAME_BOTTOM = 20, 2  # pixels that the window manager adds
 LARGE_TEXT = {"GDK_DPI_SCALE": "1.75"}
+
+
+def mail(subject, day, sender="Anna Holloway", flag="", mozilla="0000"):
+    """A message of an mbox, read."""
+    return (f"From - Fri Jul 03 10:00:00 2015\nX-Mozilla-Status: {mozilla}\nStatus: RO\nX-Status: {flag}\n"
+            f"From: {sender} <mail@example.org>\nSubject: {subject}\nMessage-ID: <{subject.replace(' ', '.')}@x>\n"
+            f"Date: {datetime.date.fromisoformat(day):%a, %d %b %Y} 12:00:00 +0000\n\nHello\n\n")
 
 
 class Pictures:
@@ -51,14 +60,32 @@ class Pictures:
             time.sleep(0.5)
         return window
 
-    def take(self, window, name):
-        wide, high = window.screen.split("x")
-        window.xdotool("mousemove", int(wide) - 2, int(high) - 2)
-        time.sleep(0.4)
+    def take(self, window, name, part=None, still=True):
+        """All of the screen, a part of it as left, top, width and height, or what changes all the time."""
         whole = HOME / "whole.png"
-        window.picture(whole)
-        subprocess.run(["convert", str(whole), "-strip", "-dither", "None", "-colors", "230",
+        if still:
+            wide, high = window.screen.split("x")
+            window.xdotool("mousemove", int(wide) - 2, int(high) - 2)
+            time.sleep(0.4)
+            window.picture(whole)
+        else:
+            subprocess.run(["import", "-window", "root", str(whole)], env=window.environment, check=True)
+        if part:
+            crop = ["-crop", "{2}x{3}+{0}+{1}".format(*part)]
+        else:  # what the screen has around the window
+            crop = ["-bordercolor", "black", "-border", "1", "-trim"]
+        subprocess.run(["convert", str(whole), *crop, "+repage", "-strip", "-dither", "None", "-colors", "230",
                         "PNG8:" + str(self.out / (name + ".png"))], check=True)
+
+    def take_front(self, window, name):
+        """The box or window in front, with its frame."""
+        def answer(*words):
+            return subprocess.run(["xdotool", *words], env=window.environment, check=True,
+                                  stdout=subprocess.PIPE).stdout.decode()
+        place = dict(line.split("=") for line in answer("getactivewindow", "getwindowgeometry", "--shell").split())
+        left, top, wide, high = (int(place[key]) for key in ("X", "Y", "WIDTH", "HEIGHT"))
+        # xdotool adds the frame to the place twice.
+        self.take(window, name, (left - 2, top - 2 * FRAME_TOP, wide + 2, high + FRAME_TOP + FRAME_BOTTOM))
 
     def choose(self, window, preview=True):
         """The Inbox ticked, filters set, the frame on a row that goes."""
@@ -95,6 +122,11 @@ class Pictures:
                                                   **LARGE_TEXT),
             "search": self.search, "by-row": self.by_row, "confirmation": self.confirmation,
             "view-menu": self.view_menu, "calendar-dark": self.calendar, "menus": self.options_menu,
+            "about": self.about, "item": self.item, "runs": self.runs, "loading": self.loading,
+            "protection": self.protection, "import": self.import_report, "export": self.export,
+            "flagged": self.flagged, "keep-copy": self.keep_copy, "compact": self.compact,
+            # The last: its run is killed, which the next window would tell.
+            "run": self.run,
         }
 
     def search(self):
@@ -142,6 +174,121 @@ class Pictures:
             window.click("cmdCalendar")
             window.wait("the calendar", lambda state: "calCutoffDate" in state["widgets"])
             self.take(window, "calendar-dark")
+
+    def about(self):
+        with self.open(self.store("Family mail", 900)) as window:
+            window.key("alt+h")
+            window.key("a", "menu")
+            window.wait("About", lambda state: "About" in str(state["beside"]))
+            self.take(window, "about")
+
+    def item(self):
+        with self.open(self.store("Family mail", 900)) as window:
+            window.click_row(4)
+            window.key("Return")
+            window.keyboard("other")
+            self.take(window, "item")
+
+    def runs(self):
+        store = self.store("Cleaned mail", 900)
+        for folder in ("Notes", "Sent Items"):
+            self.cli("--store", store, "clean", "--folder", folder, "--yes")
+        with self.open(store) as window:
+            window.key("ctrl+l")
+            window.wait("the runs", lambda state: state["beside"]["frmRuns"]["widgets"]["grdRunItems"]["rows"] > 0)
+            self.take(window, "runs")
+
+    def loading(self):
+        self.store("Archive", 100000)
+        shutil.rmtree(HOME / "config", ignore_errors=True)
+        with Session(self.programs / "tidyfold-driven", [HOME / "Archive.tidyfold"], screen="1280x900",
+                     folder=HOME) as window:
+            window.wait("a half of it", lambda state: state["shown"] and state["done"] > state["to_do"] // 10)
+            self.take(window, "loading", still=False)
+
+    def run(self):
+        store = self.store("Archive to clean", 100000)
+        with self.open(store) as window:
+            window.tick("chkPermanentDelete")
+            window.tick_folder("Inbox")
+            window.click("cmdRun")
+            window.answer("identified for cleaning")
+            window.answer("Permanently delete items in selected folders?", "alt+y")
+            window.wait("a part of it", lambda state: state["to_do"] and state["done"] > state["to_do"] // 4)
+            self.take(window, "run", still=False)
+
+    def protection(self):
+        with self.open(self.store("Family mail", 900)) as window:
+            window.click_at(window.node("Family -")["rectangle"])
+            window.key("ctrl+k")
+            window.click_at(window.node("Inbox")["rectangle"])
+            window.key("ctrl+b")
+            rectangle = window.node("Family -")["rectangle"]
+            window.click_at(rectangle, button=3)
+            window.keyboard("menu")
+            self.take(window, "context-menu")
+            self.take(window, "protection", (0, 58, 560, 540))
+
+    def import_report(self):
+        mbox = HOME / "Holidays.mbox"
+        mbox.write_text("".join(mail(f"Photo {at}", "2015-07-03", mozilla="0008" if at in (9, 10) else "0000")
+                                for at in range(12)) + "From - Fri Jul 03 10:30:00 2015\nFrom: anna@exam")
+        with self.open(self.store("Family mail", 900)) as window:
+            window.key("ctrl+i")
+            window.wait("the dialog", lambda state: state["keyboard"] not in ("window", "menu"))
+            window.xdotool("type", str(mbox))
+            time.sleep(1)
+            window.xdotool("key", "Return")
+            window.wait("the report", lambda state: "dialog" in state["beside"] and state["keyboard"] == "box")
+            window.xdotool("key", "Tab", "Tab", "space")
+            self.take_front(window, "import")
+
+    def export(self):
+        with self.open(self.store("Family mail", 900)) as window:
+            window.key("ctrl+e")
+            window.wait("the dialog", lambda state: "Export_Dialog" in state["beside"] and state["keyboard"] == "box")
+            self.take_front(window, "export")
+
+    def flagged(self):
+        mbox = HOME / "Old mail.mbox"
+        mbox.write_text("".join(mail(*fields) for fields in (
+            ("Photos of the garden", "2014-12-31"), ("Invoice 2207", "2015-01-09", "Peter Lund", "F"),
+            ("Re: Photos of the garden", "2015-01-18"), ("Your books are due", "2015-01-27", "Town library"),
+            ("Insurance policy", "2015-02-05", "Peter Lund", "F"), ("Dinner on Friday", "2015-02-14", "Marta Reis"),
+            ("New opening hours", "2015-02-23", "Town library"), ("Re: Dinner on Friday", "2015-03-04", "Marta Reis"))))
+        store = HOME / "Letters.tidyfold"
+        self.cli("--store", store, "import", mbox)
+        with self.open(store) as window:
+            window.click_at(window.node("Old mail -")["rectangle"])
+            window.key("ctrl+m")
+            state = window.wait("rows that go", lambda state: sum(row["texts"][1] == "1" for row in state["grid"]) == 6)
+            left, top, wide, _ = state["widgets"]["grdItems"]["rectangle"]
+            self.take(window, "flagged", (left, top, wide, 245))
+
+    def keep_copy(self):
+        with self.open(self.store("Family mail", 900)) as window:
+            window.tick("chkPermanentDelete")
+            window.click_at(window.usable("chkKeepCopy")["rectangle"], TICK_BOX)
+            window.wait("the question where", lambda state: "Where to keep the copies" in state["boxes"])
+            time.sleep(2)
+            window.xdotool("key", "Return")
+            window.wait("the tick", lambda state: state["widgets"]["chkKeepCopy"]["checked"])
+            window.keyboard("window")
+            time.sleep(1)
+            window.tick_folder("Notes")
+            window.click("cmdRun")
+            window.box("identified for cleaning")
+            self.take_front(window, "keep-copy")
+
+    def compact(self):
+        store = self.store("Old archive", 30000)
+        self.cli("--store", store, "clean", "--folder", "Inbox", "--sub-folders", "--permanent", "--yes")
+        with self.open(store) as window:
+            window.key("alt+f")
+            window.key("c", "menu")
+            window.wait("the end", lambda state: state["keyboard"] == "box" and not state["beside"])
+            time.sleep(2)
+            self.take_front(window, "compact")
 
 
 def main():
