@@ -191,7 +191,7 @@ bool Header_Cache::Open(const std::string& store) {
       return false;
     }
   }
-  find_ = Prepare("SELECT row FROM header WHERE folder = ? AND id = ?");
+  find_ = Prepare("SELECT id, row FROM header WHERE folder = ? AND id >= ? ORDER BY id");
   put_ = Prepare("INSERT OR REPLACE INTO header (folder, id, row) VALUES (?, ?, ?)");
   forget_ = Prepare("DELETE FROM header WHERE folder = ? AND id = ?");
   return find_ != nullptr && put_ != nullptr && forget_ != nullptr;
@@ -201,6 +201,7 @@ bool Header_Cache::Open(const std::string& store) {
 void Header_Cache::Give_Up() {
   const int code = connection_ == nullptr ? SQLITE_OK : sqlite3_errcode(connection_.get());
   damaged_ = damaged_ || code == SQLITE_CORRUPT || code == SQLITE_NOTADB || code == SQLITE_ERROR;
+  place_.reset();
   find_.reset();
   put_.reset();
   forget_.reset();
@@ -235,6 +236,7 @@ bool Header_Cache::Begin() {
 }
 
 void Header_Cache::Keep() {
+  Leave();
   if (connection_ != nullptr && std::exchange(in_transaction_, false)) Run("COMMIT");
 }
 
@@ -249,6 +251,7 @@ std::int64_t Header_Cache::Folder(const std::string& name, std::int64_t generati
     if (sqlite3_column_int64(find.get(), 1) == generation) return id;
   }
   find.reset();
+  Leave();
   if (id != 0) {
     for (const char* sql : {"DELETE FROM header WHERE folder = ?", "DELETE FROM folder WHERE id = ?"}) {
       Statement forget = Prepare(sql);
@@ -280,14 +283,37 @@ void Header_Cache::Set_State(std::int64_t folder, const std::string& state) {
   Step(*set);
 }
 
-std::optional<Cached_Header> Header_Cache::Find(std::int64_t folder, std::string_view id) {
-  if (connection_ == nullptr) return std::nullopt;
+void Header_Cache::Leave() {
+  if (place_.has_value() && find_ != nullptr) sqlite3_reset(find_.get());
+  place_.reset();
+}
+
+// A step to the next row costs a fraction of a search.
+bool Header_Cache::Go_To(std::int64_t folder, std::string_view id) {
+  constexpr int most_steps = 4;
+  const auto read_place = [&](int code) {
+    place_->at_end = code == SQLITE_DONE;
+    place_->row = code == SQLITE_ROW ? Bytes(*find_, 0) : std::string_view();
+    return code == SQLITE_ROW || code == SQLITE_DONE;
+  };
+  if (place_.has_value() && place_->folder == folder && place_->sought <= id) {
+    for (int steps = 0; steps < most_steps && !place_->at_end && place_->row < id; ++steps) {
+      place_->sought = place_->row + '\0';  // the next id that there could be
+      if (!read_place(Step(*find_))) return Leave(), false;
+    }
+    if (place_->at_end || place_->row >= id) return !place_->at_end && place_->row == id;
+  }
+  Leave();
   sqlite3_bind_int64(find_.get(), 1, folder);
-  Bind(*find_, 2, id);
-  std::optional<Cached_Header> header;
-  if (Step(*find_) == SQLITE_ROW) header = Unpacked(id, Bytes(*find_, 0));
-  sqlite3_reset(find_.get());
-  return header;
+  sqlite3_bind_blob64(find_.get(), 2, id.empty() ? "" : id.data(), id.size(), SQLITE_TRANSIENT);
+  place_.emplace(Place{folder, std::string(id), {}, false});
+  if (!read_place(Step(*find_))) return Leave(), false;
+  return !place_->at_end && place_->row == id;
+}
+
+std::optional<Cached_Header> Header_Cache::Find(std::int64_t folder, std::string_view id) {
+  if (connection_ == nullptr || !Go_To(folder, id)) return std::nullopt;
+  return Unpacked(id, Bytes(*find_, 1));
 }
 
 void Header_Cache::For_Each(
@@ -310,6 +336,7 @@ std::int64_t Header_Cache::Count(std::int64_t folder) {
 
 void Header_Cache::Put(std::int64_t folder, std::string_view id, const Cached_Header& header) {
   if (!Begin()) return;
+  Leave();
   const std::string row = Packed(id, header);
   sqlite3_bind_int64(put_.get(), 1, folder);
   Bind(*put_, 2, id);
@@ -320,6 +347,7 @@ void Header_Cache::Put(std::int64_t folder, std::string_view id, const Cached_He
 
 void Header_Cache::Forget(std::int64_t folder, std::string_view id) {
   if (!Begin()) return;
+  Leave();
   sqlite3_bind_int64(forget_.get(), 1, folder);
   Bind(*forget_, 2, id);
   Step(*forget_);

@@ -49,6 +49,7 @@ class Header_Cache {
   std::string State(std::int64_t folder);
   void Set_State(std::int64_t folder, const std::string& state);
 
+  // Costs least in the order of the ids, with nothing put or forgotten in between.
   std::optional<Cached_Header> Find(std::int64_t folder, std::string_view id);
   void For_Each(std::int64_t folder,
                 const std::function<void(std::string_view id, const Cached_Header& header)>& take);
@@ -75,11 +76,21 @@ class Header_Cache {
   int Step(sqlite3_stmt& statement);
   bool Begin();
   void Give_Up();
+  // Whether find_ stands on the row now.
+  bool Go_To(std::int64_t folder, std::string_view id);
+  void Leave();
 
   std::filesystem::path file_;
   std::unique_ptr<sqlite3, Closer> connection_;  // empty: nothing is kept
   Statement find_, put_, forget_;
   bool in_transaction_ = false, damaged_ = false;
+  // Where find_ stands: on the row of `row`, or behind the last one. The folder has none between the two ids.
+  struct Place {
+    std::int64_t folder = 0;
+    std::string sought, row;
+    bool at_end = false;
+  };
+  std::optional<Place> place_;
 };
 
 }  // namespace tidyfold
