@@ -2,6 +2,7 @@
 
 #include <utf8proc.h>
 
+#include <algorithm>
 #include <cstdint>
 
 namespace tidyfold {
@@ -86,6 +87,9 @@ int Compare_Ignoring_Case(std::string_view left, std::string_view right) {
 }
 
 std::string Valid_Utf8(std::string_view text) {
+  // Most is plain ASCII.
+  if (std::all_of(text.begin(), text.end(), [](char c) { return static_cast<signed char>(c) >= 0; }))
+    return std::string(text);
   std::string valid;
   valid.reserve(text.size());
   for (std::size_t at = 0; at < text.size();) {

@@ -133,6 +133,10 @@ std::string Unfolded(std::string_view value) {
 }
 
 std::string Header_Text(std::string_view value, std::string_view raw_charset) {
+  // Nothing is folded, encoded or escaped in most of them.
+  const std::string_view trimmed = Header_Trim(value);
+  const bool plain = std::all_of(trimmed.begin(), trimmed.end(), [](char c) { return c >= ' ' && c < 0x7F; });
+  if (plain && trimmed.find("=?") == std::string_view::npos) return std::string(trimmed);
   return One_Line(Decode_Text(value, raw_charset));
 }
 

@@ -161,7 +161,8 @@ bool Header_Cache::Open(const std::string& store) {
 #endif
   // A crash of the machine may damage the file; that is found out by each row's check, or by SQLite.
   const bool ready =
-      Run("PRAGMA locking_mode = EXCLUSIVE; PRAGMA journal_mode = WAL; PRAGMA synchronous = OFF;"
+      Run("PRAGMA page_size = 16384; PRAGMA locking_mode = EXCLUSIVE; PRAGMA journal_mode = WAL; PRAGMA "
+          "synchronous = OFF;"
           " PRAGMA cache_size = -8000; BEGIN EXCLUSIVE;"
           " CREATE TABLE IF NOT EXISTS folder (id INTEGER PRIMARY KEY, name BLOB UNIQUE NOT NULL,"
           " generation INTEGER NOT NULL, state BLOB NOT NULL DEFAULT '');"

@@ -44,6 +44,7 @@ class Mail_Index {
   // By EntryID: "M", the unique name, and of the second file of that name "/2".
   Mail* Find(std::string_view entry_id) const;
   Mail& Add(std::string name, std::uint32_t twin);
+  void Reserve(std::size_t count) { known_.reserve(count); }
   static std::string Entry_Id(const Mail& mail);
 
  private:

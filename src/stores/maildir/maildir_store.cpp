@@ -1,6 +1,5 @@
 #include "stores/maildir/maildir_store.h"
 
-#include <dirent.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -15,6 +14,7 @@
 #include "mail/gmime_ptr.h"
 #include "mail/maildir.h"
 #include "outlook/folder_roles.h"
+#include "stores/maildir/directory_list.h"
 #include "stores/maildir/maildir_objects.h"
 
 namespace tidyfold {
@@ -61,10 +61,6 @@ fs::path Whole_Path(const fs::path& path) {
   if (error) whole = fs::absolute(path).lexically_normal();
   return whole.has_filename() ? whole : whole.parent_path();
 }
-
-struct Directory_Closer {
-  void operator()(DIR* directory) const { ::closedir(directory); }
-};
 
 }  // namespace
 
@@ -219,8 +215,9 @@ void Maildir_Store::Read(Folder& folder) {
   }
   for (Mail* const mail : came) mail->coming = false;
   std::erase_if(came, [&](const Mail* mail) { return mail->seen != reading_; });
-  std::sort(came.begin(), came.end(),
-            [](const Mail* left, const Mail* right) { return left->name < right->name; });
+  // Those of new/ and of cur/ come in order.
+  const auto by_name = [](const Mail* left, const Mail* right) { return left->name < right->name; };
+  if (!std::is_sorted(came.begin(), came.end(), by_name)) std::sort(came.begin(), came.end(), by_name);
   for (Mail* const mail : came) {
     mail->gone = false;
     mail->folder = &folder;
@@ -232,20 +229,15 @@ void Maildir_Store::Read(Folder& folder) {
 
 bool Maildir_Store::Scan(Folder& folder, bool is_new, std::vector<Mail*>& came) {
   const std::string path = tree_.Text_Of(folder) + (is_new ? "/new" : "/cur");
-  const std::unique_ptr<DIR, Directory_Closer> directory(::opendir(path.c_str()));
-  if (directory == nullptr) return errno == ENOENT;
-  for (;;) {
-    errno = 0;
-    const dirent* const entry = ::readdir(directory.get());
-    if (entry == nullptr) return errno == 0;
-    const std::string_view name = entry->d_name;
-    if (name.starts_with('.') ||
-        (entry->d_type != DT_REG && entry->d_type != DT_UNKNOWN && entry->d_type != DT_LNK))
-      continue;
+  maildir::Directory_List list;
+  if (const int error = list.Read(path); error != 0) return errno = error, error == ENOENT;
+  mails_.Reserve(list.Count());
+  list.For_Each([&](std::string_view name, std::uint64_t inode) {
     // Marked as deleted by its mail program, which has only to clear up.
-    if (!is_new && Split_Maildir_Name(name).marks.find('T') != std::string_view::npos) continue;
-    Note(folder, name, is_new, entry->d_ino, came).seen = reading_;
-  }
+    if (!is_new && Split_Maildir_Name(name).marks.find('T') != std::string_view::npos) return;
+    Note(folder, name, is_new, inode, came).seen = reading_;
+  });
+  return true;
 }
 
 // The mail that a file is. Those that are not in the folder's list yet are added to `came`.
