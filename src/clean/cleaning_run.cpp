@@ -128,7 +128,10 @@ void Cleaning_Run::Finish() {
   }
   const std::string reason = journal_.Reason_To_End();
   if (!reason.empty()) message_box_.Show("The run was ended. " + reason, Buttons::OK_Only, Icon::Critical);
-  if (not_all_deleted) message_box_.Show("Not all items could be deleted", Buttons::OK_Only, Icon::Critical);
+  if (not_all_deleted) {
+    const std::string why = run_.WhyNotDeleted.empty() ? "" : "\r\n\r\n" + run_.WhyNotDeleted;
+    message_box_.Show("Not all items could be deleted" + why, Buttons::OK_Only, Icon::Critical);
+  }
   Say_What_Has_Changed();
   window_.sbStatusBar.Set_Panel_Text(2, "Total Processed:  " + Format_Count(run_.ProcessedCount));
   strategies_.Clear_Gauge();

@@ -141,6 +141,7 @@ std::string Maildir_Store::Make(const Change& change) {
       }
       if (found) break;
     }
+    if (!found && !Is_Maildir(tree_.Path_Of(*change.from))) return Why_Lost();
     if (!found) return "It was moved or deleted by another program.";
     if ((!was_unread && !mail.Has('S')) || (!was_flagged && mail.Has('F')))
       return "It has become unread or flagged while it was deleted.";
@@ -157,6 +158,8 @@ std::string Maildir_Store::Make_Once(const Change& change, int& error) {
     return error == 0 ? "" : Why(error);
   }
   if (change.to == change.from) return {};
+  // A disk that has gone leaves an empty directory behind, and nothing is made there.
+  if (change.to->to_be_made && !Is_Maildir(tree_.Path_Of(*change.from))) return error = EIO, Why_Lost();
   try {
     Make_Directory(*change.to);
   } catch (const fs::filesystem_error& failed) {
@@ -172,13 +175,23 @@ std::string Maildir_Store::Make_Once(const Change& change, int& error) {
     std::error_code ignored;
     if (!fs::is_directory(tree_.Path_Of(*change.to) / "cur", ignored)) {
       error = EIO;
-      return "The folder that it would go to is no longer there.";
+      return Is_Maildir(tree_.Path_Of(*change.from))
+                 ? "The folder that it would go to is no longer there. Choose Refresh."
+                 : Why_Lost();
     }
   }
   if (error != 0) return Why(error);
   mail.name = std::move(name);
   mail.is_new = false;
   return {};
+}
+
+// Of a folder whose directory cannot be found.
+std::string Maildir_Store::Why_Lost() const {
+  std::error_code ignored;
+  return fs::is_directory(tree_.Path(), ignored)
+             ? "The folder that it lies in is no longer there. Choose Refresh."
+             : Unreachable();
 }
 
 // With the mark by which mail servers know a folder beside others.

@@ -143,13 +143,16 @@ bool Maildir_Store::Is_At(const Store_Address& address) const {
   return address.kind == Store_Address::Kind::Maildir && Whole_Path(address.path) == tree_.Path();
 }
 
+std::string Maildir_Store::Unreachable() const {
+  return "The Maildir \"" + tree_.Path().string() +
+         "\" can no longer be reached. Check the disk or the network share that it lies on, and open it "
+         "again.";
+}
+
 // A directory that cannot be read is not one without mail.
 void Maildir_Store::Check_Place() const {
   std::error_code error;
-  if (fs::is_directory(tree_.Path(), error)) return;
-  Fail(automation_error::unavailable, "The Maildir \"" + tree_.Path().string() +
-                                          "\" can no longer be reached. Check the disk or the network share "
-                                          "that it lies on, and open it again.");
+  if (!fs::is_directory(tree_.Path(), error)) Fail(automation_error::unavailable, Unreachable());
 }
 
 void Maildir_Store::Look_At_Tree() {

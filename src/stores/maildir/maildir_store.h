@@ -84,6 +84,8 @@ class Maildir_Store : public Mail_Store, public std::enable_shared_from_this<Mai
 
   Maildir_Store(const Store_Address& address, const Maildir_Options& options);
   void Check_Place() const;
+  std::string Unreachable() const;
+  std::string Why_Lost() const;
   void Read(Folder& folder);
   bool Scan(Folder& folder, bool is_new, std::vector<Mail*>& came);
   Mail& Note(Folder& folder, std::string_view name, bool is_new, std::uint64_t inode,
