@@ -36,12 +36,14 @@ Mail* Mail_Index::Find(std::string_view entry_id) const {
   return Find(name.substr(0, slash), number - 1);
 }
 
-Mail& Mail_Index::Add(std::string name, std::uint32_t twin) {
+Mail& Mail_Index::Find_Or_Add(std::string_view name, std::uint32_t twin, bool& added) {
   Mail& mail = mails_.emplace_back();
-  mail.name = std::move(name);
+  mail.name = name;
   mail.twin = twin;
-  known_.insert(&mail);
-  return mail;
+  const auto [known, is_new] = known_.insert(&mail);
+  added = is_new;
+  if (!is_new) mails_.pop_back();
+  return **known;
 }
 
 std::string Mail_Index::Entry_Id(const Mail& mail) {

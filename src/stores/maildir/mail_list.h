@@ -43,7 +43,8 @@ class Mail_Index {
   Mail* Find(std::string_view unique, std::uint32_t twin) const;
   // By EntryID: "M", the unique name, and of the second file of that name "/2".
   Mail* Find(std::string_view entry_id) const;
-  Mail& Add(std::string name, std::uint32_t twin);
+  // The mail of this name's unique part, made if there is none.
+  Mail& Find_Or_Add(std::string_view name, std::uint32_t twin, bool& added);
   void Reserve(std::size_t count) { known_.reserve(count); }
   static std::string Entry_Id(const Mail& mail);
 

@@ -198,13 +198,18 @@ std::string Maildir_Store::Why_Lost() const {
 void Maildir_Store::Make_Directory(Folder& folder) {
   if (!folder.to_be_made && folder.has_mail) return;
   const fs::path path = tree_.Path_Of(folder);
-  std::error_code error;
-  const bool is_new = fs::create_directories(path, error);
-  if (error) throw fs::filesystem_error("", path, error);
-  if (is_new) fs::permissions(path, fs::perms::owner_all, error);
-  for (const char* part : {"cur", "new", "tmp"}) {
-    if (fs::create_directory(path / part, error)) fs::permissions(path / part, fs::perms::owner_all, error);
-    if (error) throw fs::filesystem_error("", path, error);
+  std::vector<fs::path> made;
+  for (const fs::path& part : {path, path / "cur", path / "new", path / "tmp"}) {
+    std::error_code error;
+    if (fs::create_directories(part, error)) {
+      made.push_back(part);
+      fs::permissions(part, fs::perms::owner_all, error);
+    }
+    if (!error) continue;
+    // Half a Maildir would be worse than none.
+    std::error_code ignored;
+    for (auto each = made.rbegin(); each != made.rend(); ++each) fs::remove(*each, ignored);
+    throw fs::filesystem_error("", part, error);
   }
   if (folder.dotted) {
     const int mark = ::open((path / "maildirfolder").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);

@@ -133,12 +133,17 @@ class Maildir_Table : public Table, Folder_View {
         if (error.Number() != automation_error::not_found) throw;  // gone since the look
       }
     }
-    store_->Keep_Headers();
+    since_kept_ += rows.size();
+    if (since_kept_ >= kept_at_once || rows.size() < wanted) {
+      store_->Keep_Headers();
+      since_kept_ = 0;
+    }
     return rows;
   }
 
  private:
   static constexpr std::size_t batch_size = 256;
+  static constexpr std::size_t kept_at_once = 4096;
   // Fewer are read faster than handed over.
   static constexpr std::size_t worth_a_batch = 8;
 
@@ -180,6 +185,7 @@ class Maildir_Table : public Table, Folder_View {
 
   std::deque<Expected> expected_;
   std::uint32_t slot_ = 0;  // the first one behind those expected
+  std::size_t since_kept_ = 0;
 };
 
 class Maildir_Folders : public Folders, Folder_View {

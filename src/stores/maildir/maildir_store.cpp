@@ -202,9 +202,11 @@ void Maildir_Store::Read(Folder& folder) {
     // What leaves new/ meanwhile is met again in cur/.
     const bool whole = Scan(folder, true, came) && Scan(folder, false, came);
     if (!whole) {
+      const int error = errno;
+      for (Mail* const mail : came) mail->coming = false;
       Check_Place();
       Fail(automation_error::call_failed, "The folder \"" + folder.name + "\" could not be read (" +
-                                              Message(errno) + "). Check the permissions of \"" + path +
+                                              Message(error) + "). Check the permissions of \"" + path +
                                               "\" and the disk that it lies on.");
     }
     if (maildir::Changed(path + "/cur") == list.cur_changed &&
@@ -246,19 +248,20 @@ bool Maildir_Store::Scan(Folder& folder, bool is_new, std::vector<Mail*>& came) 
 // The mail that a file is. Those that are not in the folder's list yet are added to `came`.
 maildir::Mail& Maildir_Store::Note(Folder& folder, std::string_view name, bool is_new, std::uint64_t inode,
                                    std::vector<Mail*>& came) {
-  const std::string_view unique = Split_Maildir_Name(name).unique;
   for (std::uint32_t twin = 0;; ++twin) {
-    Mail* mail = mails_.Find(unique, twin);
-    const bool is_here = mail != nullptr && !mail->gone && mail->folder == &folder;
-    if (mail == nullptr) {
-      mail = &mails_.Add(std::string(name), twin);
+    bool added = false;
+    Mail* const mail = &mails_.Find_Or_Add(name, twin, added);
+    const bool is_here = !added && !mail->gone && mail->folder == &folder;
+    if (added) {
+      // its folder is set below
     } else if (mail->pending) {
       return *mail;  // lies where it was until its group ends, and counts no more
     } else if (!mail->gone && !is_here) {
       // Moved by another program, or a copy.
       if (Is_On_Disk(*mail->folder, *mail)) continue;
       mail->folder->mail->Remove(*mail);
-    } else if (is_here && mail->name != name && mail->inode != inode && Is_On_Disk(folder, *mail)) {
+    } else if ((is_here || mail->coming) && mail->name != name && mail->inode != inode &&
+               Is_On_Disk(folder, *mail)) {
       continue;  // two files of one unique name
     }
     if (mail->name != name) mail->name = name;

@@ -127,11 +127,16 @@ TEST_F(Maildir_Test, RowsAndItemsTellWhatFileAndNameTell) {
   const std::string invitation = program.Deliver(
       "", "invitation", "S", "From: d@example.org\nContent-Type: text/calendar; method=REQUEST\n",
       "BEGIN:VCALENDAR\nMETHOD:REQUEST\nBEGIN:VEVENT\nEND:VEVENT\nEND:VCALENDAR\n");
+  constexpr std::size_t more = 300;  // enough for several batches
+  for (std::size_t i = 0; i < more; ++i) {
+    const std::size_t length = i % 100 == 50 ? 2 * summary_bytes : i;
+    program.Deliver("", "more " + std::to_string(i), "S", "X-Long: " + std::string(length, 'x') + "\n");
+  }
   for (const char* how : {"from the files", "from the cache"}) {
     SCOPED_TRACE(how);
     Open();
     const std::vector<Table_Row> rows = Rows("Inbox");
-    ASSERT_EQ(rows.size(), 4U);
+    ASSERT_EQ(rows.size(), 4 + more);
     EXPECT_EQ(rows[0].EntryID, "M" + plain);
     EXPECT_EQ(rows[0].Subject, "Gr\u00fc\u00dfe");
     EXPECT_EQ(rows[0].SenderOrText, "Zoe");
@@ -180,6 +185,37 @@ TEST_F(Maildir_Test, ADeletionWaitsForItsGroupAndKeepsTheMarks) {
   store->Commit_Pending();
   Open();
   EXPECT_EQ(Tree(), "Inbox 0, Sent 1, Trash 2, ");
+}
+
+TEST_F(Maildir_Test, RowsThatWereReadAheadHeedWhatHasHappenedSince) {
+  std::vector<std::string> mails;
+  for (int i = 0; i < 300; ++i) mails.push_back(program.Deliver("", "mail"));
+  Open();
+  const Table_Ptr table = Folder("Inbox")->GetTable();
+  ASSERT_EQ(table->GetArray(10).size(), 10U);
+  program.Mark(mails[200], "F");
+  program.Delete(mails[250]);
+  const std::vector<Table_Row> rows = table->GetArray(1000);
+  ASSERT_EQ(rows.size(), 289U);
+  EXPECT_EQ(rows[190].EntryID, "M" + mails[200]);
+  EXPECT_TRUE(rows[190].UnRead && rows[190].FlagStatus == flag_status::marked);
+  EXPECT_EQ(rows[240].EntryID, "M" + mails[251]);
+}
+
+TEST_F(Maildir_Test, TwoFilesOfOneUniqueNameAreTwoMails) {
+  const std::string mail = program.Deliver("", "twins");
+  std::filesystem::copy(program.Find(mail), program.Top() / "cur" / (mail + ":2,FS"));
+  for (int opening = 0; opening < 2; ++opening) {
+    Open();
+    const std::vector<Table_Row> rows = Rows("Inbox");
+    ASSERT_EQ(rows.size(), 2U);
+    EXPECT_EQ(rows[0].EntryID, "M" + mail);
+    EXPECT_EQ(rows[1].EntryID, "M" + mail + "/2");
+    for (const Table_Row& row : rows)
+      EXPECT_EQ(store->GetItemFromID(row.EntryID)->FlagStatus(), row.FlagStatus);
+    for (const char* id : {"/1", "/3", "/x", "/2x", "/"})
+      EXPECT_EQ(Error_Of([&] { store->GetItemFromID("M" + mail + id); }), automation_error::not_found) << id;
+  }
 }
 
 // Between the look and the deletion another program was faster.
