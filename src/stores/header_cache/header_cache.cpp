@@ -16,6 +16,7 @@ namespace {
 // "Tdyh", in the header of the file.
 constexpr int application_id = 0x54647968;
 constexpr int version = 2;
+constexpr std::size_t rows_at_once = 64;
 
 std::uint64_t Hash(std::string_view text, std::uint64_t hash = 0xCBF29CE484222325U) {
   for (const char character : text) {
@@ -136,6 +137,7 @@ Header_Cache::~Header_Cache() {
   Keep();
   find_.reset();
   put_.reset();
+  put_many_.reset();
   forget_.reset();
   connection_.reset();
   if (damaged_) Remove_Cache(file_);
@@ -193,9 +195,12 @@ bool Header_Cache::Open(const std::string& store) {
     }
   }
   find_ = Prepare("SELECT id, row FROM header WHERE folder = ? AND id >= ? ORDER BY id");
-  put_ = Prepare("INSERT OR REPLACE INTO header (folder, id, row) VALUES (?, ?, ?)");
+  std::string put = "INSERT OR REPLACE INTO header (folder, id, row) VALUES (?, ?, ?)";
+  put_ = Prepare(put.c_str());
+  for (std::size_t row = 1; row < rows_at_once; ++row) put += ", (?, ?, ?)";
+  put_many_ = Prepare(put.c_str());
   forget_ = Prepare("DELETE FROM header WHERE folder = ? AND id = ?");
-  return find_ != nullptr && put_ != nullptr && forget_ != nullptr;
+  return find_ != nullptr && put_ != nullptr && put_many_ != nullptr && forget_ != nullptr;
 }
 
 // Nothing is kept from then on. Damage removes the file.
@@ -205,6 +210,7 @@ void Header_Cache::Give_Up() {
   place_.reset();
   find_.reset();
   put_.reset();
+  put_many_.reset();
   forget_.reset();
   connection_.reset();
 }
@@ -237,7 +243,7 @@ bool Header_Cache::Begin() {
 }
 
 void Header_Cache::Keep() {
-  Leave();
+  Settle();
   if (connection_ != nullptr && std::exchange(in_transaction_, false)) Run("COMMIT");
 }
 
@@ -252,7 +258,7 @@ std::int64_t Header_Cache::Folder(const std::string& name, std::int64_t generati
     if (sqlite3_column_int64(find.get(), 1) == generation) return id;
   }
   find.reset();
-  Leave();
+  Settle();
   if (id != 0) {
     for (const char* sql : {"DELETE FROM header WHERE folder = ?", "DELETE FROM folder WHERE id = ?"}) {
       Statement forget = Prepare(sql);
@@ -284,6 +290,24 @@ void Header_Cache::Set_State(std::int64_t folder, const std::string& state) {
   Step(*set);
 }
 
+void Header_Cache::Settle() {
+  Leave();
+  const std::vector<Waiting> waiting = std::exchange(waiting_, {});
+  if (waiting.empty() || !Begin()) return;
+  const bool together = waiting.size() == rows_at_once;
+  sqlite3_stmt& put = together ? *put_many_ : *put_;
+  int parameter = 0;
+  for (const Waiting& each : waiting) {
+    sqlite3_bind_int64(&put, ++parameter, each.folder);
+    Bind(put, ++parameter, each.id);
+    Bind(put, ++parameter, each.row);
+    if (together && &each != &waiting.back()) continue;
+    Step(put);
+    sqlite3_reset(&put);
+    parameter = 0;
+  }
+}
+
 void Header_Cache::Leave() {
   if (place_.has_value() && find_ != nullptr) sqlite3_reset(find_.get());
   place_.reset();
@@ -313,12 +337,14 @@ bool Header_Cache::Go_To(std::int64_t folder, std::string_view id) {
 }
 
 std::optional<Cached_Header> Header_Cache::Find(std::int64_t folder, std::string_view id) {
+  if (!waiting_.empty()) Settle();
   if (connection_ == nullptr || !Go_To(folder, id)) return std::nullopt;
   return Unpacked(id, Bytes(*find_, 1));
 }
 
 void Header_Cache::For_Each(
     std::int64_t folder, const std::function<void(std::string_view id, const Cached_Header& header)>& take) {
+  Settle();
   Statement all = Prepare("SELECT id, row FROM header WHERE folder = ? ORDER BY id");
   if (all == nullptr) return;
   sqlite3_bind_int64(all.get(), 1, folder);
@@ -329,6 +355,7 @@ void Header_Cache::For_Each(
 }
 
 std::int64_t Header_Cache::Count(std::int64_t folder) {
+  Settle();
   Statement count = Prepare("SELECT COUNT(*) FROM header WHERE folder = ?");
   if (count == nullptr) return 0;
   sqlite3_bind_int64(count.get(), 1, folder);
@@ -336,19 +363,15 @@ std::int64_t Header_Cache::Count(std::int64_t folder) {
 }
 
 void Header_Cache::Put(std::int64_t folder, std::string_view id, const Cached_Header& header) {
-  if (!Begin()) return;
+  if (connection_ == nullptr) return;
   Leave();
-  const std::string row = Packed(id, header);
-  sqlite3_bind_int64(put_.get(), 1, folder);
-  Bind(*put_, 2, id);
-  Bind(*put_, 3, row);
-  Step(*put_);
-  sqlite3_reset(put_.get());
+  waiting_.push_back({folder, std::string(id), Packed(id, header)});
+  if (waiting_.size() == rows_at_once) Settle();
 }
 
 void Header_Cache::Forget(std::int64_t folder, std::string_view id) {
+  Settle();
   if (!Begin()) return;
-  Leave();
   sqlite3_bind_int64(forget_.get(), 1, folder);
   Bind(*forget_, 2, id);
   Step(*forget_);
@@ -356,6 +379,7 @@ void Header_Cache::Forget(std::int64_t folder, std::string_view id) {
 }
 
 void Header_Cache::Forget_Others(std::int64_t folder, const std::function<bool(std::string_view id)>& stays) {
+  Settle();
   std::vector<std::string> gone;
   {
     Statement all = Prepare("SELECT id FROM header WHERE folder = ?");

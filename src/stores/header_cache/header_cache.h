@@ -12,6 +12,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "outlook/object_model.h"
 
@@ -78,11 +79,14 @@ class Header_Cache {
   void Give_Up();
   // Whether find_ stands on the row now.
   bool Go_To(std::int64_t folder, std::string_view id);
+  // Ends what find_ is at.
   void Leave();
+  // The same, and writes what waits.
+  void Settle();
 
   std::filesystem::path file_;
   std::unique_ptr<sqlite3, Closer> connection_;  // empty: nothing is kept
-  Statement find_, put_, forget_;
+  Statement find_, put_, put_many_, forget_;
   bool in_transaction_ = false, damaged_ = false;
   // Where find_ stands: on the row of `row`, or behind the last one. The folder has none between the two ids.
   struct Place {
@@ -91,6 +95,12 @@ class Header_Cache {
     bool at_end = false;
   };
   std::optional<Place> place_;
+  // What was put and is not yet written: many rows at once cost half as much.
+  struct Waiting {
+    std::int64_t folder = 0;
+    std::string id, row;
+  };
+  std::vector<Waiting> waiting_;
 };
 
 }  // namespace tidyfold
