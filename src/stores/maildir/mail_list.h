@@ -45,7 +45,10 @@ class Mail_Index {
   Mail* Find(std::string_view entry_id) const;
   // The mail of this name's unique part, made if there is none.
   Mail& Find_Or_Add(std::string_view name, std::uint32_t twin, bool& added);
-  void Reserve(std::size_t count) { known_.reserve(count); }
+  // So many more will come.
+  void Expect(std::size_t count) {
+    if (known_.size() + count > known_.bucket_count()) known_.reserve(known_.size() + count);
+  }
   static std::string Entry_Id(const Mail& mail);
 
  private:

@@ -236,7 +236,7 @@ bool Maildir_Store::Scan(Folder& folder, bool is_new, std::vector<Mail*>& came) 
   const std::string path = tree_.Text_Of(folder) + (is_new ? "/new" : "/cur");
   maildir::Directory_List list;
   if (const int error = list.Read(path); error != 0) return errno = error, error == ENOENT;
-  mails_.Reserve(list.Count());
+  if (folder.mail->looked == 0) mails_.Expect(list.Count());
   list.For_Each([&](std::string_view name, std::uint64_t inode) {
     // Marked as deleted by its mail program, which has only to clear up.
     if (!is_new && Split_Maildir_Name(name).marks.find('T') != std::string_view::npos) return;
