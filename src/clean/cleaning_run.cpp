@@ -128,6 +128,7 @@ void Cleaning_Run::Finish() {
   }
   const std::string reason = journal_.Reason_To_End();
   if (!reason.empty()) message_box_.Show("The run was ended. " + reason, Buttons::OK_Only, Icon::Critical);
+  if (!run_.WhyNotDeleted.empty()) message_box_.Show(run_.WhyNotDeleted, Buttons::OK_Only, Icon::Critical);
   if (not_all_deleted) message_box_.Show("Not all items could be deleted", Buttons::OK_Only, Icon::Critical);
   Say_What_Has_Changed();
   window_.sbStatusBar.Set_Panel_Text(2, "Total Processed:  " + Format_Count(run_.ProcessedCount));

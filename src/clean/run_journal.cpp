@@ -89,6 +89,7 @@ void Run_Journal::Pending(const std::string& store_id, const std::string& entry_
   ledger_->Pending(store_id, entry_id, [this, settled = std::move(settled)](const Change_Outcome& outcome) {
     if (!outcome.kept) run_.NotAllDeleted = true;
     if (outcome.Group_Lost()) run_.GroupLost = true;
+    if (!outcome.Group_Lost() && run_.WhyNotDeleted.empty()) run_.WhyNotDeleted = outcome.reason;
     settled(outcome);
   });
 }

@@ -13,6 +13,7 @@ struct Run_State {
   bool ItemsDeleted = false;        // some folder's items were worked on, so the grid must be rebuilt
   bool Cancelled = false;           // the person ended the run before its end
   bool GroupLost = false;           // a store could not keep changes that had been made
+  std::string WhyNotDeleted;        // the first reason of a store that could not make a single change
   std::int32_t ProcessedCount = 0;  // items or folders removed, as far as the stores have kept it
   std::string Copy;                 // where the copy lies that was kept before it began; empty: none
   std::int32_t MovedInstead = 0;    // of them, those that their store has only moved to Deleted Items

@@ -40,7 +40,11 @@ class Address_Reader {
       } else if (c == ':') {
         Begin_Group();
       } else {
-        phrase_ += c;
+        // With all up to what may mean something else.
+        const std::size_t end = std::min(text_.find_first_of("\"(<=,;:", at_ + 1), text_.size());
+        phrase_.append(text_, at_, end - at_);
+        at_ = end;
+        continue;
       }
       ++at_;
     }

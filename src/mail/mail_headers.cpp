@@ -83,8 +83,9 @@ std::size_t Mail_Headers::Read(std::string_view text,
       any_ = true;
       current = nullptr;
       static_assert(field_names.size() == count);
-      const auto* known = std::find_if(field_names.begin(), field_names.end(),
-                                       [&](std::string_view field) { return Same_Name(field, name); });
+      const auto* known = std::find_if(field_names.begin(), field_names.end(), [&](std::string_view field) {
+        return field.size() == name.size() && Same_Name(field, name);
+      });
       if (known != field_names.end()) {
         std::string_view& value = values_[static_cast<std::size_t>(known - field_names.begin())];
         if (value.data() == nullptr) {

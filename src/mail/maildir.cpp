@@ -1,6 +1,7 @@
 #include "mail/maildir.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cstdint>
 #include <system_error>
@@ -16,7 +17,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view info_marks[] = {":2,", ";2,", "!2,"};
+// In front of "2,"; others replace the colon on file systems that do not allow it.
+constexpr std::string_view info_marks = ":;!";
 
 // Of RFC 3501: base64 with a comma for the slash, without padding.
 std::string Shifted(const std::u16string& units) {
@@ -64,11 +66,17 @@ std::string To_Maildir_Name(const std::string& name) {
 }
 
 Maildir_Name Split_Maildir_Name(std::string_view name) {
-  // Another character replaces the colon on file systems that do not allow it.
-  for (const std::string_view mark : info_marks) {
-    const std::size_t info = name.rfind(mark);
-    if (info != std::string_view::npos) return {name.substr(0, info), name.substr(info + mark.size())};
+  std::array<std::size_t, info_marks.size()> found;
+  found.fill(std::string_view::npos);
+  for (std::size_t at = name.rfind("2,"); at != std::string_view::npos && at > 0;
+       at = name.rfind("2,", at - 1)) {
+    const std::size_t mark = info_marks.find(name[at - 1]);
+    if (mark == std::string_view::npos || found[mark] != std::string_view::npos) continue;
+    found[mark] = at - 1;
+    if (mark == 0) break;
   }
+  for (const std::size_t info : found)
+    if (info != std::string_view::npos) return {name.substr(0, info), name.substr(info + 3)};
   return {name, {}};
 }
 

@@ -47,6 +47,12 @@ TEST_F(Maildir_Command_Test, IsListedCleanedAndTakenBack) {
   const Outcome cleaned = On_Store(choice + Words{"--yes", "--json"});
   EXPECT_EQ(cleaned.Document()["processed"], 1) << cleaned.err;
   EXPECT_EQ(program.Find(old), program.Top() / ".Trash" / "cur" / (old + ":2,S"));
+  // Where it would go lies another.
+  std::filesystem::copy(program.Find(unread), program.Top() / ".Trash" / "cur");
+  const Outcome failed = On_Store({"clean", "--folder", "Inbox", "--unread", "--yes"});
+  EXPECT_EQ(failed.status, 1);
+  EXPECT_NE(failed.out.find("Another mail of the same name"), std::string::npos) << failed.out << failed.err;
+  std::filesystem::remove(program.Top() / ".Trash" / "cur" / program.Find(unread).filename());
   EXPECT_EQ(Run({"undo", "--yes"}).status, 0) << "the log tells where the Maildir lies";
   EXPECT_EQ(program.Find(old), program.Top() / "cur" / (old + ":2,S"));
   EXPECT_EQ(On_Store(choice + Words{"--permanent", "--backup", Path("copies"), "--yes"}).status, 0);

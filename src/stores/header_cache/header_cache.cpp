@@ -16,6 +16,7 @@ namespace {
 // "Tdyh", in the header of the file.
 constexpr int application_id = 0x54647968;
 constexpr int version = 2;
+constexpr std::size_t rows_at_once = 64;
 
 std::uint64_t Hash(std::string_view text, std::uint64_t hash = 0xCBF29CE484222325U) {
   for (const char character : text) {
@@ -136,6 +137,7 @@ Header_Cache::~Header_Cache() {
   Keep();
   find_.reset();
   put_.reset();
+  put_many_.reset();
   forget_.reset();
   connection_.reset();
   if (damaged_) Remove_Cache(file_);
@@ -161,7 +163,8 @@ bool Header_Cache::Open(const std::string& store) {
 #endif
   // A crash of the machine may damage the file; that is found out by each row's check, or by SQLite.
   const bool ready =
-      Run("PRAGMA locking_mode = EXCLUSIVE; PRAGMA journal_mode = WAL; PRAGMA synchronous = OFF;"
+      Run("PRAGMA page_size = 16384; PRAGMA locking_mode = EXCLUSIVE; PRAGMA journal_mode = WAL; PRAGMA "
+          "synchronous = OFF;"
           " PRAGMA cache_size = -8000; BEGIN EXCLUSIVE;"
           " CREATE TABLE IF NOT EXISTS folder (id INTEGER PRIMARY KEY, name BLOB UNIQUE NOT NULL,"
           " generation INTEGER NOT NULL, state BLOB NOT NULL DEFAULT '');"
@@ -191,18 +194,23 @@ bool Header_Cache::Open(const std::string& store) {
       return false;
     }
   }
-  find_ = Prepare("SELECT row FROM header WHERE folder = ? AND id = ?");
-  put_ = Prepare("INSERT OR REPLACE INTO header (folder, id, row) VALUES (?, ?, ?)");
+  find_ = Prepare("SELECT id, row FROM header WHERE folder = ? AND id >= ? ORDER BY id");
+  std::string put = "INSERT OR REPLACE INTO header (folder, id, row) VALUES (?, ?, ?)";
+  put_ = Prepare(put.c_str());
+  for (std::size_t row = 1; row < rows_at_once; ++row) put += ", (?, ?, ?)";
+  put_many_ = Prepare(put.c_str());
   forget_ = Prepare("DELETE FROM header WHERE folder = ? AND id = ?");
-  return find_ != nullptr && put_ != nullptr && forget_ != nullptr;
+  return find_ != nullptr && put_ != nullptr && put_many_ != nullptr && forget_ != nullptr;
 }
 
 // Nothing is kept from then on. Damage removes the file.
 void Header_Cache::Give_Up() {
   const int code = connection_ == nullptr ? SQLITE_OK : sqlite3_errcode(connection_.get());
   damaged_ = damaged_ || code == SQLITE_CORRUPT || code == SQLITE_NOTADB || code == SQLITE_ERROR;
+  place_.reset();
   find_.reset();
   put_.reset();
+  put_many_.reset();
   forget_.reset();
   connection_.reset();
 }
@@ -235,6 +243,7 @@ bool Header_Cache::Begin() {
 }
 
 void Header_Cache::Keep() {
+  Settle();
   if (connection_ != nullptr && std::exchange(in_transaction_, false)) Run("COMMIT");
 }
 
@@ -249,6 +258,7 @@ std::int64_t Header_Cache::Folder(const std::string& name, std::int64_t generati
     if (sqlite3_column_int64(find.get(), 1) == generation) return id;
   }
   find.reset();
+  Settle();
   if (id != 0) {
     for (const char* sql : {"DELETE FROM header WHERE folder = ?", "DELETE FROM folder WHERE id = ?"}) {
       Statement forget = Prepare(sql);
@@ -280,18 +290,61 @@ void Header_Cache::Set_State(std::int64_t folder, const std::string& state) {
   Step(*set);
 }
 
-std::optional<Cached_Header> Header_Cache::Find(std::int64_t folder, std::string_view id) {
-  if (connection_ == nullptr) return std::nullopt;
+void Header_Cache::Settle() {
+  Leave();
+  const std::vector<Waiting> waiting = std::exchange(waiting_, {});
+  if (waiting.empty() || !Begin()) return;
+  const bool together = waiting.size() == rows_at_once;
+  sqlite3_stmt& put = together ? *put_many_ : *put_;
+  int parameter = 0;
+  for (const Waiting& each : waiting) {
+    sqlite3_bind_int64(&put, ++parameter, each.folder);
+    Bind(put, ++parameter, each.id);
+    Bind(put, ++parameter, each.row);
+    if (together && &each != &waiting.back()) continue;
+    Step(put);
+    sqlite3_reset(&put);
+    parameter = 0;
+  }
+}
+
+void Header_Cache::Leave() {
+  if (place_.has_value() && find_ != nullptr) sqlite3_reset(find_.get());
+  place_.reset();
+}
+
+// A step to the next row costs a fraction of a search.
+bool Header_Cache::Go_To(std::int64_t folder, std::string_view id) {
+  constexpr int most_steps = 4;
+  const auto read_place = [&](int code) {
+    place_->at_end = code == SQLITE_DONE;
+    place_->row = code == SQLITE_ROW ? Bytes(*find_, 0) : std::string_view();
+    return code == SQLITE_ROW || code == SQLITE_DONE;
+  };
+  if (place_.has_value() && place_->folder == folder && place_->sought <= id) {
+    for (int steps = 0; steps < most_steps && !place_->at_end && place_->row < id; ++steps) {
+      place_->sought = place_->row + '\0';  // the next id that there could be
+      if (!read_place(Step(*find_))) return Leave(), false;
+    }
+    if (place_->at_end || place_->row >= id) return !place_->at_end && place_->row == id;
+  }
+  Leave();
   sqlite3_bind_int64(find_.get(), 1, folder);
-  Bind(*find_, 2, id);
-  std::optional<Cached_Header> header;
-  if (Step(*find_) == SQLITE_ROW) header = Unpacked(id, Bytes(*find_, 0));
-  sqlite3_reset(find_.get());
-  return header;
+  sqlite3_bind_blob64(find_.get(), 2, id.empty() ? "" : id.data(), id.size(), SQLITE_TRANSIENT);
+  place_.emplace(Place{folder, std::string(id), {}, false});
+  if (!read_place(Step(*find_))) return Leave(), false;
+  return !place_->at_end && place_->row == id;
+}
+
+std::optional<Cached_Header> Header_Cache::Find(std::int64_t folder, std::string_view id) {
+  if (!waiting_.empty()) Settle();
+  if (connection_ == nullptr || !Go_To(folder, id)) return std::nullopt;
+  return Unpacked(id, Bytes(*find_, 1));
 }
 
 void Header_Cache::For_Each(
     std::int64_t folder, const std::function<void(std::string_view id, const Cached_Header& header)>& take) {
+  Settle();
   Statement all = Prepare("SELECT id, row FROM header WHERE folder = ? ORDER BY id");
   if (all == nullptr) return;
   sqlite3_bind_int64(all.get(), 1, folder);
@@ -302,6 +355,7 @@ void Header_Cache::For_Each(
 }
 
 std::int64_t Header_Cache::Count(std::int64_t folder) {
+  Settle();
   Statement count = Prepare("SELECT COUNT(*) FROM header WHERE folder = ?");
   if (count == nullptr) return 0;
   sqlite3_bind_int64(count.get(), 1, folder);
@@ -309,16 +363,14 @@ std::int64_t Header_Cache::Count(std::int64_t folder) {
 }
 
 void Header_Cache::Put(std::int64_t folder, std::string_view id, const Cached_Header& header) {
-  if (!Begin()) return;
-  const std::string row = Packed(id, header);
-  sqlite3_bind_int64(put_.get(), 1, folder);
-  Bind(*put_, 2, id);
-  Bind(*put_, 3, row);
-  Step(*put_);
-  sqlite3_reset(put_.get());
+  if (connection_ == nullptr) return;
+  Leave();
+  waiting_.push_back({folder, std::string(id), Packed(id, header)});
+  if (waiting_.size() == rows_at_once) Settle();
 }
 
 void Header_Cache::Forget(std::int64_t folder, std::string_view id) {
+  Settle();
   if (!Begin()) return;
   sqlite3_bind_int64(forget_.get(), 1, folder);
   Bind(*forget_, 2, id);
@@ -327,6 +379,7 @@ void Header_Cache::Forget(std::int64_t folder, std::string_view id) {
 }
 
 void Header_Cache::Forget_Others(std::int64_t folder, const std::function<bool(std::string_view id)>& stays) {
+  Settle();
   std::vector<std::string> gone;
   {
     Statement all = Prepare("SELECT id FROM header WHERE folder = ?");

@@ -12,6 +12,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "outlook/object_model.h"
 
@@ -49,6 +50,7 @@ class Header_Cache {
   std::string State(std::int64_t folder);
   void Set_State(std::int64_t folder, const std::string& state);
 
+  // Costs least in the order of the ids, with nothing put or forgotten in between.
   std::optional<Cached_Header> Find(std::int64_t folder, std::string_view id);
   void For_Each(std::int64_t folder,
                 const std::function<void(std::string_view id, const Cached_Header& header)>& take);
@@ -75,11 +77,30 @@ class Header_Cache {
   int Step(sqlite3_stmt& statement);
   bool Begin();
   void Give_Up();
+  // Whether find_ stands on the row now.
+  bool Go_To(std::int64_t folder, std::string_view id);
+  // Ends what find_ is at.
+  void Leave();
+  // The same, and writes what waits.
+  void Settle();
 
   std::filesystem::path file_;
   std::unique_ptr<sqlite3, Closer> connection_;  // empty: nothing is kept
-  Statement find_, put_, forget_;
+  Statement find_, put_, put_many_, forget_;
   bool in_transaction_ = false, damaged_ = false;
+  // Where find_ stands: on the row of `row`, or behind the last one. The folder has none between the two ids.
+  struct Place {
+    std::int64_t folder = 0;
+    std::string sought, row;
+    bool at_end = false;
+  };
+  std::optional<Place> place_;
+  // What was put and is not yet written: many rows at once cost half as much.
+  struct Waiting {
+    std::int64_t folder = 0;
+    std::string id, row;
+  };
+  std::vector<Waiting> waiting_;
 };
 
 }  // namespace tidyfold

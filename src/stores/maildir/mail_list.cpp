@@ -1,5 +1,10 @@
 #include "stores/maildir/mail_list.h"
 
+#include <algorithm>
+#include <charconv>
+#include <system_error>
+#include <utility>
+
 #include "mail/maildir.h"
 
 namespace tidyfold::maildir {
@@ -10,6 +15,45 @@ std::string_view Mail::Unique() const {
 
 std::string_view Mail::Marks() const {
   return Split_Maildir_Name(name).marks;
+}
+
+Mail* Mail_Index::Find(std::string_view unique, std::uint32_t twin) const {
+  const auto found = known_.find(Identity{unique, twin});
+  return found == known_.end() ? nullptr : *found;
+}
+
+Mail* Mail_Index::Find(std::string_view entry_id) const {
+  if (!entry_id.starts_with('M')) return nullptr;
+  const std::string_view name = entry_id.substr(1);
+  // No file's name holds a slash.
+  const std::size_t slash = std::min(name.find('/'), name.size());
+  std::uint32_t number = 1;
+  if (slash < name.size()) {
+    const char* const end = name.data() + name.size();
+    const auto parsed = std::from_chars(name.data() + slash + 1, end, number);
+    if (parsed.ec != std::errc() || parsed.ptr != end || number < 2) return nullptr;
+  }
+  return Find(name.substr(0, slash), number - 1);
+}
+
+Mail& Mail_Index::Find_Or_Add(std::string_view name, std::uint32_t twin, bool& added) {
+  Mail& mail = mails_.emplace_back();
+  mail.name = name;
+  mail.twin = twin;
+  const auto [known, is_new] = known_.insert(&mail);
+  added = is_new;
+  if (!is_new) mails_.pop_back();
+  return **known;
+}
+
+std::string Mail_Index::Entry_Id(const Mail& mail) {
+  const std::string_view unique = mail.Unique();
+  std::string id;
+  id.reserve(unique.size() + 1);
+  id += 'M';
+  id += unique;
+  if (mail.twin > 0) id += "/" + std::to_string(mail.twin + 1);
+  return id;
 }
 
 void Mail_List::Add(std::size_t slot, std::int32_t number) {

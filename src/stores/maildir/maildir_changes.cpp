@@ -141,6 +141,7 @@ std::string Maildir_Store::Make(const Change& change) {
       }
       if (found) break;
     }
+    if (!found && !Is_Maildir(tree_.Path_Of(*change.from))) return Why_Lost();
     if (!found) return "It was moved or deleted by another program.";
     if ((!was_unread && !mail.Has('S')) || (!was_flagged && mail.Has('F')))
       return "It has become unread or flagged while it was deleted.";
@@ -157,6 +158,8 @@ std::string Maildir_Store::Make_Once(const Change& change, int& error) {
     return error == 0 ? "" : Why(error);
   }
   if (change.to == change.from) return {};
+  // A disk that has gone leaves an empty directory behind, and nothing is made there.
+  if (change.to->to_be_made && !Is_Maildir(tree_.Path_Of(*change.from))) return error = EIO, Why_Lost();
   try {
     Make_Directory(*change.to);
   } catch (const fs::filesystem_error& failed) {
@@ -172,7 +175,9 @@ std::string Maildir_Store::Make_Once(const Change& change, int& error) {
     std::error_code ignored;
     if (!fs::is_directory(tree_.Path_Of(*change.to) / "cur", ignored)) {
       error = EIO;
-      return "The folder that it would go to is no longer there.";
+      return Is_Maildir(tree_.Path_Of(*change.from))
+                 ? "The folder that it would go to is no longer there. Choose Refresh."
+                 : Why_Lost();
     }
   }
   if (error != 0) return Why(error);
@@ -181,17 +186,30 @@ std::string Maildir_Store::Make_Once(const Change& change, int& error) {
   return {};
 }
 
+// Of a folder whose directory cannot be found.
+std::string Maildir_Store::Why_Lost() const {
+  std::error_code ignored;
+  return fs::is_directory(tree_.Path(), ignored)
+             ? "The folder that it lies in is no longer there. Choose Refresh."
+             : Unreachable();
+}
+
 // With the mark by which mail servers know a folder beside others.
 void Maildir_Store::Make_Directory(Folder& folder) {
   if (!folder.to_be_made && folder.has_mail) return;
   const fs::path path = tree_.Path_Of(folder);
-  std::error_code error;
-  const bool is_new = fs::create_directories(path, error);
-  if (error) throw fs::filesystem_error("", path, error);
-  if (is_new) fs::permissions(path, fs::perms::owner_all, error);
-  for (const char* part : {"cur", "new", "tmp"}) {
-    if (fs::create_directory(path / part, error)) fs::permissions(path / part, fs::perms::owner_all, error);
-    if (error) throw fs::filesystem_error("", path, error);
+  std::vector<fs::path> made;
+  for (const fs::path& part : {path, path / "cur", path / "new", path / "tmp"}) {
+    std::error_code error;
+    if (fs::create_directories(part, error)) {
+      made.push_back(part);
+      fs::permissions(part, fs::perms::owner_all, error);
+    }
+    if (!error) continue;
+    // Half a Maildir would be worse than none.
+    std::error_code ignored;
+    for (auto each = made.rbegin(); each != made.rend(); ++each) fs::remove(*each, ignored);
+    throw fs::filesystem_error("", part, error);
   }
   if (folder.dotted) {
     const int mark = ::open((path / "maildirfolder").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);

@@ -1,5 +1,8 @@
 #include "stores/maildir/maildir_objects.h"
 
+#include <algorithm>
+#include <cstddef>
+#include <deque>
 #include <optional>
 #include <utility>
 
@@ -106,23 +109,83 @@ class Maildir_Table : public Table, Folder_View {
   Maildir_Table(Store_Ref store, Folder& folder) : Folder_View(std::move(store), folder) {}
   std::vector<Table_Row> GetArray(std::int32_t most) override {
     store_->Look_At(folder_);
+    const auto wanted = static_cast<std::size_t>(std::max(most, 0));
     std::vector<Table_Row> rows;
-    while (static_cast<std::int32_t>(rows.size()) < most) {
-      Mail* const mail = folder_.mail->From(slot_);
-      if (mail == nullptr) break;
-      slot_ = mail->slot + 1;
+    rows.reserve(std::min(wanted, expected_.size() + batch_size));
+    while (rows.size() < wanted) {
+      while (expected_.size() < wanted - rows.size() + batch_size && Expect_More()) {
+      }
+      if (expected_.empty()) break;
+      Expected next = std::move(expected_.front());
+      expected_.pop_front();
+      std::optional<Read_Header> read;
+      if (next.batch != nullptr) read = next.batch->Take(next.place);
+      // It may have gone since, or come back behind the others.
+      Mail* const mail = folder_.mail->Slots()[next.slot];
+      if (mail == nullptr) continue;
+      if (mail->inode != next.inode) {
+        next.header.reset();
+        read.reset();
+      }
       try {
-        rows.push_back(store_->Row(*mail));
+        rows.push_back(store_->Row(*mail, std::move(next.header), std::move(read)));
       } catch (const Automation_Error& error) {
         if (error.Number() != automation_error::not_found) throw;  // gone since the look
       }
     }
-    store_->Keep_Headers();
+    since_kept_ += rows.size();
+    if (since_kept_ >= kept_at_once || rows.size() < wanted) {
+      store_->Keep_Headers();
+      since_kept_ = 0;
+    }
     return rows;
   }
 
  private:
-  std::uint32_t slot_ = 0;
+  static constexpr std::size_t batch_size = 256;
+  static constexpr std::size_t kept_at_once = 4096;
+  // Fewer are read faster than handed over.
+  static constexpr std::size_t worth_a_batch = 8;
+
+  // A row to come.
+  struct Expected {
+    std::uint32_t slot = 0;
+    std::uint64_t inode = 0;
+    std::optional<Cached_Header> header;  // kept from an earlier reading
+    std::shared_ptr<Header_Batch> batch;  // else the file is read with this one
+    std::size_t place = 0;                // in it
+  };
+
+  // False at the end of the folder.
+  bool Expect_More() {
+    std::vector<const Mail*> unknown;
+    const std::size_t first = expected_.size();
+    while (expected_.size() < first + batch_size) {
+      const Mail* const mail = folder_.mail->From(slot_);
+      if (mail == nullptr) break;
+      slot_ = mail->slot + 1;
+      Expected& next = expected_.emplace_back();
+      next.slot = mail->slot;
+      next.inode = mail->inode;
+      next.header = store_->Kept_Header(*mail);
+      if (!next.header) unknown.push_back(mail);
+    }
+    if (unknown.size() >= worth_a_batch) {
+      const auto batch = std::make_shared<Header_Batch>(store_->Directory_Of(folder_), unknown);
+      std::size_t place = 0;
+      for (std::size_t at = first; at < expected_.size(); ++at)
+        if (!expected_[at].header) {
+          expected_[at].batch = batch;
+          expected_[at].place = place++;
+        }
+      store_->Read_Soon(batch);
+    }
+    return expected_.size() > first;
+  }
+
+  std::deque<Expected> expected_;
+  std::uint32_t slot_ = 0;  // the first one behind those expected
+  std::size_t since_kept_ = 0;
 };
 
 class Maildir_Folders : public Folders, Folder_View {

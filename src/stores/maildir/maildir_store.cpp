@@ -1,24 +1,20 @@
 #include "stores/maildir/maildir_store.h"
 
-#include <dirent.h>
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstdio>
 #include <system_error>
 #include <utility>
 
-#include "base/text.h"
 #include "controls/interaction.h"
 #include "errors/automation_error.h"
 #include "mail/gmime_ptr.h"
 #include "mail/maildir.h"
-#include "mail/mime_message.h"
 #include "outlook/folder_roles.h"
+#include "stores/maildir/directory_list.h"
 #include "stores/maildir/maildir_objects.h"
 
 namespace tidyfold {
@@ -34,7 +30,6 @@ using Reason = Store_Open_Error::Reason;
 constexpr std::int64_t share_of_reading = 20;
 constexpr std::int32_t large_directory = 10'000;  // mails
 constexpr int most_readings = 4;
-constexpr std::size_t row_characters = 20;
 
 // Names of wastebaskets and the like, the usual first: of Dovecot, Courier and mail programs.
 struct Role_Names {
@@ -66,10 +61,6 @@ fs::path Whole_Path(const fs::path& path) {
   if (error) whole = fs::absolute(path).lexically_normal();
   return whole.has_filename() ? whole : whole.parent_path();
 }
-
-struct Directory_Closer {
-  void operator()(DIR* directory) const { ::closedir(directory); }
-};
 
 }  // namespace
 
@@ -143,8 +134,8 @@ void Maildir_Store::Forget_What_Has_Gone() {
   }
   if (cache_.Count(cached_) < there + there / 4 + worth_while) return;
   cache_.Forget_Others(cached_, [&](std::string_view id) {
-    const auto found = mails_.find(std::string(id));
-    return found != mails_.end() && !found->second->gone;
+    const Mail* const mail = mails_.Find(id);
+    return mail != nullptr && !mail->gone;
   });
 }
 
@@ -152,13 +143,16 @@ bool Maildir_Store::Is_At(const Store_Address& address) const {
   return address.kind == Store_Address::Kind::Maildir && Whole_Path(address.path) == tree_.Path();
 }
 
+std::string Maildir_Store::Unreachable() const {
+  return "The Maildir \"" + tree_.Path().string() +
+         "\" can no longer be reached. Check the disk or the network share that it lies on, and open it "
+         "again.";
+}
+
 // A directory that cannot be read is not one without mail.
 void Maildir_Store::Check_Place() const {
   std::error_code error;
-  if (fs::is_directory(tree_.Path(), error)) return;
-  Fail(automation_error::unavailable, "The Maildir \"" + tree_.Path().string() +
-                                          "\" can no longer be reached. Check the disk or the network share "
-                                          "that it lies on, and open it again.");
+  if (!fs::is_directory(tree_.Path(), error)) Fail(automation_error::unavailable, Unreachable());
 }
 
 void Maildir_Store::Look_At_Tree() {
@@ -208,9 +202,11 @@ void Maildir_Store::Read(Folder& folder) {
     // What leaves new/ meanwhile is met again in cur/.
     const bool whole = Scan(folder, true, came) && Scan(folder, false, came);
     if (!whole) {
+      const int error = errno;
+      for (Mail* const mail : came) mail->coming = false;
       Check_Place();
       Fail(automation_error::call_failed, "The folder \"" + folder.name + "\" could not be read (" +
-                                              Message(errno) + "). Check the permissions of \"" + path +
+                                              Message(error) + "). Check the permissions of \"" + path +
                                               "\" and the disk that it lies on.");
     }
     if (maildir::Changed(path + "/cur") == list.cur_changed &&
@@ -224,8 +220,9 @@ void Maildir_Store::Read(Folder& folder) {
   }
   for (Mail* const mail : came) mail->coming = false;
   std::erase_if(came, [&](const Mail* mail) { return mail->seen != reading_; });
-  std::sort(came.begin(), came.end(),
-            [](const Mail* left, const Mail* right) { return left->name < right->name; });
+  // Those of new/ and of cur/ come in order.
+  const auto by_name = [](const Mail* left, const Mail* right) { return left->name < right->name; };
+  if (!std::is_sorted(came.begin(), came.end(), by_name)) std::sort(came.begin(), came.end(), by_name);
   for (Mail* const mail : came) {
     mail->gone = false;
     mail->folder = &folder;
@@ -237,48 +234,43 @@ void Maildir_Store::Read(Folder& folder) {
 
 bool Maildir_Store::Scan(Folder& folder, bool is_new, std::vector<Mail*>& came) {
   const std::string path = tree_.Text_Of(folder) + (is_new ? "/new" : "/cur");
-  const std::unique_ptr<DIR, Directory_Closer> directory(::opendir(path.c_str()));
-  if (directory == nullptr) return errno == ENOENT;
-  for (;;) {
-    errno = 0;
-    const dirent* const entry = ::readdir(directory.get());
-    if (entry == nullptr) return errno == 0;
-    const std::string_view name = entry->d_name;
-    if (name.starts_with('.') ||
-        (entry->d_type != DT_REG && entry->d_type != DT_UNKNOWN && entry->d_type != DT_LNK))
-      continue;
+  maildir::Directory_List list;
+  if (const int error = list.Read(path); error != 0) return errno = error, error == ENOENT;
+  if (folder.mail->looked == 0) mails_.Expect(list.Count());
+  list.For_Each([&](std::string_view name, std::uint64_t inode) {
     // Marked as deleted by its mail program, which has only to clear up.
-    if (!is_new && Split_Maildir_Name(name).marks.find('T') != std::string_view::npos) continue;
-    Note(folder, std::string(name), is_new, entry->d_ino, came).seen = reading_;
-  }
+    if (!is_new && Split_Maildir_Name(name).marks.find('T') != std::string_view::npos) return;
+    Note(folder, name, is_new, inode, came).seen = reading_;
+  });
+  return true;
 }
 
 // The mail that a file is. Those that are not in the folder's list yet are added to `came`.
-maildir::Mail& Maildir_Store::Note(Folder& folder, std::string name, bool is_new, std::uint64_t inode,
+maildir::Mail& Maildir_Store::Note(Folder& folder, std::string_view name, bool is_new, std::uint64_t inode,
                                    std::vector<Mail*>& came) {
-  const std::string id = "M" + std::string(Split_Maildir_Name(name).unique);
   for (std::uint32_t twin = 0;; ++twin) {
-    std::unique_ptr<Mail>& mail = mails_[twin == 0 ? id : id + "/" + std::to_string(twin + 1)];
-    const bool is_here = mail != nullptr && !mail->gone && mail->folder == &folder;
-    if (mail == nullptr) {
-      mail = std::make_unique<Mail>();
-      mail->twin = twin;
+    bool added = false;
+    Mail* const mail = &mails_.Find_Or_Add(name, twin, added);
+    const bool is_here = !added && !mail->gone && mail->folder == &folder;
+    if (added) {
+      // its folder is set below
     } else if (mail->pending) {
       return *mail;  // lies where it was until its group ends, and counts no more
     } else if (!mail->gone && !is_here) {
       // Moved by another program, or a copy.
       if (Is_On_Disk(*mail->folder, *mail)) continue;
       mail->folder->mail->Remove(*mail);
-    } else if (is_here && mail->name != name && mail->inode != inode && Is_On_Disk(folder, *mail)) {
+    } else if ((is_here || mail->coming) && mail->name != name && mail->inode != inode &&
+               Is_On_Disk(folder, *mail)) {
       continue;  // two files of one unique name
     }
-    mail->name = std::move(name);
+    if (mail->name != name) mail->name = name;
     mail->is_new = is_new;
     mail->inode = inode;
     if (!is_here && !std::exchange(mail->coming, true)) {
       mail->folder = &folder;
       mail->gone = true;  // until it is in the list
-      came.push_back(mail.get());
+      came.push_back(mail);
     }
     return *mail;
   }
@@ -289,143 +281,8 @@ bool Maildir_Store::Is_On_Disk(const Folder& folder, const Mail& mail) const {
   return ::lstat((tree_.Text_Of(folder) + "/" + mail.File()).c_str(), &about) == 0;
 }
 
-std::string Maildir_Store::Entry_Id(const Mail& mail) const {
-  std::string id = "M" + std::string(mail.Unique());
-  if (mail.twin > 0) id += "/" + std::to_string(mail.twin + 1);
-  return id;
-}
-
 void Maildir_Store::Demand_There(const Mail& mail) const {
   if (mail.gone || mail.folder->gone) Fail(automation_error::not_found, "The item is no longer there.");
-}
-
-// The file's beginning; its name may have changed since it was read.
-std::string Maildir_Store::Read_File(Mail& mail, std::size_t most, std::int64_t& size) {
-  for (int reading = 0; reading < most_readings; ++reading) {
-    Demand_There(mail);
-    const Folder& folder = *mail.folder;
-    const Folder* holder = &folder;
-    // What is queued to move lies where it was.
-    for (const Change& change : queue_)
-      if (mail.pending && change.mail == &mail) {
-        holder = change.from;
-        break;
-      }
-    const std::string path = tree_.Text_Of(*holder) + "/" + mail.File();
-    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (file < 0 && errno == ENOENT) {
-      Check_Place();
-      if (mail.pending) Commit_Pending();
-      Demand_There(mail);
-      Read(*mail.folder);
-      continue;
-    }
-    if (file < 0)
-      Fail(automation_error::no_access, "The mail \"" + path + "\" cannot be read (" + Message(errno) +
-                                            "). Change its permissions, or ask its owner to.");
-    std::string text;
-    struct stat about = {};
-    int error = ::fstat(file, &about) == 0 ? 0 : errno;
-    if (error == 0 && !S_ISREG(about.st_mode)) error = EINVAL;
-    size = about.st_size;
-    if (error == 0) {
-      text.resize(std::min<std::size_t>(most, static_cast<std::size_t>(about.st_size)));
-      std::size_t got = 0;
-      while (got < text.size()) {
-        const ssize_t part = ::read(file, text.data() + got, text.size() - got);
-        if (part < 0 && errno == EINTR) continue;
-        if (part < 0) error = errno;
-        if (part <= 0) break;
-        got += static_cast<std::size_t>(part);
-      }
-      text.resize(got);
-    }
-    ::close(file);
-    if (error != 0)
-      Fail(automation_error::call_failed, "The mail \"" + path + "\" could not be read (" + Message(error) +
-                                              "). Check the disk that it lies on.");
-    return text;
-  }
-  Fail(automation_error::busy, "Other programs change the mail all the time. Try again.");
-}
-
-Mail_Summary Maildir_Store::Summary(Mail& mail, std::int64_t& size) {
-  std::string beginning = Read_File(mail, summary_bytes, size);
-  // A header that goes on behind it.
-  if (static_cast<std::int64_t>(beginning.size()) < size && beginning.find("\n\n") == std::string::npos &&
-      beginning.find("\r\n\r\n") == std::string::npos)
-    beginning = Read_File(mail, summary_bytes * 64, size);
-  try {
-    Mail_Summary summary = Summarize_Beginning(beginning);
-    if (summary.received == no_date) summary.received = Delivery_In(mail.name);
-    return summary;
-  } catch (const Message_Error& error) {
-    Fail(automation_error::call_failed, "The file \"" + (tree_.Path_Of(*mail.folder) / mail.File()).string() +
-                                            "\" is no mail: " + error.what() +
-                                            ". Move it out of the Maildir, and refresh.");
-  }
-}
-
-Table_Row Maildir_Store::Row(Mail& mail) {
-  Table_Row row;
-  row.EntryID = Entry_Id(mail);
-  row.UnRead = !mail.Has('S');
-  row.FlagStatus = mail.Has('F') ? flag_status::marked : flag_status::none;
-  const auto inode = static_cast<std::int64_t>(mail.inode);
-  std::optional<Cached_Header> header = cache_.Find(cached_, row.EntryID);
-  if (!header || header->stamp != inode) {
-    header.emplace();
-    try {
-      Mail_Summary summary = Summary(mail, header->size);
-      header->stamp = inode;
-      header->item_class = summary.item_class;
-      header->received = summary.received;
-      header->has_attachments = summary.has_attachments;
-      header->subject = std::move(summary.subject);
-      header->sender = std::move(summary.sender);
-      if (header->item_class != item_class::mail) {
-        std::int64_t size = 0;
-        header->sender = First_Characters(
-            Read_Mime_Message(Read_File(mail, static_cast<std::size_t>(max_message_size), size)).body,
-            row_characters);
-      }
-      cache_.Put(cached_, row.EntryID, *header);
-    } catch (const Automation_Error& error) {
-      if (error.Number() == automation_error::not_found || error.Number() == automation_error::unavailable)
-        throw;
-      // What cannot be read is shown, and counts as flagged, so that no run takes it.
-      header->subject = "(" + mail.name + ": no mail)";
-      row.UnRead = true;
-      row.FlagStatus = flag_status::marked;
-    }
-  }
-  row.Class = header->item_class;
-  row.Subject = std::move(header->subject);
-  row.SenderOrText = std::move(header->sender);
-  row.ReceivedTime = row.LastModificationTime = header->received;
-  row.Size = header->size;
-  row.HasAttachments = header->has_attachments;
-  return row;
-}
-
-New_Item Maildir_Store::Whole(Mail& mail) {
-  std::int64_t size = 0;
-  std::string text = Read_File(mail, static_cast<std::size_t>(max_message_size), size);
-  if (size > max_message_size)
-    Fail(automation_error::call_failed, "The mail is larger than 512 MB. Open it with a mail program.");
-  std::int64_t ignored = 0;
-  const Mail_Summary summary = Summary(mail, ignored);
-  try {
-    New_Item item = Read_Mime_Message(std::move(text));
-    item.item_class = summary.item_class;
-    item.received = item.last_modified = summary.received;
-    item.unread = !mail.Has('S');
-    item.flagged = mail.Has('F');
-    item.answered = mail.Has('R');
-    return item;
-  } catch (const Message_Error& error) {
-    Fail(automation_error::call_failed, std::string("The file is no mail: ") + error.what() + ".");
-  }
 }
 
 MAPIFolder_Ptr Maildir_Store::Top_Folder() {
@@ -460,35 +317,18 @@ MAPIFolder_Ptr Maildir_Store::GetDefaultFolder(std::int32_t folder_type) {
 }
 
 Item_Ptr Maildir_Store::GetItemFromID(const std::string& entry_id) {
-  auto found = mails_.find(entry_id);
-  if (found == mails_.end() || found->second->gone) {
+  Mail* mail = mails_.Find(entry_id);
+  if (mail == nullptr || mail->gone) {
     // It may have come since, or lie in a folder that nobody has looked at.
     Look_At_Tree();
     for (const auto& [id, folder] : tree_.All()) Look_At(*folder);
-    found = mails_.find(entry_id);
+    mail = mails_.Find(entry_id);
   } else {
     // Who changes it goes by its name, and misses if that is another by now.
-    Look_At(*found->second->folder, Look::By_Times);
+    Look_At(*mail->folder, Look::By_Times);
   }
-  if (found == mails_.end() || found->second->gone)
-    Fail(automation_error::not_found, "The item is no longer there.");
-  return maildir::Make_Item(shared_from_this(), *found->second);
-}
-
-New_Item Maildir_Store::Read_Whole_Item(const std::string& entry_id) {
-  const auto found = mails_.find(entry_id);
-  if (found == mails_.end()) Fail(automation_error::not_found, "The item is no longer there.");
-  return Whole(*found->second);
-}
-
-void Maildir_Store::Display(Mail& mail) {
-  Displayed_Item item;
-  static_cast<New_Item&>(item) = Whole(mail);
-  item.entry_id = Entry_Id(mail);
-  item.store_id = store_id_;
-  item.folder_name = mail.folder->name;
-  if (!display_) Fail(automation_error::not_supported, "There is no window here that could show an item.");
-  display_(item);
+  if (mail == nullptr || mail->gone) Fail(automation_error::not_found, "The item is no longer there.");
+  return maildir::Make_Item(shared_from_this(), *mail);
 }
 
 }  // namespace tidyfold

@@ -5,13 +5,14 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <unordered_map>
+#include <string_view>
 #include <vector>
 
 #include "mail/mail_summary.h"
 #include "outlook/mail_store.h"
 #include "stores/header_cache/header_cache.h"
 #include "stores/maildir/maildir_tree.h"
+#include "stores/maildir/read_ahead.h"
 
 namespace tidyfold {
 
@@ -54,10 +55,15 @@ class Maildir_Store : public Mail_Store, public std::enable_shared_from_this<Mai
   enum class Look { Closely, By_Times };
   void Look_At(Folder& folder, Look look = Look::Closely);
   void Look_At_Tree();
-  std::string Entry_Id(const Mail& mail) const;
+  static std::string Entry_Id(const Mail& mail) { return maildir::Mail_Index::Entry_Id(mail); }
   // What the mail's file says now. Throws call_failed for a file that is no mail.
   Mail_Summary Summary(Mail& mail, std::int64_t& size);
-  Table_Row Row(Mail& mail);
+  // What is kept of the mail from an earlier reading.
+  std::optional<Cached_Header> Kept_Header(const Mail& mail);
+  void Read_Soon(const std::shared_ptr<maildir::Header_Batch>& batch) { read_ahead_.Begin(batch); }
+  std::string Directory_Of(const Folder& folder) const { return tree_.Text_Of(folder); }
+  // From what is kept, else from what has been read of the file, else the file is read now.
+  Table_Row Row(Mail& mail, std::optional<Cached_Header> header, std::optional<maildir::Read_Header> read);
   // Once what has been read in a row is enough.
   void Keep_Headers() { cache_.Keep(); }
   New_Item Whole(Mail& mail);
@@ -78,10 +84,14 @@ class Maildir_Store : public Mail_Store, public std::enable_shared_from_this<Mai
 
   Maildir_Store(const Store_Address& address, const Maildir_Options& options);
   void Check_Place() const;
+  std::string Unreachable() const;
+  std::string Why_Lost() const;
   void Read(Folder& folder);
   bool Scan(Folder& folder, bool is_new, std::vector<Mail*>& came);
-  Mail& Note(Folder& folder, std::string name, bool is_new, std::uint64_t inode, std::vector<Mail*>& came);
+  Mail& Note(Folder& folder, std::string_view name, bool is_new, std::uint64_t inode,
+             std::vector<Mail*>& came);
   bool Is_On_Disk(const Folder& folder, const Mail& mail) const;
+  Cached_Header Header(Mail& mail, std::optional<maildir::Read_Header> read);
   std::string Read_File(Mail& mail, std::size_t most, std::int64_t& size);
   Folder* Role(std::int32_t type);
   Folder& Trash();
@@ -100,11 +110,12 @@ class Maildir_Store : public Mail_Store, public std::enable_shared_from_this<Mai
   maildir::Folder_Tree tree_;
   Header_Cache cache_;
   std::int64_t cached_ = 0;
-  std::uint32_t reading_ = 0;                                     // of a directory, counted
-  std::unordered_map<std::string, std::unique_ptr<Mail>> mails_;  // by EntryID
+  std::uint32_t reading_ = 0;  // of a directory, counted
+  maildir::Mail_Index mails_;
   std::vector<Change> queue_;
   std::weak_ptr<Group_Watcher> watcher_;
   Display_Callback display_;
+  maildir::Read_Ahead read_ahead_;
 };
 
 }  // namespace tidyfold

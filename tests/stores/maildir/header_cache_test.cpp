@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+#include <set>
+
 #include "doubles/temporary_directory.h"
 
 namespace tidyfold {
@@ -62,6 +65,26 @@ TEST_F(Header_Cache_Test, WhatWasPutComesBackByFolderGenerationAndId) {
   EXPECT_EQ(cache.Count(inbox), 1);
   EXPECT_EQ(Subjects(cache, cache.Folder("INBOX", 2)), "") << "another generation";
   EXPECT_EQ(Subjects(cache, lists), "a=list ");
+}
+
+// In any order, and with changes in between, although it is made for one order without any.
+TEST_F(Header_Cache_Test, FindsWhatIsThereInAnyOrder) {
+  Header_Cache cache(directory.Path(), "store");
+  const std::int64_t folder = cache.Folder("", 0);
+  std::set<std::string> there;
+  std::minstd_rand random(1);
+  std::uint_fast32_t number = 0;
+  for (int step = 0; step < 20'000; ++step) {
+    // Mostly the next one or one a few places on.
+    number = random() % 50 == 0 ? random() % 300 : (number + random() % 3) % 300;
+    const std::string id = std::to_string(100 + number);
+    const bool changes = random() % 20 == 0;
+    if (changes && there.insert(id).second) cache.Put(folder, id, Header(id));
+    if (changes && random() % 3 == 0 && there.erase(id) > 0) cache.Forget(folder, id);
+    if (random() % 500 == 0) cache.Keep();
+    const auto found = cache.Find(folder, id);
+    ASSERT_EQ(found ? found->subject : "", there.contains(id) ? id : "") << step;
+  }
 }
 
 // Damage costs a reading, never a wrong header and never a failure.
