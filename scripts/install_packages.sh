@@ -34,6 +34,7 @@ to_build=(
   nlohmann-json3-dev
   libchm-dev           # the help book
   fp-utils             # its compiler, chmcmd
+  python3              # puts right what that makes
 )
 to_show=(
   adwaita-icon-theme   # icons
@@ -44,7 +45,6 @@ to_test=(
   libgtest-dev
   libgmock-dev
   libbenchmark-dev
-  python3              # the check of the includes
   xvfb                 # a virtual screen
   openbox              # a window manager
   xdotool              # mouse and keyboard
