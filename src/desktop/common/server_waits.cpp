@@ -42,7 +42,7 @@ class Server_Waits::Wait {
     wxEventLoopBase* const loop = wxEventLoopBase::GetActive();
     if (loop == nullptr) return go_on_;
     if (!dialog_ && Clock::now() - begun_ > long_wait)
-      dialog_.emplace(application_title, "Waiting for the mail server...", 100, nullptr,
+      dialog_.emplace(application_title, "Waiting for the mail store...", 100, nullptr,
                       wxPD_APP_MODAL | wxPD_CAN_ABORT);
     if (!dialog_) {
       loop->YieldFor(wxEVT_CATEGORY_UI);

@@ -24,10 +24,22 @@ std::uint64_t Eight_Characters(std::string_view name, std::size_t from) {
 
 }  // namespace
 
-int Directory_List::Read(const std::string& path) {
+bool Patience::Lasts() {
+  constexpr std::uint32_t steps_at_once = 256;
+  constexpr auto every = std::chrono::milliseconds(20);
+  if (++steps_ % steps_at_once != 0 || !begin_ || !lasts_) return lasts_;
+  if (std::chrono::steady_clock::now() - asked_ < every) return true;
+  if (!goes_on_) goes_on_ = begin_();
+  lasts_ = goes_on_();
+  asked_ = std::chrono::steady_clock::now();
+  return lasts_;
+}
+
+int Directory_List::Read(const std::string& path, Patience& patience) {
   const std::unique_ptr<DIR, Directory_Closer> directory(::opendir(path.c_str()));
   if (directory == nullptr) return errno;
   for (;;) {
+    if (!patience.Lasts()) return ECANCELED;
     errno = 0;
     const dirent* const entry = ::readdir(directory.get());
     if (entry == nullptr) break;
@@ -46,9 +58,13 @@ int Directory_List::Read(const std::string& path) {
   return 0;
 }
 
-void Directory_List::For_Each(
-    const std::function<void(std::string_view name, std::uint64_t inode)>& take) const {
-  for (const File& file : files_) take(Name(file), file.inode);
+int Directory_List::For_Each(
+    Patience& patience, const std::function<void(std::string_view name, std::uint64_t inode)>& take) const {
+  for (const File& file : files_) {
+    if (!patience.Lasts()) return ECANCELED;
+    take(Name(file), file.inode);
+  }
+  return 0;
 }
 
 }  // namespace tidyfold::maildir

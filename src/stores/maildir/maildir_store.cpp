@@ -194,16 +194,21 @@ void Maildir_Store::Read(Folder& folder) {
   const std::string path = tree_.Text_Of(folder);
   const std::int64_t began = maildir::Now();
   std::vector<Mail*> came;
+  maildir::Patience patience(options_.wait);
   // A file that gets other marks meanwhile may be missed.
   for (int reading = 0; reading < most_readings; ++reading) {
     list.cur_changed = maildir::Changed(path + "/cur");
     list.new_changed = maildir::Changed(path + "/new");
     ++reading_;
     // What leaves new/ meanwhile is met again in cur/.
-    const bool whole = Scan(folder, true, came) && Scan(folder, false, came);
-    if (!whole) {
-      const int error = errno;
+    int error = Scan(folder, true, patience, came);
+    if (error == 0) error = Scan(folder, false, patience, came);
+    if (error != 0) {
       for (Mail* const mail : came) mail->coming = false;
+      list.cur_changed = list.new_changed = 0;
+      if (error == ECANCELED)
+        Fail(automation_error::unavailable,
+             "Reading the folder \"" + folder.name + "\" was cancelled. Choose Refresh to read it again.");
       Check_Place();
       Fail(automation_error::call_failed, "The folder \"" + folder.name + "\" could not be read (" +
                                               Message(error) + "). Check the permissions of \"" + path +
@@ -232,17 +237,17 @@ void Maildir_Store::Read(Folder& folder) {
   list.took = maildir::Now() - began;
 }
 
-bool Maildir_Store::Scan(Folder& folder, bool is_new, std::vector<Mail*>& came) {
+// 0, or the error number of the system, ECANCELED where the person has given up.
+int Maildir_Store::Scan(Folder& folder, bool is_new, maildir::Patience& patience, std::vector<Mail*>& came) {
   const std::string path = tree_.Text_Of(folder) + (is_new ? "/new" : "/cur");
   maildir::Directory_List list;
-  if (const int error = list.Read(path); error != 0) return errno = error, error == ENOENT;
+  if (const int error = list.Read(path, patience); error != 0) return error == ENOENT ? 0 : error;
   if (folder.mail->looked == 0) mails_.Expect(list.Count());
-  list.For_Each([&](std::string_view name, std::uint64_t inode) {
+  return list.For_Each(patience, [&](std::string_view name, std::uint64_t inode) {
     // Marked as deleted by its mail program, which has only to clear up.
     if (!is_new && Split_Maildir_Name(name).marks.find('T') != std::string_view::npos) return;
     Note(folder, name, is_new, inode, came).seen = reading_;
   });
-  return true;
 }
 
 // The mail that a file is. Those that are not in the folder's list yet are added to `came`.

@@ -11,6 +11,7 @@
 #include "mail/mail_summary.h"
 #include "outlook/mail_store.h"
 #include "stores/header_cache/header_cache.h"
+#include "stores/maildir/directory_list.h"
 #include "stores/maildir/maildir_tree.h"
 #include "stores/maildir/read_ahead.h"
 
@@ -21,6 +22,7 @@ struct Maildir_Options {
   std::filesystem::path cache_folder = {};  // empty: headers are not kept
   bool make_trash = true;                   // where there is none, on the first use
   bool may_be_empty = false;                // a directory without any Maildir
+  Begin_Wait wait = {};                     // as in Store_Opening, when a directory takes long
 };
 
 // Other programs deliver, mark and delete at any time; nothing is locked, and every mail is known by the
@@ -87,7 +89,7 @@ class Maildir_Store : public Mail_Store, public std::enable_shared_from_this<Mai
   std::string Unreachable() const;
   std::string Why_Lost() const;
   void Read(Folder& folder);
-  bool Scan(Folder& folder, bool is_new, std::vector<Mail*>& came);
+  int Scan(Folder& folder, bool is_new, maildir::Patience& patience, std::vector<Mail*>& came);
   Mail& Note(Folder& folder, std::string_view name, bool is_new, std::uint64_t inode,
              std::vector<Mail*>& came);
   bool Is_On_Disk(const Folder& folder, const Mail& mail) const;

@@ -17,6 +17,7 @@ std::shared_ptr<Mail_Store> Open_Store(const Store_Address& address, const Store
     Maildir_Options options;
     options.mode = opening.mode;
     options.cache_folder = Header_Cache_Folder();
+    options.wait = opening.wait;
     return Maildir_Store::Open(address, options);
   }
 #endif
