@@ -7,11 +7,14 @@ PROGRAMS is the folder with tidyfold-driven and tidyfold-cli; OUT is filled with
 """
 
 import datetime
+import functools
+import http.server
 import os
 import pathlib
 import shutil
 import subprocess
 import sys
+import threading
 import time
 
 sys.path.append(str(pathlib.Path(__file__).resolve().parent))
@@ -123,6 +126,8 @@ class Pictures:
             "search": self.search, "by-row": self.by_row, "confirmation": self.confirmation,
             "view-menu": self.view_menu, "calendar-dark": self.calendar, "menus": self.options_menu,
             "about": self.about, "item": self.item, "runs": self.runs, "loading": self.loading,
+            "whats-this": self.whats_this, "help-browser": self.help_browser,
+            "help-browser-unreachable": lambda: self.help_browser("help-browser-unreachable", reachable=False),
             "protection": self.protection, "import": self.import_report, "export": self.export,
             "flagged": self.flagged, "keep-copy": self.keep_copy, "compact": self.compact,
             # The last: its run is killed, which the next window would tell.
@@ -181,6 +186,31 @@ class Pictures:
             window.key("a", "menu")
             window.wait("About", lambda state: "About" in str(state["beside"]))
             self.take(window, "about")
+
+    def whats_this(self):
+        with self.open(self.store("Family mail", 900)) as window:
+            window.key("shift+F1")
+            window.wait("the pointer that asks", lambda state: state["pointer_asks"])
+            window.click("chkTurbo")
+            window.wait("its topic", lambda state: "Turbo" in state["beside"]["frmHelpViewer"]["title"])
+            time.sleep(1)
+            self.take(window, "whats-this")
+
+    def help_browser(self, name="help-browser", reachable=True):
+        pages = functools.partial(http.server.SimpleHTTPRequestHandler, directory=str(self.programs))
+        with http.server.ThreadingHTTPServer(("127.0.0.1", 0), pages) as server:
+            if reachable:
+                threading.Thread(target=server.serve_forever, daemon=True).start()
+            else:
+                server.server_close()
+            with self.open(self.store("Family mail", 900),
+                           TIDYFOLD_SITE=f"http://127.0.0.1:{server.server_port}") as window:
+                window.key("ctrl+h")
+                window.wait("the window", lambda state: "frmHelpBrowser" in state["beside"])
+                time.sleep(4)
+                self.take(window, name)
+            if reachable:
+                server.shutdown()
 
     def item(self):
         with self.open(self.store("Family mail", 900)) as window:
